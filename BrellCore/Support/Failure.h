@@ -1,0 +1,23 @@
+// What went wrong is a plain record that callers compare and switch on; the exception only carries it.
+#pragma once
+
+#include <stdexcept>
+#include <utility>
+
+namespace brell {
+
+// Base of every exception of ours. describe(Failure), found next to the record, gives what(): whole
+// sentences, shown to the user as they stand. Derived classes define their destructor out of line, so
+// that the type has one identity however many libraries see it.
+template <class Failure>
+class FailureError : public std::runtime_error {
+public:
+    explicit FailureError(Failure failure)
+        : std::runtime_error(describe(failure)), failure_(std::move(failure)) {}
+    const Failure& failure() const noexcept { return failure_; }
+
+private:
+    Failure failure_;
+};
+
+}  // namespace brell

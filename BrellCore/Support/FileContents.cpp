@@ -1,0 +1,84 @@
+#include "BrellCore/Support/FileContents.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/UniqueFd.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+FileIdentity identityFrom(const struct stat& status) {
+#ifdef __APPLE__
+    const struct timespec modified = status.st_mtimespec;
+#else
+    const struct timespec modified = status.st_mtim;
+#endif
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
+            static_cast<std::uint64_t>(status.st_size),
+            static_cast<std::int64_t>(modified.tv_sec) * 1'000'000'000 + modified.tv_nsec};
+}
+
+ReadError systemError(const fs::path& path) {
+    const int code = errno;  // first: composing the text may change it
+    return ReadError({path, systemMessage(code), code});
+}
+
+// Appends what the file holds, stopping one byte beyond most: enough to see that it is too much.
+bool readAll(const UniqueFd& file, std::string& bytes, std::size_t most) {
+    for (;;) {
+        const std::size_t had = bytes.size();
+        const std::size_t room = std::max<std::size_t>(bytes.capacity() - had, 4096);
+        bytes.resize(had + std::min(room, most + 1 - had));
+        const ssize_t got = ::read(file.get(), bytes.data() + had, bytes.size() - had);
+        bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return false;
+        if (got == 0 || bytes.size() > most) return true;
+    }
+}
+
+}  // namespace
+
+std::string describe(const ReadFailure& failure) {
+    return "The file " + failure.path.string() + " could not be read: " + failure.reason + ".";
+}
+
+ReadError::~ReadError() = default;
+
+std::optional<FileIdentity> identityOf(const fs::path& path) {
+    struct stat status;
+    if (::stat(path.c_str(), &status) == 0) return identityFrom(status);
+    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    throw systemError(path);
+}
+
+std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding) {
+    // Without waiting: opening a named pipe would otherwise last until somebody writes to it.
+    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!file && (errno == ENOENT || errno == ENOTDIR)) return std::nullopt;
+    if (!file) throw systemError(path);
+
+    struct stat status;
+    if (::fstat(file.get(), &status) != 0) throw systemError(path);
+    if (!S_ISREG(status.st_mode)) throw ReadError({path, "it is not an ordinary file", 0});
+    const ReadError tooLarge({path, "it holds more than " + std::to_string(mostBytes) + " bytes", 0});
+    FileContents contents{{}, identityFrom(status)};
+    if (contents.identity.size > mostBytes) throw tooLarge;
+
+    contents.bytes.reserve(static_cast<std::size_t>(contents.identity.size) + 1 + padding);
+    if (!readAll(file, contents.bytes, mostBytes)) throw systemError(path);
+    if (contents.bytes.size() > mostBytes) throw tooLarge;
+    contents.bytes.reserve(contents.bytes.size() + padding);
+    return contents;
+}
+
+}  // namespace brell

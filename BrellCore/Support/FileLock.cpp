@@ -1,0 +1,66 @@
+#include "BrellCore/Support/FileLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <thread>
+
+#include "BrellCore/Support/Folders.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+std::system_error failure(const fs::path& file) {
+    return std::system_error(errno, std::generic_category(), file.string());
+}
+
+UniqueFd openLockFile(const fs::path& file) {
+    const auto open = [&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); };
+    int descriptor = open();
+    if (descriptor < 0 && errno == ENOENT) {
+        if (const std::error_code failed = createFolders(file.parent_path()))
+            throw std::system_error(failed, file.parent_path().string());
+        descriptor = open();
+    }
+    if (descriptor < 0) throw failure(file);
+    return UniqueFd(descriptor);
+}
+
+// False when somebody removed the file after it was opened: a lock on it would exclude nobody.
+bool isStillAt(const fs::path& file, const UniqueFd& descriptor) {
+    struct stat opened, named;
+    return ::fstat(descriptor.get(), &opened) == 0 && ::stat(file.c_str(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+}  // namespace
+
+bool FileLock::stillExcludes() const {
+    return isStillAt(path_, file_);
+}
+
+std::optional<FileLock> FileLock::acquire(const fs::path& file, std::chrono::milliseconds patience) {
+    using namespace std::chrono_literals;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    auto pause = 1ms;
+    for (;;) {
+        UniqueFd descriptor = openLockFile(file);
+        if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) == 0) {
+            if (isStillAt(file, descriptor)) return FileLock(file, std::move(descriptor));
+        } else if (errno != EWOULDBLOCK && errno != EINTR) {
+            throw failure(file);
+        }
+        if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, 50ms);
+    }
+}
+
+}  // namespace brell

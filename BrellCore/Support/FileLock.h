@@ -1,0 +1,30 @@
+// An advisory lock between processes, and between threads that each take it for themselves.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+
+#include "BrellCore/Support/UniqueFd.h"
+
+namespace brell {
+
+// Held as long as the object lives; the system releases it when the process ends, however it ends.
+class FileLock {
+public:
+    // Takes the lock on this file, creating it and the folders above it when absent, and waits up to patience
+    // while another holder has it. Nothing when the time is up. Throws std::system_error when the file can't
+    // be made or locked. Not re-entrant: a holder that asks again waits for itself.
+    static std::optional<FileLock> acquire(const std::filesystem::path& file,
+                                           std::chrono::milliseconds patience);
+
+    // False when somebody removed the file since: another one may be locked in its place.
+    bool stillExcludes() const;
+
+private:
+    FileLock(std::filesystem::path path, UniqueFd file) : path_(std::move(path)), file_(std::move(file)) {}
+    std::filesystem::path path_;
+    UniqueFd file_;
+};
+
+}  // namespace brell

@@ -1,0 +1,99 @@
+#include "BrellCore/Support/JsonWriter.h"
+
+#include <cmath>
+
+#include "BrellCore/Support/Numbers.h"
+#include "BrellCore/Support/Text.h"
+
+namespace brell {
+
+JsonWriteError::~JsonWriteError() = default;
+
+void JsonWriter::key(std::string_view name) {
+    beforeValue();
+    quoted(name);
+    text_ += layout_ == Layout::pretty ? " : " : ":";
+    afterKey_ = true;
+}
+
+void JsonWriter::string(std::string_view text) {
+    if (!isUtf8(text)) throw JsonWriteError("text that is not UTF-8 can't be saved");
+    beforeValue();
+    quoted(text);
+}
+
+void JsonWriter::boolean(bool value) {
+    raw(value ? "true" : "false");
+}
+
+void JsonWriter::integer(std::int64_t value) {
+    raw(std::to_string(value));
+}
+
+void JsonWriter::real(double value) {
+    if (!std::isfinite(value))
+        throw JsonWriteError("the number " + shortestDecimal(value) + " can't be saved");
+    raw(shortestDecimal(value));
+}
+
+void JsonWriter::raw(std::string_view json) {
+    beforeValue();
+    text_ += json;
+}
+
+void JsonWriter::open(char bracket) {
+    beforeValue();
+    text_ += bracket;
+    ++depth_;
+    empty_ = true;
+}
+
+void JsonWriter::close(char bracket) {
+    --depth_;
+    if (!empty_) newLine();
+    text_ += bracket;
+    empty_ = false;
+}
+
+// The comma and line break that part a value from the one before it; nothing right behind its key.
+void JsonWriter::beforeValue() {
+    if (afterKey_) {
+        afterKey_ = false;
+        return;
+    }
+    if (text_.empty()) return;
+    if (!empty_) text_ += ',';
+    newLine();
+    empty_ = false;
+}
+
+void JsonWriter::newLine() {
+    if (layout_ == Layout::compact) return;
+    text_ += '\n';
+    text_.append(static_cast<std::size_t>(depth_) * 2, ' ');
+}
+
+void JsonWriter::quoted(std::string_view text) {
+    constexpr char hex[] = "0123456789abcdef";
+    text_ += '"';
+    for (const char c : text) {
+        switch (c) {
+            case '"': text_ += "\\\""; break;
+            case '\\': text_ += "\\\\"; break;
+            case '\n': text_ += "\\n"; break;
+            case '\r': text_ += "\\r"; break;
+            case '\t': text_ += "\\t"; break;
+            default:
+                if (static_cast<unsigned char>(c) >= 0x20) {
+                    text_ += c;
+                } else {
+                    text_ += "\\u00";
+                    text_ += hex[c >> 4];
+                    text_ += hex[c & 15];
+                }
+        }
+    }
+    text_ += '"';
+}
+
+}  // namespace brell

@@ -1,0 +1,110 @@
+#include "BrellCore/Support/PropertyList.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+
+#include "BrellCore/Support/PropertyListParts.h"
+#include "BrellCore/Support/Text.h"
+
+namespace brell {
+
+namespace {
+
+std::vector<const PlistEntry*> sortedByKey(const PlistDictionary& dictionary) {
+    std::vector<const PlistEntry*> sorted;
+    sorted.reserve(dictionary.entries.size());
+    for (const PlistEntry& entry : dictionary.entries) sorted.push_back(&entry);
+    std::sort(sorted.begin(), sorted.end(),
+              [](const PlistEntry* one, const PlistEntry* other) { return one->key < other->key; });
+    return sorted;
+}
+
+}  // namespace
+
+PlistError::~PlistError() = default;
+
+std::string describe(const PlistFailure& failure) {
+    return "The property list is refused: " + failure.reason + ".";
+}
+
+const PlistValue* PlistDictionary::find(std::string_view key) const {
+    for (const auto& [name, value] : entries)
+        if (name == key) return &value;
+    return nullptr;
+}
+
+void PlistDictionary::set(std::string key, PlistValue value) {
+    for (auto& [name, old] : entries)
+        if (name == key) {
+            old = std::move(value);
+            return;
+        }
+    entries.emplace_back(std::move(key), std::move(value));
+}
+
+bool PlistDictionary::remove(std::string_view key) {
+    return std::erase_if(entries, [&](const PlistEntry& entry) { return entry.key == key; }) > 0;
+}
+
+bool PlistDictionary::operator==(const PlistDictionary& other) const {
+    const auto ours = sortedByKey(*this), theirs = sortedByKey(other);
+    return std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
+                      [](const PlistEntry* one, const PlistEntry* another) { return *one == *another; });
+}
+
+PlistValue readPropertyList(std::string_view bytes) {
+    if (bytes.empty()) plist::refuse("it is empty");
+    if (bytes.starts_with("bplist")) return plist::readBinary(bytes);
+    return plist::readXml(bytes);
+}
+
+bool isXmlText(std::string_view text) {
+    return plist::firstNonXml(text) == std::string_view::npos;
+}
+
+namespace plist {
+
+std::vector<const PlistEntry*> sortedUniqueKeys(const PlistDictionary& dictionary) {
+    auto sorted = sortedByKey(dictionary);
+    const auto twice = std::adjacent_find(
+        sorted.begin(), sorted.end(),
+        [](const PlistEntry* one, const PlistEntry* next) { return one->key == next->key; });
+    if (twice != sorted.end()) refuse("the key \"{}\" stands twice in a dictionary", excerpt((*twice)->key));
+    return sorted;
+}
+
+void appendUtf8(std::string& text, std::uint32_t codePoint) {
+    utf8proc_uint8_t encoded[4];
+    const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(codePoint), encoded);
+    text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
+}
+
+bool isXmlCharacter(std::uint32_t codePoint) {
+    if (codePoint < 0x20) return codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
+    return codePoint < 0xD800 || (codePoint >= 0xE000 && codePoint < 0xFFFE) ||
+           (codePoint >= 0x10000 && codePoint <= 0x10FFFF);
+}
+
+std::size_t firstNonXml(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+    for (std::size_t at = 0; at < text.size();) {
+        utf8proc_int32_t codePoint = bytes[at];
+        utf8proc_ssize_t length = 1;
+        if (codePoint >= 0x80)
+            length =
+                utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(text.size() - at), &codePoint);
+        if (length <= 0 || !isXmlCharacter(static_cast<std::uint32_t>(codePoint))) return at;
+        at += static_cast<std::size_t>(length);
+    }
+    return std::string_view::npos;
+}
+
+std::string excerpt(std::string_view text) {
+    constexpr std::size_t most = 200;
+    return oneLine(text.substr(0, most)) + (text.size() > most ? "..." : "");
+}
+
+}  // namespace plist
+
+}  // namespace brell

@@ -1,0 +1,77 @@
+// What the readers and the writer of property lists share. For them alone.
+#pragma once
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "BrellCore/Support/PropertyList.h"
+
+namespace brell::plist {
+
+inline constexpr int mostLevels = 128;
+inline constexpr std::size_t mostValues = 1'000'000;
+inline constexpr std::int64_t start2001 = 978'307'200;  // in seconds since 1970
+
+template <class... Arguments>
+[[noreturn]] void refuse(fmt::format_string<Arguments...> reason, Arguments&&... arguments) {
+    throw PlistError({fmt::format(reason, std::forward<Arguments>(arguments)...)});
+}
+
+// The values a document may still hold, so that a small hostile file can't become a large value.
+class ValueBudget {
+public:
+    void take(std::size_t values) {
+        if (values > left_) refuse("it holds more than a million values");
+        left_ -= values;
+    }
+
+private:
+    std::size_t left_ = mostValues;
+};
+
+// The outermost value stands at level 1.
+inline void checkLevel(int level) {
+    if (level > mostLevels) refuse("it nests more than {} levels", mostLevels);
+}
+
+// The entries in the order of their keys; refuses a key that stands twice.
+std::vector<const PlistEntry*> sortedUniqueKeys(const PlistDictionary& dictionary);
+
+void appendUtf8(std::string& text, std::uint32_t codePoint);  // a valid one
+
+bool isXmlCharacter(std::uint32_t codePoint);
+
+// Where the first byte stands that is not part of an XML character in UTF-8; npos when there is none.
+std::size_t firstNonXml(std::string_view text);
+
+// A piece of a file for a message: on one line and of bounded length.
+std::string excerpt(std::string_view text);
+
+std::string_view withoutLeadingBlanks(std::string_view text);
+std::string lowerCaseAscii(std::string_view text);
+
+// Appends text of an XML file with its entities decoded; refuses those that stand for no XML character.
+void appendDecoded(std::string& text, std::string_view written);
+
+// An optional sign and decimal digits, or hexadecimal ones behind 0x; blanks may stand before and behind the
+// sign, as the system's own reader has it.
+std::optional<PlistValue> parsePlistInteger(std::string_view text);
+
+// Decimal digits with an optional point and exponent, or a word for an infinity or no number; blanks may
+// stand before.
+std::optional<double> parsePlistReal(std::string_view text);
+
+// Blanks may stand anywhere; the last group of four is filled up with "=".
+std::optional<std::string> decodedBase64(std::string_view text);
+
+PlistValue readXml(std::string_view bytes);
+PlistValue readBinary(std::string_view bytes);
+
+}  // namespace brell::plist

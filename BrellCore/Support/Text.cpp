@@ -1,0 +1,136 @@
+#include "BrellCore/Support/Text.h"
+
+#include <utf8proc.h>
+
+namespace brell {
+
+namespace {
+
+constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
+
+// One code point cut from the front of text, or -1 and one byte cut when they are not UTF-8.
+std::int32_t nextCodePoint(std::string_view& text) {
+    utf8proc_int32_t codePoint = -1;
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+    text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    return length > 0 ? codePoint : -1;
+}
+
+void append(std::string& text, std::int32_t codePoint) {
+    utf8proc_uint8_t encoded[4];
+    const auto length = utf8proc_encode_char(codePoint, encoded);
+    text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
+}
+
+enum class SlugClass { word, mark, separator };
+
+SlugClass slugClass(std::int32_t codePoint) {
+    switch (codePoint < 0 ? UTF8PROC_CATEGORY_CN : utf8proc_category(codePoint)) {
+        case UTF8PROC_CATEGORY_LU:
+        case UTF8PROC_CATEGORY_LL:
+        case UTF8PROC_CATEGORY_LT:
+        case UTF8PROC_CATEGORY_LM:
+        case UTF8PROC_CATEGORY_LO:
+        case UTF8PROC_CATEGORY_ND: return SlugClass::word;
+        case UTF8PROC_CATEGORY_MN:
+        case UTF8PROC_CATEGORY_MC:
+        case UTF8PROC_CATEGORY_ME: return SlugClass::mark;
+        default: return SlugClass::separator;
+    }
+}
+
+bool breaksALine(std::int32_t codePoint) {
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028 ||
+           codePoint == 0x2029;
+}
+
+}  // namespace
+
+bool isUtf8(std::string_view bytes) {
+    while (!bytes.empty())
+        if (static_cast<unsigned char>(bytes[0]) < 0x80)
+            bytes.remove_prefix(1);
+        else if (nextCodePoint(bytes) < 0)
+            return false;
+    return true;
+}
+
+std::string repairedUtf8(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    while (!bytes.empty()) {
+        const std::string_view before = bytes;
+        const bool valid = nextCodePoint(bytes) >= 0;
+        text += valid ? before.substr(0, before.size() - bytes.size()) : replacement;
+    }
+    return text;
+}
+
+std::string oneLine(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    while (!text.empty()) {
+        const std::string_view before = text;
+        const std::int32_t codePoint = nextCodePoint(text);
+        if (codePoint < 0)
+            line += replacement;
+        else if (breaksALine(codePoint))
+            line += ' ';
+        else
+            line += before.substr(0, before.size() - text.size());
+    }
+    return line;
+}
+
+std::string lowerCaseSlug(std::string_view text) {
+    std::string slug;
+    bool inWord = false;
+    while (!text.empty()) {
+        const std::int32_t codePoint = nextCodePoint(text);
+        const SlugClass kind = slugClass(codePoint);
+        // A mark belongs to what stands before it: to a letter, or to a separator.
+        if (kind == SlugClass::separator) inWord = false;
+        if (kind == SlugClass::separator || (kind == SlugClass::mark && !inWord)) continue;
+        if (!inWord && !slug.empty()) slug += '-';
+        inWord = true;
+        append(slug, utf8proc_tolower(codePoint));
+    }
+    return slug;
+}
+
+std::string join(const std::vector<std::string>& pieces, std::string_view separator) {
+    std::string joined;
+    for (const std::string& piece : pieces) {
+        if (&piece != &pieces.front()) joined += separator;
+        joined += piece;
+    }
+    return joined;
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view white = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(white);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(white) - first + 1);
+}
+
+std::string fileUrl(std::string_view absolutePath) {
+    constexpr char hex[] = "0123456789ABCDEF";
+    // What a path may hold as it stands; the platform's own file URLs leave these, too.
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/!$&'()*+,:=@";
+    std::string url = "file://";
+    for (const char c : absolutePath) {
+        if (plain.find(c) != std::string_view::npos) {
+            url += c;
+            continue;
+        }
+        url += '%';
+        url += hex[static_cast<unsigned char>(c) >> 4];
+        url += hex[static_cast<unsigned char>(c) & 15];
+    }
+    return url;
+}
+
+}  // namespace brell

@@ -1,0 +1,32 @@
+// UTF-8 text: checking it, and making it fit for one line.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace brell {
+
+bool isUtf8(std::string_view bytes);
+
+// The same text with every invalid sequence replaced by U+FFFD.
+std::string repairedUtf8(std::string_view bytes);
+
+// The text on one line, safe for a terminal, a comment or a table cell: each control character and line or
+// paragraph separator becomes a blank. Bytes that are not UTF-8 become U+FFFD.
+std::string oneLine(std::string_view text);
+
+// Lower-case letters of any script and digits, everything else a separator: pieces joined with "-". A letter
+// that is written as a base and combining marks stays whole. Empty when no letter or digit is in the text.
+std::string lowerCaseSlug(std::string_view text);
+
+std::string join(const std::vector<std::string>& pieces, std::string_view separator);
+
+// Without white space (blanks, tabs, line ends) at either end.
+std::string_view trimmed(std::string_view text);
+
+// The file URL of an absolute path, with everything outside the unreserved characters and "/"
+// percent-encoded: /Users/jo ann gives file:///Users/jo%20ann.
+std::string fileUrl(std::string_view absolutePath);
+
+}  // namespace brell

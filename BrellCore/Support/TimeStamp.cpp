@@ -1,0 +1,63 @@
+#include "BrellCore/Support/TimeStamp.h"
+
+#include <fmt/format.h>
+
+#include <ctime>
+
+namespace brell {
+
+namespace chr = std::chrono;
+
+namespace {
+
+constexpr unsigned noNumber = 1'000'000;
+
+// The number that so many digits at this place stand for; noNumber or more when one of them is no digit.
+template <std::size_t count>
+unsigned digits(std::string_view text, std::size_t at) {
+    unsigned number = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned digit = static_cast<unsigned char>(text[at + i]) - unsigned{'0'};
+        number = number * 10 + (digit <= 9 ? digit : noNumber);
+    }
+    return number;
+}
+
+bool hasTheMarks(std::string_view text) {
+    return text.size() == 20 && text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' &&
+           text[16] == ':' && text[19] == 'Z';
+}
+
+}  // namespace
+
+TimeStamp systemNow() {
+    return chr::floor<chr::seconds>(chr::system_clock::now());
+}
+
+std::string iso8601(TimeStamp time) {
+    const auto day = chr::floor<chr::days>(time);
+    const chr::year_month_day date(day);
+    const chr::hh_mm_ss clock(time - day);
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(date.year()),
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                       clock.hours().count(), clock.minutes().count(), clock.seconds().count());
+}
+
+std::optional<TimeStamp> parseIso8601(std::string_view text) {
+    if (!hasTheMarks(text)) return std::nullopt;
+    const unsigned year = digits<4>(text, 0), month = digits<2>(text, 5), day = digits<2>(text, 8);
+    const unsigned hour = digits<2>(text, 11), minute = digits<2>(text, 14), second = digits<2>(text, 17);
+    if (year > 9999 || month > 12 || day > 31 || hour > 23 || minute > 59 || second > 59) return std::nullopt;
+    const chr::year_month_day date(chr::year(static_cast<int>(year)), chr::month(month), chr::day(day));
+    if (!date.ok()) return std::nullopt;
+    return chr::sys_days(date) + chr::hours(hour) + chr::minutes(minute) + chr::seconds(second);
+}
+
+std::string localDay(TimeStamp time) {
+    const std::time_t seconds = chr::system_clock::to_time_t(time);
+    std::tm local{};
+    ::localtime_r(&seconds, &local);
+    return fmt::format("{:04}-{:02}-{:02}", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+}
+
+}  // namespace brell
