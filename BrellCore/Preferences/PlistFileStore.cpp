@@ -1,0 +1,171 @@
+#include "BrellCore/Preferences/PlistFileStore.h"
+
+#include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/PropertyList.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+// Real preference files are a few kilobytes; one this large is not a preference file.
+constexpr std::size_t mostBytes = 16 * 1024 * 1024;
+
+StoreFailure unreadable(const fs::path& file, const std::string& reason) {
+    return StoreIo{"The preference file " + file.string() + " could not be read: " + reason + "."};
+}
+
+std::variant<PlistFileStore::Values, StoreFailure> parse(const std::string& domain, const fs::path& file,
+                                                         std::string_view bytes) try {
+    const PlistValue root = readPropertyList(bytes);
+    const auto* dictionary = root.as<PlistDictionary>();
+    if (!dictionary) return unreadable(file, "it does not hold a dictionary");
+    PlistFileStore::Values values;
+    for (const auto& [key, object] : dictionary->entries) {
+        auto value = PrefValue::fromPropertyList(object);
+        if (!value) return UnsupportedType{{domain, key}, propertyListTypeName(object)};
+        values.emplace(key, std::move(*value));
+    }
+    return values;
+} catch (const PlistError& error) {
+    return unreadable(file, error.failure().reason);
+}
+
+}  // namespace
+
+PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains)
+    : directory_(std::move(directory)), allowedDomains_(std::move(allowedDomains)) {
+    fs::create_directories(directory_);
+}
+
+StoredValue PlistFileStore::exactValue(const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    return exactValueLocked(key);
+}
+
+StoredValue PlistFileStore::effectiveValue(const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    const StoredValue exact = exactValueLocked(key);
+    if (!exact.isAbsent()) return exact;
+    const auto systemDefault = systemDefaults_.find(key);
+    return systemDefault == systemDefaults_.end() ? StoredValue() : StoredValue(systemDefault->second);
+}
+
+bool PlistFileStore::hasByHostValue(const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    return byHostKeys_.contains(key);
+}
+
+bool PlistFileStore::isForced(const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    return forcedKeys_.contains(key);
+}
+
+void PlistFileStore::write(const PrefValue& value, const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    if (failingKeys_.erase(key) > 0)
+        throw StoreError(StoreIo{"simulated write failure for " + key.rendered()});
+    if (ignoredKeys_.contains(key)) return;
+    Values values = valuesLocked(key.domain);
+    values.insert_or_assign(key.name, value);
+    saveLocked(key.domain, values);
+}
+
+void PlistFileStore::remove(const PrefKey& key) {
+    checkAllowed(key.domain);
+    const std::lock_guard lock(mutex_);
+    Values values = valuesLocked(key.domain);
+    if (values.erase(key.name) > 0) saveLocked(key.domain, values);
+}
+
+void PlistFileStore::synchronize(const std::string& domain) {
+    checkAllowed(domain);
+}
+
+std::map<std::string, PlistFileStore::Values> PlistFileStore::snapshot() {
+    const std::lock_guard lock(mutex_);
+    std::map<std::string, Values> everything;
+    for (const std::string& domain : allowedDomains_)
+        if (const Values& values = valuesLocked(domain); !values.empty()) everything.emplace(domain, values);
+    return everything;
+}
+
+void PlistFileStore::markByHost(const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    byHostKeys_.insert(key);
+}
+
+void PlistFileStore::markForced(const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    forcedKeys_.insert(key);
+}
+
+void PlistFileStore::markUnsupported(const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    unsupportedKeys_.insert(key);
+}
+
+void PlistFileStore::registerSystemDefault(const PrefValue& value, const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    systemDefaults_.insert_or_assign(key, value);
+}
+
+void PlistFileStore::failNextWrite(const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    failingKeys_.insert(key);
+}
+
+void PlistFileStore::ignoreWrites(const PrefKey& key) {
+    const std::lock_guard lock(mutex_);
+    ignoredKeys_.insert(key);
+}
+
+StoredValue PlistFileStore::exactValueLocked(const PrefKey& key) {
+    if (unsupportedKeys_.contains(key)) throw StoreError(UnsupportedType{key, "dictionary"});
+    const Values& values = valuesLocked(key.domain);
+    const auto found = values.find(key.name);
+    return found == values.end() ? StoredValue() : StoredValue(found->second);
+}
+
+// What the domain's file holds; parsed again only when the file is no longer the one that was parsed.
+const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain) try {
+    auto known = domains_.find(domain);
+    if (known == domains_.end() || known->second.identity != identityOf(known->second.file)) {
+        Domain fresh{fileOf(domain), std::nullopt, Values()};
+        if (const auto contents = readFile(fresh.file, mostBytes)) {
+            fresh.identity = contents->identity;
+            fresh.contents = parse(domain, fresh.file, contents->bytes);
+        }
+        known = domains_.insert_or_assign(domain, std::move(fresh)).first;
+    }
+    const auto& contents = known->second.contents;
+    if (const auto* failure = std::get_if<StoreFailure>(&contents)) throw StoreError(*failure);
+    return std::get<Values>(contents);
+} catch (const ReadError& error) {
+    throw StoreError(unreadable(error.failure().path, error.failure().reason));
+}
+
+void PlistFileStore::saveLocked(const std::string& domain, const Values& values) try {
+    PlistDictionary dictionary;
+    dictionary.entries.reserve(values.size());
+    for (const auto& [key, value] : values) dictionary.entries.emplace_back(key, value.propertyListObject());
+    replaceFile(fileOf(domain), writeXmlPropertyList({std::move(dictionary)}), Durability::readersOnly);
+    domains_.erase(domain);  // the next reading proves what really arrived in the file
+} catch (const PlistError& error) {
+    throw StoreError(StoreIo{"The preference file " + fileOf(domain).string() +
+                             " could not be written: " + error.failure().reason + "."});
+} catch (const ReplaceError& error) {
+    throw StoreError(StoreIo{error.what()});
+}
+
+fs::path PlistFileStore::fileOf(const std::string& domain) const {
+    return directory_ / (domain + ".plist");
+}
+
+}  // namespace brell

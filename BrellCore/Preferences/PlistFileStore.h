@@ -1,0 +1,69 @@
+// A preference store that keeps each domain in a property-list file of its own, for everything that runs
+// without the user-defaults system; it can also play the situations that the real store meets.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <variant>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/FileContents.h"
+
+namespace brell {
+
+// One shared instance a folder; any thread may call it. Every write replaces the domain's file "DOMAIN.plist"
+// whole (XML), so readers never see half a file. Reads follow changes made to the files by others. A file
+// that can't be read, parsed or converted raises StoreError and is left as it is.
+class PlistFileStore final : public PreferenceStore {
+public:
+    using Values = std::map<std::string, PrefValue, std::less<>>;  // by key
+
+    // Creates the folder and those above it; raises std::filesystem::filesystem_error when it can't.
+    PlistFileStore(std::filesystem::path directory, DomainSet allowedDomains);
+
+    const DomainSet& allowedDomains() const override { return allowedDomains_; }
+    StoredValue exactValue(const PrefKey& key) override;
+    StoredValue effectiveValue(const PrefKey& key) override;  // falls back to the registered system defaults
+    bool hasByHostValue(const PrefKey& key) override;
+    bool isForced(const PrefKey& key) override;
+    void write(const PrefValue& value, const PrefKey& key) override;
+    void remove(const PrefKey& key) override;
+    void synchronize(const std::string& domain) override;  // every write is already in its file
+
+    // The allowed domains that hold anything, with all their keys.
+    std::map<std::string, Values> snapshot();
+
+    // Situations to play. None of them touches the files; they last as long as the instance.
+    void markByHost(const PrefKey& key);
+    void markForced(const PrefKey& key);
+    void markUnsupported(const PrefKey& key);  // its reads fail as a dictionary's would
+    void registerSystemDefault(const PrefValue& value, const PrefKey& key);
+    void failNextWrite(const PrefKey& key);  // only the next one
+    void ignoreWrites(const PrefKey& key);   // accepted, not stored
+
+private:
+    struct Domain {
+        std::filesystem::path file;  // put together once: a status asks for the same few again and again
+        std::optional<FileIdentity> identity;  // of the file when it was read; nothing when there was none
+        std::variant<Values, StoreFailure> contents;
+    };
+
+    StoredValue exactValueLocked(const PrefKey& key);
+    const Values& valuesLocked(const std::string& domain);
+    void saveLocked(const std::string& domain, const Values& values);
+    std::filesystem::path fileOf(const std::string& domain) const;
+
+    const std::filesystem::path directory_;
+    const DomainSet allowedDomains_;
+
+    std::mutex mutex_;  // guards everything below and every use of the files
+    std::map<std::string, Domain> domains_;
+    std::set<PrefKey> byHostKeys_, forcedKeys_, unsupportedKeys_, failingKeys_, ignoredKeys_;
+    std::map<PrefKey, PrefValue> systemDefaults_;
+};
+
+}  // namespace brell

@@ -1,0 +1,20 @@
+// Preference values in JSON: {"type": "int", "value": 36}, and {"absent": true} for nothing stored.
+#pragma once
+
+#include <simdjson.h>
+
+#include "BrellCore/Preferences/PrefValue.h"
+#include "BrellCore/Support/JsonWriter.h"
+
+namespace brell {
+
+// Raises JsonWriteError for what JSON can't carry: not-a-number, infinities, text that is not UTF-8.
+void writeJson(JsonWriter& json, const PrefValue& value);
+void writeJson(JsonWriter& json, const StoredValue& value);
+
+// Raise simdjson_error for a missing key or a value of the wrong JSON type, std::runtime_error for a type
+// word outside the five ("unknown PrefValue type float"). Nothing is defaulted.
+PrefValue readPrefValue(simdjson::ondemand::object object);
+StoredValue readStoredValue(simdjson::ondemand::object object);
+
+}  // namespace brell
