@@ -1,0 +1,108 @@
+// The crash-safe list of every change ever made, kept in one file that is replaced whole on each save.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "BrellCore/Journal/History.h"
+#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Support/Failure.h"
+#include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/FileLock.h"
+
+namespace brell {
+
+struct JournalFailure {
+    enum class Kind { cannotWrite, cannotRead };
+    Kind kind;
+    std::string text;  // what happened, without a final stop
+    bool operator==(const JournalFailure&) const = default;
+};
+std::string describe(const JournalFailure& failure);
+
+class JournalError final : public FailureError<JournalFailure> {
+public:
+    using FailureError::FailureError;
+    ~JournalError() override;
+};
+
+// One shared instance a journal directory and process; several processes may use the same directory. Any
+// thread may call it. Every operation first reads the file again when it is no longer the one last read or
+// written, and raises JournalError (cannotRead) when that fails; the list and the file then stay as they are.
+//
+// Order of locks: the engine's mutex, then the advisory lock (Exclusive), then this object's own mutex.
+class Journal {
+public:
+    static constexpr std::int64_t formatVersion = 1;  // written, and the highest that is read
+
+    // While it lives no other process and no other thread can save an entry.
+    class Exclusive {
+        friend class Journal;
+        explicit Exclusive(FileLock lock) : lock_(std::move(lock)) {}
+        FileLock lock_;
+    };
+
+    // "Library/Application Support/Corvane Brell" in this home folder. Creates nothing.
+    static std::filesystem::path defaultDirectory(const std::filesystem::path& home);
+
+    // The journal of this directory: "journal.json" and the folder "history" in it. Creates nothing. Raises
+    // JournalError (cannotRead) for a file that is damaged or of a newer format.
+    static std::unique_ptr<Journal> open(const std::filesystem::path& directory, Clock clock = systemNow);
+    Journal(const std::filesystem::path& file, std::filesystem::path historyDirectory,
+            Clock clock = systemNow);
+
+    const std::filesystem::path& fileURL() const { return file_; }
+    const std::filesystem::path& historyDirectory() const { return historyDirectory_; }
+
+    // Copies, in the order in which the entries were first saved.
+    std::vector<JournalEntry> all();
+    std::vector<JournalEntry> active();
+    std::vector<JournalEntry> entries(EntryStatus status);
+    std::optional<JournalEntry> entry(const Uuid& id);
+    std::optional<JournalEntry> activeEntry(std::string_view tweakID);
+
+    // Waits for other holders, half a minute at most; then, and when the lock can't be taken, JournalError
+    // (cannotWrite). Not re-entrant.
+    Exclusive exclusive();
+
+    // Saves a new entry or, in its place, a changed one: on stable storage when the call returns. Raises
+    // JournalError (cannotWrite) when it can't; the list and the file then hold what they held before. The
+    // history line is written on the way, if it can be.
+    void upsert(const JournalEntry& entry) { upsert(entry, exclusive()); }
+    void upsert(const JournalEntry& entry, const Exclusive& held);
+
+    // Lines of the last so many days of 86400 seconds, or all; oldest first.
+    std::vector<HistoryLine> history(std::optional<int> days = std::nullopt) const;
+
+private:
+    // Where an entry's JSON text stands in text_.
+    struct Span {
+        std::size_t begin;
+        std::size_t length;
+    };
+    struct Contents {
+        std::vector<JournalEntry> entries;
+        std::vector<Span> spans;  // one for each entry
+        std::string text;         // the file's
+        std::optional<FileIdentity> identity;
+    };
+
+    static Contents parsed(const std::string& text);  // all but text and identity
+    void refreshLocked();
+    void saveLocked(const JournalEntry& entry);
+
+    const std::filesystem::path file_;
+    const std::filesystem::path historyDirectory_;
+    const Clock clock_;
+
+    std::mutex mutex_;  // guards contents_ and every use of the file
+    Contents contents_;
+};
+
+}  // namespace brell

@@ -1,0 +1,81 @@
+// One change of the user's machine, with everything needed to undo it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/EnumText.h"
+#include "BrellCore/Support/TimeStamp.h"
+#include "BrellCore/Support/Uuid.h"
+
+namespace brell {
+
+enum class EntryKind { preference, launchAgent };
+template <>
+inline constexpr std::array<std::string_view, 2> enumTexts<EntryKind>{"preference", "launchAgent"};
+
+enum class EntryDirection {
+    on,              // the entry set values, or switched an agent
+    resetToDefault,  // the entry removed the tweak's keys
+};
+template <>
+inline constexpr std::array<std::string_view, 2> enumTexts<EntryDirection>{"on", "resetToDefault"};
+
+enum class EntryStatus {
+    capturing,  // originals are saved, the change is about to be made; found at start: it was interrupted
+    applied,    // every write was made and verified
+    failed,     // what had been written was put back; failure says why
+    restored,   // undone; restoredAt says when
+};
+template <>
+inline constexpr std::array<std::string_view, 4> enumTexts<EntryStatus>{"capturing", "applied", "failed",
+                                                                        "restored"};
+
+// launchd's per-user override for a label; absent when it holds none.
+enum class AgentOverride { absent, enabled, disabled };
+template <>
+inline constexpr std::array<std::string_view, 3> enumTexts<AgentOverride>{"absent", "enabled", "disabled"};
+
+struct JournaledWrite {
+    PrefKey key;
+    StoredValue original;  // the exact reading before the change
+    StoredValue written;   // what the change stored; absent for a removal
+    bool operator==(const JournaledWrite&) const = default;
+};
+
+// A LaunchAgent before it was changed.
+struct AgentCapture {
+    std::string label;
+    std::string plistPath;  // absolute
+    bool wasLoaded;
+    AgentOverride override;
+    bool operator==(const AgentCapture&) const = default;
+};
+
+struct JournalEntry {
+    Uuid id;
+    std::string tweakID;  // "agent:" and the label for a LaunchAgent
+    EntryKind kind;
+    EntryDirection direction;
+    std::vector<JournaledWrite> writes;  // in the order written; empty for a LaunchAgent
+    EntryStatus status;
+    TimeStamp appliedAt;
+    std::optional<TimeStamp> restoredAt;
+    std::string macOSVersion;  // "15.1.0"
+    std::optional<AgentCapture> agent;
+    std::optional<std::string> choiceID;
+    std::optional<std::string> failure;
+
+    // The change may be in force and must be undone by a restore; an interrupted one counts on purpose.
+    bool isActive() const { return status == EntryStatus::capturing || status == EntryStatus::applied; }
+    bool operator==(const JournalEntry&) const = default;
+};
+
+// The journal's key of a LaunchAgent's changes.
+inline std::string agentTweakID(std::string_view label) {
+    return "agent:" + std::string(label);
+}
+
+}  // namespace brell

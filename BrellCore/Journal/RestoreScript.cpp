@@ -1,0 +1,131 @@
+#include "BrellCore/Journal/RestoreScript.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "BrellCore/Journal/EntryOrder.h"
+#include "BrellCore/Support/Numbers.h"
+#include "BrellCore/Support/Text.h"
+
+namespace brell::RestoreScript {
+
+namespace {
+
+constexpr std::string_view userDomain = "\"gui/$(id -u)\"";
+
+std::string domainArgument(const std::string& domain) {
+    return domain == globalDomain ? "-g" : quote(domain);
+}
+
+std::string putBackCommand(const JournaledWrite& write) {
+    const std::string place = domainArgument(write.key.domain) + " " + quote(write.key.name);
+    if (write.original.isAbsent()) return "defaults delete " + place;
+    const PrefValue& original = *write.original.value;
+    return "defaults write " + place + " " + std::string(original.defaultsFlag()) + " " + valueArgs(original);
+}
+
+std::string commentLine(const JournalEntry& entry) {
+    const std::string what =
+        entry.direction == EntryDirection::resetToDefault ? "reset to default" : "applied";
+    return oneLine("# " + entry.tweakID + " (" + what + " " + iso8601(entry.appliedAt) + ")");
+}
+
+std::vector<std::string> entryLines(const JournalEntry& entry) {
+    std::vector<std::string> lines{commentLine(entry)};
+    switch (entry.kind) {
+        case EntryKind::preference:
+            for (const JournaledWrite& write : entry.writes) lines.push_back(preferenceLine(write));
+            break;
+        case EntryKind::launchAgent:
+            if (entry.agent)
+                for (std::string& line : agentLines(*entry.agent)) lines.push_back(std::move(line));
+            break;
+    }
+    return lines;
+}
+
+std::vector<JournalEntry> activeNewestFirst(const std::vector<JournalEntry>& entries) {
+    std::vector<JournalEntry> active;
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(active),
+                 [](const JournalEntry& entry) { return entry.isActive(); });
+    return newestFirst(std::move(active));
+}
+
+}  // namespace
+
+std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt) {
+    std::vector<std::string> lines{
+        "#!/bin/sh",
+        "# Corvane Brell restore script, written " + iso8601(writtenAt) + ".",
+        "# Run it in Terminal (sh restore.sh) to put back every setting Brell changed, newest change first.",
+        "# A preference is restored only if it still holds the value Brell wrote; arrays and keys Brell "
+        "removed "
+        "are restored unconditionally.",
+        "set -u",
+        R"sh(restore() { domain="$1"; key="$2"; expect="$3"; shift 3)sh",
+        R"sh(  current="$(defaults read "$domain" "$key" 2>/dev/null)")sh",
+        R"sh(  if [ "$current" = "$expect" ]; then "$@"; else echo "skip $domain $key (now: ${current:-absent})"; fi; })sh",
+        ""};
+    const std::vector<JournalEntry> active = activeNewestFirst(entries);
+    for (const JournalEntry& entry : active)
+        for (std::string& line : entryLines(entry)) lines.push_back(std::move(line));
+    if (active.empty()) lines.push_back("echo 'Nothing to restore: Brell has no active change on record.'");
+    lines.push_back("");
+    lines.push_back(
+        "echo 'Done. Relaunch Finder and the Dock, or log out and back in, for every change to take "
+        "effect.'");
+    return join(lines, "\n") + "\n";
+}
+
+std::string quote(std::string_view text) {
+    std::string word = "'";
+    for (const char c : text)
+        if (c == '\'')
+            word += R"('\'')";
+        else
+            word += c;
+    return word + "'";
+}
+
+std::string valueArgs(const PrefValue& value) {
+    if (const auto* flag = value.as<bool>()) return *flag ? "true" : "false";
+    if (const auto* integer = value.as<std::int64_t>()) return std::to_string(*integer);
+    if (const auto* real = value.as<double>()) return shortestDecimal(*real);
+    if (const auto* text = value.as<std::string>()) return quote(*text);
+    std::vector<std::string> elements;
+    for (const std::string& element : std::get<PrefValue::StringArray>(value.payload))
+        elements.push_back(quote(element));
+    return join(elements, " ");
+}
+
+std::optional<std::string> defaultsReadText(const PrefValue& value) {
+    if (const auto* flag = value.as<bool>()) return *flag ? "1" : "0";
+    if (const auto* integer = value.as<std::int64_t>()) return std::to_string(*integer);
+    if (const auto* text = value.as<std::string>()) return *text;
+    const auto* real = value.as<double>();
+    if (!real) return std::nullopt;
+    const bool integral = std::fabs(*real) < 1e15 && std::nearbyint(*real) == *real;
+    return integral ? std::to_string(static_cast<std::int64_t>(*real)) : shortestDecimal(*real);
+}
+
+std::string preferenceLine(const JournaledWrite& write) {
+    const std::string command = putBackCommand(write);
+    auto expected = write.written.value ? defaultsReadText(*write.written.value) : std::nullopt;
+    if (!expected) return command;
+    // The script's $(...) takes every line feed off the end of what it reads.
+    while (expected->ends_with('\n')) expected->pop_back();
+    return "restore " + domainArgument(write.key.domain) + " " + quote(write.key.name) + " " +
+           quote(*expected) + " " + command;
+}
+
+std::vector<std::string> agentLines(const AgentCapture& agent) {
+    const std::string target = "\"gui/$(id -u)/\"" + quote(agent.label);
+    const bool wasDisabled = agent.override == AgentOverride::disabled;
+    std::vector<std::string> lines{(wasDisabled ? "launchctl disable " : "launchctl enable ") + target};
+    if (agent.wasLoaded)
+        lines.push_back("launchctl bootstrap " + std::string(userDomain) + " " + quote(agent.plistPath) +
+                        " 2>/dev/null || true");
+    return lines;
+}
+
+}  // namespace brell::RestoreScript

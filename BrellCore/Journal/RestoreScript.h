@@ -1,0 +1,31 @@
+// The POSIX shell script beside the journal that undoes every active change when the application is gone.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "BrellCore/Journal/JournalEntry.h"
+
+namespace brell::RestoreScript {
+
+inline constexpr std::string_view fileName = "restore.sh";
+inline constexpr std::string_view exportName = "corvane-brell-restore.sh";  // of a copy that the user saves
+
+// The whole text for the active ones of these entries, newest first. Whatever the entries hold, none of it
+// can become a command: data stands in single quotes, comments stay on one line.
+std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt);
+
+// One single-quoted shell word.
+std::string quote(std::string_view text);
+// The value as arguments of `defaults write`.
+std::string valueArgs(const PrefValue& value);
+// What `defaults read` prints for the value; nothing for arrays, which are never compared.
+std::optional<std::string> defaultsReadText(const PrefValue& value);
+// The line that puts one key back.
+std::string preferenceLine(const JournaledWrite& write);
+// The lines that put one LaunchAgent back.
+std::vector<std::string> agentLines(const AgentCapture& agent);
+
+}  // namespace brell::RestoreScript
