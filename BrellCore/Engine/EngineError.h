@@ -1,0 +1,44 @@
+// Why a change was not made or not undone.
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell {
+
+struct Refused {
+    std::string text;  // whole sentences
+    bool operator==(const Refused&) const = default;
+};
+struct VerifyFailed {
+    PrefKey key;
+    StoredValue written;
+    StoredValue read;  // what the store reports instead
+    bool operator==(const VerifyFailed&) const = default;
+};
+struct Drift {
+    Uuid entry;
+    bool operator==(const Drift&) const = default;
+};
+struct NotActive {
+    Uuid entry;
+    bool operator==(const NotActive&) const = default;
+};
+struct NoAgentRestorer {
+    bool operator==(const NoAgentRestorer&) const = default;
+};
+
+using EngineFailure =
+    std::variant<Refused, StoreFailure, JournalFailure, VerifyFailed, Drift, NotActive, NoAgentRestorer>;
+std::string describe(const EngineFailure& failure);
+
+class EngineError final : public FailureError<EngineFailure> {
+public:
+    using FailureError::FailureError;
+    ~EngineError() override;
+};
+
+}  // namespace brell

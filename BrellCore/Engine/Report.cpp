@@ -1,0 +1,123 @@
+#include "BrellCore/Engine/Report.h"
+
+#include <functional>
+
+#include "BrellCore/Support/Text.h"
+
+namespace brell::Report {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// One table cell: on one line, with nothing that ends it early.
+std::string cell(std::string_view text) {
+    std::string escaped;
+    for (const char c : oneLine(text)) {
+        if (c == '|') escaped += '\\';
+        escaped += c;
+    }
+    return escaped.empty() ? "-" : escaped;
+}
+
+std::string row(const std::vector<std::string>& cells) {
+    std::string line = "|";
+    for (const std::string& text : cells) line += " " + cell(text) + " |";
+    return line;
+}
+
+std::string joinedWrites(const JournalEntry& entry,
+                         const std::function<std::string(const JournaledWrite&)>& text) {
+    std::vector<std::string> texts;
+    for (const JournaledWrite& write : entry.writes) texts.push_back(text(write));
+    return join(texts, "; ");
+}
+
+std::string nameOf(const TweakCatalog& catalog, const std::string& tweakID) {
+    const Tweak* tweak = catalog.tweak(tweakID);
+    return tweak ? tweak->title : tweakID;
+}
+
+void appendChangeTable(Lines& lines, const TweakCatalog& catalog, const std::vector<JournalEntry>& entries) {
+    lines.push_back("| Tweak | Writes | Original | Written | Applied |");
+    lines.push_back("|---|---|---|---|---|");
+    for (const JournalEntry& entry : entries)
+        lines.push_back(
+            row({nameOf(catalog, entry.tweakID),
+                 joinedWrites(entry, [](const JournaledWrite& write) { return write.key.rendered(); }),
+                 joinedWrites(entry, [](const JournaledWrite& write) { return write.original.rendered(); }),
+                 joinedWrites(entry, [](const JournaledWrite& write) { return write.written.rendered(); }),
+                 iso8601(entry.appliedAt)}));
+}
+
+void appendAgentTable(Lines& lines, const std::vector<JournalEntry>& entries) {
+    lines.push_back("| Login item | Direction | Before | Changed |");
+    lines.push_back("|---|---|---|---|");
+    for (const JournalEntry& entry : entries) {
+        const AgentCapture agent =
+            entry.agent.value_or(AgentCapture{entry.tweakID, "", false, AgentOverride::absent});
+        lines.push_back(
+            row({agent.label, agent.override == AgentOverride::disabled ? "turned on" : "turned off",
+                 "override " + std::string(rawValue(agent.override)) + ", " +
+                     (agent.wasLoaded ? "loaded" : "not loaded"),
+                 iso8601(entry.appliedAt)}));
+    }
+}
+
+void appendHistory(Lines& lines, const TweakCatalog& catalog, const std::vector<HistoryLine>& history) {
+    lines.push_back("| When | Event | Tweak |");
+    lines.push_back("|---|---|---|");
+    for (const HistoryLine& line : history)
+        lines.push_back(
+            row({iso8601(line.at), std::string(rawValue(line.event)), nameOf(catalog, line.entry.tweakID)}));
+}
+
+}  // namespace
+
+std::string markdown(Journal& journal, const TweakCatalog& catalog, std::string_view osVersion,
+                     TimeStamp date, const std::vector<JournalEntry>& drifted) {
+    std::vector<JournalEntry> preferences, agents;
+    for (JournalEntry& entry : journal.active())
+        (entry.kind == EntryKind::preference ? preferences : agents).push_back(std::move(entry));
+
+    Lines lines{"# What changed on this Mac",
+                "",
+                iso8601(date) + " · macOS " + std::string(osVersion),
+                "",
+                "## Summary",
+                "",
+                "- Active changes: " + std::to_string(preferences.size()),
+                "- Login items changed by Brell: " + std::to_string(agents.size())};
+    if (!drifted.empty()) lines.push_back("- Changed outside Brell: " + std::to_string(drifted.size()));
+
+    lines.insert(lines.end(), {"", "## Active changes", ""});
+    if (preferences.empty())
+        lines.push_back("None. Every setting Brell changed is back to what it was.");
+    else
+        appendChangeTable(lines, catalog, preferences);
+
+    lines.insert(lines.end(), {"", "## Login items changed by Brell", ""});
+    if (agents.empty())
+        lines.push_back("None.");
+    else
+        appendAgentTable(lines, agents);
+
+    if (!drifted.empty()) {
+        lines.insert(lines.end(),
+                     {"", "## Changed outside Brell", "",
+                      "These keys no longer hold the value Brell wrote. Brell does not overwrite them "
+                      "without asking.",
+                      ""});
+        appendChangeTable(lines, catalog, drifted);
+    }
+
+    lines.insert(lines.end(), {"", "## History", ""});
+    const std::vector<HistoryLine> history = journal.history();
+    if (history.empty())
+        lines.push_back("No events recorded.");
+    else
+        appendHistory(lines, catalog, history);
+    return join(lines, "\n");
+}
+
+}  // namespace brell::Report

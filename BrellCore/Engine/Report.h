@@ -1,0 +1,20 @@
+// The Markdown document that tells what changed on this Mac.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Journal/Journal.h"
+
+namespace brell::Report {
+
+inline constexpr std::string_view fileName = "corvane-brell-report.md";
+
+// drifted: the applied entries whose keys no longer hold what was written. Raises JournalError when the
+// journal can't be read.
+std::string markdown(Journal& journal, const TweakCatalog& catalog, std::string_view osVersion,
+                     TimeStamp date, const std::vector<JournalEntry>& drifted);
+
+}  // namespace brell::Report

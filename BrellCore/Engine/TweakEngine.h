@@ -1,0 +1,141 @@
+// The only component that changes the user's preferences: every change is journaled before it is made, read
+// back after it, and can be undone.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Engine/EngineError.h"
+#include "BrellCore/Engine/TweakStatus.h"
+#include "BrellCore/Journal/Journal.h"
+
+namespace brell {
+
+// Puts a LaunchAgent back into a captured state.
+class AgentRestoring {
+public:
+    virtual ~AgentRestoring();
+    // Any exception derived from std::exception means that it is not back; its text is shown.
+    virtual void restore(const AgentCapture& capture) = 0;
+};
+
+// What restoring several entries came to.
+struct RestoreAllOutcome {
+    std::vector<Uuid> restored;                        // in the order of restoring
+    std::vector<Uuid> skippedDrifted;                  // left alone until the user confirms them
+    std::vector<std::pair<Uuid, std::string>> failed;  // with the reason
+    std::set<EffectClass> pendingEffects;              // of the restored tweaks
+    bool operator==(const RestoreAllOutcome&) const = default;
+};
+
+struct EngineSettings {
+    std::string macOSVersion;  // "26.1.0", recorded in every entry
+    int macOSMajor;
+    std::optional<std::filesystem::path> restoreScriptURL;  // nothing: no script is kept
+    Clock clock = systemNow;
+};
+
+// A change of a LaunchAgent under way: nobody else saves an entry before it is finished. One that is dropped
+// instead stays in the journal as interrupted.
+struct AgentChange {
+    JournalEntry entry;
+    Journal::Exclusive held;
+};
+
+// One a journal; any thread may call it. Operations that change preferences raise EngineError and run one at
+// a time, in this process and in all others that use the journal: they hold the engine's mutex, then the
+// journal's advisory lock. A refusal writes nothing. A failed change is put back; when even that fails its
+// entry stays active, so that recovery tries again.
+class TweakEngine {
+public:
+    // The collaborators must outlive the engine.
+    TweakEngine(PreferenceStore& store, Journal& journal, const TweakCatalog& catalog,
+                EngineSettings settings);
+
+    // To be set before the engine is shared between threads.
+    void setAgentRestorer(AgentRestoring* restorer) { agentRestorer_ = restorer; }
+    // Called when an entry is durable and nothing is written yet.
+    void setAfterCaptureHook(std::function<void(const JournalEntry&)> hook) {
+        afterCaptureHook_ = std::move(hook);
+    }
+
+    Journal& journal() { return journal_; }
+    TweakStatus status(const Tweak& tweak) { return readStatus(tweak, store_, journal_); }
+
+    // Sets the tweak's own targets, or these values: one for each write, of the write's type.
+    JournalEntry apply(const Tweak& tweak, std::optional<std::vector<PrefValue>> values = std::nullopt,
+                       std::optional<std::string> choiceID = std::nullopt);
+    // Removes the tweak's keys, so that the system's defaults take effect.
+    JournalEntry resetToDefault(const Tweak& tweak);
+    // Undoes one active entry and gives it as saved. A key that somebody changed since stops it with Drift,
+    // unless that is overridden.
+    JournalEntry restore(const Uuid& entryID, bool overridingDrift);
+    // Undoes whatever makes the tweak on: our entry, or values set before we came.
+    JournalEntry turnOff(const Tweak& tweak, bool overridingDrift);
+
+    // Undo every active entry, newest first, those that drifted only when their id is confirmed. Failures are
+    // part of the outcome; EngineError only when the journal itself can't be used.
+    RestoreAllOutcome restoreAll(const std::set<Uuid>& confirmedDrift);
+    // The same for these entries. goOn is asked on the calling thread before each; false ends it there.
+    using Progress = std::function<bool(std::size_t done, std::size_t total)>;
+    RestoreAllOutcome restoreSelected(const std::vector<Uuid>& entryIDs, const std::set<Uuid>& confirmedDrift,
+                                      const Progress& goOn);
+    // Undo every interrupted entry, in the journal's order.
+    RestoreAllOutcome recoverInterrupted();
+
+    std::vector<JournalEntry> driftedEntries();
+    std::vector<JournalEntry> interruptedEntries() { return journal_.entries(EntryStatus::capturing); }
+
+    // Around a change of a LaunchAgent, without the engine's mutex. begin refuses a label that has an active
+    // change and makes the capture durable; capture is called with the advisory lock held, so that no other
+    // process changes the answer, and what it raises leaves the journal as it is. finish saves the entry with
+    // this status.
+    AgentChange beginAgentChange(const std::string& label, const std::function<AgentCapture()>& capture);
+    AgentChange beginAgentChange(const std::string& label, const AgentCapture& capture) {
+        return beginAgentChange(label, [&] { return capture; });
+    }
+    JournalEntry finishAgentChange(AgentChange change, EntryStatus status,
+                                   std::optional<std::string> failure);
+
+    std::string restoreScriptText();
+    void rewriteRestoreScript() noexcept;  // a failure is no failure of what was done before it
+
+private:
+    using Values = std::vector<StoredValue>;  // one for each write of the tweak
+
+    JournalEntry change(const Tweak& tweak, EntryDirection direction, const Values& values,
+                        std::optional<std::string> choiceID);
+    JournalEntry changeLocked(const Tweak& tweak, EntryDirection direction, const Values& values,
+                              std::optional<std::string> choiceID, const Journal::Exclusive& held);
+    JournalEntry newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const;
+    std::vector<JournaledWrite> captureOriginals(const Tweak& tweak, const Values& values);
+    std::optional<EngineFailure> writeVerified(const JournaledWrite& write);
+    void rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
+                  const Journal::Exclusive& held);
+    void putBack(const JournaledWrite& write);
+    JournalEntry activeEntry(const Uuid& entryID);
+    RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
+                                     const std::set<Uuid>& confirmedDrift, const Progress& goOn);
+    JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
+    void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
+                     const Journal::Exclusive& held);
+    void rewriteRestoreScript(const Journal::Exclusive& held) noexcept;
+
+    PreferenceStore& store_;
+    Journal& journal_;
+    const TweakCatalog& catalog_;
+    const EngineSettings settings_;
+    AgentRestoring* agentRestorer_ = nullptr;
+    std::function<void(const JournalEntry&)> afterCaptureHook_;
+
+    std::mutex mutex_;  // held for the whole of every operation that changes preferences
+};
+
+}  // namespace brell

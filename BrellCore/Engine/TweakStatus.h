@@ -1,0 +1,71 @@
+// What the user's preferences hold for a tweak now, and who is responsible for it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "BrellCore/Catalog/Tweak.h"
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell {
+
+struct OnByBrell {  // an active change of ours set values, and they are still there
+    Uuid entry;
+    bool operator==(const OnByBrell&) const = default;
+};
+struct OffByBrell {  // an active change of ours removed the keys
+    Uuid entry;
+    bool operator==(const OffByBrell&) const = default;
+};
+struct ChangedOutsideBrell {  // drift: a key no longer holds what our change wrote
+    Uuid entry;
+    bool operator==(const ChangedOutsideBrell&) const = default;
+};
+struct PerHost {
+    std::string key;
+    bool operator==(const PerHost&) const = default;
+};
+struct Managed {
+    std::string key;
+    bool operator==(const Managed&) const = default;
+};
+struct Unsupported {
+    std::string message;  // "com.apple.dock persistent-apps holds a dictionary"
+    bool operator==(const Unsupported&) const = default;
+};
+struct Off {
+    bool operator==(const Off&) const = default;
+};
+struct OnByDefault {  // a switch whose target is macOS's own value, and nobody stored another
+    bool operator==(const OnByDefault&) const = default;
+};
+struct SetBeforeBrell {  // the targets are stored, but not by an active change of ours
+    bool operator==(const SetBeforeBrell&) const = default;
+};
+using TweakState = std::variant<OnByBrell, OffByBrell, ChangedOutsideBrell, PerHost, Managed, Unsupported,
+                                Off, OnByDefault, SetBeforeBrell>;
+
+// The entry of ours that the state speaks of, if any.
+std::optional<Uuid> activeEntryOf(const TweakState& state);
+
+struct TweakStatus {
+    Tweak tweak;
+    TweakState state;
+    std::vector<StoredValue> effective;  // one for each write; empty for perHost, managed and unsupported
+    std::vector<StoredValue> exact;      // likewise
+    std::optional<std::string> currentChoiceID;  // of a choice tweak whose values are in effect
+    bool operator==(const TweakStatus&) const = default;
+};
+
+// Reads only. May be called from any thread. Raises StoreError and JournalError for what can't be read,
+// except for a value of an unsupported type, which is a state.
+TweakStatus readStatus(const Tweak& tweak, PreferenceStore& store, Journal& journal);
+
+// Whether some key of the entry no longer holds what the entry wrote; a key that can't be read counts as
+// such.
+bool hasDrifted(const JournalEntry& entry, PreferenceStore& store);
+
+}  // namespace brell
