@@ -1,0 +1,51 @@
+// The one way in which everything else runs an external command.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "BrellCore/Background/AllowedCommand.h"
+#include "BrellCore/Support/Failure.h"
+
+namespace brell {
+
+struct CommandResult {
+    std::int32_t exitCode;
+    std::string stdoutText;  // whole, with U+FFFD for what is not UTF-8; the bare name is a macro of C's
+    std::string stderrText;
+
+    bool succeeded() const { return exitCode == 0; }
+    std::string output() const { return stderrText.empty() ? stdoutText : stdoutText + "\n" + stderrText; }
+    bool operator==(const CommandResult&) const = default;
+};
+
+enum class CommandProblem {
+    invalidArgument,  // nothing was started; detail is the kind of argument, a blank and the argument
+    cannotStart,      // detail is the system's own reason, without a final stop
+    timedOut,         // it was asked to stop; detail is the rendered command
+};
+
+struct CommandFailure {
+    CommandProblem problem;
+    std::string detail;
+    bool operator==(const CommandFailure&) const = default;
+};
+std::string describe(const CommandFailure& failure);
+
+class CommandError final : public FailureError<CommandFailure> {
+public:
+    using FailureError::FailureError;
+    ~CommandError() override;
+};
+
+// Implementations may be called from any thread, several at once.
+class CommandRunning {
+public:
+    virtual ~CommandRunning();
+
+    // Validates, runs and waits for the end. Any exception means that the command could not be run; one that
+    // ran and failed is a result like any other.
+    virtual CommandResult run(const AllowedCommand& command) = 0;
+};
+
+}  // namespace brell

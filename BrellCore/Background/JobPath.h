@@ -1,0 +1,18 @@
+// Where a registered background item stands on disk, in one form for the two ways in which the database
+// writes it: file:///Library/x%20y.plist, or on newer systems /Library/x y.plist.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brell {
+
+// The path without empty, "." and ".." pieces and without a slash at its end. Looks at no disk.
+std::string standardizedPath(std::string_view path);
+
+// The standardised path that a file URL or a plain absolute path names; nothing for anything else, a URL with
+// a broken escape included.
+std::optional<std::string> pathOfItemUrl(std::string_view url);
+
+}  // namespace brell

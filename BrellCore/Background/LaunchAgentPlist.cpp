@@ -1,0 +1,91 @@
+#include "BrellCore/Background/LaunchAgentPlist.h"
+
+#include <sys/stat.h>
+
+#include <exception>
+
+#include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/PropertyList.h"
+#include "BrellCore/Support/Text.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
+
+std::optional<std::uint32_t> ownerOf(const fs::path& file) {
+    struct stat status;
+    if (::stat(file.c_str(), &status) != 0) return std::nullopt;
+    return static_cast<std::uint32_t>(status.st_uid);
+}
+
+std::optional<PlistDictionary> readDictionary(const fs::path& file) {
+    try {
+        const auto contents = readFile(file, mostBytes);
+        if (!contents) return std::nullopt;
+        PlistValue root = readPropertyList(contents->bytes);
+        if (auto* dictionary = std::get_if<PlistDictionary>(&root.payload)) return std::move(*dictionary);
+    } catch (const ReadError&) {
+    } catch (const PlistError&) {
+    }
+    return std::nullopt;
+}
+
+template <class T>
+std::optional<T> valueOf(const PlistDictionary& job, std::string_view key) {
+    const PlistValue* value = job.find(key);
+    const T* typed = value ? value->as<T>() : nullptr;
+    return typed ? std::optional(*typed) : std::nullopt;
+}
+
+std::vector<std::string> textsOf(const PlistDictionary& job, std::string_view key) {
+    std::vector<std::string> texts;
+    for (const PlistValue& element : valueOf<PlistArray>(job, key).value_or(PlistArray{})) {
+        const auto* text = element.as<std::string>();
+        if (!text) return {};
+        texts.push_back(*text);
+    }
+    return texts;
+}
+
+}  // namespace
+
+LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file) {
+    LaunchAgentPlist plist;
+    plist.path = file.string();
+    plist.fileOwnerUID = ownerOf(file);
+    const auto job = readDictionary(file);
+    if (!job) return plist;
+
+    plist.label = valueOf<std::string>(*job, "Label");
+    plist.program = valueOf<std::string>(*job, "Program");
+    plist.arguments = textsOf(*job, "ProgramArguments");
+    plist.runAtLoad = valueOf<bool>(*job, "RunAtLoad").value_or(false);
+    plist.keepAlive =
+        valueOf<bool>(*job, "KeepAlive").value_or(valueOf<PlistDictionary>(*job, "KeepAlive").has_value());
+    plist.startInterval = valueOf<std::int64_t>(*job, "StartInterval");
+    plist.hasCalendarInterval = job->find("StartCalendarInterval") != nullptr;
+    plist.associatedBundleIDs = textsOf(*job, "AssociatedBundleIdentifiers");
+    if (auto one = valueOf<std::string>(*job, "AssociatedBundleIdentifiers"))
+        plist.associatedBundleIDs = {*std::move(one)};
+    return plist;
+}
+
+std::optional<std::string> LaunchAgentPlist::executable() const {
+    if (program) return program;
+    return arguments.empty() ? std::nullopt : std::optional(arguments.front());
+}
+
+std::string LaunchAgentPlist::trigger() const {
+    std::vector<std::string> parts;
+    if (runAtLoad) parts.emplace_back("at login");
+    if (startInterval) parts.push_back("every " + std::to_string(*startInterval) + " s");
+    if (hasCalendarInterval) parts.emplace_back("on a schedule");
+    if (keepAlive) parts.emplace_back("kept running");
+    return parts.empty() ? "on demand" : join(parts, ", ");
+}
+
+}  // namespace brell

@@ -1,0 +1,88 @@
+#include "BrellCore/Background/LaunchAgentReader.h"
+
+#include <algorithm>
+#include <exception>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+std::vector<fs::path> jobFilesIn(const fs::path& folder) {
+    std::vector<fs::path> files;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+        if (entry->path().filename().native().ends_with(".plist")) files.push_back(entry->path());
+    std::sort(files.begin(), files.end(),
+              [](const fs::path& a, const fs::path& b) { return a.native() < b.native(); });
+    return files;
+}
+
+AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& overrides) {
+    const auto found = plist.label ? overrides.find(*plist.label) : overrides.end();
+    return found == overrides.end() ? AgentOverride::absent : found->second;
+}
+
+}  // namespace
+
+std::string describe(const LaunchctlFailure& failure) {
+    return "launchctl " + failure.word + ": " + failure.output;
+}
+
+LaunchctlError::~LaunchctlError() = default;
+
+std::vector<LaunchAgentPlist> LaunchAgentReader::plists(const fs::path& folder) {
+    std::vector<LaunchAgentPlist> plists;
+    for (const fs::path& file : jobFilesIn(folder)) plists.push_back(LaunchAgentPlist::read(file));
+    return plists;
+}
+
+AgentOverrides LaunchAgentReader::overrides() const {
+    const CommandResult result = runner.run(AllowedCommand::launchctlPrintDisabled(domain()));
+    if (!result.succeeded()) throw LaunchctlError({"print-disabled", result.output()});
+    return LaunchctlParser::parsePrintDisabled(result.stdoutText);
+}
+
+LoadedState LaunchAgentReader::loadedState(const std::string& label) const {
+    // Without a label the target would be the domain itself, which is always there.
+    if (label.empty()) return LoadedState::unknown();
+    try {
+        const auto command = AllowedCommand::launchctlPrint(domain() + "/" + label);
+        command.validate();
+        return LaunchctlParser::parsePrint(runner.run(command));
+    } catch (const std::exception&) {
+        return LoadedState::unknown();
+    }
+}
+
+std::vector<LaunchAgentRecord> LaunchAgentReader::listUserAgents() const {
+    const AgentOverrides known = overrides();
+    std::vector<LaunchAgentRecord> records;
+    for (LaunchAgentPlist& plist : plists(userAgentsDirectory())) {
+        const AgentOverride override = overrideFor(plist, known);
+        records.push_back({std::move(plist), AgentScope::user, override, LoadedState::unknown()});
+    }
+    return records;
+}
+
+std::vector<LaunchAgentRecord> LaunchAgentReader::userAgents() const {
+    std::vector<LaunchAgentRecord> records = listUserAgents();
+    for (LaunchAgentRecord& record : records)
+        if (record.label()) record.loaded = loadedState(*record.label());
+    return records;
+}
+
+std::vector<LaunchAgentRecord> LaunchAgentReader::systemAgents() const {
+    std::vector<LaunchAgentRecord> records;
+    const auto add = [&](const char* folder, AgentScope scope) {
+        for (LaunchAgentPlist& plist : plists(systemRoot / folder))
+            records.push_back({std::move(plist), scope, AgentOverride::absent, LoadedState::unknown()});
+    };
+    add("Library/LaunchAgents", AgentScope::systemAgent);
+    add("Library/LaunchDaemons", AgentScope::systemDaemon);
+    return records;
+}
+
+}  // namespace brell

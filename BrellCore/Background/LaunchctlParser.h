@@ -1,0 +1,55 @@
+// What launchctl prints, as records.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "BrellCore/Background/CommandRunning.h"
+#include "BrellCore/Journal/JournalEntry.h"
+
+namespace brell {
+
+// What launchd says about one job.
+struct LoadedState {
+    enum class Kind {
+        loaded,
+        notLoaded,  // launchd does not know it in the domain
+        unknown,    // it could not be found out, or was not asked
+    };
+
+    Kind kind = Kind::unknown;
+    // The rest is empty unless it is loaded.
+    std::string state;  // launchd's own words: "running", "spawn scheduled"
+    std::optional<std::int64_t> runs;
+    std::optional<std::int64_t> lastExitCode;
+    std::optional<std::int64_t> pid;
+
+    static LoadedState notLoaded() { return {Kind::notLoaded, {}, {}, {}, {}}; }
+    static LoadedState unknown() { return {}; }
+
+    bool isLoaded() const { return kind == Kind::loaded; }
+    bool isUnknown() const { return kind == Kind::unknown; }
+    // launchd keeps restarting a job that keeps failing.
+    bool isCrashLooping() const;
+    bool operator==(const LoadedState&) const = default;
+};
+
+// Labels that are not in the map have no override.
+using AgentOverrides = std::map<std::string, AgentOverride, std::less<>>;
+
+namespace LaunchctlParser {
+
+// The output of print-disabled. Lines that are no override are skipped; the last one for a label counts.
+AgentOverrides parsePrintDisabled(std::string_view text);
+
+// The answer to print of one service. A line of a nested block, of an argument or of anything else that is
+// printed raw over several lines is not taken for one of the job's own.
+LoadedState parsePrint(const CommandResult& result);
+
+}  // namespace LaunchctlParser
+
+}  // namespace brell
