@@ -1,0 +1,112 @@
+#include "CorvaneBrell/SampleMac/Furniture.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <utility>
+
+#include "BrellCore/Background/LaunchAgentPlist.h"
+#include "BrellCore/Support/DurableFile.h"
+#include "CorvaneBrell/SampleMac/SampleJobs.h"
+#include "CorvaneBrell/SampleMac/SampleTaskDump.h"
+#include "CorvaneBrell/SampleMac/SimulatedLaunchd.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+void add(const fs::path& file, std::string_view contents) {
+    if (fs::exists(fs::symlink_status(file))) return;
+    constexpr unsigned permissions = 0644;
+    replaceFile(file, contents, Durability::readersOnly, permissions);
+}
+
+void addLink(const fs::path& link, const fs::path& target) {
+    if (fs::exists(fs::symlink_status(link))) return;
+    fs::create_directories(link.parent_path());
+    fs::create_symlink(target, link);
+}
+
+std::string bytesOf(const SampleFurniture::SampleAgent& agent) {
+    const auto* job = std::get_if<PlistDictionary>(&agent.contents);
+    return job ? writeXmlPropertyList({*job}) : std::string(std::get<std::string_view>(agent.contents));
+}
+
+void addAgentFile(const SampleFurniture::SampleAgent& agent, const fs::path& home) {
+    const fs::path file = home / "Library/LaunchAgents" / agent.fileName;
+    if (agent.isLink) {
+        add(home / "Dotfiles" / agent.fileName, bytesOf(agent));
+        addLink(file, fs::path("../../Dotfiles") / agent.fileName);
+    } else {
+        add(file, bytesOf(agent));
+    }
+}
+
+// What launchd knows after the last login.
+void addKnowledge(LaunchdState& state, const SampleFurniture::SampleAgent& agent, const fs::path& root,
+                  const fs::path& file) {
+    const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
+    if (!plist.label) return;
+    if (agent.override != AgentOverride::absent)
+        state.overrides[*plist.label] = agent.override == AgentOverride::disabled;
+    if (agent.manner != JobManner{}) state.manners[*plist.label] = agent.manner;
+    if (!agent.standing) return;
+    const SampleFurniture::Standing& standing = *agent.standing;
+    state.jobs[*plist.label] = {file.lexically_relative(root).generic_string(),
+                                commandLine(plist),
+                                std::string(standing.state),
+                                standing.runs,
+                                standing.lastExitCode,
+                                standing.pid};
+}
+
+// The startup volume stands in the list under its name, as on every Mac.
+constexpr std::string_view startupVolume = "Sample HD";
+
+struct Volume {
+    std::string_view name;
+    std::string_view answer;  // of mdutil
+};
+constexpr std::array<Volume, 3> volumes{{
+    {"Archive", "/Volumes/Archive:\n\tIndexing disabled.\n"},
+    {"Field Recordings", "/System/Volumes/Data/Volumes/Field Recordings:\n\tIndexing enabled. \n"},
+    {"Time Vault", "/Volumes/Time Vault:\n\tError: unknown indexing state.\n"},
+}};
+
+}  // namespace
+
+void SampleFurniture::addJobs(const fs::path& root, const fs::path& home) {
+    for (const SystemJob& job : systemJobs()) add(root / job.path, writeXmlPropertyList({job.job}));
+    add(home / "Library/LaunchAgents/com.tallowgate.agent.plist.bak", "kept by an installer");
+    LaunchdState state;
+    for (const SampleAgent& agent : userAgents()) {
+        addAgentFile(agent, home);
+        addKnowledge(state, agent, root, home / "Library/LaunchAgents" / agent.fileName);
+    }
+    const fs::path file = SimulatedLaunchd::stateFile(root);
+    if (!fs::exists(file)) writeLaunchdState(file, state);
+}
+
+void SampleFurniture::addTaskDump(const fs::path& root) {
+    add(taskDumpFile(root), sampleTaskDump);
+}
+
+fs::path SampleFurniture::taskDumpFile(const fs::path& root) {
+    return root / "private/var/db/background-tasks.txt";
+}
+
+void SampleFurniture::addVolumes(const fs::path& root) {
+    for (const Volume& volume : volumes) fs::create_directories(root / "Volumes" / volume.name);
+    addLink(root / "Volumes" / startupVolume, "..");
+}
+
+std::optional<std::string> SampleFurniture::mdutilAnswer(std::string_view volume) {
+    if (volume == "/") return "/:\n\tIndexing enabled. \n";
+    for (const Volume& known : volumes)
+        if (volume == fmt::format("/Volumes/{}", known.name)) return std::string(known.answer);
+    return std::nullopt;
+}
+
+}  // namespace brell

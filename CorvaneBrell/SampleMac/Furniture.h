@@ -1,0 +1,24 @@
+// What the sample Mac holds when it is new.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "BrellCore/Preferences/PlistFileStore.h"
+
+namespace brell::SampleFurniture {
+
+// All of these leave files alone that are there already. root is the Mac's folder without links.
+void addPreferences(PlistFileStore& store);
+void addJobs(const std::filesystem::path& root, const std::filesystem::path& home);  // then launchd's state
+void addTaskDump(const std::filesystem::path& root);
+void addVolumes(const std::filesystem::path& root);
+
+std::filesystem::path taskDumpFile(const std::filesystem::path& root);
+
+// What `mdutil -s` prints about a volume; nothing when there is no such volume.
+std::optional<std::string> mdutilAnswer(std::string_view volume);
+
+}  // namespace brell::SampleFurniture

@@ -1,0 +1,47 @@
+// A folder made to look like a small, lived-in Mac: for running the whole program anywhere, for pictures and
+// for tests. The same folder always gives the same answers.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+#include "BrellCore/Preferences/PlistFileStore.h"
+#include "CorvaneBrell/Platform/OperatingSystem.h"
+#include "CorvaneBrell/SampleMac/SimulatedTools.h"
+
+namespace brell {
+
+//   Users/sam/                               the home
+//   Users/sam/Library/Preferences/           the preference files
+//   Users/sam/Library/LaunchAgents/          the user's own agents
+//   Library/LaunchAgents/, LaunchDaemons/    what administrators installed
+//   Volumes/                                 the mounted volumes
+//   private/var/db/                          launchd's state, the database of background tasks
+class SampleMac {
+public:
+    static constexpr OperatingSystemVersion osVersion{26, 1, 0};
+    static constexpr std::uint32_t uid = 501;
+    static constexpr bool isAdmin = true;  // so that the user may see the database of background tasks
+
+    // Opens the Mac in this folder (an absolute path) and furnishes it first when it is not there yet. What
+    // is there already is left as it is. Raises std::exception when the folder can't be made or written.
+    explicit SampleMac(const std::filesystem::path& folder);
+
+    // The folder without links: what is "/" on a real Mac.
+    const std::filesystem::path& systemRoot() const { return folder_; }
+    std::filesystem::path home() const { return folder_ / "Users" / "sam"; }
+    std::filesystem::path preferences() const { return home() / "Library" / "Preferences"; }
+    std::filesystem::path launchAgents() const { return home() / "Library" / "LaunchAgents"; }
+
+    // Its preferences, with macOS's own defaults behind them.
+    std::unique_ptr<PlistFileStore> openPreferences() const;
+
+    // Its launchctl, mdutil and sfltool. May outlive this object.
+    std::unique_ptr<SimulatedTools> openTools() const;
+
+private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace brell
