@@ -1,0 +1,240 @@
+#include "CorvaneBrell/Model/AppModel.h"
+
+#include <algorithm>
+
+#include "BrellCore/Engine/Report.h"
+#include "BrellCore/Support/DurableFile.h"
+#include "CorvaneBrell/DryRunStore.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+LaunchOptions fallbackFor(LaunchOptions options) {
+    options.journalDirectory =
+        fs::temp_directory_path() / ("corvane-brell-fallback-" + Uuid::random().text());
+    options.dryRun = true;
+    return options;
+}
+
+// For reading: of equal times the later change stands first.
+std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
+    std::reverse(entries.begin(), entries.end());
+    const auto later = [](const JournalEntry& one, const JournalEntry& other) {
+        return one.appliedAt > other.appliedAt;
+    };
+    // In a journal written by one clock they are in order already.
+    if (!std::is_sorted(entries.begin(), entries.end(), later))
+        std::stable_sort(entries.begin(), entries.end(), later);
+    return entries;
+}
+
+bool isDrifted(const JournalEntry& entry, PreferenceStore& store) {
+    return entry.kind == EntryKind::preference && entry.status == EntryStatus::applied &&
+           hasDrifted(entry, store);
+}
+
+}  // namespace
+
+AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplications& applications,
+                   std::ostream& out)
+    : loop_(loop), applications_(applications), changes_(loop), refreshes_(loop), readings_(loop) {
+    try {
+        deps_ = std::make_unique<Dependencies>(options, out);
+    } catch (const JournalError& error) {
+        deps_ = std::make_unique<Dependencies>(fallbackFor(options), out);
+        state_.startupError = std::string("The change journal could not be opened: ") + error.what() +
+                              ". Nothing can be changed until this is fixed.";
+    }
+    ownStore_ = deps_->machine.ownStore.get();
+    if (this->options().dryRun) {
+        dryRunOwnStore_ = std::make_unique<DryRunStore>(*ownStore_, out);
+        ownStore_ = dryRunOwnStore_.get();
+    }
+    own_ = std::make_unique<OwnPreferences>(*ownStore_);
+    search_ = std::make_unique<TweakSearch>(catalog(), deps_->macOSMajor());
+    if (const auto& named = this->options().openGroup)
+        if (const auto screen = fromRawValue<Screen>(*named)) state_.screen = *screen;
+
+    showEverything(readEverything());
+    loadPendingRelaunches();
+    loadHistory(std::nullopt);
+}
+
+AppModel::~AppModel() {
+    // All at once, so that no lane waits for another's work.
+    changes_.end();
+    refreshes_.end();
+    readings_.end();
+}
+
+std::optional<std::string> AppModel::whyNothingReal() const {
+    if (state_.startupError) return *state_.startupError;
+    if (options().dryRun)
+        return "This is a dry run: what would be changed is printed, and nothing is changed.";
+    return std::nullopt;
+}
+
+void AppModel::announce(Property property) {
+    if (observer_) observer_(property);
+}
+
+void AppModel::show(Screen screen) {
+    set(&AppState::screen, screen, Property::screen);
+}
+
+void AppModel::dismissError() {
+    set(&AppState::errorMessage, std::nullopt, Property::errorMessage);
+}
+
+void AppModel::fail(const std::string& message) {
+    set(&AppState::errorMessage, message, Property::errorMessage);
+}
+
+void AppModel::refreshAll() {
+    // One that has not begun will see everything that this one would.
+    if (refreshWaits_) return;
+    refreshWaits_ = true;
+    runCounted(
+        refreshes_, refreshesUnderWay_,
+        [this] {
+            refreshes_.report([this] { refreshWaits_ = false; });
+            return readEverything();
+        },
+        [this](JobResult<Refresh> result) {
+            refreshWaits_ = false;
+            if (!result.value) return fail(result.error);
+            showEverything(std::move(*result.value));
+        });
+    loadHistory(historyDays_);
+}
+
+AppModel::Refresh AppModel::readEverything() const {
+    Refresh refresh;
+    for (const Tweak* tweak : catalog().available(deps_->macOSMajor())) {
+        try {
+            refresh.statuses.emplace(tweak->id, deps_->engine.status(*tweak));
+        } catch (const std::exception& error) {
+            refresh.statusErrors.emplace(tweak->id, error.what());
+        }
+    }
+    try {
+        refresh.entries = latestOnTop(deps_->journal->all());
+        for (const JournalEntry& entry : refresh.entries)
+            if (isDrifted(entry, deps_->store)) refresh.drifted.push_back(driftedEntry(entry, deps_->store));
+    } catch (const JournalError& error) {
+        refresh.error = error.what();
+    }
+    return refresh;
+}
+
+void AppModel::showEverything(Refresh refresh) {
+    set(&AppState::statuses, std::move(refresh.statuses), Property::statuses);
+    set(&AppState::statusErrors, std::move(refresh.statusErrors), Property::statusErrors);
+    if (refresh.error) return fail(*refresh.error);
+    std::vector<JournalEntry> interrupted;
+    std::copy_if(refresh.entries.rbegin(), refresh.entries.rend(), std::back_inserter(interrupted),
+                 [](const JournalEntry& entry) { return entry.status == EntryStatus::capturing; });
+    set(&AppState::entries, std::move(refresh.entries), Property::entries);
+    set(&AppState::drifted, std::move(refresh.drifted), Property::drifted);
+    // A change of ours that is under way is no interrupted one.
+    if (changesUnderWay_ == 0) set(&AppState::interrupted, std::move(interrupted), Property::interrupted);
+    pruneUndo();
+}
+
+std::string AppModel::nameOf(const JournalEntry& entry) const {
+    if (entry.agent) return entry.agent->label;
+    const Tweak* tweak = catalog().tweak(entry.tweakID);
+    return tweak ? tweak->title : entry.tweakID;
+}
+
+std::vector<std::string> AppModel::changedTweaks() const {
+    std::set<std::string_view> active;
+    for (const JournalEntry& entry : state_.entries)
+        if (entry.isActive()) active.insert(entry.tweakID);
+    std::vector<std::string> changed;
+    for (const Tweak& tweak : catalog().all())
+        if (active.contains(tweak.id)) changed.push_back(tweak.id);
+    return changed;
+}
+
+std::size_t AppModel::changedCount(Screen screen) const {
+    const auto shown = group(screen);
+    return static_cast<std::size_t>(
+        std::count_if(state_.entries.begin(), state_.entries.end(), [&](const JournalEntry& entry) {
+            if (!entry.isActive()) return false;
+            if (screen == Screen::journal) return true;
+            if (screen == Screen::loginItems) return entry.kind == EntryKind::launchAgent;
+            const Tweak* tweak = catalog().tweak(entry.tweakID);
+            return tweak && shown && tweak->group == *shown;
+        }));
+}
+
+void AppModel::saveBeside(const fs::path& file, std::function<std::string()> contents) {
+    runCounted(
+        refreshes_, refreshesUnderWay_,
+        [file = fs::absolute(file), contents = std::move(contents)] {
+            replaceFile(file, contents(), Durability::powerCut, 0666);
+            return true;
+        },
+        [this](const JobResult<bool>& result) {
+            if (!result.value) fail(result.error);
+        });
+}
+
+std::string AppModel::restoreScriptText() try {
+    return deps_->engine.restoreScriptText();
+} catch (const std::exception& error) {
+    fail(error.what());
+    return {};
+}
+
+void AppModel::saveRestoreScript(const fs::path& file) {
+    saveBeside(file, [this] { return deps_->engine.restoreScriptText(); });
+}
+
+void AppModel::saveReport(const fs::path& file) {
+    saveBeside(file, [this] {
+        return Report::markdown(*deps_->journal, catalog(), macOSVersion(), systemNow(),
+                                deps_->engine.driftedEntries());
+    });
+}
+
+void AppModel::exportPreset(const Preset& preset, const fs::path& file) {
+    saveBeside(file, [preset] { return PresetFile::encode(preset); });
+}
+
+void AppModel::loadHistory(std::optional<int> days) {
+    historyDays_ = days;
+    runCounted(
+        refreshes_, refreshesUnderWay_, [this, days] { return deps_->journal->history(days); },
+        [this](JobResult<std::vector<HistoryLine>> result) {
+            if (result.value) set(&AppState::history, std::move(*result.value), Property::history);
+        });
+}
+
+void AppModel::markReviewed(std::string_view cardID) try {
+    ReviewedDates{*own_}.markReviewed(cardID, systemNow());
+    set(&AppState::reviewedTick, state_.reviewedTick + 1, Property::reviewedTick);
+} catch (const std::exception& error) {
+    fail(error.what());
+}
+
+std::optional<TimeStamp> AppModel::reviewedDate(std::string_view cardID) const {
+    return ReviewedDates{*own_}.date(cardID);
+}
+
+void AppModel::scheduleSnapshot(std::function<void(const fs::path&)> render, std::function<void()> quit) {
+    if (!options().snapshotPath) return;
+    const auto delay = std::chrono::milliseconds(static_cast<std::int64_t>(options().snapshotDelay * 1000));
+    loop_.callAfter(delay, [this, render = std::move(render), quit = std::move(quit),
+                            watched = std::weak_ptr<bool>(alive_)] {
+        if (watched.expired()) return;
+        render(*options().snapshotPath);
+        if (options().quitAfterSnapshot) quit();
+    });
+}
+
+}  // namespace brell

@@ -1,0 +1,239 @@
+// The one object behind the window: all state that the screens show, and every action of the user.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "BrellCore/Catalog/Presets.h"
+#include "BrellCore/Review/PrivacyChecklist.h"
+#include "CorvaneBrell/Dependencies.h"
+#include "CorvaneBrell/Model/AppState.h"
+#include "CorvaneBrell/Model/BackgroundLane.h"
+#include "CorvaneBrell/Model/MainLoop.h"
+#include "CorvaneBrell/Model/OwnPreferences.h"
+#include "CorvaneBrell/Model/PendingRelaunches.h"
+#include "CorvaneBrell/Model/RunningApplications.h"
+#include "CorvaneBrell/Model/TweakSearch.h"
+
+namespace brell {
+
+// Made, used and destroyed on the main thread, which nothing here blocks after the first look at everything.
+// Changes run one after another beside it, and so do refreshes and the system's tools; all of them come back
+// through the main loop, and only while the model lives. Every change of a property is announced once. What
+// goes wrong becomes text in the state; no action throws. The end waits for the step that is running, and no
+// further one begins.
+class AppModel {
+public:
+    // Builds everything; with a journal that can't be opened, a dry run over a throw-away journal and the
+    // reason in startupError. Raises std::exception only when even that fails. The collaborators must outlive
+    // the model.
+    AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplications& applications,
+             std::ostream& out);
+    ~AppModel();
+
+    const AppState& state() const { return state_; }
+    const LaunchOptions& options() const { return deps_->options; }  // after the fallback
+    const TweakCatalog& catalog() const { return deps_->catalog; }
+    std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
+    std::filesystem::path journalDirectory() const { return deps_->journalDirectory(); }
+
+    // The observer is called on the main thread, after the property has its new value. It may call the model.
+    void setObserver(std::function<void(Property)> observer) { observer_ = std::move(observer); }
+
+    // What every changing action would come to instead of a real change; nothing when changes are real.
+    std::optional<std::string> whyNothingReal() const;
+    // Something runs beside the main thread: the state may be about to change.
+    bool isBusy() const { return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ > 0; }
+    // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
+    bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
+
+    void show(Screen screen);
+    void refreshAll();
+    void dismissError();
+
+    // Tweaks. A tweak with an active change is restored first, and made again as it was when the new one
+    // fails. Values are one for each write.
+    void apply(const std::string& tweakID, std::optional<std::vector<PrefValue>> values = std::nullopt,
+               std::optional<std::string> choiceID = std::nullopt);
+    void applyChoice(const std::string& tweakID, const std::string& choiceID);
+    void turnOff(const std::string& tweakID);
+
+    // Undoing. The ask functions open a request that shows what would be put back.
+    void askRestore(const Uuid& entryID);
+    void askRestoreAll();
+    void askUndoSince(const Uuid& entryID);  // this change and every later one
+    void confirmRestore();
+    void cancelRestore();
+    void confirmDrift(const std::set<Uuid>& ticked);
+    void cancelDrift();
+    void undoLast();                                    // action of this session
+    void applyAgain(const std::vector<Uuid>& entries);  // what others reset; the first originals are kept
+
+    // Interrupted changes of an earlier run.
+    void recover();
+    void deferRecovery();
+
+    // Relaunching Finder and the Dock.
+    void askRelaunch();
+    void confirmRelaunch();
+    void cancelRelaunch();
+
+    // LaunchAgents, by the ids of their rows.
+    void askAgents(const std::vector<std::string>& rowIDs, bool turnOn);
+    void confirmAgents();
+    void cancelAgents();
+
+    void loadLoginItems();
+    void loadAgentDrift();  // only that; loadLoginItems does it, too
+    void loadVolumes();
+    void loadHistory(std::optional<int> days);
+
+    // Presets.
+    void askPreset(const Preset& preset);
+    void importPreset(const std::filesystem::path& file);
+    void confirmPreset();  // applies what is valid, in order, and reports the rest
+    void cancelPreset();
+    void exportPreset(const Preset& preset, const std::filesystem::path& file);
+    // The changes that are active now as a preset, and what a preset can't carry of them.
+    ActivePreset activePreset(std::string name) const {
+        return presetFromActive(state_.entries, catalog(), std::move(name));
+    }
+
+    void saveRestoreScript(const std::filesystem::path& file);
+    void saveReport(const std::filesystem::path& file);
+    std::string restoreScriptText();
+
+    void markReviewed(std::string_view cardID);
+    std::optional<TimeStamp> reviewedDate(std::string_view cardID) const;
+
+    // Finds tweaks and pages by what people call them.
+    const TweakSearch& search() const { return *search_; }
+
+    // The tweaks with an active change, drifted ones among them, and how many active changes each page has.
+    std::vector<std::string> changedTweaks() const;
+    std::size_t changedCount(Screen screen) const;
+
+    // Runs after options().snapshotDelay when a snapshot is asked for; quit follows when that is asked for,
+    // too.
+    void scheduleSnapshot(std::function<void(const std::filesystem::path&)> render,
+                          std::function<void()> quit);
+
+private:
+    // What one job beside the main thread came to.
+    struct Change {
+        std::string name;  // of what was done, for undoing it
+        std::vector<JournalEntry> made;
+        std::vector<JournalEntry> restored;
+        std::vector<Uuid> drifted;  // left alone: they are asked for
+        std::vector<std::string> failures;
+        std::vector<std::string> report;                           // of a preset
+        std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
+        std::vector<std::string> alreadyBack;  // names of entries that somebody had put back before
+        std::string proof;                     // what the restored keys read as now
+        KeptRelaunches touched;                // by tweak: what its keys hold now
+        bool isUndo = false;
+        bool agentsTouched = false;
+    };
+    using Job = std::function<Change()>;
+
+    struct Refresh {
+        TweakStatuses statuses;
+        TweakStatusErrors statusErrors;
+        std::vector<JournalEntry> entries;
+        std::vector<DriftedEntry> drifted;
+        std::optional<std::string> error;
+    };
+    struct LoginItems {
+        std::vector<LaunchAgentRecord> user, system;
+        std::optional<BTMDump> dump;
+        std::optional<std::string> error;  // launchd could not be asked for the user's own
+    };
+
+    void announce(Property property);
+    // Announces once, and only when the value is another.
+    template <class Value>
+    void set(Value AppState::*field, std::type_identity_t<Value> value, Property property) {
+        if (state_.*field == value) return;
+        state_.*field = std::move(value);
+        announce(property);
+    }
+    void fail(const std::string& message);
+    std::string nameOf(const JournalEntry& entry) const;
+    PresetSurroundings presetSurroundings() const {
+        return {catalog(), deps_->macOSMajor(), state_.statuses, state_.statusErrors, state_.entries};
+    }
+
+    // One job on a lane, counted as under way until its result is back.
+    template <class Work, class Done>
+    void runCounted(BackgroundLane& lane, int& underWay, Work work, Done done) {
+        ++underWay;
+        lane.run(std::move(work), [&underWay, done = std::move(done)](auto result) {
+            --underWay;
+            done(std::move(result));
+        });
+    }
+
+    Refresh readEverything() const;
+    void showEverything(Refresh refresh);
+    void saveBeside(const std::filesystem::path& file, std::function<std::string()> contents);
+
+    void change(std::string what, std::vector<std::string> tweakIDs, Job job,
+                std::optional<PendingApply> ifDrifted = std::nullopt);
+    Change carriedOut(const Job& job) const;
+    void finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted);
+    void noteForUndo(const Change& change);
+    void reportProgress(std::string what, std::size_t done, std::size_t total);
+    JournalEntry makeAgain(const JournalEntry& entry);
+    void restoreFirst(Change& change, const JournalEntry& active);
+    void pruneUndo();
+
+    void openDrift(DriftRequest::Mode mode, const std::vector<Uuid>& drifted, std::vector<Uuid> others,
+                   const std::optional<PendingApply>& pending, bool isUndo);
+    void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
+    void restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
+                       const std::optional<PendingApply>& then, bool isUndo);
+
+    LoginItems readLoginItems();
+    std::vector<AgentDrift> readAgentDrift();
+    void showLoginItems(const LoginItems& items);
+    void showReading(std::string what, std::size_t done = 0, std::size_t total = 0);  // from a job
+    void endReading();
+
+    void loadPendingRelaunches();
+    void notePendingRelaunches(const Change& change);
+    void showPendingRelaunches(const KeptRelaunches& pending);
+    void relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines);
+    void dropPendingRelaunches(EffectClass effect);
+
+    MainLoop& loop_;
+    RunningApplications& applications_;
+    std::function<void(Property)> observer_;
+    AppState state_;
+    std::unique_ptr<Dependencies> deps_;
+    std::unique_ptr<PreferenceStore> dryRunOwnStore_;
+    PreferenceStore* ownStore_ = nullptr;
+    std::unique_ptr<OwnPreferences> own_;
+    std::unique_ptr<TweakSearch> search_;
+    std::optional<BTMDump> lastDump_;  // shown until the next one is read
+    std::optional<int> historyDays_;
+    std::multiset<std::string> changing_;  // tweaks with a change under way
+    bool driftIsUndo_ = false;             // the open drift request comes from an undo
+    bool refreshWaits_ = false;            // a refresh is asked for and has not begun
+    int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0;
+    Relauncher::Handle relaunch_;                                 // while one is under way
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // watched by what the main loop still holds
+
+    // Last: their threads use the above.
+    BackgroundLane changes_;
+    BackgroundLane refreshes_;  // of preferences and journal; saves files, too
+    BackgroundLane readings_;   // with the system's tools
+};
+
+}  // namespace brell

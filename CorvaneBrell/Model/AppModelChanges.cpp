@@ -1,0 +1,251 @@
+// Making changes: one at a time beside the main thread, each followed by a fresh look at everything.
+
+#include <algorithm>
+
+#include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/UndoProof.h"
+
+namespace brell {
+
+namespace {
+
+std::vector<PrefValue> writtenValues(const JournalEntry& entry) {
+    std::vector<PrefValue> values;
+    for (const JournaledWrite& write : entry.writes)
+        if (write.written.value) values.push_back(*write.written.value);
+    return values;
+}
+
+std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
+    std::vector<Uuid> ids;
+    for (const JournalEntry& entry : entries) ids.push_back(entry.id);
+    return ids;
+}
+
+// What the keys of restored entries read as now, read back once more; those that were changed anew are left
+// out.
+std::string proofOf(const std::vector<JournalEntry>& restored, const std::vector<JournalEntry>& made,
+                    PreferenceStore& store) {
+    UndoProof proof;
+    for (const JournalEntry& entry : restored) {
+        const bool changedAnew = std::any_of(made.begin(), made.end(), [&](const JournalEntry& other) {
+            return other.tweakID == entry.tweakID;
+        });
+        if (changedAnew) continue;
+        for (KeyProof& key : proveUndo(entry, store)) proof.push_back(std::move(key));
+    }
+    return proof.empty() ? std::string() : sentence(proof);
+}
+
+// Nothing when a key can't be read: what was done is done all the same.
+std::optional<std::string> renderedNow(const Tweak& tweak, PreferenceStore& store) {
+    std::vector<StoredValue> values;
+    for (const Write& write : tweak.writes) {
+        auto value = readIfPossible(write.key, store);
+        if (!value) return std::nullopt;
+        values.push_back(*std::move(value));
+    }
+    return renderedTogether(values);
+}
+
+}  // namespace
+
+void AppModel::apply(const std::string& tweakID, std::optional<std::vector<PrefValue>> values,
+                     std::optional<std::string> choiceID) {
+    const Tweak* tweak = catalog().tweak(tweakID);
+    if (!tweak) return fail("There is no tweak " + tweakID + ".");
+    const PendingApply request{*tweak, values ? std::move(*values) : tweak->targets(), std::move(choiceID)};
+    const Job job = [this, request] {
+        Change made;
+        made.name = request.tweak.title;
+        const auto active = deps_->journal->activeEntry(request.tweak.id);
+        if (active) restoreFirst(made, *active);
+        try {
+            made.made.push_back(deps_->engine.apply(request.tweak, request.values, request.choiceID));
+        } catch (const EngineError& error) {
+            if (!active) throw;
+            made.failures.push_back(error.what());
+            made.made.push_back(makeAgain(*active));  // the user still has what was there before
+        }
+        return made;
+    };
+    change("Applying " + tweak->title, {tweakID}, job, request);
+}
+
+void AppModel::applyChoice(const std::string& tweakID, const std::string& choiceID) {
+    const Tweak* tweak = catalog().tweak(tweakID);
+    const auto* kind = tweak ? std::get_if<ChoiceKind>(&tweak->kind) : nullptr;
+    if (!kind) return fail("There is no choice of " + tweakID + ".");
+    for (const Choice& choice : kind->choices)
+        if (choice.id == choiceID) return apply(tweakID, choice.values, choice.id);
+    fail(tweak->title + " has no choice " + choiceID + ".");
+}
+
+void AppModel::turnOff(const std::string& tweakID) {
+    const Tweak* tweak = catalog().tweak(tweakID);
+    if (!tweak) return fail("There is no tweak " + tweakID + ".");
+    // What a second click means is known only when the first one is done.
+    if (isChanging(tweakID)) return;
+    change("Turning off " + tweak->title, {tweakID}, [this, tweak] {
+        Change made;
+        made.name = tweak->title;
+        if (const auto active = deps_->journal->activeEntry(tweak->id))
+            restoreFirst(made, *active);
+        else
+            made.made.push_back(deps_->engine.turnOff(*tweak, false));
+        return made;
+    });
+}
+
+void AppModel::undoLast() {
+    if (state_.undoStack.empty() || state_.changeActivity) return;
+    const SessionChange last = state_.undoStack.back();
+    change("Undoing " + last.name, {}, [this, last] {
+        Change made;
+        made.name = last.name;
+        made.isUndo = true;
+        for (auto id = last.made.rbegin(); id != last.made.rend(); ++id)
+            if (const auto entry = deps_->journal->entry(*id); entry && entry->isActive())
+                restoreFirst(made, *entry);
+        for (const Uuid& id : last.restored)
+            if (const auto entry = deps_->journal->entry(id)) made.made.push_back(makeAgain(*entry));
+        return made;
+    });
+}
+
+void AppModel::applyAgain(const std::vector<Uuid>& entries) {
+    const std::string what = "Applying again what was reset";
+    change(what, {}, [this, what, entries] {
+        Change made;
+        made.name = "what was applied again";
+        for (const Uuid& id : entries) {
+            if (changes_.isEnding()) break;
+            reportProgress(what, made.made.size(), entries.size());
+            try {
+                const auto entry = deps_->journal->entry(id);
+                if (!entry || !entry->isActive()) continue;
+                made.agentsTouched = made.agentsTouched || entry->agent;
+                made.restored.push_back(deps_->engine.restore(id, true));
+                made.made.push_back(makeAgain(*entry));
+            } catch (const std::exception& error) {
+                made.failures.push_back(error.what());
+            }
+        }
+        return made;
+    });
+}
+
+// On the lane. A change that reads as undone already is closed without asking about drift.
+void AppModel::restoreFirst(Change& change, const JournalEntry& active) {
+    const bool alreadyBack = isAlreadyBack(active, deps_->store);
+    change.agentsTouched = change.agentsTouched || active.agent;
+    change.restored.push_back(deps_->engine.restore(active.id, alreadyBack));
+    if (alreadyBack) change.alreadyBack.push_back(nameOf(active));
+}
+
+// On the lane: makes what a restored entry had made.
+JournalEntry AppModel::makeAgain(const JournalEntry& entry) {
+    if (entry.agent) {
+        const LaunchAgentRecord agent{LaunchAgentPlist::read(entry.agent->plistPath), AgentScope::user,
+                                      entry.agent->override, LoadedState::unknown()};
+        return AgentToggle::brellTurnedOn(*entry.agent) ? deps_->toggle.turnOn(agent)
+                                                        : deps_->toggle.turnOff(agent);
+    }
+    const Tweak* tweak = catalog().tweak(entry.tweakID);
+    if (!tweak) throw EngineError(Refused{"There is no tweak " + entry.tweakID + " any more."});
+    switch (entry.direction) {
+        case EntryDirection::on: return deps_->engine.apply(*tweak, writtenValues(entry), entry.choiceID);
+        case EntryDirection::resetToDefault: break;
+    }
+    return deps_->engine.resetToDefault(*tweak);
+}
+
+void AppModel::change(std::string what, std::vector<std::string> tweakIDs, Job job,
+                      std::optional<PendingApply> ifDrifted) {
+    if (!state_.changeActivity) set(&AppState::changeActivity, Activity{what}, Property::changeActivity);
+    changing_.insert(tweakIDs.begin(), tweakIDs.end());
+    runCounted(
+        changes_, changesUnderWay_,
+        [this, what = std::move(what), job = std::move(job)] {
+            reportProgress(what, 0, 0);
+            return carriedOut(job);
+        },
+        [this, tweakIDs = std::move(tweakIDs),
+         ifDrifted = std::move(ifDrifted)](const JobResult<Change>& result) {
+            for (const std::string& id : tweakIDs) changing_.erase(changing_.find(id));
+            finishChange(result, ifDrifted);
+        });
+}
+
+// On the lane: the job, and what can be read of its outcome while nothing else changes.
+AppModel::Change AppModel::carriedOut(const Job& job) const {
+    Change change;
+    try {
+        change = job();
+    } catch (const EngineError& error) {
+        const auto* drift = std::get_if<Drift>(&error.failure());
+        if (!drift) throw;
+        change.drifted.push_back(drift->entry);
+    }
+    change.proof = proofOf(change.restored, change.made, deps_->store);
+    for (const std::string& name : change.alreadyBack)
+        change.proof += " " + name + " was already back as it was.";
+    for (const auto* entries : {&change.restored, &change.made})
+        for (const JournalEntry& entry : *entries)
+            if (const Tweak* tweak = catalog().tweak(entry.tweakID))
+                if (auto now = renderedNow(*tweak, deps_->store))
+                    change.touched.insert_or_assign(tweak->id, *std::move(now));
+    return change;
+}
+
+void AppModel::reportProgress(std::string what, std::size_t done, std::size_t total) {
+    changes_.report([this, activity = Activity{std::move(what), done, total}] {
+        set(&AppState::changeActivity, activity, Property::changeActivity);
+    });
+}
+
+void AppModel::finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted) {
+    if (changesUnderWay_ == 0) set(&AppState::changeActivity, std::nullopt, Property::changeActivity);
+    if (!result.value) fail(result.error);
+    const Change change = result.value.value_or(Change{});
+    if (!change.failures.empty()) fail(join(change.failures, " "));
+    noteForUndo(change);
+    notePendingRelaunches(change);
+    if (!change.proof.empty()) set(&AppState::undoProof, change.proof, Property::undoProof);
+    if (change.proof.empty() && !change.made.empty())
+        set(&AppState::undoProof, std::nullopt, Property::undoProof);
+    if (change.recoveryFailures)
+        set(&AppState::recoveryFailures, *change.recoveryFailures, Property::recoveryFailures);
+    if (!change.report.empty()) set(&AppState::presetReport, change.report, Property::presetReport);
+    refreshAll();
+    if (change.agentsTouched) loadLoginItems();
+    if (!change.drifted.empty())
+        openDrift(change.drifted.size() == 1 ? DriftRequest::Mode::tweak : DriftRequest::Mode::several,
+                  change.drifted, {}, ifDrifted, change.isUndo);
+}
+
+void AppModel::noteForUndo(const Change& change) {
+    if (change.recoveryFailures || (change.made.empty() && change.restored.empty())) return;
+    std::vector<SessionChange> stack = state_.undoStack;
+    if (change.isUndo && !stack.empty())
+        stack.pop_back();
+    else if (!change.isUndo)
+        stack.push_back({change.name, idsOf(change.made), idsOf(change.restored)});
+    set(&AppState::undoStack, std::move(stack), Property::undoStack);
+}
+
+// An action whose changes were undone in another way since can't be undone a second time.
+void AppModel::pruneUndo() {
+    std::vector<SessionChange> stack = state_.undoStack;
+    const auto isActive = [&](const Uuid& id) {
+        return std::any_of(state_.entries.begin(), state_.entries.end(),
+                           [&](const JournalEntry& entry) { return entry.id == id && entry.isActive(); });
+    };
+    std::erase_if(stack, [&](const SessionChange& change) {
+        return !change.made.empty() && std::none_of(change.made.begin(), change.made.end(), isActive);
+    });
+    set(&AppState::undoStack, std::move(stack), Property::undoStack);
+}
+
+}  // namespace brell

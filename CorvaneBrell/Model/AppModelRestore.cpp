@@ -1,0 +1,188 @@
+// Undoing: what would be put back is shown first, what others changed since is asked for, and then it is put
+// back.
+
+#include <algorithm>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/UndoProof.h"
+
+namespace brell {
+
+namespace {
+
+// Every key that an entry puts back: "com.apple.dock autohide: back to absent".
+void addKeyLines(const JournalEntry& entry, std::vector<std::string>& lines) {
+    for (const JournaledWrite& write : entry.writes)
+        lines.push_back(write.key.rendered() + ": back to " + write.original.rendered());
+}
+
+bool holdsAgent(const std::vector<JournalEntry>& entries, const std::vector<Uuid>& ids) {
+    return std::any_of(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
+        return entry.agent && std::find(ids.begin(), ids.end(), entry.id) != ids.end();
+    });
+}
+
+}  // namespace
+
+std::string DriftRequest::title() const {
+    return entries.size() == 1 ? "This setting was changed outside Brell"
+                               : "Some settings were changed outside Brell";
+}
+
+std::string DriftRequest::explanation() const {
+    if (entries.size() != 1)
+        return "These keys no longer hold the value Brell wrote. Tick the ones to restore anyway; the others "
+               "are left as they are. Everything else Brell changed is restored.";
+    return "The key no longer holds the value Brell wrote. Restoring overwrites what is there now with the "
+           "original Brell saved; cancelling leaves everything exactly as it is.";
+}
+
+void AppModel::askRestore(const Uuid& entryID) {
+    for (const JournalEntry& entry : state_.entries)
+        if (entry.id == entryID && entry.isActive())
+            return askRestoreOf("Restore " + nameOf(entry) + "?", {entry});
+    fail(describe(EngineFailure(NotActive{entryID})));
+}
+
+void AppModel::askRestoreAll() {
+    std::vector<JournalEntry> active;
+    std::copy_if(state_.entries.begin(), state_.entries.end(), std::back_inserter(active),
+                 [](const JournalEntry& entry) { return entry.isActive(); });
+    askRestoreOf("Restore everything?", active);
+}
+
+void AppModel::askUndoSince(const Uuid& entryID) {
+    std::vector<JournalEntry> later;
+    for (const JournalEntry& entry : state_.entries) {
+        if (entry.isActive()) later.push_back(entry);
+        if (entry.id == entryID)
+            return askRestoreOf("Restore everything since " + nameOf(entry) + "?", later);
+    }
+    fail(describe(EngineFailure(NotActive{entryID})));
+}
+
+void AppModel::askRestoreOf(std::string title, const std::vector<JournalEntry>& entries) {
+    if (entries.empty()) return;
+    RestoreRequest request{Uuid::random(), std::move(title), {}, {}};
+    for (const JournalEntry& entry : entries) {
+        request.entries.push_back(entry.id);
+        addKeyLines(entry, request.lines);
+        if (!entry.agent) continue;
+        const std::vector<std::string> commands = deps_->toggle.previewRestore(*entry.agent);
+        request.lines.insert(request.lines.end(), commands.begin(), commands.end());
+    }
+    set(&AppState::restoreRequest, std::move(request), Property::restoreRequest);
+}
+
+void AppModel::cancelRestore() {
+    set(&AppState::restoreRequest, std::nullopt, Property::restoreRequest);
+}
+
+// Restores what did not drift, or is already back as it was; what drifted is asked for first.
+void AppModel::confirmRestore() {
+    if (!state_.restoreRequest) return;
+    const std::vector<Uuid> asked = state_.restoreRequest->entries;
+    cancelRestore();
+    std::vector<Uuid> drifted, others;
+    for (const JournalEntry& entry : state_.entries) {
+        if (std::find(asked.begin(), asked.end(), entry.id) == asked.end()) continue;
+        const bool asks = entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
+                          !isAlreadyBack(entry, deps_->store) && hasDrifted(entry, deps_->store);
+        (asks ? drifted : others).push_back(entry.id);
+    }
+    if (drifted.empty()) return restoreBeside(others, {}, std::nullopt, false);
+    openDrift(asked.size() == 1 ? DriftRequest::Mode::restoreEntry : DriftRequest::Mode::several, drifted,
+              others, std::nullopt, false);
+}
+
+void AppModel::openDrift(DriftRequest::Mode mode, const std::vector<Uuid>& drifted, std::vector<Uuid> others,
+                         const std::optional<PendingApply>& pending, bool isUndo) try {
+    // The open request is answered first; what is asked for now can be asked for again.
+    if (state_.driftRequest) return fail(describe(EngineFailure(Drift{drifted.front()})));
+    DriftRequest request{Uuid::random(), mode, {}, std::move(others)};
+    for (const Uuid& id : drifted)
+        if (const auto entry = deps_->journal->entry(id))
+            request.entries.push_back(driftedEntry(*entry, deps_->store));
+    driftIsUndo_ = isUndo;
+    set(&AppState::pendingAfterDrift, pending, Property::pendingAfterDrift);
+    set(&AppState::driftRequest, std::move(request), Property::driftRequest);
+} catch (const JournalError& error) {
+    fail(error.what());
+}
+
+void AppModel::cancelDrift() {
+    set(&AppState::driftRequest, std::nullopt, Property::driftRequest);
+    set(&AppState::pendingAfterDrift, std::nullopt, Property::pendingAfterDrift);
+}
+
+void AppModel::confirmDrift(const std::set<Uuid>& ticked) {
+    if (!state_.driftRequest) return;
+    const DriftRequest request = *state_.driftRequest;
+    const std::optional<PendingApply> pending = state_.pendingAfterDrift;
+    cancelDrift();
+    std::vector<Uuid> entries = request.others;
+    for (const DriftedEntry& drifted : request.entries)
+        if (ticked.contains(drifted.entry.id)) entries.push_back(drifted.entry.id);
+    if (!entries.empty()) restoreBeside(std::move(entries), ticked, pending, driftIsUndo_);
+}
+
+void AppModel::restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
+                             const std::optional<PendingApply>& then, bool isUndo) {
+    const std::string what = entries.size() == 1 ? "Restoring a change" : "Restoring changes";
+    const bool agents = holdsAgent(state_.entries, entries);
+    change(
+        what, {},
+        [this, what, agents, entries = std::move(entries), confirmed = std::move(confirmed), then, isUndo] {
+            Change made;
+            made.name = then ? then->tweak.title : "restoring";
+            made.isUndo = isUndo;
+            made.agentsTouched = agents;
+            std::set<Uuid> overridden = confirmed;
+            for (const Uuid& id : entries) {
+                const auto entry = deps_->journal->entry(id);
+                if (!entry) continue;
+                if (entries.size() == 1) made.name = nameOf(*entry);
+                if (!isAlreadyBack(*entry, deps_->store)) continue;
+                overridden.insert(id);
+                made.alreadyBack.push_back(nameOf(*entry));
+            }
+            const RestoreAllOutcome outcome =
+                deps_->engine.restoreSelected(entries, overridden, [&](std::size_t done, std::size_t total) {
+                    reportProgress(what, done, total);
+                    return !changes_.isEnding();
+                });
+            for (const Uuid& id : outcome.restored)
+                if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
+            for (const auto& [id, message] : outcome.failed) made.failures.push_back(message);
+            made.drifted = outcome.skippedDrifted;
+            if (!then || !made.failures.empty() || !made.drifted.empty()) return made;
+            const Tweak* tweak = catalog().tweak(then->tweak.id);
+            try {
+                if (tweak) made.made.push_back(deps_->engine.apply(*tweak, then->values, then->choiceID));
+            } catch (const EngineError& error) {
+                made.failures.push_back(error.what());
+            }
+            return made;
+        });
+}
+
+void AppModel::recover() {
+    const bool agents = std::any_of(state_.interrupted.begin(), state_.interrupted.end(),
+                                    [](const JournalEntry& entry) { return entry.agent.has_value(); });
+    change("Restoring interrupted changes", {}, [this, agents] {
+        Change made;
+        made.agentsTouched = agents;
+        made.recoveryFailures.emplace();
+        const RestoreAllOutcome outcome = deps_->engine.recoverInterrupted();
+        for (const Uuid& id : outcome.restored)
+            if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
+        for (const auto& [id, message] : outcome.failed) made.recoveryFailures->push_back(message);
+        return made;
+    });
+}
+
+void AppModel::deferRecovery() {
+    set(&AppState::recoveryDeferred, true, Property::recoveryDeferred);
+}
+
+}  // namespace brell

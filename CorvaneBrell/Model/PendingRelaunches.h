@@ -1,0 +1,25 @@
+// Which tweaks wait for a relaunch of Finder or the Dock: kept in the application's own preferences, so that
+// they survive quitting it.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell {
+
+// By tweak id: what the tweak's keys held when the app was last started, rendered.
+using KeptRelaunches = std::map<std::string, std::string>;
+
+// What the keys of one tweak hold, in the form that is kept and compared.
+std::string renderedTogether(const std::vector<StoredValue>& values);
+
+// Never raises: what can't be read was never kept.
+KeptRelaunches readPendingRelaunches(PreferenceStore& ownStore);
+
+// Writes only when something differs. Raises StoreError.
+void writePendingRelaunches(const KeptRelaunches& pending, PreferenceStore& ownStore);
+
+}  // namespace brell

@@ -1,0 +1,78 @@
+// What applying a preset would come to, and a preset made of what is active now.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "BrellCore/Catalog/Presets.h"
+#include "BrellCore/Engine/TweakStatus.h"
+#include "BrellCore/Journal/JournalEntry.h"
+
+namespace brell {
+
+using TweakStatuses = std::map<std::string, TweakStatus>;      // by tweak id
+using TweakStatusErrors = std::map<std::string, std::string>;  // by tweak id
+
+struct KeyChange {
+    PrefKey key;
+    StoredValue from;
+    StoredValue to;
+    std::string rendered() const;  // "com.apple.dock autohide from absent to true"
+    bool operator==(const KeyChange&) const = default;
+};
+
+struct AlreadySo {  // nothing to do, and the engine is not to be asked
+    bool operator==(const AlreadySo&) const = default;
+};
+struct WouldChange {
+    std::vector<KeyChange> keys;  // the ones that would get another value
+    bool operator==(const WouldChange&) const = default;
+};
+struct WouldBeRefused {
+    std::string reason;  // as the engine would give it
+    bool operator==(const WouldBeRefused&) const = default;
+};
+
+struct PresetStep {
+    std::string tweakID;
+    std::string title;
+    std::variant<AlreadySo, WouldChange, WouldBeRefused> outcome;
+    bool operator==(const PresetStep&) const = default;
+};
+
+struct PresetPlan {
+    Preset preset;
+    std::vector<PresetStep> steps;          // of the tweaks that a preset may apply, in the preset's order
+    std::vector<std::string> unknown;       // ids, left out
+    std::vector<std::string> experimental;  // ids, left out
+
+    // The ids of the tweaks that would change, in order.
+    std::vector<std::string> toApply() const;
+    bool operator==(const PresetPlan&) const = default;
+};
+
+// What was last read of this Mac.
+struct PresetSurroundings {
+    const TweakCatalog& catalog;
+    int macOSMajor;
+    const TweakStatuses& statuses;
+    const TweakStatusErrors& statusErrors;
+    const std::vector<JournalEntry>& entries;
+};
+
+PresetPlan planPreset(const Preset& preset, const PresetSurroundings& now);
+
+struct ActivePreset {
+    Preset preset;
+    std::vector<std::string> leftOut;  // one sentence for each active change that a preset can't carry
+    bool operator==(const ActivePreset&) const = default;
+};
+
+// The tweaks whose active change set their own targets, in the order of the catalog.
+ActivePreset presetFromActive(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog,
+                              std::string name);
+
+}  // namespace brell

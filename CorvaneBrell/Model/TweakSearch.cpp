@@ -1,0 +1,160 @@
+#include "CorvaneBrell/Model/TweakSearch.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "BrellCore/Support/Text.h"
+
+namespace brell {
+
+namespace {
+
+// How much a place counts where a word is found. A whole word counts more than the beginning of one, but
+// never as much as the next better place.
+namespace Weight {
+constexpr int title = 100, everyday = 80, choice = 60, key = 50, place = 30, what = 20, id = 10;
+constexpr int wholeWord = 8;
+}  // namespace Weight
+
+// Words that say that something is wanted and not what; they may be missing.
+constexpr std::array<std::string_view, 30> fillers{
+    "a",   "an", "and", "change", "disable", "do",   "does", "enable", "for",  "get",
+    "how", "i",  "in",  "is",     "it",      "make", "me",   "my",     "of",   "off",
+    "on",  "or", "set", "the",    "to",      "turn", "use",  "want",   "when", "with"};
+
+bool isFiller(std::string_view word) {
+    return std::find(fillers.begin(), fillers.end(), word) != fillers.end();
+}
+
+// Without letter case and accents.
+std::string folded(const std::string& text) {
+    utf8proc_uint8_t* mapped = nullptr;
+    const auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_DECOMPOSE |
+                                                        UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD);
+    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                     static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owned(mapped, &std::free);
+    if (length < 0) return text;
+    return {reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)};
+}
+
+std::vector<std::string> wordsOf(std::string_view text) {
+    std::vector<std::string> words;
+    const std::string slug = lowerCaseSlug(text);
+    for (std::size_t begin = 0; begin < slug.size();) {
+        const std::size_t end = std::min(slug.find('-', begin), slug.size());
+        words.push_back(folded(slug.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+    return words;
+}
+
+bool isUpper(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+bool isLetterOrDigit(char c) {
+    return isUpper(c) || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+}
+
+// Whether a part of a key begins here, as at each capital in "AppleShowAllFiles" and at "Key" in "FXKey".
+bool partBeginsAt(std::string_view key, std::size_t i) {
+    if (!isLetterOrDigit(key[i])) return false;
+    if (i == 0 || !isLetterOrDigit(key[i - 1])) return true;
+    if (!isUpper(key[i])) return false;
+    const bool lowerFollows = i + 1 < key.size() && isLetterOrDigit(key[i + 1]) && !isUpper(key[i + 1]);
+    return !isUpper(key[i - 1]) || lowerFollows;
+}
+
+}  // namespace
+
+TweakSearch::TweakSearch(const TweakCatalog& catalog, int macOSMajor)
+    : tweaks_(catalog.available(macOSMajor)) {
+    for (std::size_t i = 0; i < tweaks_.size(); ++i) indexTweak(i);
+    for (const Screen screen : allCases<Screen>()) indexScreen(screen);
+    std::sort(postings_.begin(), postings_.end(),
+              [](const Posting& one, const Posting& other) { return one.word < other.word; });
+}
+
+void TweakSearch::index(std::size_t subject, std::string_view text, int weight) {
+    for (std::string& word : wordsOf(text)) postings_.push_back({std::move(word), subject, weight});
+}
+
+// Every part of the key with all that follows it, so that "allfiles" finds AppleShowAllFiles.
+void TweakSearch::indexKey(std::size_t subject, std::string_view key, int weight) {
+    for (std::size_t begin = 0; begin < key.size(); ++begin) {
+        if (!partBeginsAt(key, begin)) continue;
+        std::size_t end = begin;
+        while (end < key.size() && isLetterOrDigit(key[end])) ++end;
+        index(subject, key.substr(begin, end - begin), weight);
+    }
+}
+
+void TweakSearch::indexTweak(std::size_t subject) {
+    const Tweak& tweak = *tweaks_[subject];
+    index(subject, tweak.title, Weight::title);
+    index(subject, everydayWords(tweak.id), Weight::everyday);
+    if (const auto* kind = std::get_if<ChoiceKind>(&tweak.kind))
+        for (const Choice& choice : kind->choices) index(subject, choice.title, Weight::choice);
+    for (const Write& write : tweak.writes) {
+        indexKey(subject, write.key.name, Weight::key);
+        indexKey(subject, write.key.domain, Weight::place);
+    }
+    index(subject, title(tweak.group), Weight::place);
+    index(subject, tweak.explanation.what, Weight::what);
+    index(subject, tweak.id, Weight::id);
+}
+
+void TweakSearch::indexScreen(Screen screen) {
+    const std::size_t subject = tweaks_.size() + static_cast<std::size_t>(screen);
+    index(subject, title(screen), Weight::title);
+    index(subject, everydayWords(screen), Weight::everyday);
+    index(subject, purpose(screen), Weight::what);
+}
+
+// For each subject how well it holds the word; 0 where it does not.
+std::vector<int> TweakSearch::scores(std::string_view word) const {
+    std::vector<int> scores(tweaks_.size() + enumTexts<Screen>.size());
+    auto found = std::lower_bound(
+        postings_.begin(), postings_.end(), word,
+        [](const Posting& posting, std::string_view sought) { return posting.word < sought; });
+    for (; found != postings_.end() && found->word.starts_with(word); ++found) {
+        const int score = found->weight + (found->word == word ? Weight::wholeWord : 0);
+        scores[found->subject] = std::max(scores[found->subject], score);
+    }
+    return scores;
+}
+
+SearchResults TweakSearch::find(std::string_view query) const {
+    const std::vector<std::string> words = wordsOf(query);
+    const bool onlyFillers = std::all_of(words.begin(), words.end(), isFiller);
+    std::vector<std::int64_t> totals(tweaks_.size() + enumTexts<Screen>.size());
+    std::vector<bool> misses(totals.size(), words.empty());
+    for (const std::string& word : words) {
+        const std::vector<int> found = scores(word);
+        const bool needed = onlyFillers || !isFiller(word);
+        for (std::size_t i = 0; i < totals.size(); ++i) {
+            totals[i] += found[i];
+            if (needed && found[i] == 0) misses[i] = true;
+        }
+    }
+
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < totals.size(); ++i)
+        if (!misses[i]) order.push_back(i);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t one, std::size_t other) { return totals[one] > totals[other]; });
+    SearchResults results;
+    for (const std::size_t subject : order)
+        if (subject < tweaks_.size())
+            results.tweaks.push_back(tweaks_[subject]);
+        else
+            results.screens.push_back(static_cast<Screen>(subject - tweaks_.size()));
+    return results;
+}
+
+}  // namespace brell
