@@ -1,0 +1,9 @@
+#include "CorvaneBrell/LaunchOptions.h"
+
+namespace brell {
+
+CommandLine readCommandLine(int, const char* const*) {
+    return {};
+}
+
+}  // namespace brell

@@ -1,0 +1,77 @@
+#include "CorvaneBrell/Machine.h"
+
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "BrellCore/Background/BTMReader.h"
+#include "BrellCore/Background/ProcessCommandRunner.h"
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Preferences/PlistFileStore.h"
+#include "BrellCore/Support/Uuid.h"
+#include "CorvaneBrell/Platform/UserPreferences.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+constexpr double commandSeconds = 10.0;
+
+// Each dry run starts from an empty journal of its own.
+fs::path throwAwayDirectory() {
+    return fs::temp_directory_path() / ("corvane-brell-dry-run-" + Uuid::random().text());
+}
+
+fs::path journalDirectoryFor(const LaunchOptions& options, const fs::path& home) {
+    if (options.journalDirectory) return *options.journalDirectory;
+    if (options.dryRun) return throwAwayDirectory();
+    return Journal::defaultDirectory(home);
+}
+
+DomainSet ownDomains() {
+    return {std::string(NeverTouch::ownLabel)};
+}
+
+Machine thisMachine(const LaunchOptions& options) {
+    const fs::path home = homeFolder();
+    if (!home.is_absolute())
+        throw std::runtime_error("Neither HOME nor the user database names a home folder.");
+    // A dry run reads what a real run would, although its journal lies elsewhere.
+    const fs::path preferences =
+        options.journalDirectory.value_or(Journal::defaultDirectory(home)) / "Preferences";
+    return {home,
+            "/",
+            currentOSVersion(),
+            ::getuid(),
+            BTMReader::currentUserIsAdmin,
+            journalDirectoryFor(options, home),
+            userPreferences(preferences, TweakCatalog::allowedDomains()),
+            userPreferences(preferences, ownDomains()),
+            std::make_unique<ProcessCommandRunner>(commandSeconds)};
+}
+
+Machine sampleMachine(const LaunchOptions& options) {
+    const SampleMac sample(*options.sampleMac);
+    return {sample.home(),
+            sample.systemRoot(),
+            SampleMac::osVersion,
+            SampleMac::uid,
+            [] { return SampleMac::isAdmin; },
+            journalDirectoryFor(options, sample.home()),
+            sample.openPreferences(),
+            std::make_unique<PlistFileStore>(sample.preferences(), ownDomains()),
+            sample.openTools()};
+}
+
+}  // namespace
+
+Machine machineFor(const LaunchOptions& options) {
+    return options.sampleMac ? sampleMachine(options) : thisMachine(options);
+}
+
+}  // namespace brell

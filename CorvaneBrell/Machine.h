@@ -1,0 +1,31 @@
+// What a run works on: the Mac it runs on, or a stand-in for one.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+#include "BrellCore/Background/CommandRunning.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "CorvaneBrell/LaunchOptions.h"
+#include "CorvaneBrell/Platform/OperatingSystem.h"
+
+namespace brell {
+
+struct Machine {
+    std::filesystem::path home;
+    std::filesystem::path systemRoot;  // holds Library/LaunchAgents, Library/LaunchDaemons and Volumes
+    OperatingSystemVersion osVersion;
+    std::uint32_t uid;
+    std::function<bool()> isAdmin;
+    std::filesystem::path journalDirectory;  // as the options say
+    std::unique_ptr<PreferenceStore> store;
+    std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain
+    std::unique_ptr<CommandRunning> runner;
+};
+
+// The machine that these options name. Raises std::exception when its folders can't be made.
+Machine machineFor(const LaunchOptions& options);
+
+}  // namespace brell

@@ -1,0 +1,27 @@
+// What the operating system says about itself and the user.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace brell {
+
+struct OperatingSystemVersion {
+    int major = 0;
+    int minor = 0;
+    int patch = 0;
+
+    std::string text() const;  // "26.1.0"
+    bool operator==(const OperatingSystemVersion&) const = default;
+};
+
+// Of the running system; off macOS of its kernel. What can't be read counts as 0.
+OperatingSystemVersion currentOSVersion();
+
+// The numbers at the start of a text such as "26.1" or "6.1.0-18-amd64".
+OperatingSystemVersion parseOSVersion(const std::string& text);
+
+// The user's home folder, an absolute path without a slash at its end.
+std::filesystem::path homeFolder();
+
+}  // namespace brell
