@@ -1,0 +1,164 @@
+#include "BrellCore/Background/LaunchAgentReader.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "Tests/Support/FakeCommandRunner.h"
+#include "Tests/Support/Testing.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+namespace {
+
+using Command = AllowedCommand;
+using testing::FakeCommandRunner;
+using testing::messageOf;
+using testing::setContents;
+using testing::TemporaryFolder;
+
+struct LaunchAgentReaderTest : ::testing::Test {
+    TemporaryFolder folder;
+    FakeCommandRunner runner;
+    LaunchAgentReader reader{runner, folder.path, 501, folder.path / "system"};
+    const fs::path agents = reader.userAgentsDirectory();
+
+    fs::path job(const fs::path& file, const std::string& entries) {
+        setContents(file, R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)" + entries +
+                              "</dict></plist>");
+        return file;
+    }
+    fs::path labelled(const fs::path& file, const std::string& label) {
+        return job(file, "<key>Label</key><string>" + label + "</string>");
+    }
+    void overridesAre(std::string text) {
+        runner.answer(Command::launchctlPrintDisabled("gui/501"), std::move(text));
+    }
+    // What is known of a file that holds no job.
+    LaunchAgentPlist onlyPath(const fs::path& file, std::optional<std::uint32_t> owner) {
+        LaunchAgentPlist plist;
+        plist.path = file.string();
+        plist.fileOwnerUID = owner;
+        return plist;
+    }
+};
+
+TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJob) {
+    const fs::path file = job(folder.path / "a.plist", R"(
+        <key>Label</key><string>com.example.a</string>
+        <key>ProgramArguments</key><array><string>/bin/sh</string><string>-c</string></array>
+        <key>RunAtLoad</key><true/>
+        <key>KeepAlive</key><dict><key>SuccessfulExit</key><false/></dict>
+        <key>StartInterval</key><integer>3600</integer>
+        <key>StartCalendarInterval</key><array/>
+        <key>AssociatedBundleIdentifiers</key><string>com.example.app</string>)");
+    LaunchAgentPlist expected = onlyPath(file, ::getuid());
+    expected.label = "com.example.a";
+    expected.arguments = {"/bin/sh", "-c"};
+    expected.runAtLoad = expected.keepAlive = expected.hasCalendarInterval = true;
+    expected.startInterval = 3600;
+    expected.associatedBundleIDs = {"com.example.app"};
+    const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
+    EXPECT_EQ(plist, expected);
+    EXPECT_EQ(plist.executable(), "/bin/sh");
+    EXPECT_EQ(plist.trigger(), "at login, every 3600 s, on a schedule, kept running");
+}
+
+TEST_F(LaunchAgentReaderTest, ValuesOfAnotherTypeCountAsMissing) {
+    const fs::path file = job(folder.path / "a.plist", R"(
+        <key>Label</key><integer>5</integer>
+        <key>Program</key><string>/usr/bin/true</string>
+        <key>ProgramArguments</key><array><string>/bin/sh</string><integer>1</integer></array>
+        <key>RunAtLoad</key><integer>1</integer>
+        <key>KeepAlive</key><false/>
+        <key>StartInterval</key><true/>
+        <key>AssociatedBundleIdentifiers</key><array><string>a</string><string>b</string></array>)");
+    LaunchAgentPlist expected = onlyPath(file, ::getuid());
+    expected.program = "/usr/bin/true";
+    expected.associatedBundleIDs = {"a", "b"};
+    const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
+    EXPECT_EQ(plist, expected);
+    EXPECT_EQ(plist.executable(), "/usr/bin/true");
+    EXPECT_EQ(plist.trigger(), "on demand");
+}
+
+TEST_F(LaunchAgentReaderTest, ABrokenFileNeverHidesTheOthers) {
+    setContents(agents / "a-broken.plist", "<plist><dict><key>Label</key>");
+    setContents(agents / "b-array.plist", "<plist version=\"1.0\"><array/></plist>");
+    setContents(agents / "c-giant.plist", "");
+    fs::resize_file(agents / "c-giant.plist", std::uintmax_t{1} << 33);
+    fs::create_directory(agents / "d-folder.plist");
+    ASSERT_EQ(::mkfifo((agents / "e-pipe.plist").c_str(), 0600), 0);  // nobody ever writes to it
+    fs::create_symlink("/nowhere", agents / "f-dangling.plist");
+    labelled(agents / "g.plist", "com.example.g");
+    labelled(agents / "h.PLIST", "com.example.h");
+
+    std::vector<LaunchAgentPlist> expected;
+    for (const char* name : {"a-broken", "b-array", "c-giant", "d-folder", "e-pipe"})
+        expected.push_back(onlyPath(agents / (std::string(name) + ".plist"), ::getuid()));
+    expected.push_back(onlyPath(agents / "f-dangling.plist", std::nullopt));
+    expected.push_back(onlyPath(agents / "g.plist", ::getuid()));
+    expected.back().label = "com.example.g";
+    EXPECT_EQ(LaunchAgentReader::plists(agents), expected);
+    EXPECT_EQ(LaunchAgentReader::plists(folder.path / "missing"), std::vector<LaunchAgentPlist>{});
+}
+
+TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
+    labelled(agents / "a.plist", "com.example.off");
+    labelled(agents / "b.plist", "com.example.running");
+    labelled(agents / "c.plist", "not a label");
+    labelled(agents / "d.plist", "");
+    labelled(agents / "e.plist", "com.example.slow");
+    job(agents / "f.plist", "");
+    overridesAre("\"com.example.off\" => disabled\n\"com.example.running\" => enabled\n");
+    runner.answer(Command::launchctlPrint("gui/501/com.example.off"),
+                  CommandResult{113, "", "Could not find service"});
+    runner.answer(Command::launchctlPrint("gui/501/com.example.running"),
+                  "x = {\n\tstate = running\n\tpid = 5\n}");
+    runner.fail(Command::launchctlPrint("gui/501/com.example.slow"));
+
+    std::vector<LaunchAgentRecord> listed = reader.listUserAgents();
+    EXPECT_EQ(runner.commands(), std::vector{Command::launchctlPrintDisabled("gui/501")});
+    std::vector<std::pair<AgentOverride, LoadedState>> found;
+    for (const LaunchAgentRecord& record : reader.userAgents()) {
+        EXPECT_EQ(record.scope, AgentScope::user);
+        found.emplace_back(record.override, record.loaded);
+    }
+    const LoadedState running{LoadedState::Kind::loaded, "running", {}, {}, 5};
+    const std::pair nothing(AgentOverride::absent, LoadedState::unknown());
+    EXPECT_EQ(found, (decltype(found){{AgentOverride::disabled, LoadedState::notLoaded()},
+                                      {AgentOverride::enabled, running},
+                                      nothing,
+                                      nothing,
+                                      nothing,
+                                      nothing}));
+    EXPECT_EQ(runner.commands().size(), 5u);  // nothing is run for what launchd can't address
+    listed[1].loaded = running;
+    EXPECT_EQ(listed[1], reader.userAgents()[1]);
+}
+
+TEST_F(LaunchAgentReaderTest, FailsOnlyWhenTheOverridesCannotBeRead) {
+    runner.answer(Command::launchctlPrintDisabled("gui/501"),
+                  CommandResult{125, "", "Domain does not exist"});
+    EXPECT_EQ(messageOf([&] { reader.userAgents(); }), "launchctl print-disabled: \nDomain does not exist");
+    runner.fail(Command::launchctlPrintDisabled("gui/501"));
+    EXPECT_EQ(messageOf([&] { reader.userAgents(); }),
+              "The command did not finish in time and was stopped: /bin/launchctl print-disabled gui/501.");
+}
+
+TEST_F(LaunchAgentReaderTest, ListsTheSystemsJobsWithoutAskingLaunchd) {
+    const fs::path daemon =
+        labelled(folder.path / "system/Library/LaunchDaemons/a.plist", "com.example.daemon");
+    const fs::path agent = labelled(folder.path / "system/Library/LaunchAgents/b.plist", "com.example.agent");
+    const auto record = [](const fs::path& file, AgentScope scope) {
+        return LaunchAgentRecord{LaunchAgentPlist::read(file), scope, AgentOverride::absent,
+                                 LoadedState::unknown()};
+    };
+    EXPECT_EQ(reader.systemAgents(), (std::vector{record(agent, AgentScope::systemAgent),
+                                                  record(daemon, AgentScope::systemDaemon)}));
+    EXPECT_TRUE(runner.commands().empty());
+}
+
+}  // namespace
+}  // namespace brell

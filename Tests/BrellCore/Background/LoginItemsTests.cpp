@@ -1,0 +1,212 @@
+#include "BrellCore/Background/LoginItems.h"
+
+#include <gtest/gtest.h>
+
+#include "BrellCore/Background/CollationKey.h"
+#include "BrellCore/Background/JobPath.h"
+
+namespace brell {
+namespace {
+
+constexpr std::uint32_t uid = 501;
+
+LaunchAgentRecord record(std::optional<std::string> label, const std::string& path,
+                         AgentScope scope = AgentScope::user) {
+    LaunchAgentRecord made{{}, scope, AgentOverride::absent, LoadedState::unknown()};
+    made.plist.path = path;
+    made.plist.label = std::move(label);
+    return made;
+}
+
+LaunchAgentRecord agent(const std::string& label) {
+    return record(label, "/Users/jo/Library/LaunchAgents/" + label + ".plist");
+}
+
+BTMItem item(std::string id, BTMItemType type = BTMItemType::legacyAgent, std::optional<std::string> url = {},
+             std::optional<std::string> bundleID = {}) {
+    BTMItem made;
+    made.id = std::move(id);
+    made.type = type;
+    made.url = std::move(url);
+    made.bundleID = std::move(bundleID);
+    return made;
+}
+
+std::vector<LoginItemRow> merge(const std::vector<LaunchAgentRecord>& user, std::vector<BTMItem> items,
+                                const std::vector<LaunchAgentRecord>& system = {}) {
+    return LoginItemsMerger::merge(user, system, BTMDump{{{uid, std::move(items)}}}, uid);
+}
+
+// Each row as the record's label, an arrow and the id of its item.
+std::vector<std::string> pairs(const std::vector<LoginItemRow>& rows) {
+    std::vector<std::string> texts;
+    for (const LoginItemRow& row : rows)
+        texts.push_back((row.record ? row.record->label().value_or("?") : "") + ">" +
+                        (row.btm ? row.btm->id : ""));
+    return texts;
+}
+
+using Texts = std::vector<std::string>;
+
+TEST(LoginItemsMerger, MatchesByIdentifierFileOrBundle) {
+    const std::string file = "/Users/jo/Library/LaunchAgents/a b.plist";
+    const std::string daemonFile = "/Library/LaunchDaemons/d.plist";
+    const auto jo = record("com.example.a", file);
+    const auto daemon = record("com.example.d", daemonFile, AgentScope::systemDaemon);
+    struct Row {
+        LaunchAgentRecord record;
+        BTMItem item;
+        bool matches;
+    };
+    const auto agentType = BTMItemType::legacyAgent;
+    const std::vector<Row> rows{
+        {jo, item("12.com.example.a"), true},
+        {jo, item("12.com.example.a", BTMItemType::other), true},
+        {jo, item("12.com.example.a", BTMItemType::app), false},
+        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%20b.plist"), true},
+        {jo, item("x", agentType, "file:///Users/jo/Library/./x/..//LaunchAgents/a%20b.plist#y"), true},
+        {jo, item("x", agentType, file), true},
+        {jo, item("x", agentType, "/Users/501/Library/LaunchAgents/a b.plist"), true},
+        {jo, item("x", agentType, "file:///Users/501/Library/LaunchAgents/a%20b.plist"), true},
+        {jo, item("x", agentType, "/Users/502/Library/LaunchAgents/a b.plist"), false},
+        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%2b.plist"), false},
+        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%2"), false},
+        {jo, item("x", agentType, "https:///Users/jo/Library/LaunchAgents/a%20b.plist"), false},
+        {jo, item("x", agentType, {}, "com.example.a"), true},
+        {record({}, file), item("x", agentType, file), true},
+        {record({}, file), item("", agentType, {}, ""), false},
+        {daemon, item("x", BTMItemType::legacyDaemon, daemonFile), true},
+    };
+    for (const Row& row : rows) {
+        const bool user = row.record.scope == AgentScope::user;
+        const auto merged =
+            merge(user ? std::vector{row.record} : std::vector<LaunchAgentRecord>{}, {row.item},
+                  user ? std::vector<LaunchAgentRecord>{} : std::vector{row.record});
+        EXPECT_EQ(merged.size() == 1, row.matches) << row.item.id << " " << row.item.url.value_or("");
+    }
+}
+
+TEST(LoginItemsMerger, TakesTheFirstItemThatIsLeftForEachRecordInTurn) {
+    // The bundle matches earlier in the dump than the identifier: the dump's order decides.
+    EXPECT_EQ(
+        pairs(merge({agent("a"), agent("a"), agent("a")}, {item("other", BTMItemType::legacyAgent, {}, "a"),
+                                                           item("1.a"), item("2.a", BTMItemType::app)})),
+        (Texts{"a>other", "a>1.a", "a>", ">2.a"}));
+
+    // The user's own section comes before those of the machine, whatever their numbers.
+    const BTMDump dump{{{0, {item("0.a")}}, {-2, {item("2.a")}}, {uid, {item("5.a")}}, {502, {item("9.a")}}}};
+    EXPECT_EQ(pairs(LoginItemsMerger::merge({agent("a"), agent("a"), agent("a")}, {}, dump, uid)),
+              (Texts{"a>5.a", "a>2.a", "a>0.a"}));
+}
+
+TEST(LoginItemsMerger, LeavesOutWhatIsNobodysBusinessAndRepetitions) {
+    const auto rows =
+        merge({agent("com.corvane.brell"), agent("com.corvane.brell.x"), agent("com.corvane.brellx")},
+              {item("developer", BTMItemType::developer), item("tile", BTMItemType::dockTile),
+               item("look", BTMItemType::quicklook), item("spot", BTMItemType::spotlight),
+               item("vendor", BTMItemType::app, {}, "com.apple.x"), item("3.com.apple.y"),
+               item("hidden by its label com.apple.", BTMItemType::app, {}, "com.corvane.brell.y"),
+               item("4.com.apple.z", BTMItemType::app, {}, "com.example.z"), item("twice"),
+               item("twice", BTMItemType::app)});
+    EXPECT_EQ(pairs(rows), (Texts{"com.corvane.brellx>", ">twice"}));
+}
+
+TEST(LoginItemsMerger, TellsAboutARecord) {
+    LaunchAgentRecord looping = agent("com.example.tool");
+    looping.plist.program = "/Applications/Tool.app/Contents/MacOS/tool";
+    looping.plist.runAtLoad = true;
+    looping.loaded = {LoadedState::Kind::loaded, "spawn scheduled", 5, 78, {}};
+    looping.override = AgentOverride::disabled;
+    BTMItem known = item("7.com.example.tool");
+    known.enabled = true;
+    known.allowed = false;
+
+    const LoginItemRow expected{"user:/Users/jo/Library/LaunchAgents/com.example.tool.plist",
+                                "Tool",
+                                "com.example.tool · at login",
+                                LoginItemBadge::toggleable,
+                                looping,
+                                known,
+                                AgentExplainer::explain("com.example.tool", {}, looping.plist.program),
+                                true,
+                                false,
+                                false};  // the override counts for the user's own, not the item's switch
+    EXPECT_EQ(merge({looping}, {known}), std::vector{expected});
+
+    const auto daemon =
+        record("com.example.tool", "/Library/LaunchDaemons/x.plist", AgentScope::systemDaemon);
+    known.enabled = false;
+    const LoginItemRow row = merge({}, {known}, {daemon}).front();
+    EXPECT_EQ(row.badge, LoginItemBadge::adminOnly);
+    EXPECT_FALSE(row.isOn);
+
+    const LoginItemRow alone =
+        LoginItemsMerger::merge({record({}, "/Users/jo/Library/LaunchAgents/y.plist")}, {}, {}, uid).front();
+    EXPECT_EQ(alone.badge, LoginItemBadge::appManaged);
+    EXPECT_EQ(alone.subtitle, "y.plist · on demand");
+    EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
+    EXPECT_TRUE(alone.isOn);
+}
+
+TEST(LoginItemsMerger, TellsAboutAnItemThatLaunchdDoesNotKnow) {
+    BTMItem app = item("2.com.example.app", BTMItemType::loginItem, "file:///Applications/Ex%20ample.app/");
+    BTMItem helper =
+        item("8.com.example.helper", BTMItemType::legacyDaemon, "/Library/LaunchDaemons/h.plist");
+    helper.name = "Helper";
+    helper.developer = "Example Corp";
+    helper.enabled = true;
+    const auto rows = merge({}, {app, helper});
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[0].title, "Helper");
+    EXPECT_EQ(rows[0].subtitle, "Example Corp · background daemon");
+    EXPECT_EQ(rows[0].badge, LoginItemBadge::adminOnly);
+    EXPECT_TRUE(rows[0].isOn);
+    EXPECT_EQ(rows[0].explanation.what, "A background item with no program listed.");
+    EXPECT_EQ(rows[1].title, "Ex ample");
+    EXPECT_EQ(rows[1].subtitle, "com.example.app · login item");
+    EXPECT_EQ(rows[1].badge, LoginItemBadge::appManaged);
+    EXPECT_EQ(rows[1].allowedInSystemSettings, true);
+    EXPECT_FALSE(rows[1].isOn);
+}
+
+TEST(LoginItemsMerger, SortsByBadgeThenTitleWithoutCaseThenID) {
+    const auto named = [](std::string id, std::string name, std::optional<std::string> url = {}) {
+        BTMItem made = item(std::move(id), BTMItemType::app, std::move(url));
+        made.name = std::move(name);
+        return made;
+    };
+    EXPECT_EQ(pairs(merge({agent("z")},
+                          {named("1", "zebra"), named("2", "Äpfel"), named("3", "apfel"), named("5", "Beta"),
+                           named("4", "beta"), named("6", "zz", "file:///Library/x.app")})),
+              (Texts{"z>", ">6", ">3", ">2", ">4", ">5", ">1"}));
+}
+
+TEST(CollationKey, OrdersTextForPeople) {
+    const std::vector<std::string> ordered{"",
+                                           "a b",
+                                           "ab",
+                                           "ABc",
+                                           "ec",
+                                           "\xC3\xA9"
+                                           "clair",
+                                           "Eclipse",
+                                           "stra\xC3\x9F"
+                                           "e",
+                                           "Strasses",
+                                           "\xFF"};
+    for (std::size_t i = 1; i < ordered.size(); ++i)
+        EXPECT_LT(collationKey(ordered[i - 1]), collationKey(ordered[i])) << ordered[i];
+    EXPECT_EQ(collationKey("\xC3\x89T\xC3\x89"), collationKey("e\xCC\x81t\xC3\xA9"));
+}
+
+TEST(StandardizedPath, IsTheSameForEveryWayToWriteAPath) {
+    for (const char* path : {"/a/b", "/a/b/", "//a//b", "/a/./b", "/a/x/../b", "/../a/b/."})
+        EXPECT_EQ(standardizedPath(path), "/a/b") << path;
+    EXPECT_EQ(standardizedPath("//"), "/");
+    EXPECT_EQ(pathOfItemUrl("file://localhost/a"), "/a");
+    for (const char* url : {"file://", "file://host", "relative", "", "file:///a%zz"})
+        EXPECT_EQ(pathOfItemUrl(url), std::nullopt) << url;
+}
+
+}  // namespace
+}  // namespace brell

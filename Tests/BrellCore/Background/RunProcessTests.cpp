@@ -1,0 +1,122 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+
+#include "BrellCore/Background/ProcessCommandRunner.h"
+#include "BrellCore/Background/RunProcess.h"
+#include "BrellCore/Support/UniqueFd.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+namespace {
+
+using testing::namesIn;
+using testing::thrownBy;
+
+constexpr double plenty = 20;
+
+std::optional<CommandResult> runChild(const std::vector<std::string>& arguments, double timeout = plenty) {
+    return runProcess(BRELL_CHATTY_CHILD, arguments, timeout);
+}
+
+double secondsOf(const std::function<void()>& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Of our children; some may still run.
+bool hasZombies() {
+    siginfo_t info{};
+    return ::waitid(P_ALL, 0, &info, WEXITED | WNOWAIT | WNOHANG) == 0 && info.si_pid != 0;
+}
+
+TEST(RunProcess, TheChildInheritsNothing) {
+    ::setenv("BRELL_TEST_VARIABLE", "1", 1);
+    const UniqueFd careless(::open("/dev/null", O_RDONLY));  // by a library that does not close on exec
+    const auto ignored = ::signal(SIGPIPE, SIG_IGN);
+    sigset_t terminate;
+    sigset_t before;
+    ::sigemptyset(&terminate);
+    ::sigaddset(&terminate, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &terminate, &before);
+
+    const auto result = runChild({"inheritance", "two words", "", "$HOME 'x'"});
+
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    ::signal(SIGPIPE, ignored);
+    EXPECT_EQ(result,
+              (CommandResult{0, "argument two words\nargument \nargument $HOME 'x'\ninput null\n", ""}));
+}
+
+TEST(RunProcess, ReadsBothStreamsWholeHoweverMuchTheyHold) {
+    const auto result = runChild({"chatty"});
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->exitCode, 3);
+    EXPECT_TRUE(result->stdoutText == std::string(4 << 20, 'o'));
+    EXPECT_TRUE(result->stderrText == std::string(4 << 20, 'e'));
+}
+
+TEST(RunProcess, RepairsTextAndReportsEveryKindOfEnd) {
+    EXPECT_EQ(runChild({"invalid"}), (CommandResult{0,
+                                                    "a\xEF\xBF\xBD"
+                                                    "b\xEF\xBF\xBD",
+                                                    ""}));
+    EXPECT_EQ(runChild({"closes-early"}), (CommandResult{7, "before", ""}));
+    EXPECT_EQ(runChild({"signal"}), (CommandResult{128 + SIGKILL, "", ""}));
+    EXPECT_FALSE(hasZombies());
+}
+
+TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
+    // Obeys: no need for the grace periods. A program that prints without end must not hold us either.
+    for (const char* mode : {"sleeps", "endless"})
+        EXPECT_LT(secondsOf([&] { EXPECT_EQ(runChild({mode}, 0.2), std::nullopt) << mode; }), 1.5) << mode;
+    EXPECT_FALSE(hasZombies());
+
+    // Does not obey, and keeps its outputs open: both grace periods pass.
+    EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"ignores"}, 0.2), std::nullopt); }), 5.5);
+}
+
+TEST(RunProcess, AnOutputHeldOpenByAGrandchildDoesNotHoldTheCaller) {
+    EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"grandchild"}), (CommandResult{0, "mine", ""})); }), 3.5);
+}
+
+TEST(RunProcess, LeavesNoDescriptorBehindAndSaysWhyItCannotStart) {
+    const std::string missing = "/no/such/program";
+    const auto before = namesIn("/dev/fd").size();
+    for (int i = 0; i < 20; ++i) {
+        const auto error = thrownBy<CommandError>([&] { runProcess(missing, {}, plenty); });
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->failure(),
+                  (CommandFailure{CommandProblem::cannotStart, "No such file or directory"}));
+        runChild({"nothing"});
+    }
+    EXPECT_EQ(namesIn("/dev/fd").size(), before);
+}
+
+TEST(RunProcess, WorksWhenTheStandardDescriptorsAreClosed) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        for (const int descriptor : {0, 1, 2}) ::close(descriptor);
+        const auto result = runChild({"invalid"});
+        ::_exit(result && result->stdoutText.starts_with("a") && result->stderrText.empty() ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(pid, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ProcessCommandRunner, RefusesBeforeAnythingIsStarted) {
+    ProcessCommandRunner runner(plenty);
+    const auto error = thrownBy<CommandError>([&] { runner.run(AllowedCommand::mdutilStatus("relative")); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure(), (CommandFailure{CommandProblem::invalidArgument, "volume relative"}));
+}
+
+}  // namespace
+}  // namespace brell

@@ -1,0 +1,153 @@
+#include "BrellCore/Catalog/Presets.h"
+
+#include <gtest/gtest.h>
+
+#include "BrellCore/Support/JsonWriter.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+
+namespace {
+
+using testing::thrownBy;
+using Ids = std::vector<std::string>;
+
+const std::string importSummary = "Imported from a .corvanepreset file.";
+
+class PresetsTest : public ::testing::Test {
+protected:
+    const TweakCatalog catalog{"/Users/jo"};
+
+    DecodedPreset decoded(std::string_view bytes) const { return PresetFile::decode(bytes, catalog); }
+
+    // Nothing when the bytes are a preset after all; every other error fails the test.
+    std::optional<PresetFileFailure> refusalOf(std::string_view bytes) const {
+        const auto error = thrownBy<PresetFileError>([&] { decoded(bytes); });
+        return error ? std::optional(error->failure()) : std::nullopt;
+    }
+};
+
+}  // namespace
+
+TEST_F(PresetsTest, ShippedOnesAreApplicableAndCarryTheIdOfTheirName) {
+    Ids ids;
+    for (const Preset& preset : Presets::shipped()) {
+        ids.push_back(preset.id);
+        EXPECT_EQ(PresetFile::slug(preset.name), preset.id);
+        EXPECT_EQ(Presets::validate(preset, catalog), (PresetValidation{preset.tweakIDs, {}, {}}));
+    }
+    EXPECT_EQ(ids, (Ids{"quiet-dock", "developer-finder", "fewer-animations", "calm-typing"}));
+}
+
+TEST_F(PresetsTest, ValidationSetsUnknownAndExperimentalTweaksApart) {
+    const Preset mixed{
+        "mixed", "Mixed", "", {"shot.jpg", "dock.foo", "mc.fast_animation", "dock.autohide", "a"}};
+
+    EXPECT_EQ(Presets::validate(mixed, catalog),
+              (PresetValidation{{"shot.jpg", "dock.autohide"}, {"dock.foo", "a"}, {"mc.fast_animation"}}));
+}
+
+TEST_F(PresetsTest, ExportsTheSampleFileAndImportsItAgain) {
+    const auto sample =
+        std::filesystem::path(__FILE__).parent_path() / "Samples" / "quiet-dock.corvanepreset";
+    const std::string bytes = testing::contentsOf(sample);
+    const Preset& quietDock = Presets::shipped().front();
+
+    EXPECT_EQ(PresetFile::encode(quietDock), bytes);
+    EXPECT_EQ(decoded(bytes),
+              (DecodedPreset{{"quiet-dock", "Quiet Dock", importSummary, quietDock.tweakIDs}, {}}));
+
+    const std::size_t closingBrace = bytes.rfind('}');
+    for (std::size_t length = 0; length <= closingBrace; ++length)
+        EXPECT_EQ(refusalOf(bytes.substr(0, length)), PresetFileFailure(UnreadablePreset())) << length;
+}
+
+TEST_F(PresetsTest, AnyNameAndIdsSurviveTheFileUnlessTheyAreNotUtf8) {
+    const Preset awkward{"", "\"\\/\n\u00C9t\u00E9 \U0001F600", "lost", {"dock.\t\"x\""}};
+    EXPECT_EQ(decoded(PresetFile::encode(awkward)),
+              (DecodedPreset{{"\u00E9t\u00E9", awkward.name, importSummary, {}}, awkward.tweakIDs}));
+
+    EXPECT_TRUE(thrownBy<JsonWriteError>([] { PresetFile::encode({"", "\xC3", "", {}}); }));
+    EXPECT_TRUE(thrownBy<JsonWriteError>([] { PresetFile::encode({"", "", "", {"\xFF"}}); }));
+}
+
+TEST_F(PresetsTest, DecodingKeepsEachKnownIdOnceAndReportsTheOthersOnce) {
+    EXPECT_EQ(decoded(R"({"tweaks": ["shot.jpg", "dock.foo", "dock.autohide", "shot.jpg", "", "dock.foo"],
+                          "extra": {"name": 1, "format": 7}, "name": "M\u00fcsli", "format": 1})"),
+              (DecodedPreset{{"m\u00FCsli", "M\u00FCsli", importSummary, {"shot.jpg", "dock.autohide"}},
+                             {"dock.foo", ""}}));
+    EXPECT_EQ(decoded(R"( {"format":1,"name":"","tweaks":[]} )"),
+              (DecodedPreset{{"preset", "", importSummary, {}}, {}}));
+}
+
+TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
+    for (const std::string rest : {"}", R"(, "name": 5, "tweaks": {"a": [null]}})"}) {
+        EXPECT_EQ(refusalOf(R"({"format": 2)" + rest), PresetFileFailure(UnsupportedPresetFormat{2})) << rest;
+        EXPECT_EQ(refusalOf(R"({"format": 0)" + rest), PresetFileFailure(UnsupportedPresetFormat{0})) << rest;
+        EXPECT_EQ(refusalOf(R"({"format": -9223372036854775808)" + rest),
+                  PresetFileFailure(UnsupportedPresetFormat{INT64_MIN}));
+    }
+    EXPECT_EQ(testing::messageOf([&] { decoded(R"({"format": 2})"); }),
+              "This preset file uses format 2, which this version of Brell does not know. Update Brell to "
+              "open it.");
+}
+
+TEST_F(PresetsTest, WhatIsNotAWholePresetIsUnreadable) {
+    const std::string nested = std::string(5000, '[') + std::string(5000, ']');
+    for (const std::string& bytes :
+         std::vector<std::string>{"",
+                                  " ",
+                                  "null",
+                                  "1",
+                                  "\"format\"",
+                                  "[]",
+                                  "{}",
+                                  R"([{"format": 1, "name": "A", "tweaks": []}])",
+                                  R"({"name": "A", "tweaks": []})",
+                                  R"({"Format": 1, "name": "A", "tweaks": []})",
+                                  R"({"format": true, "name": "A", "tweaks": []})",
+                                  R"({"format": "1", "name": "A", "tweaks": []})",
+                                  R"({"format": 1.0, "name": "A", "tweaks": []})",
+                                  R"({"format": null, "name": "A", "tweaks": []})",
+                                  R"({"format": 9223372036854775808, "name": "A", "tweaks": []})",
+                                  R"({"format": 1, "format": 1, "name": "A", "tweaks": []})",
+                                  R"({"format": 1, "format": 2, "name": "A", "tweaks": []})",
+                                  R"({"format": 1})",
+                                  R"({"format": 1, "tweaks": []})",
+                                  R"({"format": 1, "name": null, "tweaks": []})",
+                                  R"({"format": 1, "name": 5, "tweaks": []})",
+                                  R"({"format": 1, "name": "A", "name": "B", "tweaks": []})",
+                                  R"({"format": 1, "name": "A"})",
+                                  R"({"format": 1, "name": "A", "tweaks": null})",
+                                  R"({"format": 1, "name": "A", "tweaks": "dock.autohide"})",
+                                  R"({"format": 1, "name": "A", "tweaks": {"dock.autohide": true}})",
+                                  R"({"format": 1, "name": "A", "tweaks": ["dock.autohide", 1]})",
+                                  R"({"format": 1, "name": "A", "tweaks": [["dock.autohide"]]})",
+                                  R"({"format": 1, "name": "A", "tweaks": [],})",
+                                  R"({"format": 1, "name": "A", "tweaks": []} {})",
+                                  R"({"format": 1, "name": "A", "tweaks": []}x)",
+                                  R"({"format": 2} x)",
+                                  R"({"format": 1, "name": "\ud800", "tweaks": []})",
+                                  "{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}",
+                                  "{\"format\": 1, \"name\": \"A\nB\", \"tweaks\": []}",
+                                  R"({"format": 1, "name": "A", "tweaks": [], "deep": )" + nested + "}"})
+        EXPECT_EQ(refusalOf(bytes), PresetFileFailure(UnreadablePreset())) << bytes.substr(0, 100);
+    EXPECT_EQ(describe(PresetFileFailure(UnreadablePreset())), "This is not a preset file Brell can read.");
+}
+
+TEST(PresetSlugTest, KeepsLettersAndDigitsOfEveryScript) {
+    const std::pair<std::string, std::string> slugs[] = {
+        {"Quiet Dock!", "quiet-dock"},
+        {"  ", "preset"},
+        {"", "preset"},
+        {"--\U0001F600--", "preset"},
+        {"../../etc/passwd", "etc-passwd"},
+        {"a_b.c", "a-b-c"},
+        {"\u00C9t\u00E9 2", "\u00E9t\u00E9-2"},
+        {"E\u0301te\u0301 2", "e\u0301te\u0301-2"},  // the accents written as combining marks
+        {"\u0416\u0423\u041A-\u0661", "\u0436\u0443\u043A-\u0661"},
+        {"\u9759\u304B\u306A Dock", "\u9759\u304B\u306A-dock"}};
+    for (const auto& [name, slug] : slugs) EXPECT_EQ(PresetFile::slug(name), slug) << name;
+}
+
+}  // namespace brell

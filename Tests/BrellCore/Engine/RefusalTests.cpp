@@ -1,0 +1,163 @@
+// What the engine will not do: each refusal has its words and leaves everything as it was.
+
+#include <cmath>
+#include <functional>
+
+#include "Tests/Support/EngineFixture.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace {
+
+const PrefKey magnification{"com.apple.dock", "magnification"};
+const PrefKey largeSize{"com.apple.dock", "largesize"};
+
+struct Refusal {
+    std::string name;
+    std::function<void(EngineFixture&)> prepare;
+    std::function<void(EngineFixture&)> attempt;
+    EngineFailure expected;
+};
+
+void nothing(EngineFixture&) {}
+
+std::function<void(EngineFixture&)> applying(std::string id) {
+    return [id](EngineFixture& brell) { brell.engine.apply(brell.tweak(id)); };
+}
+std::function<void(EngineFixture&)> turningOff(std::string id) {
+    return [id](EngineFixture& brell) { brell.engine.turnOff(brell.tweak(id), true); };
+}
+std::function<void(EngineFixture&)> applyingValues(std::string id, std::vector<PrefValue> values) {
+    return [id, values](EngineFixture& brell) { brell.engine.apply(brell.tweak(id), values); };
+}
+// The second key of a tweak moved to another domain.
+std::function<void(EngineFixture&)> applyingInDomain(std::string domain) {
+    return [domain](EngineFixture& brell) {
+        Tweak tweak = brell.tweak("dock.magnify");
+        tweak.writes[1].key.domain = domain;
+        brell.engine.apply(tweak);
+    };
+}
+
+std::vector<Refusal> refusals() {
+    const Uuid unknown = Uuid::parse("0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9").value();
+    return {
+        {"not offered here", nothing,
+         [](EngineFixture& brell) {
+             Tweak tweak = brell.tweak("dock.magnify");
+             tweak.availableMajors = {14, 15};
+             brell.engine.apply(tweak);
+         },
+         Refused{"Magnify icons under the pointer is not offered on macOS 26."}},
+        {"applied already", applying("dock.magnify"), applying("dock.magnify"),
+         Refused{"Magnify icons under the pointer already has an active change (applied); turn it off "
+                 "first."}},
+        {"reset of what is applied", applying("dock.magnify"),
+         [](EngineFixture& brell) { brell.engine.resetToDefault(brell.tweak("dock.magnify")); },
+         Refused{"Magnify icons under the pointer already has an active change (applied); turn it off "
+                 "first."}},
+        {"interrupted before", [](EngineFixture& brell) { brell.interrupt("dock.magnify"); },
+         applying("dock.magnify"),
+         Refused{"Magnify icons under the pointer already has an active change (capturing); turn it off "
+                 "first."}},
+        {"protected domain", nothing, applyingInDomain("com.apple.security.agent"),
+         Refused{"com.apple.security.agent is never changed."}},
+        {"unknown domain", nothing, applyingInDomain("org.example.editor"),
+         StoreFailure(DomainNotAllowed{"org.example.editor"})},
+        {"per host before managed",
+         [](EngineFixture& brell) {
+             brell.files.markByHost(largeSize);
+             brell.files.markForced(largeSize);
+         },
+         applying("dock.magnify"),
+         Refused{"com.apple.dock largesize is set per host; Brell does not change it here."}},
+        {"managed", [](EngineFixture& brell) { brell.files.markForced(largeSize); }, applying("dock.magnify"),
+         Refused{"com.apple.dock largesize is managed by a profile; a change would have no effect."}},
+        {"another type stored", [](EngineFixture& brell) { brell.files.markUnsupported(largeSize); },
+         applying("dock.magnify"), StoreFailure(UnsupportedType{largeSize, "dictionary"})},
+        {"number of values", nothing, applyingValues("dock.magnify", {true}),
+         Refused{"dock.magnify: 1 values for 2 keys."}},
+        {"types of values", nothing, applyingValues("dock.magnify", {true, 80.0}),
+         Refused{"dock.magnify: largesize takes a int, not a double."}},
+        {"off", nothing, turningOff("dock.magnify"), Refused{"Magnify icons under the pointer is not on."}},
+        {"on by default", nothing, turningOff("shot.date_in_name"),
+         Refused{"Date and time in the file name is not on."}},
+        {"off, per host", [](EngineFixture& brell) { brell.files.markByHost(magnification); },
+         turningOff("dock.magnify"),
+         Refused{"Magnify icons under the pointer is set per host; Brell does not change it."}},
+        {"off, managed", [](EngineFixture& brell) { brell.files.markForced(magnification); },
+         turningOff("dock.magnify"), Refused{"Magnify icons under the pointer is managed by a profile."}},
+        {"off, another type", [](EngineFixture& brell) { brell.files.markUnsupported(magnification); },
+         turningOff("dock.magnify"), Refused{"com.apple.dock magnification holds a dictionary"}},
+        {"unknown entry", nothing, [=](EngineFixture& brell) { brell.engine.restore(unknown, true); },
+         NotActive{unknown}},
+    };
+}
+
+TEST(RefusalTest, EachHasItsWordsAndLeavesEveryFileAsItWas) {
+    for (const Refusal& refusal : refusals()) {
+        SCOPED_TRACE(refusal.name);
+        EngineFixture brell;
+        refusal.prepare(brell);
+        brell.store.changes.clear();
+        const auto before = everythingIn(brell.folder.path);
+        EXPECT_EQ(engineFailure([&] { refusal.attempt(brell); }), refusal.expected);
+        EXPECT_EQ(everythingIn(brell.folder.path), before);
+        EXPECT_EQ(brell.store.changes, std::vector<std::string>{});
+    }
+}
+
+TEST(RefusalTest, AValueThatTheJournalCannotHoldIsNeverWritten) {
+    EngineFixture brell;
+    brell.engine.apply(brell.tweak("dock.autohide"));
+    const auto before = everythingIn(brell.folder.path);
+    for (const auto& [id, values] :
+         std::vector<std::pair<const char*, std::vector<PrefValue>>>{{"mc.fast_animation", {std::nan("")}},
+                                                                     {"mc.fast_animation", {HUGE_VAL}},
+                                                                     {"shot.folder", {"/Users/sam/\xFF"}}}) {
+        const auto failure = engineFailure([&] { brell.engine.apply(brell.tweak(id), values); });
+        ASSERT_TRUE(failure && std::holds_alternative<JournalFailure>(*failure)) << id;
+        EXPECT_EQ(std::get<JournalFailure>(*failure).kind, JournalFailure::Kind::cannotWrite);
+        EXPECT_EQ(everythingIn(brell.folder.path), before);
+    }
+}
+
+TEST(RefusalTest, EndedAndDriftedEntriesAreNotRestored) {
+    EngineFixture brell;
+    const Uuid id = brell.engine.apply(brell.tweak("dock.magnify")).id;
+    brell.files.write(128, largeSize);
+    const auto drifted = everythingIn(brell.folder.path);
+    EXPECT_EQ(engineFailure([&] { brell.engine.restore(id, false); }), EngineFailure(Drift{id}));
+    EXPECT_EQ(engineFailure([&] { brell.engine.turnOff(brell.tweak("dock.magnify"), false); }),
+              EngineFailure(Drift{id}));
+    EXPECT_EQ(everythingIn(brell.folder.path), drifted);
+    EXPECT_EQ(messageOf([&] { brell.engine.restore(id, false); }),
+              "Entry " + id.text() +
+                  " was changed outside Brell since it was applied; restoring needs confirmation.");
+
+    EXPECT_EQ(brell.engine.turnOff(brell.tweak("dock.magnify"), true).status, EntryStatus::restored);
+    const auto restored = everythingIn(brell.folder.path);
+    EXPECT_EQ(engineFailure([&] { brell.engine.restore(id, true); }), EngineFailure(NotActive{id}));
+    EXPECT_EQ(everythingIn(brell.folder.path), restored);
+}
+
+TEST(RefusalTest, ASecondActiveChangeIsRefusedAcrossTwoEnginesOverOneJournal) {
+    EngineFixture brell;
+    EngineRun other = brell.anotherRun();
+    const Uuid first = brell.engine.apply(brell.tweak("dock.magnify")).id;
+    EXPECT_EQ(messageOf([&] { other.engine.apply(brell.tweak("dock.magnify")); }),
+              "Magnify icons under the pointer already has an active change (applied); turn it off first.");
+    EXPECT_EQ(other.engine.turnOff(brell.tweak("dock.magnify"), false).id, first);
+    EXPECT_EQ(engineFailure([&] { brell.engine.restore(first, false); }), EngineFailure(NotActive{first}));
+
+    const std::string label = "org.example.sync";
+    const AgentCapture capture{label, "/Users/sam/Library/LaunchAgents/sync.plist", true,
+                               AgentOverride::absent};
+    brell.engine.finishAgentChange(brell.engine.beginAgentChange(label, capture), EntryStatus::applied, {});
+    EXPECT_EQ(messageOf([&] { other.engine.beginAgentChange(label, capture); }),
+              "org.example.sync already has an active change; restore it from the Journal first.");
+    EXPECT_EQ(brell.journal.active().size(), 1u);
+}
+
+}  // namespace

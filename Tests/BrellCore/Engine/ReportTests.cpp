@@ -1,0 +1,56 @@
+#include "BrellCore/Engine/Report.h"
+
+#include "Tests/Support/EngineFixture.h"
+
+using namespace brell;
+using namespace brell::testing;
+using namespace std::chrono_literals;
+
+namespace {
+
+class ReportTest : public ::testing::Test, protected EngineFixture {
+protected:
+    // The history's lines take the journal's own clock, which is that of the fixture.
+    std::string report() {
+        return Report::markdown(journal, catalog, "26.1.0", now, engine.driftedEntries());
+    }
+    void switchAgent(const char* label, bool wasLoaded, AgentOverride override) {
+        const AgentCapture capture{label, "/Users/sam/Library/LaunchAgents/x.plist", wasLoaded, override};
+        engine.finishAgentChange(engine.beginAgentChange(label, capture), EntryStatus::applied, {});
+    }
+};
+
+TEST_F(ReportTest, SaysThatNothingIsChanged) {
+    EXPECT_EQ(report(),
+              "# What changed on this Mac\n\n2026-11-15T20:23:13Z · macOS 26.1.0\n\n## Summary\n\n"
+              "- Active changes: 0\n- Login items changed by Brell: 0\n\n## Active changes\n\n"
+              "None. Every setting Brell changed is back to what it was.\n\n"
+              "## Login items changed by Brell\n\nNone.\n\n## History\n\nNo events recorded.");
+}
+
+TEST_F(ReportTest, TellsEverythingThatHappened) {
+    files.write("a|b\nc", {"com.apple.finder", "NewWindowTarget"});
+    engine.apply(tweak("finder.new_window_home"));
+    now += 1min;
+    files.write(0.24, {"com.apple.dock", "autohide-delay"});
+    engine.apply(tweak("dock.autohide_instant"));
+    now += 1min;
+    engine.restore(journal.activeEntry("dock.autohide_instant")->id, false);
+    now += 1min;
+    engine.apply(tweak("dock.size"));
+    files.write(99, {"com.apple.dock", "tilesize"});
+    now += 1min;
+    switchAgent("org.example.sync", true, AgentOverride::absent);
+    switchAgent("org.example.pipe|work", false, AgentOverride::disabled);
+    now += 1min;
+    store.goWrong(Fault::ignores, "write");
+    engineFailure([&] { engine.apply(tweak("shot.jpg")); });
+    now += 1min;
+    interrupt("finder.path_bar");
+
+    const std::filesystem::path sample =
+        std::filesystem::path(__FILE__).parent_path() / "Samples" / "report.md";
+    EXPECT_EQ(report(), contentsOf(sample));
+}
+
+}  // namespace

@@ -1,0 +1,278 @@
+#include "BrellCore/Engine/TweakEngine.h"
+
+#include "Tests/Support/EngineFixture.h"
+
+using namespace brell;
+using namespace brell::testing;
+using namespace std::chrono_literals;
+
+namespace {
+
+const PrefKey inner{"com.apple.finder", "ShowHardDrivesOnDesktop"};
+const PrefKey external{"com.apple.finder", "ShowExternalHardDrivesOnDesktop"};
+const PrefKey removable{"com.apple.finder", "ShowRemovableMediaOnDesktop"};
+const PrefKey tileSize{"com.apple.dock", "tilesize"};
+const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
+
+class TweakEngineTest : public ::testing::Test, protected EngineFixture {
+protected:
+    TweakEngineTest() {
+        files.write(false, external);
+        files.write(true, removable);
+        original = files.snapshot();
+    }
+
+    std::vector<EntryStatus> statuses() const {
+        std::vector<EntryStatus> found;
+        for (const JournalEntry& entry : journal.all()) found.push_back(entry.status);
+        return found;
+    }
+
+    std::map<std::string, PlistFileStore::Values> original;
+};
+
+TEST_F(TweakEngineTest, AChangeIsJournaledWrittenVerifiedAndUndoneExactly) {
+    std::vector<JournalEntry> captured;
+    std::string scriptAtCapture;
+    engine.setAfterCaptureHook([&](const JournalEntry& entry) {
+        captured.push_back(entry);
+        EXPECT_EQ(files.snapshot(), original);  // durable before the first write
+        EXPECT_EQ(anotherRun().journal->all(), captured);
+        scriptAtCapture = script();
+    });
+    const JournalEntry entry = engine.apply(tweak("finder.drives_on_desktop"));
+
+    JournalEntry expected{entry.id,
+                          "finder.drives_on_desktop",
+                          EntryKind::preference,
+                          EntryDirection::on,
+                          {{inner, {}, PrefValue(true)},
+                           {external, PrefValue(false), PrefValue(true)},
+                           {removable, PrefValue(true), PrefValue(true)}},
+                          EntryStatus::applied,
+                          now,
+                          {},
+                          "26.1.0",
+                          {},
+                          {},
+                          {}};
+    EXPECT_EQ(entry, expected);
+    EXPECT_EQ(journal.all(), std::vector<JournalEntry>{expected});
+    expected.status = EntryStatus::capturing;
+    EXPECT_EQ(captured, std::vector<JournalEntry>{expected});
+    EXPECT_EQ(script(), scriptAtCapture);
+    EXPECT_EQ(script(), engine.restoreScriptText());
+    EXPECT_NE(script().find("defaults delete 'com.apple.finder' 'ShowHardDrivesOnDesktop'"),
+              std::string::npos);
+    EXPECT_EQ(store.changes, (std::vector<std::string>{
+                                 "write com.apple.finder ShowHardDrivesOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowRemovableMediaOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                             }));
+
+    now += 1h;
+    store.changes.clear();
+    expected.status = EntryStatus::restored;
+    expected.restoredAt = now;
+    EXPECT_EQ(engine.restore(entry.id, false), expected);
+    EXPECT_EQ(journal.all(), std::vector<JournalEntry>{expected});
+    EXPECT_EQ(files.snapshot(), original);
+    EXPECT_EQ(store.changes, (std::vector<std::string>{
+                                 "remove com.apple.finder ShowHardDrivesOnDesktop",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = false",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowRemovableMediaOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                             }));
+    EXPECT_EQ(script(), RestoreScript::render({}, now));
+}
+
+TEST_F(TweakEngineTest, AWriteThatDoesNotStickIsRolledBackNewestFirst) {
+    store.goWrong(Fault::ignores, "write " + external.rendered());
+    const EngineFailure reason = VerifyFailed{external, PrefValue(true), PrefValue(false)};
+    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("finder.drives_on_desktop")); }), reason);
+    EXPECT_EQ(
+        describe(reason),
+        "After writing com.apple.finder ShowExternalHardDrivesOnDesktop, macOS reports false instead of "
+        "true. The keys written so far were put back.");
+    EXPECT_EQ(store.changes, (std::vector<std::string>{
+                                 "write com.apple.finder ShowHardDrivesOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = true",
+                                 "synchronize com.apple.finder",
+                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = false",
+                                 "synchronize com.apple.finder",
+                                 "remove com.apple.finder ShowHardDrivesOnDesktop",
+                                 "synchronize com.apple.finder",
+                             }));
+    EXPECT_EQ(files.snapshot(), original);
+    const JournalEntry entry = journal.all().at(0);
+    EXPECT_EQ(entry.status, EntryStatus::failed);
+    EXPECT_EQ(entry.failure, describe(reason));
+    EXPECT_EQ(script(), RestoreScript::render({}, now));
+}
+
+TEST_F(TweakEngineTest, AStoreThatTakesNoWritesLeavesNothingToRecover) {
+    store.goWrong(Fault::refuses, "write");
+    const StoreFailure reason = FaultyStore::simulated("write " + inner.rendered());
+    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("finder.drives_on_desktop")); }), EngineFailure(reason));
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::failed});
+    EXPECT_EQ(journal.all().at(0).failure, describe(reason));
+    EXPECT_EQ(files.snapshot(), original);
+}
+
+TEST_F(TweakEngineTest, ARollbackThatFailsKeepsTheEntryForRecovery) {
+    // The first synchronise is that of the change, the later ones are those of the rollback.
+    store.goWrong(Fault::refuses, "synchronize");
+    const EngineFailure reason = FaultyStore::simulated("synchronize com.apple.finder");
+    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("finder.drives_on_desktop")); }), reason);
+    const JournalEntry entry = journal.all().at(0);
+    EXPECT_EQ(entry.status, EntryStatus::capturing);
+    EXPECT_EQ(entry.failure, describe(reason) + " " + describe(reason));
+    EXPECT_NE(script().find("ShowHardDrivesOnDesktop"), std::string::npos);
+
+    store.heal();
+    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry.id});
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::restored});
+    EXPECT_EQ(files.snapshot(), original);
+}
+
+TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
+    files.write(41, tileSize);
+    const JournalEntry entry = engine.apply(tweak("dock.size"));
+    const std::string scriptBefore = script();
+    store.goWrong(Fault::ignores, "write");
+    const EngineFailure reason =
+        StoreIo{"After putting back com.apple.dock tilesize, macOS reports 48 instead of 41."};
+    EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }), reason);
+    EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{}, {}, {{entry.id, describe(reason)}}, {}}));
+    EXPECT_EQ(journal.all(), std::vector{entry});
+    EXPECT_EQ(script(), scriptBefore);
+}
+
+TEST_F(TweakEngineTest, AnInterruptedChangeIsRecoveredWithoutAQuestion) {
+    const JournalEntry entry = interrupt("finder.drives_on_desktop");
+    files.write(true, inner);  // some of it may have been written
+    EngineRun next = anotherRun();
+    EXPECT_EQ(next.engine.interruptedEntries(), std::vector{entry});
+    EXPECT_NE(script().find("finder.drives_on_desktop"), std::string::npos);
+
+    EXPECT_EQ(next.engine.recoverInterrupted(),
+              (RestoreAllOutcome{{entry.id}, {}, {}, {EffectClass::finderRelaunch}}));
+    EXPECT_EQ(files.snapshot(), original);
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::restored});
+    EXPECT_EQ(next.engine.recoverInterrupted(), RestoreAllOutcome());
+}
+
+TEST_F(TweakEngineTest, ValuesSetBeforeUsAreResetWhenTurnedOffAndCanComeBack) {
+    files.write(true, showHidden);
+    const JournalEntry reset = engine.turnOff(tweak("finder.show_hidden"), false);
+    EXPECT_EQ(reset.direction, EntryDirection::resetToDefault);
+    EXPECT_EQ(reset.writes, (std::vector<JournaledWrite>{{showHidden, PrefValue(true), {}}}));
+    EXPECT_TRUE(files.exactValue(showHidden).isAbsent());
+    EXPECT_EQ(engine.turnOff(tweak("finder.show_hidden"), false).id, reset.id);
+    EXPECT_EQ(files.exactValue(showHidden), StoredValue(true));
+}
+
+TEST_F(TweakEngineTest, RestoreAllGoesNewestFirstAndAsksAboutDrift) {
+    const Uuid hidden = engine.apply(tweak("finder.show_hidden")).id;
+    const Uuid size =
+        engine.apply(tweak("dock.size"), std::vector<PrefValue>{36}, "small").id;  // same second
+    now += 1s;
+    const Uuid drives = engine.apply(tweak("finder.drives_on_desktop")).id;
+    now += 1s;
+    const Uuid broken = engine.apply(tweak("shot.jpg")).id;
+    EXPECT_EQ(journal.entry(size)->choiceID, "small");
+    files.write(50, tileSize);
+    const std::string jpg = "remove com.apple.screencapture type";
+    store.goWrong(Fault::refuses, jpg);
+
+    ASSERT_EQ(engine.driftedEntries().size(), 1u);
+    EXPECT_EQ(engine.driftedEntries()[0].id, size);
+    EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{drives, hidden},
+                                                        {size},
+                                                        {{broken, describe(FaultyStore::simulated(jpg))}},
+                                                        {EffectClass::finderRelaunch}}));
+    EXPECT_EQ(files.exactValue(tileSize), StoredValue(50));
+    EXPECT_EQ(statuses(), (std::vector{EntryStatus::restored, EntryStatus::applied, EntryStatus::restored,
+                                       EntryStatus::applied}));
+    store.heal();
+    EXPECT_EQ(
+        engine.restoreAll({size}),
+        (RestoreAllOutcome{{broken, size}, {}, {}, {tweak("shot.jpg").effect, EffectClass::dockRelaunch}}));
+    EXPECT_EQ(files.snapshot(), original);
+    EXPECT_EQ(engine.restoreAll({}), RestoreAllOutcome());
+}
+
+TEST_F(TweakEngineTest, AnEntryThatCannotBeReadHasDrifted) {
+    const Uuid size = engine.apply(tweak("dock.size")).id;
+    setContents(folder.path / "preferences" / "com.apple.dock.plist", "damaged");
+    ASSERT_EQ(engine.driftedEntries().size(), 1u);
+    EXPECT_EQ(engine.driftedEntries()[0].id, size);
+}
+
+class RememberingRestorer final : public AgentRestoring {
+public:
+    void restore(const AgentCapture& capture) override {
+        if (!trouble.empty()) throw std::runtime_error(trouble);
+        restored.push_back(capture);
+    }
+    std::string trouble;
+    std::vector<AgentCapture> restored;
+};
+
+TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
+    const AgentCapture capture{"org.example.sync", "/Users/sam/Library/LaunchAgents/sync.plist", true,
+                               AgentOverride::enabled};
+    const std::function<AgentCapture()> failing = []() -> AgentCapture { throw std::runtime_error("busy"); };
+    EXPECT_EQ(messageOf([&] { engine.beginAgentChange(capture.label, failing); }), "busy");
+    EXPECT_EQ(journal.all(), std::vector<JournalEntry>{});
+    AgentChange change = engine.beginAgentChange(capture.label, capture);
+    const Uuid id = change.entry.id;
+    JournalEntry expected{id,
+                          "agent:org.example.sync",
+                          EntryKind::launchAgent,
+                          EntryDirection::on,
+                          {},
+                          EntryStatus::capturing,
+                          now,
+                          {},
+                          "26.1.0",
+                          capture,
+                          {},
+                          {}};
+    EXPECT_EQ(journal.all(), std::vector{expected});
+    EXPECT_NE(script().find("launchctl enable"), std::string::npos);
+    expected.status = EntryStatus::applied;
+    EXPECT_EQ(engine.finishAgentChange(std::move(change), EntryStatus::applied, {}), expected);
+
+    EXPECT_EQ(engineFailure([&] { engine.restore(id, false); }), EngineFailure(NoAgentRestorer{}));
+    RememberingRestorer restorer;
+    engine.setAgentRestorer(&restorer);
+    restorer.trouble = "launchctl is out.";
+    EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{}, {}, {{id, "launchctl is out."}}, {}}));
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::applied});
+    restorer.trouble.clear();
+    EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{id}, {}, {}, {}}));
+    EXPECT_EQ(restorer.restored, std::vector{capture});
+
+    // What launchctl printed need not be text; it is kept all the same.
+    expected = engine.finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::failed,
+                                        "boot-out \xC3 failed");
+    EXPECT_EQ(expected.failure, "boot-out \uFFFD failed");
+    EXPECT_EQ(anotherRun().journal->entry(expected.id), expected);
+
+    JournalEntry bare = expected;
+    bare.id = Uuid::random();
+    bare.agent = std::nullopt;
+    bare.status = EntryStatus::applied;
+    journal.upsert(bare);
+    EXPECT_EQ(engineFailure([&] { engine.restore(bare.id, false); }),
+              EngineFailure(Refused{"Entry " + bare.id.text() + " has no agent capture."}));
+}
+
+}  // namespace

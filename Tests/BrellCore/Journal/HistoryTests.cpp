@@ -1,0 +1,129 @@
+#include "BrellCore/Journal/History.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <ctime>
+
+#include "BrellCore/Journal/Journal.h"
+#include "Tests/BrellCore/Journal/SampleEntries.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+using Lines = std::vector<HistoryLine>;
+
+// The machine's time zone, in the form of TZ, as long as it lives.
+class TimeZone {
+public:
+    explicit TimeZone(const char* zone) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") { set(zone); }
+    ~TimeZone() { set(before_.c_str()); }
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+private:
+    static void set(const char* zone) {
+        *zone ? ::setenv("TZ", zone, 1) : ::unsetenv("TZ");
+        ::tzset();
+    }
+    const std::string before_;
+};
+
+class HistoryTest : public ::testing::Test {
+protected:
+    const TimeZone zone{"UTC0"};
+    const TemporaryFolder folder;
+    const fs::path history = folder.path / "made" / "history";
+    const fs::path day = history / "2026-11-16.jsonl";
+    const std::string sample = sampleFile("history-line-format-1.jsonl");
+    const HistoryLine line{at("2026-11-16T00:00:01Z"), EntryStatus::restored, sampleEntries()[1]};
+
+    Lines all() const { return readHistory(history, std::nullopt); }
+};
+
+}  // namespace
+
+TEST_F(HistoryTest, TheSampleLineIsReadAndWrittenToTheByte) {
+    EXPECT_TRUE(appendHistoryLine(history, line.at, line.entry));
+    EXPECT_EQ(contentsOf(day), sample);
+    EXPECT_TRUE(appendHistoryLine(history, line.at, line.entry));
+    EXPECT_EQ(contentsOf(day), sample + sample);
+    EXPECT_EQ(all(), (Lines{line, line}));
+    EXPECT_EQ(line.id(), "FEDCBA98-7654-3210-FEDC-BA9876543210-restored-1794787201");
+}
+
+TEST_F(HistoryTest, EachLocalDayHasItsFileAndTheyAreReadInOrder) {
+    for (const auto& [zoneText, name] :
+         {std::pair("EAST-14", "2026-11-16.jsonl"), {"WEST12", "2026-11-15.jsonl"}}) {
+        const TimeZone other(zoneText);
+        EXPECT_TRUE(appendHistoryLine(folder.path / zoneText, at("2026-11-15T20:23:13Z"), line.entry));
+        EXPECT_EQ(namesIn(folder.path / zoneText), std::set<std::string>{name});
+    }
+    const std::vector<const char*> times{"2026-11-16T00:00:00Z", "2026-11-15T23:59:59Z",
+                                         "2026-11-16T10:00:00Z", "2026-01-02T00:00:00Z"};
+    for (const char* time : times) EXPECT_TRUE(appendHistoryLine(history, at(time), line.entry));
+    setContents(history / "2026-01-01.txt", sample);
+    std::vector<std::string> read;
+    for (const HistoryLine& each : all()) read.push_back(iso8601(each.at));
+    EXPECT_EQ(read, (std::vector<std::string>{times[3], times[1], times[0], times[2]}));
+}
+
+TEST_F(HistoryTest, DaysAreCountedBackFromNowToTheSecond) {
+    TimeStamp now = at("2026-11-14T12:00:00Z");
+    Journal journal(folder.path / "journal.json", history, [&] { return now; });
+    const JournalEntry entry = entryFor("a");
+    for (const char* time : {"2026-11-14T12:00:00Z", "2026-11-15T11:59:59Z", "2026-11-15T12:00:00Z"}) {
+        now = at(time);
+        journal.upsert(entry);
+    }
+    now = at("2026-11-16T12:00:00Z");
+    const struct {
+        std::optional<int> days;
+        std::size_t count;
+    } rows[] = {{0, 0}, {1, 1}, {2, 3}, {INT32_MAX, 3}, {-1, 0}, {{}, 3}};
+    for (const auto& row : rows) EXPECT_EQ(journal.history(row.days).size(), row.count);
+}
+
+TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
+    const std::string good = sample.substr(0, sample.size() - 1);
+    for (std::size_t length = 0; length < good.size(); ++length) {
+        fs::remove(day);  // a new file is written faster than a shortened one
+        setContents(day, sample + good.substr(0, length) + "\n" + sample);
+        ASSERT_EQ(all(), (Lines{line, line})) << length;
+    }
+    const auto with = [&](std::string_view from, std::string_view to) {
+        std::string text = good;
+        return text.replace(text.find(from), from.size(), to) + "\n";
+    };
+    setContents(day, "\n\r\n" + with("restored\"}", "undone\"}") + with("\"event\"", "\"evens\"") + good +
+                         "x\n" + good + good + "\n" + with("launchd", "\xFF") +
+                         with("Z\",\"entry", "\",\"entry") + std::string(300, '{') + "\n" +
+                         std::string(5000, '\0') + "\n" + good + "\r\n" + good);
+    EXPECT_EQ(all(), (Lines{line, line}));
+}
+
+TEST_F(HistoryTest, ALineBehindAnUnfinishedOneStandsOnItsOwn) {
+    setContents(day, sample + sample.substr(0, 40));
+    EXPECT_TRUE(appendHistoryLine(history, line.at, line.entry));
+    EXPECT_EQ(contentsOf(day), sample + sample.substr(0, 40) + "\n" + sample);
+    EXPECT_EQ(all(), (Lines{line, line}));
+}
+
+TEST_F(HistoryTest, WhatIsInTheWayIsPassedOver) {
+    EXPECT_EQ(all(), Lines());
+    setContents(day, sample);
+    fs::create_directory(history / "2026-11-14.jsonl");
+    ASSERT_EQ(::mkfifo((history / "2026-11-15.jsonl").c_str(), 0600), 0);
+    EXPECT_EQ(all(), Lines{line});
+    for (const char* time : {"2026-11-14T12:00:00Z", "2026-11-15T12:00:00Z"})
+        EXPECT_FALSE(appendHistoryLine(history, at(time), line.entry));
+    EXPECT_FALSE(appendHistoryLine(day, line.at, line.entry));
+    EXPECT_EQ(readHistory(day, std::nullopt), Lines());
+}
+
+}  // namespace brell

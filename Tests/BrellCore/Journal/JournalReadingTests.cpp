@@ -1,0 +1,216 @@
+// What a journal file may hold, and what is refused.
+#include <gtest/gtest.h>
+
+#include "BrellCore/Journal/Journal.h"
+#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/SystemCalls.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+using Entries = std::vector<JournalEntry>;
+
+class JournalReadingTest : public ::testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const fs::path file = folder.path / "journal.json";
+    const std::string sample = sampleFile("journal-format-1.json");
+
+    std::unique_ptr<Journal> opened(std::string_view text) const {
+        fs::remove(file);  // a new file is written faster than a shortened one
+        setContents(file, text);
+        return Journal::open(folder.path);
+    }
+    // The text behind cannotRead when this is refused; empty when it opens. Nothing is touched either way.
+    std::string refusalOf(const std::string& text) const {
+        const auto error = thrownBy<JournalError>([&] { opened(text); });
+        EXPECT_EQ(contentsOf(file), text);
+        EXPECT_EQ(namesIn(folder.path), std::set<std::string>{"journal.json"});
+        if (!error) return {};
+        EXPECT_EQ(error->failure().kind, JournalFailure::Kind::cannotRead);
+        EXPECT_EQ(error->what(), "The change journal could not be read: " + error->failure().text + ".");
+        return error->failure().text;
+    }
+    std::string sampleWith(std::string_view from, std::string_view to) const {
+        std::string text = sample;
+        const std::size_t place = text.find(from);
+        EXPECT_NE(place, std::string::npos) << from;
+        return text.replace(place, from.size(), to);
+    }
+};
+
+}  // namespace
+
+TEST_F(JournalReadingTest, TheSampleFileIsReadAndWrittenToTheByte) {
+    EXPECT_EQ(opened(sample)->all(), sampleEntries());
+
+    const auto fresh = Journal::open(folder.path / "fresh");
+    for (const JournalEntry& entry : sampleEntries()) fresh->upsert(entry);
+    EXPECT_EQ(contentsOf(fresh->fileURL()), sample);
+
+    const auto known = opened(sample);
+    for (const JournalEntry& entry : {sampleEntries()[1], sampleEntries()[0], sampleEntries()[1]}) {
+        known->upsert(entry);
+        EXPECT_EQ(contentsOf(file), sample);
+    }
+}
+
+TEST_F(JournalReadingTest, KeyOrderUnknownKeysAndOldFormatsDoNotMatter) {
+    EXPECT_EQ(opened(R"({"format":0,"later":{"x":[1]},"entries":[]})")->all(), Entries());
+    EXPECT_EQ(opened(sampleWith("\"choiceID\"", "\"future\" : {\"a\" : []}, \"choiceID\""))->all(),
+              sampleEntries());
+    EXPECT_EQ(opened(sampleWith("01234567-89AB-CDEF", "01234567-89ab-cdef"))->all(), sampleEntries());
+
+    Entries bare{sampleEntries()[0]};
+    bare[0].writes = {};
+    bare[0].choiceID = std::nullopt;
+    EXPECT_EQ(opened(R"({"entries":[{"writes":[],"tweakID":"dock.sample","status":"applied","macOSVersion":
+        "15.1.0","kind":"preference","id":"01234567-89AB-CDEF-0123-456789ABCDEF","direction":"on",
+        "appliedAt":"2026-11-15T20:23:13Z"}],"format":1}  )")
+                  ->all(),
+              bare);
+}
+
+TEST_F(JournalReadingTest, AFileCutAnywhereIsRefusedOrComplete) {
+    const auto running = opened(sample);
+    for (std::size_t length = 0; length + 1 < sample.size(); ++length) {
+        const std::string cut = sample.substr(0, length);
+        EXPECT_NE(refusalOf(cut), "") << length;
+        EXPECT_TRUE(thrownBy<JournalError>([&] { running->active(); })) << length;
+    }
+    EXPECT_EQ(opened(sample.substr(0, sample.size() - 1))->all(), sampleEntries());
+    EXPECT_EQ(running->all(), sampleEntries());
+}
+
+TEST_F(JournalReadingTest, ANewerFormatIsNamedWhateverItsShape) {
+    const auto newer = [](const char* format) {
+        return "the journal was written by a newer Brell (format " + std::string(format) +
+               "); update Brell before changing anything";
+    };
+    EXPECT_EQ(refusalOf(sampleWith("\"format\" : 1", "\"format\" : 2")), newer("2"));
+    EXPECT_EQ(refusalOf(R"({"entries":{"a":1},"format":9223372036854775807})"), newer("9223372036854775807"));
+    EXPECT_EQ(refusalOf(R"({"format":3})"), newer("3"));
+    EXPECT_EQ(refusalOf(R"({"changes":[true],"format":4,"entries":[{"id":1}]})"), newer("4"));
+}
+
+TEST_F(JournalReadingTest, EveryRequiredKeyIsRequiredOnce) {
+    for (const std::string key :
+         {"appliedAt", "direction", "id", "kind", "macOSVersion", "status", "tweakID", "writes", "domain",
+          "key", "original", "written", "label", "override", "plistPath", "wasLoaded", "entries", "format"}) {
+        const std::string quoted = '"' + key + '"';
+        EXPECT_TRUE(refusalOf(sampleWith(quoted, "\"x\"")).ends_with("the key " + quoted + " is missing"));
+    }
+    for (const std::string member : {"\"entries\" : []", "\"format\" : 1"})
+        EXPECT_NE(refusalOf(sampleWith("{", "{" + member + ",")), "") << member;
+    for (const std::string member : {"\"writes\" : []", "\"status\" : \"failed\"", "\"tweakID\" : \"b\"",
+                                     "\"failure\" : \"a\", \"failure\" : \"b\""})
+        EXPECT_NE(refusalOf(sampleWith("\"appliedAt\"", member + ",\"appliedAt\"")), "") << member;
+}
+
+TEST_F(JournalReadingTest, EntriesAndValuesThatStandTwiceAreRefused) {
+    const std::string first = sampleEntries()[0].id.text();
+    EXPECT_TRUE(refusalOf(sampleWith(sampleEntries()[1].id.text(), first))
+                    .ends_with("the entry " + first + " stands twice"));
+    for (const std::string twice :
+         {"\"absent\" : false, \"absent\" : true", "\"absent\" : true, \"absent\" : true"})
+        EXPECT_TRUE(
+            refusalOf(sampleWith("\"absent\" : true", twice)).ends_with("the key \"absent\" stands twice"));
+    EXPECT_TRUE(refusalOf(sampleWith("\"type\" : \"bool\"", "\"type\" : \"bool\", \"value\" : false"))
+                    .ends_with("the key \"value\" stands twice"));
+}
+
+TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
+    const fs::path real = folder.path / "elsewhere" / "journal.json";
+    setContents(real, sample);
+    fs::create_symlink(real, file);
+    Journal::open(folder.path)->upsert(sampleEntries()[1]);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(contentsOf(real), sample);
+
+    fs::remove(real);
+    const auto error = thrownBy<JournalError>([&] { Journal::open(folder.path); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure().text, file.string() + ": it is a link to a file that is not there");
+}
+
+TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {
+    const struct {
+        std::string from, to, reason;
+    } rows[] = {
+        {"\"on\"", "\"off\"", "unknown direction \"off\""},
+        {"\"preference\"", "\"Preference\"", "unknown kind \"Preference\""},
+        {"\"applied\"", "\"\"", "unknown status \"\""},
+        {"\"disabled\"", "\"none\"", "unknown override \"none\""},
+        {"\"bool\"", "\"float\"", "unknown PrefValue type float"},
+        {"01234567-", "01234567", "\"0123456789AB-CDEF-0123-456789ABCDEF\" is not an entry's identifier"},
+        {"2026-11-15T20:23:13Z", "2026-11-31T20:23:13Z", "\"2026-11-31T20:23:13Z\" is not a date"},
+        {"2026-11-16T00:00:00Z", "yesterday", "\"yesterday\" is not a date"},
+        {"\"small\"", "null", ""},
+        {"\"dock.sample\"", "7", ""},
+        {"\"wasLoaded\" : true", "\"wasLoaded\" : 1", ""},
+        {"\"writes\" : []", "\"writes\" : {}", ""},
+        {"\"writes\" : []", "\"writes\" : [1]", ""},
+        {"\"absent\" : true", "\"absent\" : false", ""},
+        {"\"format\" : 1", "\"format\" : \"1\"", ""},
+        {"\"format\" : 1", "\"format\" : 1.5", ""},
+        {"\"format\" : 1", "\"format\" : -1", "there is no format -1"},
+        {"\"format\" : 1", "\"format\" : 99999999999999999999", ""},
+        {"été", "\xE9t\xE9", ""},
+        {"dock.sample", "dock\nsample", ""},
+        {"launchd refused.", "\\ud800", ""},
+        {"  \"format\"", "  ,\"format\"", ""},
+        {"\"format\" : 1\n}", "\"format\" : 1\n}}", ""},
+        {"\"format\" : 1\n}", "\"format\" : 1\n} {}", "something follows after its end"},
+        {"\"format\" : 1\n}", "\"format\" : 1\n}\nx", ""},
+        {"\"format\" : 1\n}", "\"format\" : 1", ""},
+        {sample, "[]", ""},
+        {sample, "null", ""},
+        {sample, "\n", ""},
+        {sample, std::string(4096, '\0'), ""},
+        {sample, std::string(100'000, '['), ""},
+        {sample, "{\"entries\" : [" + std::string(100'000, '{'), ""}};
+    for (const auto& row : rows) {
+        const std::string reason = refusalOf(sampleWith(row.from, row.to));
+        EXPECT_TRUE(reason.starts_with(file.string() + ": ")) << row.from << " -> " << row.to;
+        EXPECT_TRUE(reason.ends_with(row.reason)) << reason;
+    }
+}
+
+TEST_F(JournalReadingTest, WhatCannotBeReadIsNotTakenForAMissingFile) {
+    fs::create_directory(file);
+    EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
+              "The change journal could not be read: " + file.string() + ": it is not an ordinary file.");
+    fs::remove(file);
+    if (!systemCallsAreWatched()) return;
+    setContents(file, sample);
+    for (const SystemCall call : {SystemCall::stat, SystemCall::open, SystemCall::read}) {
+        const FailingCall failing(file, call, EIO);
+        EXPECT_TRUE(thrownBy<JournalError>([&] { Journal::open(folder.path); }));
+    }
+}
+
+TEST_F(JournalReadingTest, LooksUpEntriesAndOpensAnUnchangedFileOnce) {
+    setContents(file, sample);
+    const CountedCalls calls(folder.path);
+    const auto journal = Journal::open(folder.path);
+    const Entries both = sampleEntries();
+
+    for (int i = 0; i < 25; ++i) {
+        EXPECT_EQ(journal->all(), both);
+        EXPECT_EQ(journal->active(), Entries{both[0]});
+        EXPECT_EQ(journal->entries(EntryStatus::restored), Entries{both[1]});
+        EXPECT_EQ(journal->entries(EntryStatus::failed), Entries());
+        EXPECT_EQ(journal->entry(both[1].id), both[1]);
+        EXPECT_EQ(journal->entry(Uuid()), std::nullopt);
+        EXPECT_EQ(journal->activeEntry("dock.sample"), both[0]);
+        EXPECT_EQ(journal->activeEntry("agent:org.example.helper"), std::nullopt);
+    }
+    EXPECT_EQ(calls.of(SystemCall::open), systemCallsAreWatched() ? 1u : 0u);
+    EXPECT_EQ(Journal::defaultDirectory("/Users/jo"), "/Users/jo/Library/Application Support/Corvane Brell");
+}
+
+}  // namespace brell

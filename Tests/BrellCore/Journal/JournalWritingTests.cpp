@@ -1,0 +1,322 @@
+// Saving entries: on disk or not at all, and side by side with others.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <thread>
+
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Support/SystemMessage.h"
+#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/SystemCalls.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+using Entries = std::vector<JournalEntry>;
+using Names = std::set<std::string>;
+
+class JournalWritingTest : public ::testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const fs::path directory = folder.path / "Application Support" / "Brell";
+    const fs::path file = directory / "journal.json";
+
+    std::unique_ptr<Journal> opened() const { return Journal::open(directory); }
+};
+
+class JournalConcurrencyTest : public JournalWritingTest {};
+
+// The text behind cannotWrite when the entry is refused; empty when it is saved.
+std::string refusalOf(Journal& journal, const JournalEntry& entry) {
+    const auto error = thrownBy<JournalError>([&] { journal.upsert(entry); });
+    if (!error) return {};
+    EXPECT_EQ(error->failure().kind, JournalFailure::Kind::cannotWrite);
+    EXPECT_EQ(error->what(),
+              "The change journal could not be written: " + error->failure().text + ". Nothing was changed.");
+    return error->failure().text;
+}
+
+}  // namespace
+
+TEST_F(JournalWritingTest, NothingIsMadeBeforeTheFirstEntry) {
+    const auto journal = opened();
+    EXPECT_EQ(journal->all(), Entries());
+    EXPECT_EQ(journal->history(), std::vector<HistoryLine>());
+    EXPECT_FALSE(fs::exists(directory));
+
+    const JournalEntry entry = entryFor("a");
+    journal->upsert(entry);
+    EXPECT_EQ(namesIn(directory), (Names{".journal.lock", "history", "journal.json"}));
+    EXPECT_EQ(opened()->all(), Entries{entry});
+    EXPECT_EQ(opened()->history().size(), 1u);
+}
+
+TEST_F(JournalWritingTest, AChangedEntryKeepsItsPlace) {
+    const auto journal = opened();
+    Entries entries{entryFor("a"), entryFor("b"), entryFor("c")};
+    for (const JournalEntry& entry : entries) journal->upsert(entry);
+    for (const std::size_t i : {1u, 0u, 2u}) {
+        entries[i].status = EntryStatus::failed;
+        entries[i].failure = std::string(1000 * i, 'x');
+        journal->upsert(entries[i]);
+        EXPECT_EQ(journal->all(), entries);
+        EXPECT_EQ(opened()->all(), entries);
+    }
+    const auto lines = journal->history();
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(lines[0].event, EntryStatus::capturing);
+    EXPECT_EQ(lines[5].entry, entries[2]);
+}
+
+TEST_F(JournalWritingTest, ASaveCostsOneRenameAndTwoSynchronizations) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const auto journal = opened();
+    journal->upsert(entryFor("a"));
+    const CountedCalls calls(directory);
+    journal->upsert(entryFor("b"));
+
+    EXPECT_EQ(calls.of(SystemCall::fsync), 2u);
+    EXPECT_EQ(calls.of(SystemCall::fsync, directory), 1u);
+    EXPECT_EQ(calls.of(SystemCall::rename), 1u);
+    EXPECT_EQ(calls.of(SystemCall::write), 2u);  // the file and the history line
+    EXPECT_EQ(calls.of(SystemCall::open, file), 0u);
+}
+
+TEST_F(JournalWritingTest, AFailedSaveChangesNeitherListNorFile) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const auto journal = opened();
+    const JournalEntry kept = entryFor("a");
+    journal->upsert(kept);
+    const std::string before = contentsOf(file);
+    const struct {
+        SystemCall call;
+        int code, nth;
+        std::string begin, end;
+    } rows[] = {
+        {SystemCall::open, EACCES, 1, "", (directory / ".journal.lock").string()},
+        {SystemCall::open, EROFS, 2, "cannot create " + (directory / ".journal.json.").string(), ".tmp"},
+        {SystemCall::write, ENOSPC, 1, (directory / ".journal.json.").string(), systemMessage(ENOSPC)},
+        {SystemCall::fsync, EIO, 1, (directory / ".journal.json.").string(), systemMessage(EIO)},
+        {SystemCall::close, EIO, 1, (directory / ".journal.json.").string(), systemMessage(EIO)},
+        {SystemCall::rename, EXDEV, 1, "rename failed: ", systemMessage(EXDEV)},
+    };
+    JournalEntry changed = kept;
+    changed.status = EntryStatus::applied;
+    for (const auto& row : rows)
+        for (const JournalEntry& entry : {changed, entryFor("b")}) {
+            const FailingCall failing(directory, row.call, row.code, row.nth);
+            const std::string text = refusalOf(*journal, entry);
+
+            EXPECT_TRUE(text.starts_with(row.begin) && text.find(row.end) != std::string::npos) << text;
+            EXPECT_EQ(contentsOf(file), before);
+            EXPECT_EQ(journal->all(), Entries{kept});
+            EXPECT_EQ(namesIn(directory), (Names{".journal.lock", "history", "journal.json"}));
+        }
+    EXPECT_EQ(journal->history().size(), 1u);
+    journal->upsert(changed);
+    EXPECT_EQ(opened()->all(), Entries{changed});
+}
+
+TEST_F(JournalWritingTest, OnceTheFileIsInPlaceTheEntryIsSaved) {
+    const auto journal = opened();
+    journal->upsert(entryFor("a"));
+    fs::remove_all(directory / "history");
+    setContents(directory / "history", "a file where the folder should be");
+    journal->upsert(entryFor("b"));
+    EXPECT_EQ(opened()->all().size(), 2u);
+    EXPECT_EQ(journal->history(), std::vector<HistoryLine>());
+
+    if (!systemCallsAreWatched()) return;
+    const FailingCall failing(file, SystemCall::stat, EIO, 2);  // the look at the new file
+    journal->upsert(entryFor("c"));
+    EXPECT_TRUE(failing.hasFailed());
+    EXPECT_EQ(journal->all().size(), 3u);
+}
+
+TEST_F(JournalWritingTest, WhatCouldNotBeReadBackIsRefusedBeforeAnythingIsWritten) {
+    const auto journal = opened();
+    journal->upsert(entryFor("a"));
+    const std::string before = contentsOf(file);
+    const auto refused = [&](auto&& spoil) {
+        JournalEntry entry = entryFor("b");
+        spoil(entry);
+        const std::string text = refusalOf(*journal, entry);
+        EXPECT_EQ(contentsOf(file), before);
+        EXPECT_EQ(journal->history().size(), 1u);
+        return text;
+    };
+    EXPECT_EQ(refused([](auto& e) { e.writes[0].original = PrefValue(NAN); }),
+              "the number nan can't be saved");
+    EXPECT_EQ(refused([](auto& e) { e.writes[2].written = PrefValue(-INFINITY); }),
+              "the number -inf can't be saved");
+    const std::string notUtf8 = "text that is not UTF-8 can't be saved";
+    EXPECT_EQ(refused([](auto& e) { e.writes[1].original = PrefValue("\xFF"); }), notUtf8);
+    EXPECT_EQ(refused([](auto& e) {
+                  e.writes[1].written = PrefValue(PrefValue::StringArray{"a", "\xC3"});
+              }),
+              notUtf8);
+    EXPECT_EQ(refused([](auto& e) { e.writes[1].key.name = "\xED\xA0\x80"; }), notUtf8);
+    EXPECT_EQ(refused([](auto& e) { e.failure = "\x80"; }), notUtf8);
+    EXPECT_EQ(refused([](auto& e) {
+                  e.agent = AgentCapture{"a", "/\xE9", true, AgentOverride::absent};
+              }),
+              notUtf8);
+    const std::string noDate = "a date outside the years 0 to 9999 can't be saved";
+    EXPECT_EQ(refused([](auto& e) { e.appliedAt = at("9999-12-31T23:59:59Z") + std::chrono::seconds(1); }),
+              noDate);
+    EXPECT_EQ(refused([](auto& e) { e.restoredAt = at("0000-01-01T00:00:00Z") - std::chrono::seconds(1); }),
+              noDate);
+}
+
+TEST_F(JournalWritingTest, OtherEntriesKeepTheirTextToTheByte) {
+    const std::string foreign =
+        R"({"writes":[], "tweakID":"x", "status":"failed","macOSVersion":"\u0031", "later" : {"a":[1e2]},)"
+        "\r\n\t\"kind\":\"preference\",\"id\":\"01234567-89ab-cdef-0123-456789abcdef\","
+        R"("direction":"on","appliedAt":"2026-11-15T20:23:13Z"  })";
+    setContents(file, "{\"format\":0,\"entries\":[ " + foreign + " \n ]}");
+    const JournalEntry entry = entryFor("b");
+    std::string after;
+    for (int i = 0; i < 3; ++i) {
+        opened()->upsert(entry);
+        if (i == 0) after = contentsOf(file);
+        EXPECT_EQ(contentsOf(file), after);
+    }
+    EXPECT_TRUE(after.starts_with("{\n  \"entries\" : [\n    " + foreign + ",\n    {\n      \"appliedAt\""));
+    EXPECT_TRUE(after.ends_with("\n    }\n  ],\n  \"format\" : 1\n}\n"));
+    EXPECT_EQ(opened()->all().front().macOSVersion, "1");
+}
+
+TEST_F(JournalWritingTest, OneOfTenThousandEntriesIsEncoded) {
+    constexpr std::size_t count = 10'000, changedPlace = 7'000;
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < count; ++i)
+        texts.push_back(R"({"appliedAt":"2026-11-15T20:23:13Z","direction":"on","id":")" +
+                        Uuid::random().text() +
+                        R"(","kind":"preference","macOSVersion":"15","status":"restored","tweakID":")" +
+                        std::to_string(i) + R"(","writes":[]})");
+    std::string text = "{\"entries\":[";
+    for (const std::string& entry : texts) text += (text.back() == '[' ? "" : ",") + entry;
+    setContents(file, text + "],\"format\":1}");
+    const auto journal = opened();
+    JournalEntry changed = journal->all()[changedPlace];
+    changed.choiceID = "chosen";
+    journal->upsert(changed);
+
+    // Every other entry still has its own layout, which no encoding of ours would give it.
+    const std::string saved = contentsOf(file);
+    std::size_t place = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i == changedPlace) continue;
+        place = saved.find(texts[i], place);
+        ASSERT_NE(place, std::string::npos) << i;
+    }
+    EXPECT_EQ(saved.find(texts[changedPlace]), std::string::npos);
+    EXPECT_EQ(opened()->all()[changedPlace], changed);
+}
+
+TEST_F(JournalWritingTest, FollowsTheFileOfOthersAndOutlivesItsLoss) {
+    const auto mine = opened(), theirs = opened();
+    const JournalEntry a = entryFor("a"), b = entryFor("b"), c = entryFor("c");
+    mine->upsert(a);
+    theirs->upsert(b);
+    EXPECT_EQ(mine->all(), (Entries{a, b}));
+    mine->upsert(c);
+    EXPECT_EQ(theirs->all(), (Entries{a, b, c}));
+
+    fs::remove(file);
+    EXPECT_EQ(mine->all(), (Entries{a, b, c}));
+    mine->upsert(a);
+    EXPECT_EQ(theirs->all(), (Entries{a, b, c}));
+
+    setContents(file, "damaged");
+    EXPECT_TRUE(thrownBy<JournalError>([&] { mine->upsert(b); }));
+    EXPECT_TRUE(thrownBy<JournalError>([&] { mine->activeEntry("a"); }));
+    EXPECT_EQ(contentsOf(file), "damaged");
+    setContents(file, sampleFile("journal-format-1.json"));
+    EXPECT_EQ(mine->all(), sampleEntries());
+}
+
+TEST_F(JournalWritingTest, ALockWhoseFileWasRemovedSavesNothing) {
+    const auto journal = Journal::open(folder.path);
+    const Journal::Exclusive held = journal->exclusive();
+    fs::remove(folder.path / ".journal.lock");
+    const auto error = thrownBy<JournalError>([&] { journal->upsert(sampleEntries()[0], held); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure(),
+              (JournalFailure{JournalFailure::Kind::cannotWrite, "its lock file was removed meanwhile"}));
+    EXPECT_FALSE(fs::exists(journal->fileURL()));
+}
+
+TEST_F(JournalWritingTest, SeveralProcessesLoseNothing) {
+    constexpr int writers = 4, rounds = 12;
+    const auto write = [&](int writer) {
+        const auto journal = opened();
+        {
+            const auto held = journal->exclusive();
+            if (!journal->activeEntry("shared")) journal->upsert(entryFor("shared"), held);
+        }
+        for (int i = 0; i < rounds; ++i) {
+            JournalEntry entry = entryFor(std::to_string(writer) + "." + std::to_string(i));
+            journal->upsert(entry);
+            entry.status = EntryStatus::applied;
+            journal->upsert(entry);
+        }
+    };
+    std::set<pid_t> children;
+    for (int writer = 0; writer < writers; ++writer) {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(messageOf([&] { write(writer); }).empty() ? 0 : 1);
+        children.insert(child);
+    }
+    std::size_t seen = 0;
+    while (!children.empty()) {
+        const std::size_t now = opened()->all().size();  // the file parses whenever it is looked at
+        EXPECT_GE(now, seen);
+        seen = now;
+        int status = 0;
+        if (const pid_t ended = ::waitpid(-1, &status, WNOHANG); ended > 0) {
+            children.erase(ended);
+            EXPECT_EQ(status, 0);
+        }
+    }
+    const auto journal = opened();
+    Names tweaks;
+    for (const JournalEntry& entry : journal->active()) tweaks.insert(entry.tweakID);
+    EXPECT_EQ(journal->all().size(), writers * rounds + 1u);
+    EXPECT_EQ(tweaks.size(), writers * rounds + 1u);
+    EXPECT_EQ(journal->entries(EntryStatus::applied).size(), std::size_t{writers * rounds});
+    EXPECT_EQ(journal->history().size(), 2u * writers * rounds + 1u);
+}
+
+TEST_F(JournalConcurrencyTest, ThreadsOfOneAndOfSeveralJournalsLoseNothing) {
+    constexpr int writers = 4, rounds = 8;
+    const auto first = opened(), second = opened();
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer)
+        threads.emplace_back([&, writer] {
+            Journal& journal = writer % 2 == 0 ? *first : *second;
+            for (int i = 0; i < rounds; ++i) {
+                const JournalEntry entry = entryFor(std::to_string(writer) + "." + std::to_string(i));
+                journal.upsert(entry);
+                EXPECT_EQ(journal.entry(entry.id), entry);
+            }
+        });
+    threads.emplace_back([&] {
+        for (std::size_t seen = 0; seen < writers * rounds;) {
+            const std::size_t now = first->all().size();
+            ASSERT_GE(now, seen);
+            seen = now;
+        }
+    });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(first->all(), second->all());
+    EXPECT_EQ(first->history().size(), std::size_t{writers * rounds});
+}
+
+}  // namespace brell

@@ -1,0 +1,214 @@
+#include "BrellCore/Journal/RestoreScript.h"
+
+#include <unistd.h>
+
+#include <limits>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/Shell.h"
+#include "Tests/Support/Testing.h"
+
+using namespace brell;
+using namespace brell::testing;
+using namespace std::chrono_literals;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const TimeStamp noon = parseIso8601("2026-11-15T12:00:00Z").value();
+const PrefKey autohide{"com.apple.dock", "autohide"};
+const PrefKey language{"NSGlobalDomain", "AppleLanguages"};
+
+JournalEntry entryOf(std::string tweakID, std::vector<JournaledWrite> writes, TimeStamp at = noon) {
+    JournalEntry entry{};
+    entry.id = Uuid::random();
+    entry.tweakID = std::move(tweakID);
+    entry.kind = EntryKind::preference;
+    entry.direction = EntryDirection::on;
+    entry.writes = std::move(writes);
+    entry.status = EntryStatus::applied;
+    entry.appliedAt = at;
+    entry.macOSVersion = "26.1.0";
+    return entry;
+}
+
+JournalEntry agentEntry(AgentCapture capture, TimeStamp at = noon) {
+    JournalEntry entry = entryOf(agentTweakID(capture.label), {}, at);
+    entry.kind = EntryKind::launchAgent;
+    entry.agent = std::move(capture);
+    return entry;
+}
+
+const std::string header =
+    "#!/bin/sh\n"
+    "# Corvane Brell restore script, written 2026-11-15T12:00:00Z.\n"
+    "# Run it in Terminal (sh restore.sh) to put back every setting Brell changed, newest change first.\n"
+    "# A preference is restored only if it still holds the value Brell wrote; arrays and keys Brell removed "
+    "are restored unconditionally.\n"
+    "set -u\n"
+    "restore() { domain=\"$1\"; key=\"$2\"; expect=\"$3\"; shift 3\n"
+    "  current=\"$(defaults read \"$domain\" \"$key\" 2>/dev/null)\"\n"
+    "  if [ \"$current\" = \"$expect\" ]; then \"$@\"; else echo \"skip $domain $key (now: "
+    "${current:-absent})\"; fi; }\n"
+    "\n";
+const std::string footer =
+    "\n"
+    "echo 'Done. Relaunch Finder and the Dock, or log out and back in, for every change to take effect.'\n";
+
+TEST(RestoreScriptTextTest, AnEmptyJournalHasNothingToRestore) {
+    const std::string nothing =
+        header + "echo 'Nothing to restore: Brell has no active change on record.'\n" + footer;
+    EXPECT_EQ(RestoreScript::render({}, noon), nothing);
+    JournalEntry restored = entryOf("dock.autohide", {{autohide, {}, PrefValue(true)}});
+    JournalEntry failed = restored;
+    restored.status = EntryStatus::restored;
+    failed.status = EntryStatus::failed;
+    EXPECT_EQ(RestoreScript::render({restored, failed}, noon), nothing);
+}
+
+TEST(RestoreScriptTextTest, ActiveEntriesStandNewestFirst) {
+    JournalEntry reset = entryOf(
+        "dock.position", {{{"com.apple.dock", "orientation"}, PrefValue("it's left"), {}}}, noon - 1h);
+    reset.direction = EntryDirection::resetToDefault;
+    JournalEntry interrupted = entryOf(
+        "misc.always_show_scrollbars",
+        {{{"NSGlobalDomain", "NSWindowResizeTime"}, PrefValue(2.0), PrefValue(2.0)},
+         {language, PrefValue(PrefValue::StringArray{"en-GB", "it"}), PrefValue(PrefValue::StringArray{})}});
+    interrupted.status = EntryStatus::capturing;
+    const JournalEntry sameTime = entryOf("dock.autohide", {{autohide, {}, PrefValue(true)}}, noon - 1h);
+    const JournalEntry agent = agentEntry(
+        {"org.example.sync", "/Users/o'hara/Sync.plist", true, AgentOverride::disabled}, noon - 2h);
+    JournalEntry bareAgent = agent;
+    bareAgent.agent = std::nullopt;
+
+    EXPECT_EQ(
+        RestoreScript::render({bareAgent, agent, reset, sameTime, interrupted}, noon),
+        header +
+            "# misc.always_show_scrollbars (applied 2026-11-15T12:00:00Z)\n"
+            "restore -g 'NSWindowResizeTime' '2' defaults write -g 'NSWindowResizeTime' -float 2.0\n"
+            "defaults write -g 'AppleLanguages' -array 'en-GB' 'it'\n"
+            "# dock.position (reset to default 2026-11-15T11:00:00Z)\n"
+            "defaults write 'com.apple.dock' 'orientation' -string 'it'\\''s left'\n"
+            "# dock.autohide (applied 2026-11-15T11:00:00Z)\n"
+            "restore 'com.apple.dock' 'autohide' '1' defaults delete 'com.apple.dock' 'autohide'\n"
+            "# agent:org.example.sync (applied 2026-11-15T10:00:00Z)\n"
+            "# agent:org.example.sync (applied 2026-11-15T10:00:00Z)\n"
+            "launchctl disable \"gui/$(id -u)/\"'org.example.sync'\n"
+            "launchctl bootstrap \"gui/$(id -u)\" '/Users/o'\\''hara/Sync.plist' 2>/dev/null || true\n" +
+            footer);
+    EXPECT_EQ(RestoreScript::agentLines({"a", "/a.plist", false, AgentOverride::absent}),
+              std::vector<std::string>{"launchctl enable \"gui/$(id -u)/\"'a'"});
+}
+
+// The script run by real shells, with stand-ins for defaults and launchctl.
+class RestoreScriptRunTest : public ::testing::TestWithParam<const char*> {
+protected:
+    RestoreScriptRunTest() {
+        setContents(tools / "launchctl",
+                    "#!/bin/sh\nfor word; do printf '<%s>' \"$word\" >>\"$LAUNCHCTL_LOG\"; done\n"
+                    "echo >>\"$LAUNCHCTL_LOG\"\n");
+        fs::permissions(tools / "launchctl", fs::perms::owner_all);
+        fs::create_directories(elsewhere);
+    }
+
+    std::string run(const std::vector<JournalEntry>& entries) {
+        setContents(folder.path / "restore.sh", RestoreScript::render(entries, noon));
+        const Finished finished =
+            runLine("cd '" + elsewhere.string() + "' && PATH='" + tools.string() +
+                    ":" BRELL_STAND_INS "':$PATH DEFAULTS_FOLDER='" + (folder.path / "preferences").string() +
+                    "' LAUNCHCTL_LOG='" + (folder.path / "launchctl.log").string() + "' " + GetParam() +
+                    " ../restore.sh 2>&1");
+        EXPECT_EQ(finished.status, 0) << finished.output;
+        EXPECT_EQ(namesIn(elsewhere),
+                  std::set<std::string>{});  // where a smuggled command would leave a file
+        return finished.output;
+    }
+
+    const TemporaryFolder folder;
+    const fs::path tools = folder.path / "tools";
+    const fs::path elsewhere = folder.path / "elsewhere";
+    const std::string done = footer.substr(7, footer.size() - 9) + "\n";
+    PlistFileStore files{folder.path / "preferences", TweakCatalog::allowedDomains()};
+};
+
+std::vector<PrefValue> everyKindOfValue() {
+    return {true,
+            false,
+            0,
+            36,
+            std::numeric_limits<std::int64_t>::min(),
+            std::numeric_limits<std::int64_t>::max(),
+            0.15,
+            0.1 + 0.2,
+            2.0,
+            -1.5,
+            1e-7,
+            123456789.25,
+            1.7976931348623157e308,
+            "",
+            "plain",
+            " two  blanks ",
+            "it's \"quoted\" `whoami` $HOME $(touch made) \\ \\n %s !! *",
+            "line\nfeed",
+            "\n",
+            "ends with\n\n",
+            "-g",
+            "-string",
+            "é 日本 👍",
+            PrefValue::StringArray{},
+            PrefValue::StringArray{""},
+            PrefValue::StringArray{"it's", "$(touch made)", "two\nlines\n", "-bool", "日本"}};
+}
+
+TEST_P(RestoreScriptRunTest, EveryKindOfValueComesBackFromEveryOther) {
+    const std::vector<PrefValue> values = everyKindOfValue();
+    std::vector<JournaledWrite> writes;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::string name = "key " + std::to_string(i);
+        const std::string domain = i % 2 ? "com.apple.dock" : "NSGlobalDomain";
+        writes.push_back({{domain, name + " changed"}, values[i], values[(i + 7) % values.size()]});
+        writes.push_back({{domain, name + " added"}, {}, values[i]});
+        writes.push_back({{domain, name + " removed"}, values[i], {}});
+    }
+    for (const JournaledWrite& write : writes) files.put(write.written, write.key);
+    EXPECT_EQ(run({entryOf("everything", writes)}), done);
+    for (const JournaledWrite& write : writes)
+        EXPECT_EQ(files.exactValue(write.key), write.original)
+            << write.key.rendered() << " written as " << write.written.rendered();
+}
+
+TEST_P(RestoreScriptRunTest, WhatSomebodyChangedSinceIsLeftAlone) {
+    files.write(false, autohide);
+    const PrefKey size{"com.apple.dock", "tilesize"};
+    EXPECT_EQ(run({entryOf("dock", {{autohide, {}, PrefValue(true)}, {size, PrefValue(41), PrefValue(48)}})}),
+              "skip com.apple.dock autohide (now: 0)\nskip com.apple.dock tilesize (now: absent)\n" + done);
+    EXPECT_EQ(files.exactValue(autohide), StoredValue(false));
+    EXPECT_TRUE(files.exactValue(size).isAbsent());
+}
+
+TEST_P(RestoreScriptRunTest, NothingInAnEntryBecomesACommand) {
+    for (const std::string hostile :
+         {"x'; touch made; '", "$(touch made)", "`touch made`", "\ntouch made\n", "\r\ntouch made #",
+          "a\u2028touch made", "\"; touch made; \"", "\\'; touch made #", "x\n'\ntouch made\n'"}) {
+        const std::string path = "/Users/sam/" + hostile;
+        const PrefKey key{"com.apple.dock", hostile};
+        files.write(hostile, key);
+        const std::vector<JournalEntry> entries{
+            entryOf(hostile, {{key, PrefValue(hostile + "!"), PrefValue(hostile)}}),
+            agentEntry({hostile, path, true, AgentOverride::absent})};
+        // A key with trailing line feeds still names itself.
+        EXPECT_EQ(run(entries), done) << hostile;
+        EXPECT_EQ(files.exactValue(key), StoredValue(hostile + "!"));
+        const std::string user = "gui/" + std::to_string(::getuid());
+        EXPECT_EQ(contentsOf(folder.path / "launchctl.log"),
+                  "<enable><" + user + "/" + hostile + ">\n<bootstrap><" + user + "><" + path + ">\n");
+        fs::remove(folder.path / "launchctl.log");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shells, RestoreScriptRunTest, ::testing::Values("sh", "dash", "bash"),
+                         [](const auto& shell) { return std::string(shell.param); });
+
+}  // namespace

@@ -1,0 +1,232 @@
+#include "BrellCore/Preferences/PlistFileStore.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
+
+#include "BrellCore/Support/PropertyList.h"
+#include "BrellCore/Support/SystemMessage.h"
+#include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+using Strings = PrefValue::StringArray;
+using Values = PlistFileStore::Values;
+
+const PrefKey autohide{"com.apple.dock", "autohide"}, tileSize{"com.apple.dock", "tilesize"};
+const PrefKey stranger{"com.apple.finder", "autohide"};
+
+class PlistFileStoreTest : public ::testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const fs::path directory = folder.path / "Library" / "Preferences";
+    const fs::path file = directory / "com.apple.dock.plist";
+    PlistFileStore store{directory, {"com.apple.dock", "NSGlobalDomain"}};
+
+    void setFile(PlistDictionary dictionary) const {
+        setContents(file, writeXmlPropertyList({std::move(dictionary)}));
+    }
+};
+
+class PlistFileStoreConcurrencyTest : public PlistFileStoreTest {};
+
+template <class Action>
+std::optional<StoreFailure> failureOf(Action&& action) {
+    const auto error = thrownBy<StoreError>(action);
+    return error ? std::optional(error->failure()) : std::nullopt;
+}
+
+}  // namespace
+
+TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
+    setFile({{{"tilesize", {std::int64_t{36}}}, {"z \u00E9", {std::string(" <&>\n")}}}});
+    store.write(Strings{"a", ""}, autohide);
+    store.put(StoredValue(0.1), {"NSGlobalDomain", "delay"});
+
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(Strings{"a", ""}));
+    EXPECT_EQ(
+        store.snapshot(),
+        (std::map<std::string, Values>{
+            {"com.apple.dock", {{"autohide", Strings{"a", ""}}, {"tilesize", 36}, {"z \u00E9", " <&>\n"}}},
+            {"NSGlobalDomain", {{"delay", 0.1}}}}));
+    EXPECT_EQ(readPropertyList(contentsOf(file)),
+              (PlistValue{PlistDictionary{{{"autohide", PrefValue(Strings{"a", ""}).propertyListObject()},
+                                           {"tilesize", {std::int64_t{36}}},
+                                           {"z \u00E9", {std::string(" <&>\n")}}}}}));
+
+    store.put(StoredValue::absent(), autohide);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(36));
+    store.remove({"NSGlobalDomain", "delay"});
+    EXPECT_EQ(store.snapshot().count("NSGlobalDomain"), 0u);
+    EXPECT_EQ(namesIn(directory), (std::set<std::string>{"NSGlobalDomain.plist", "com.apple.dock.plist"}));
+}
+
+TEST_F(PlistFileStoreTest, RemovingWhatIsNotStoredTouchesNothing) {
+    store.remove(autohide);
+    EXPECT_EQ(namesIn(directory), std::set<std::string>());
+    setContents(file, "<plist version=\"1.0\"><dict/></plist>");
+    store.remove(autohide);
+    EXPECT_EQ(contentsOf(file), "<plist version=\"1.0\"><dict/></plist>");
+}
+
+TEST_F(PlistFileStoreTest, EveryOperationRefusesOtherDomainsFirst) {
+    store.failNextWrite(stranger);
+    store.markUnsupported(stranger);
+    const std::vector<std::function<void()>> operations{[&] { store.checkAllowed(stranger.domain); },
+                                                        [&] { store.exactValue(stranger); },
+                                                        [&] { store.effectiveValue(stranger); },
+                                                        [&] { store.hasByHostValue(stranger); },
+                                                        [&] { store.isForced(stranger); },
+                                                        [&] { store.write(true, stranger); },
+                                                        [&] { store.remove(stranger); },
+                                                        [&] { store.synchronize(stranger.domain); },
+                                                        [&] { store.put(StoredValue(), stranger); }};
+    for (const auto& operation : operations)
+        EXPECT_EQ(failureOf(operation), StoreFailure(DomainNotAllowed{"com.apple.finder"}));
+    EXPECT_EQ(describe(StoreFailure(DomainNotAllowed{"com.apple.finder"})),
+              "The domain com.apple.finder is not one Brell may change.");
+    EXPECT_EQ(describe(StoreFailure(SynchronizeFailed{"com.apple.dock"})),
+              "macOS did not confirm the write to com.apple.dock.");
+    EXPECT_EQ(namesIn(directory), std::set<std::string>());
+}
+
+TEST_F(PlistFileStoreTest, PlaysTheSituationsThatTheRealStoreMeets) {
+    store.write(1, autohide);
+
+    store.failNextWrite(autohide);
+    store.write(2, tileSize);
+    EXPECT_EQ(messageOf([&] { store.write(3, autohide); }),
+              "simulated write failure for com.apple.dock autohide");
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(1));
+    store.write(3, autohide);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(3));
+
+    store.ignoreWrites(autohide);
+    store.write(4, autohide);
+    store.write(4, autohide);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(3));
+    store.remove(autohide);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+
+    store.registerSystemDefault(5, autohide);
+    store.registerSystemDefault(6, tileSize);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+    EXPECT_EQ(store.effectiveValue(autohide), StoredValue(5));
+    EXPECT_EQ(store.effectiveValue(tileSize), StoredValue(2));
+    EXPECT_EQ(store.effectiveValue({"NSGlobalDomain", "autohide"}), StoredValue::absent());
+
+    store.markForced(tileSize);
+    EXPECT_TRUE(store.isForced(tileSize));
+    PlistFileStore another(directory, store.allowedDomains());
+    EXPECT_EQ(another.exactValue(tileSize), StoredValue(2));
+    EXPECT_FALSE(another.isForced(tileSize));
+}
+
+TEST_F(PlistFileStoreTest, FollowsFilesThatOthersChange) {
+    PlistFileStore another(directory, store.allowedDomains());
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+    // Many changes of one length within the same tick of the file system's clock.
+    for (int size = 10; size < 60; ++size) {
+        another.write(size, tileSize);
+        if (size % 3 == 1) continue;  // two changes between readings can bring a file's number back
+        EXPECT_EQ(store.exactValue(tileSize), StoredValue(size));
+    }
+    store.write(true, autohide);
+    another.write("left", {"com.apple.dock", "orientation"});
+    EXPECT_EQ(store.snapshot().at("com.apple.dock"),
+              (Values{{"autohide", true}, {"orientation", "left"}, {"tilesize", 59}}));
+    fs::remove(file);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+}
+
+TEST_F(PlistFileStoreTest, AValueOfAnotherKindKeepsItsWholeDomainFromChanging) {
+    setFile({{{"autohide", {true}}, {"persistent-apps", {PlistDictionary()}}, {"when", {PlistDate{0}}}}});
+    const std::string before = contentsOf(file);
+
+    const StoreFailure failure = UnsupportedType{{"com.apple.dock", "persistent-apps"}, "dictionary"};
+    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }), failure);
+    EXPECT_EQ(failureOf([&] { store.effectiveValue(tileSize); }), failure);
+    EXPECT_EQ(failureOf([&] { store.write(false, autohide); }), failure);
+    EXPECT_EQ(failureOf([&] { store.remove(autohide); }), failure);
+    EXPECT_EQ(failureOf([&] { store.snapshot(); }), failure);
+    EXPECT_EQ(contentsOf(file), before);
+    store.write(1, {"NSGlobalDomain", "other"});
+    EXPECT_EQ(store.exactValue({"NSGlobalDomain", "other"}), StoredValue(1));
+}
+
+TEST_F(PlistFileStoreTest, FilesThatCannotBeReadAreNamedAndLeftAlone) {
+    const std::string sentence = "The preference file " + file.string() + " could not be read: ";
+    setFile({{{"autohide", {true}}}});
+    const std::string whole = contentsOf(file);
+    for (std::size_t length = 0; length + 1 < whole.size(); length += 7) {
+        setContents(file, whole.substr(0, length));
+        EXPECT_TRUE(messageOf([&] { store.exactValue(autohide); }).starts_with(sentence)) << length;
+        EXPECT_TRUE(messageOf([&] { store.write(true, autohide); }).starts_with(sentence)) << length;
+        EXPECT_EQ(contentsOf(file), whole.substr(0, length));
+    }
+    setContents(file, writeXmlPropertyList({PlistArray{{std::string("a")}}}));
+    EXPECT_EQ(messageOf([&] { store.remove(autohide); }), sentence + "it does not hold a dictionary.");
+
+    fs::remove(file);
+    fs::create_directory(file);
+    EXPECT_EQ(messageOf([&] { store.exactValue(autohide); }), sentence + "it is not an ordinary file.");
+
+    setContents(folder.path / "plain", "");
+    EXPECT_TRUE(thrownBy<fs::filesystem_error>([&] { PlistFileStore(folder.path / "plain" / "x", {}); }));
+}
+
+TEST_F(PlistFileStoreTest, AFailedSaveLeavesTheFileAndTheReadings) {
+    store.write(1, autohide);
+    const std::string before = contentsOf(file);
+
+    for (const PrefValue& value : {PrefValue("\x01"), PrefValue("\xFF"), PrefValue(Strings{"\uFFFF"})})
+        EXPECT_TRUE(messageOf([&] {
+                        store.write(value, autohide);
+                    }).starts_with("The preference file " + file.string() + " could not be written: "));
+    if (systemCallsAreWatched()) {
+        const FailingCall full(directory, SystemCall::write, ENOSPC);
+        const std::string message = messageOf([&] { store.write(2, autohide); });
+        EXPECT_TRUE(message.ends_with(" could not be written: " + systemMessage(ENOSPC) + ".")) << message;
+    }
+    EXPECT_EQ(contentsOf(file), before);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(1));
+    EXPECT_EQ(namesIn(directory), std::set<std::string>{"com.apple.dock.plist"});
+}
+
+TEST_F(PlistFileStoreTest, AnUnchangedFileIsOpenedOnce) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    setFile({{{"autohide", {true}}}});
+    const CountedCalls calls(directory);
+    for (int i = 0; i < 25; ++i) {
+        store.exactValue(autohide);
+        store.effectiveValue(tileSize);
+        store.exactValue({"NSGlobalDomain", "missing"});
+    }
+    EXPECT_EQ(calls.of(SystemCall::open, file), 1u);
+    EXPECT_LE(calls.of(SystemCall::open), 2u);
+    EXPECT_EQ(calls.of(SystemCall::write) + calls.of(SystemCall::rename), 0u);
+}
+
+TEST_F(PlistFileStoreConcurrencyTest, WritersOfOneDomainKeepEachOthersKeys) {
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < 4; ++writer)
+        threads.emplace_back([&, writer] {
+            for (int i = 0; i < 20; ++i) {
+                const PrefKey key{"com.apple.dock", std::to_string(writer) + "." + std::to_string(i)};
+                store.write(i, key);
+                EXPECT_EQ(store.exactValue(key), StoredValue(i));
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(store.snapshot().at("com.apple.dock").size(), 80u);
+}
+
+}  // namespace brell

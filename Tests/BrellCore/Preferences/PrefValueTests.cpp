@@ -1,0 +1,171 @@
+#include "BrellCore/Preferences/PrefValue.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Preferences/PrefValueJson.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+
+namespace {
+
+using testing::messageOf;
+using testing::thrownBy;
+using Strings = PrefValue::StringArray;
+
+// What read makes of the object in this text.
+template <class Read>
+auto decoded(const std::string& text, Read read) {
+    simdjson::ondemand::parser parser;
+    const simdjson::padded_string padded(text);
+    auto document = parser.iterate(padded);
+    return read(document.get_object());
+}
+StoredValue storedValue(const std::string& text) {
+    return decoded(text, readStoredValue);
+}
+
+std::string encoded(const StoredValue& stored) {
+    JsonWriter json(JsonWriter::Layout::compact);
+    writeJson(json, stored);
+    return json.take();
+}
+
+}  // namespace
+
+TEST(PrefValueTest, EachKindHasItsWordsAndForms) {
+    const struct {
+        PrefValue value;
+        const char *type, *flag, *rendered, *json;
+    } rows[] = {
+        {true, "bool", "-bool", "true", R"({"type":"bool","value":true})"},
+        {false, "bool", "-bool", "false", R"({"type":"bool","value":false})"},
+        {36, "int", "-int", "36", R"({"type":"int","value":36})"},
+        {INT64_MIN, "int", "-int", "-9223372036854775808", R"({"type":"int","value":-9223372036854775808})"},
+        {1.0, "double", "-float", "1.0", R"({"type":"double","value":1.0})"},
+        {-3.0, "double", "-float", "-3.0", R"({"type":"double","value":-3.0})"},
+        {0.15, "double", "-float", "0.15", R"({"type":"double","value":0.15})"},
+        {999999999.0, "double", "-float", "999999999.0", R"({"type":"double","value":999999999.0})"},
+        {1e9, "double", "-float", "1000000000.0", R"({"type":"double","value":1000000000.0})"},
+        {1e300, "double", "-float", "1e+300", R"({"type":"double","value":1e+300})"},
+        {"a\"b", "string", "-string", "\"a\"b\"", R"({"type":"string","value":"a\"b"})"},
+        {"", "string", "-string", "\"\"", R"({"type":"string","value":""})"},
+        {Strings{}, "stringArray", "-array", "[]", R"({"type":"stringArray","value":[]})"},
+        {Strings{"a", "", "\n"}, "stringArray", "-array", "[\"a\", \"\", \"\n\"]",
+         R"({"type":"stringArray","value":["a","","\n"]})"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.value.typeName(), row.type);
+        EXPECT_EQ(row.value.defaultsFlag(), row.flag);
+        EXPECT_EQ(StoredValue(row.value).rendered(), row.rendered);
+        EXPECT_EQ(encoded(row.value), row.json);
+        EXPECT_EQ(storedValue(row.json), StoredValue(row.value));
+        EXPECT_EQ(decoded(row.json, readPrefValue), row.value);
+        EXPECT_EQ(PrefValue::fromPropertyList(row.value.propertyListObject()), row.value);
+    }
+    for (const auto& a : rows)
+        for (const auto& b : rows) EXPECT_EQ(a.value == b.value, &a == &b) << a.json << b.json;
+    EXPECT_EQ(PrefValue(0.0), PrefValue(-0.0));
+    EXPECT_EQ(encoded(PrefValue(-0.0)), R"({"type":"double","value":-0.0})");
+    EXPECT_NE(PrefValue(1), PrefValue(1.0));
+    EXPECT_NE(PrefValue(1), PrefValue(true));
+    EXPECT_NE(StoredValue::absent(), StoredValue(false));
+    EXPECT_EQ(StoredValue::absent().rendered(), "absent");
+}
+
+TEST(PrefValueTest, OtherPropertyListsAreRefusedByName) {
+    const struct {
+        PlistValue object;
+        const char* word;
+    } rows[] = {{{PlistDictionary()}, "dictionary"},
+                {{PlistData{"x"}}, "data"},
+                {{PlistDate{0}}, "date"},
+                {{PlistUid{1}}, "unique identifier"},
+                {{PlistBigInteger{"18446744073709551615"}}, "number (out of range)"},
+                {{PlistArray{{std::string("a")}, {std::int64_t{1}}}}, "array (not all strings)"},
+                {{PlistArray{{PlistArray()}}}, "array (not all strings)"},
+                {{std::string("\x01")}, "string (with characters a property list can't hold)"}};
+    for (const auto& row : rows) {
+        EXPECT_FALSE(PrefValue::fromPropertyList(row.object)) << row.word;
+        EXPECT_EQ(propertyListTypeName(row.object), row.word);
+    }
+}
+
+TEST(PrefValueTest, JsonKeysMayComeInAnyOrderAndAbsenceWins) {
+    const struct {
+        const char* text;
+        StoredValue stored;
+    } rows[] = {{R"({"absent": true})", {}},
+                {R"({"x": [1, {}], "absent": true})", {}},
+                {R"({"type": "int", "value": 36, "absent": true})", {}},
+                {R"({"value": "x", "absent": true, "type": "string"})", {}},
+                {R"({"absent": false, "type": "bool", "value": true})", PrefValue(true)},
+                {R"({"value": true, "type": "bool", "absent": false})", PrefValue(true)},
+                {R"({"value": ["b", "a"], "x": null, "type": "stringArray"})", PrefValue(Strings{"b", "a"})},
+                {R"({"\u0074ype": "string", "value": "\u00e9\ud83d\ude00"})", PrefValue("\u00E9\U0001F600")},
+                {R"({"type": "double", "value": 2})", PrefValue(2.0)}};
+    for (const auto& row : rows) EXPECT_EQ(storedValue(row.text), row.stored) << row.text;
+}
+
+TEST(PrefValueTest, JsonIsNeverGuessedAt) {
+    for (const char* text : {"{}",
+                             R"({"type": "int"})",
+                             R"({"value": 1})",
+                             R"({"absent": false})",
+                             R"({"absent": 1})",
+                             R"({"type": 1, "value": 1})",
+                             R"({"type": "bool", "value": 1})",
+                             R"({"type": "int", "value": true})",
+                             R"({"type": "int", "value": 1.0})",
+                             R"({"type": "int", "value": 9223372036854775808})",
+                             R"({"type": "int", "value": "1"})",
+                             R"({"type": "double", "value": "1"})",
+                             R"({"type": "double", "value": 1e999})",
+                             R"({"type": "double", "value": NaN})",
+                             R"({"type": "string", "value": null})",
+                             R"({"type": "string", "value": "\ud800"})",
+                             R"({"type": "stringArray", "value": "a"})",
+                             R"({"type": "stringArray", "value": ["a", 1]})",
+                             R"({"type": "", "value": 1})",
+                             R"({"type": "Int", "value": 1})"}) {
+        EXPECT_NE(messageOf([&] { storedValue(text); }), "") << text;
+    }
+    EXPECT_EQ(messageOf([] { storedValue(R"({"type": "float", "value": 1})"); }),
+              "unknown PrefValue type float");
+    EXPECT_EQ(messageOf([] { decoded(R"({"value": 1, "type": "float"})", readPrefValue); }),
+              "unknown PrefValue type float");
+    // A long word without its value is looked at once: the parser has no room for its text twice.
+    EXPECT_NE(messageOf([] { storedValue(R"({"type": ")" + std::string(1'000'000, 'x') + "\"}"); }), "");
+
+    for (const PrefValue& value :
+         {PrefValue(NAN), PrefValue(INFINITY), PrefValue("\xFF"), PrefValue(Strings{"\xC3"})})
+        EXPECT_TRUE(thrownBy<JsonWriteError>([&] { encoded(value); }));
+}
+
+TEST(NeverTouchTest, ProtectsByPlainComparisonsOfTheWholeText) {
+    for (const char* domain :
+         {"com.apple.security", "com.apple.securityagent", "com.apple.LaunchServices", "com.apple.alf",
+          "com.apple.alf.plist", "com.apple.SoftwareUpdate", "com.apple.screensaver.plist",
+          "/Users/x/Library/Containers/a/b", "/Library/Preferences/com.apple.dock", "a/Library/Preferences/"})
+        EXPECT_TRUE(NeverTouch::isForbiddenDomain(domain)) << domain;
+    for (const char* domain : {"", "com.apple.dock", "com.apple.Security", "xcom.apple.alf", "NSGlobalDomain",
+                               "Containers", "/Library/Preferences", "com.apple.softwareupdate"})
+        EXPECT_FALSE(NeverTouch::isForbiddenDomain(domain)) << domain;
+
+    const struct {
+        const char* label;
+        bool forbidden, own;
+    } rows[] = {{"com.apple.Finder", true, false},  {"com.apple.", true, false},
+                {"com.corvane.brell", true, true},  {"com.corvane.brell.agent", true, true},
+                {"com.corvane.brell.", true, true}, {"com.corvane.brellhelper", false, false},
+                {"com.apple", false, false},        {"Com.apple.x", false, false},
+                {"org.com.apple.x", false, false},  {"", false, false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(NeverTouch::isForbiddenLabel(row.label), row.forbidden) << row.label;
+        EXPECT_EQ(NeverTouch::isOwnLabel(row.label), row.own) << row.label;
+    }
+}
+
+}  // namespace brell

@@ -1,0 +1,239 @@
+// The binary form of property lists, put together byte by byte: good files, and files made to do harm.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Support/PropertyList.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+
+namespace {
+
+using namespace std::string_literals;
+using testing::messageOf;
+using testing::thrownBy;
+
+std::string bigEndian(std::uint64_t number, std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = size; i-- > 0; number >>= 8) bytes[i] = static_cast<char>(number & 0xFF);
+    return bytes;
+}
+
+// A binary file of these objects, each given as its own bytes. Any number of the trailer can be made wrong.
+struct BinaryFile {
+    std::vector<std::string> objects;
+    std::uint64_t top = 0;
+    std::size_t offsetSize = 2;
+    std::size_t referenceSize = 1;
+    std::vector<std::uint64_t> offsets{};  // instead of the true ones
+    std::optional<std::uint64_t> count{};
+    std::optional<std::uint64_t> table{};
+
+    std::string bytes() const {
+        std::string file = "bplist00";
+        std::vector<std::uint64_t> begins;
+        for (const std::string& object : objects) {
+            begins.push_back(file.size());
+            file += object;
+        }
+        const std::size_t tableBegin = file.size();
+        for (const std::uint64_t offset : offsets.empty() ? begins : offsets)
+            file += bigEndian(offset, offsetSize);
+        file += std::string(6, '\0') + bigEndian(offsetSize, 1) + bigEndian(referenceSize, 1);
+        return file + bigEndian(count.value_or(begins.size()), 8) + bigEndian(top, 8) +
+               bigEndian(table.value_or(tableBegin), 8);
+    }
+};
+
+PlistValue readObject(const std::string& object) {
+    return readPropertyList(BinaryFile{{object}}.bytes());
+}
+
+std::string reasonFor(const BinaryFile& file) {
+    return messageOf([&] { readPropertyList(file.bytes()); });
+}
+
+// With a count that does not fit into the first byte.
+std::string longCount(char kind, std::uint64_t count) {
+    return kind + ("\x13"s + bigEndian(count, 8));
+}
+
+std::string realBytes(double number) {
+    return bigEndian(std::bit_cast<std::uint64_t>(number), 8);
+}
+
+BinaryFile everyKind() {
+    return {{"\xD3\x01\x02\x03\x04\x08\x09", "Qa", "\x62\xD8\x3D\xDE\0"s, "Qc", "\xA3\x05\x06\x07", "\x09",
+             "\x10\xFF", "\x23" + realBytes(0.1), "\x42xy", "\x33" + realBytes(-1.5)}};
+}
+
+}  // namespace
+
+TEST(BinaryPropertyListTest, EveryObjectMeansItsKind) {
+    struct Sample {
+        std::string object;
+        PlistValue meant;
+    };
+    const std::string long300(300, 'x');
+    const Sample samples[] = {
+        {"\x08", {false}},
+        {"\x09", {true}},
+        {"\x10\xFF", {std::int64_t{255}}},
+        {"\x11\xFF\xFE", {std::int64_t{65534}}},
+        {"\x12\x80\0\0\0"s, {std::int64_t{2147483648}}},
+        {"\x13" + bigEndian(~std::uint64_t{0}, 8), {std::int64_t{-1}}},
+        {"\x14" + bigEndian(0, 8) + bigEndian(7, 8), {std::int64_t{7}}},
+        {"\x14" + std::string(16, '\xFF'), {std::int64_t{-1}}},
+        {"\x14" + bigEndian(0, 8) + std::string(8, '\xFF'),
+         {PlistBigInteger{"0x0000000000000000FFFFFFFFFFFFFFFF"}}},
+        {"\x14" + std::string(8, '\xFF') + bigEndian(0, 8),
+         {PlistBigInteger{"-0x00000000000000010000000000000000"}}},
+        {"\x22\x3E\x80\0\0"s, {0.25}},
+        {"\x23" + realBytes(1e-300), {1e-300}},
+        {"\x33" + realBytes(-0.5), {PlistDate{-0.5}}},
+        {"\x40", {PlistData{}}},
+        {"\x42\0\xFF"s, {PlistData{"\0\xFF"s}}},
+        {"\x50", {""s}},
+        {"\x52"s + "a\0"s, {"a\0"s}},
+        {longCount('\x5F', 300) + long300, {long300}},
+        {"\x5F\x10\x02zz", {"zz"s}},
+        {"\x63\0\xE4\xD8\x3D\xDE\0"s, {"\xC3\xA4\xF0\x9F\x98\x80"s}},
+        {"\x81\x01\0"s, {PlistUid{256}}},
+        {"\x87" + bigEndian(~std::uint64_t{0}, 8), {PlistUid{~std::uint64_t{0}}}},
+        {"\xA0", {PlistArray{}}},
+        {"\xD0", {PlistDictionary{}}},
+    };
+    for (const Sample& sample : samples)
+        EXPECT_EQ(readObject(sample.object), sample.meant) << ::testing::PrintToString(sample.object);
+}
+
+TEST(BinaryPropertyListTest, SharedObjectsAndEveryWidthOfReferencesAreRead) {
+    const PlistValue expected{PlistDictionary{{{"b", {PlistArray{{true}, {true}}}}, {"a", {true}}}}};
+    for (std::size_t width = 1; width <= 8; ++width) {
+        const auto references = [&](std::initializer_list<std::uint64_t> numbers) {
+            std::string bytes;
+            for (const std::uint64_t number : numbers) bytes += bigEndian(number, width);
+            return bytes;
+        };
+        const BinaryFile file{
+            {"\x09", "Qa", "Qb", "\xD2" + references({1, 2, 0, 4}), "\xA2" + references({0, 0})},
+            3,
+            width,
+            width};
+        EXPECT_EQ(readPropertyList(file.bytes()), expected) << width;
+    }
+}
+
+TEST(BinaryPropertyListTest, ObjectsThatNoPreferenceHoldsAreRefused) {
+    for (const std::string& object : {"\0"s,
+                                      "\x0F"s,
+                                      "\x0A"s,
+                                      "\x15"s + std::string(32, '\0'),
+                                      "\x21\0\0"s,
+                                      "\x24"s + std::string(16, '\0'),
+                                      "\x32\0\0\0\0"s,
+                                      "\x33" + realBytes(std::nan("")),
+                                      "\x33" + realBytes(HUGE_VAL),
+                                      "\x51\x80"s,
+                                      "\x61\xD8\0"s,
+                                      "\x61\xDC\0"s,
+                                      "\x62\xD8\0\0\x41"s,
+                                      "\x62\xD8\0\xE0\0"s,
+                                      "\x70"s,
+                                      "\x88"s + std::string(9, '\0'),
+                                      "\x90"s,
+                                      "\xB0"s,
+                                      "\xC0"s,
+                                      "\xE0"s,
+                                      "\xF0"s,
+                                      "\x5F\x09"s,
+                                      "\x5F\x14"s + std::string(16, '\0'),
+                                      "\x5F\x20\x01z"s})
+        EXPECT_TRUE(thrownBy<PlistError>([&] { readObject(object); })) << ::testing::PrintToString(object);
+}
+
+TEST(BinaryPropertyListTest, ABrokenStructureIsRefusedWithItsReason) {
+    const std::uint64_t huge = ~std::uint64_t{0};
+    const std::pair<BinaryFile, std::string_view> refusals[] = {
+        {{{"\x09"}, 1}, "a top object that it does not have"},
+        {{{"\x09"}, 0, 0}, "impossible width"},
+        {{{"\x09"}, 0, 2, 0}, "impossible width"},
+        {{{"\x09"}, 0, 9}, "impossible width"},
+        {{{"\x09"}, 0, 2, 9}, "impossible width"},
+        {{{"\x09"}, 0, 2, 1, {}, huge}, "does not fit its size"},
+        {{{"\x09"}, 0, 8, 1, {}, huge / 8 + 2}, "does not fit its size"},
+        {{{"\x09"}, 0, 2, 1, {}, 0}, "does not fit its size"},
+        {{{"\x09"}, 0, 2, 1, {}, {}, huge}, "does not fit its size"},
+        {{{"\x09"}, 0, 2, 1, {}, {}, 7}, "does not fit its size"},
+        {{{"\x09", "\x09"}, 0, 2, 1, {7, 9}}, "object 0 lies outside"},
+        {{{"\x09", "\x09"}, 0, 2, 1, {8, 10}}, "object 1 lies outside"},
+        {{{"\x09"}, 0, 8, 1, {huge}}, "object 0 lies outside"},
+        {{{"\x13\0\0"s}}, "byte 8 reaches beyond"},
+        {{{"\x5F"s}}, "byte 8"},
+        {{{"\x5F\x13"s}}, "byte 8 reaches beyond"},
+        {{{longCount('\x4F', huge)}}, "byte 8 reaches beyond"},
+        {{{longCount('\x6F', huge / 2 + 1)}}, "byte 8 reaches beyond"},
+        {{{longCount('\xAF', huge)}, 0, 2, 8}, "byte 8 reaches beyond"},
+        {{{longCount('\xDF', huge / 16 + 1)}, 0, 2, 8}, "byte 8 reaches beyond"},
+        {{{"\xA1\x01"}}, "refers to object 1, which does not exist"},
+        {{{"\xA1" + bigEndian(huge, 8)}, 0, 2, 8}, "which does not exist"},
+        {{{"\xA1\0"s}}, "byte 8 contains itself"},
+        {{{"\xA1\x01", "\xD1\x02\0"s, "Qa"}}, "byte 8 contains itself"},
+        {{{"\xD1\x01\x01", "\x09"}}, "byte 11 is a key but no text"},
+        {{{"\xD1\x02\x02"}}, "which does not exist"},
+        {{{"\xD2\x01\x02\x01\x01", "Qa", "\x61\0a"s}}, "the key \"a\" stands twice"},
+        {{{"\x09", "\x09"}, 0, 2, 1, {8}}, "does not fit its size"},
+        {{{"\xA1\x01", "\x52\x51\x61"}, 0, 2, 1, {8, 8}}, "bytes 8 and 8 lie over each other"},
+        {{{"\xA1\x01", "\x52\x51\x61", "\x09"}, 0, 2, 1, {8, 11, 10}}, "bytes 10 and 11 lie over each other"},
+    };
+    for (const auto& [file, reason] : refusals)
+        EXPECT_NE(reasonFor(file).find(reason), std::string::npos) << reason << "\n" << reasonFor(file);
+    std::string otherVersion = BinaryFile{{"\x09"}}.bytes();
+    otherVersion[6] = '1';
+    EXPECT_NE(messageOf([&] { readPropertyList(otherVersion); }).find("another version"), std::string::npos);
+}
+
+TEST(BinaryPropertyListTest, AFewBytesCannotBecomeALargeValue) {
+    std::vector<std::string> doubling;  // each array holds the next one twice
+    for (char next = 1; next < 100; ++next) doubling.push_back("\xA2"s + next + next);
+    doubling.push_back("\x09");
+    EXPECT_NE(reasonFor({doubling}).find("more than a million values"), std::string::npos);
+
+    std::vector<std::string> chain;
+    for (char next = 1; next < 127; ++next) chain.push_back("\xA1"s + next);
+    chain.push_back("\xA1\x7F"s);
+    chain.push_back("\x09");
+    chain.push_back("\xA1\0"s);
+    EXPECT_TRUE(readPropertyList(BinaryFile{chain}.bytes()).as<PlistArray>());  // 128 levels
+    EXPECT_NE(reasonFor({chain, 128}).find("more than 128 levels"), std::string::npos);
+
+    const std::size_t times = 2'000;
+    const std::string copies = longCount('\xAF', times) + std::string(times, '\x01');
+    const auto sharing = [&](std::size_t size) {
+        return BinaryFile{{copies, longCount('\x5F', size) + std::string(size, 'x')}};
+    };
+    EXPECT_EQ(readPropertyList(sharing(60).bytes()).as<PlistArray>()->size(), times);
+    EXPECT_NE(reasonFor(sharing(2'000)).find("beyond all measure"), std::string::npos);
+}
+
+TEST(BinaryPropertyListTest, AFileCutOrDamagedAtAnyByteIsReadOrRefusedButNeverHarms) {
+    const std::string whole = everyKind().bytes();
+    ASSERT_TRUE(readPropertyList(whole).as<PlistDictionary>());
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_TRUE(thrownBy<PlistError>([&] { readPropertyList(whole.substr(0, size)); })) << size;
+    int refused = 0;
+    for (std::size_t at = 0; at < whole.size(); ++at)
+        for (const int flip : {0x01, 0x10, 0x80, 0xFF}) {
+            std::string damaged = whole;
+            damaged[at] = static_cast<char>(damaged[at] ^ flip);
+            if (thrownBy<PlistError>([&] { readPropertyList(damaged); })) ++refused;
+        }
+    EXPECT_GT(refused, 100);
+}
+
+}  // namespace brell

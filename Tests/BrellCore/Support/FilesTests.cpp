@@ -1,0 +1,184 @@
+// Reading and replacing whole files.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/SystemMessage.h"
+#include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+using Names = std::set<std::string>;
+
+class FilesTest : public ::testing::Test {
+protected:
+    const TemporaryFolder folder;
+    const fs::path file = folder.path / "notes.json";
+};
+
+std::optional<ReplaceFailure> failureOfReplacing(const fs::path& target) {
+    const auto error = thrownBy<ReplaceError>([&] { replaceFile(target, "new", Durability::powerCut); });
+    return error ? std::optional(error->failure()) : std::nullopt;
+}
+
+}  // namespace
+
+TEST_F(FilesTest, ReplacingMakesFoldersAndKeepsEveryByte) {
+    const fs::path deep = folder.path / "a" / "b" / "notes.json";
+    const std::string bytes = "\0\r\n\xFF" + std::string(300'000, 'x');
+
+    replaceFile(deep, bytes, Durability::powerCut);
+    EXPECT_EQ(contentsOf(deep), bytes);
+    replaceFile(deep, "", Durability::readersOnly, 0644);
+    EXPECT_EQ(contentsOf(deep), "");
+
+    EXPECT_EQ(namesIn(deep.parent_path()), Names{"notes.json"});
+    struct stat status;
+    ASSERT_EQ(::stat(deep.c_str(), &status), 0);
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    EXPECT_EQ(status.st_mode & 0777, 0644 & ~mask);
+}
+
+TEST_F(FilesTest, ReplacingCostsOneRenameAndSynchronizesTheFileThenTheFolder) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    setContents(file, "old");
+    for (const auto& [durability, synchronizes] :
+         {std::pair(Durability::readersOnly, 0u), {Durability::powerCut, 1u}}) {
+        const CountedCalls calls(folder.path);
+        replaceFile(file, "new", durability);
+
+        EXPECT_EQ(calls.of(SystemCall::fsync), 2 * synchronizes);
+        EXPECT_EQ(calls.of(SystemCall::fsync, folder.path), synchronizes);
+        EXPECT_EQ(calls.of(SystemCall::rename), 1u);
+        EXPECT_EQ(calls.of(SystemCall::write), 1u);
+        EXPECT_EQ(calls.of(SystemCall::open), 1 + synchronizes);
+        EXPECT_EQ(calls.of(SystemCall::close), 1 + synchronizes);
+    }
+}
+
+TEST_F(FilesTest, EachFailingStepKeepsTheOldTargetAndRemovesTheTemporary) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const struct {
+        SystemCall call;
+        int code;
+        ReplaceStep step;
+    } rows[] = {{SystemCall::open, EACCES, ReplaceStep::create},
+                {SystemCall::write, ENOSPC, ReplaceStep::write},
+                {SystemCall::fsync, EIO, ReplaceStep::synchronize},
+                {SystemCall::close, EDQUOT, ReplaceStep::write},
+                {SystemCall::rename, EROFS, ReplaceStep::rename}};
+    setContents(file, "old");
+    for (const auto& row : rows) {
+        const FailingCall failing(folder.path, row.call, row.code);
+        const auto failure = failureOfReplacing(file);
+
+        ASSERT_TRUE(failure) << row.code;
+        EXPECT_EQ(failure->step, row.step);
+        EXPECT_EQ(failure->code, row.code);
+        const bool named = row.step == ReplaceStep::rename;
+        EXPECT_TRUE(named ? failure->path == file
+                          : failure->path.filename().string().starts_with(".notes.json."));
+        EXPECT_TRUE(describe(*failure).ends_with(": " + systemMessage(row.code) + "."));
+        EXPECT_EQ(contentsOf(file), "old");
+        EXPECT_EQ(namesIn(folder.path), Names{"notes.json"});
+    }
+}
+
+TEST_F(FilesTest, InterruptedCallsAreRepeatedAndAFolderThatIsNotSynchronizedIsNoFailure) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const struct {
+        SystemCall call;
+        int code, nth;
+    } rows[] = {{SystemCall::open, EINTR, 1},
+                {SystemCall::write, EINTR, 1},
+                {SystemCall::fsync, EINTR, 1},
+                {SystemCall::fsync, EIO, 2},
+                {SystemCall::open, EACCES, 2}};
+    for (const auto& row : rows) {
+        const std::string contents = std::to_string(row.code) + " " + std::to_string(row.nth);
+        const FailingCall failing(folder.path, row.call, row.code, row.nth);
+        replaceFile(file, contents, Durability::powerCut);
+
+        EXPECT_TRUE(failing.hasFailed());
+        EXPECT_EQ(contentsOf(file), contents);
+    }
+}
+
+TEST_F(FilesTest, ReplacingStopsAtAFolderOrFileInTheWay) {
+    fs::create_directory(file);
+    EXPECT_EQ(failureOfReplacing(file), (ReplaceFailure{ReplaceStep::rename, file, EISDIR}));
+    EXPECT_EQ(namesIn(folder.path), Names{"notes.json"});
+    EXPECT_TRUE(fs::is_directory(file));
+
+    setContents(folder.path / "plain", "kept");
+    const fs::path below = folder.path / "plain" / "deep";
+    EXPECT_EQ(failureOfReplacing(below / "x"), (ReplaceFailure{ReplaceStep::createFolder, below, ENOTDIR}));
+    EXPECT_EQ(failureOfReplacing(folder.path / "plain" / "x"),
+              (ReplaceFailure{ReplaceStep::createFolder, folder.path / "plain", ENOTDIR}));
+    EXPECT_EQ(contentsOf(folder.path / "plain"), "kept");
+}
+
+TEST_F(FilesTest, ReadingGivesTheBytesTheIdentityAndRoomBehindThem) {
+    EXPECT_FALSE(readFile(file, 10));
+    EXPECT_FALSE(identityOf(file));
+    setContents(folder.path / "plain", "");
+    EXPECT_FALSE(readFile(folder.path / "plain" / "below", 10));
+    EXPECT_FALSE(identityOf(folder.path / "plain" / "below"));
+
+    for (const std::size_t size : {0u, 1u, 4096u, 100'000u}) {
+        const std::string bytes(size, '\0');
+        setContents(file, bytes);
+        const auto contents = readFile(file, size, 64);
+        ASSERT_TRUE(contents) << size;
+        EXPECT_EQ(contents->bytes, bytes);
+        EXPECT_EQ(contents->identity, identityOf(file));
+        EXPECT_GE(contents->bytes.capacity(), size + 64);
+    }
+    const auto before = identityOf(file);
+    replaceFile(file, std::string(100'000, 'x'), Durability::readersOnly);
+    EXPECT_NE(identityOf(file), before);
+}
+
+TEST_F(FilesTest, ReadingRefusesAtOnceWhatIsNoOrdinaryFileOrTooLarge) {
+    const fs::path pipe = folder.path / "pipe", loop = folder.path / "loop";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_symlink(loop, loop);
+    setContents(file, "12345");
+    const struct {
+        fs::path path;
+        std::string reason;
+        int code;
+    } rows[] = {{pipe, "it is not an ordinary file", 0},
+                {folder.path, "it is not an ordinary file", 0},
+                {"/dev/zero", "it is not an ordinary file", 0},
+                {file, "it holds more than 4 bytes", 0},
+                {loop, systemMessage(ELOOP), ELOOP}};
+    for (const auto& row : rows) {
+        const auto error = thrownBy<ReadError>([&] { readFile(row.path, 4); });
+        ASSERT_TRUE(error) << row.path;
+        EXPECT_EQ(error->failure(), (ReadFailure{row.path, row.reason, row.code}));
+    }
+    EXPECT_TRUE(thrownBy<ReadError>([&] { identityOf(loop); }));
+}
+
+TEST_F(FilesTest, AFailingReadIsReportedAndAnInterruptedOneRepeated) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    setContents(file, "whole");
+    {
+        const FailingCall interrupted(folder.path, SystemCall::read, EINTR);
+        EXPECT_EQ(readFile(file, 10)->bytes, "whole");
+    }
+    const FailingCall broken(folder.path, SystemCall::read, EIO, 2);  // the one that would find the end
+    EXPECT_EQ(messageOf([&] { readFile(file, 10); }),
+              "The file " + file.string() + " could not be read: " + systemMessage(EIO) + ".");
+}
+
+}  // namespace brell

@@ -1,0 +1,119 @@
+#include "BrellCore/Support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "BrellCore/Support/JsonWriter.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+
+namespace {
+
+using testing::messageOf;
+
+// Every way in which bytes fail to be UTF-8; the last few look like code points that do not exist.
+const std::vector<std::string> invalid{
+    "\x80",         "\xC3",         "\xC3(", "\xC0\xAF",     "\xE2\x82",         "\xF0\x9F\x98",
+    "\xED\xA0\x80", "\xED\xBF\xBF", "\xFF",  "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80"};
+const std::string valid =
+    std::string("\0 a\x7F", 4) + "\u0080\u07FF\u0800\uD7FF\uE000\uFFFE\uFFFF\U00010000\U0010FFFF";
+
+}  // namespace
+
+TEST(TextTest, InvalidUtf8IsFoundAndRepairedAndTheRestKept) {
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_TRUE(isUtf8(valid));
+    EXPECT_EQ(repairedUtf8(valid), valid);
+    for (const std::string& bytes : invalid) {
+        EXPECT_FALSE(isUtf8("a" + bytes + "b")) << bytes.size();
+        const std::string repaired = repairedUtf8("\u00E9" + bytes + "\u00E9");
+        EXPECT_TRUE(isUtf8(repaired));
+        EXPECT_TRUE(repaired.starts_with("\u00E9\uFFFD"));
+        EXPECT_TRUE(repaired.ends_with("\u00E9"));
+    }
+}
+
+TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
+    const struct {
+        std::string text, line;
+    } rows[] = {{"", ""},
+                {" two  words ", " two  words "},
+                {"a\nb\r\nc\td\ve\ff", "a b  c d e f"},
+                {std::string("nul\0l", 5), "nul l"},
+                {"\x1B[31mred\x7F", " [31mred "},
+                {"next\u0085line\u2028sep\u2029par\u009F", "next line sep par "},
+                {"\u00A0\u00E9\U0001F600", "\u00A0\u00E9\U0001F600"},
+                {"\xC2\nbroken\xFF", "\uFFFD broken\uFFFD"}};
+    for (const auto& row : rows) EXPECT_EQ(oneLine(row.text), row.line);
+}
+
+TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
+    const struct {
+        std::string text, slug;
+    } rows[] = {{"", ""},
+                {" -- !", ""},
+                {"Quiet Dock", "quiet-dock"},
+                {"--A  b__C9--", "a-b-c9"},
+                {"\u00C9t\u00E9 \u0130", "\u00E9t\u00E9-i"},
+                {"E\u0301te\u0301", "e\u0301te\u0301"},  // accents of their own stay on their letters
+                {"\u0301a !\u0301 b", "a-b"},            // one without a letter is a separator
+                {"\u0939\u093F\u0928\u094D\u0926\u0940", "\u0939\u093F\u0928\u094D\u0926\u0940"},
+                {"\u6771\u4EAC\u3000\u0663", "\u6771\u4EAC-\u0663"},
+                {"a\U0001F600b\u20AC\u00BDc", "a-b-c"},
+                {"a\xFF"
+                 "b",
+                 "a-b"}};
+    for (const auto& row : rows) EXPECT_EQ(lowerCaseSlug(row.text), row.slug);
+}
+
+TEST(TextTest, SmallHelpers) {
+    EXPECT_EQ(join({}, ", "), "");
+    EXPECT_EQ(join({"", "b", ""}, ", "), ", b, ");
+    EXPECT_EQ(trimmed(" \t\r\n\v\f"), "");
+    EXPECT_EQ(trimmed("\n a b\t"), "a b");
+    EXPECT_EQ(fileUrl("/Users/jo ann/A-z_0.9~"), "file:///Users/jo%20ann/A-z_0.9~");
+    EXPECT_EQ(fileUrl("/\u00E9%?#&+:'\"\n"), "file:///%C3%A9%25%3F%23&+:'%22%0A");
+}
+
+TEST(JsonWriterTest, LaysOutAndEscapes) {
+    const auto written = [](JsonWriter json) {
+        json.beginObject();
+        json.key("\"a\"");
+        json.beginArray();
+        json.endArray();
+        json.key("b");
+        json.beginArray();
+        json.integer(INT64_MIN);
+        json.real(1e9);
+        json.boolean(false);
+        json.beginObject();
+        json.endObject();
+        json.raw("null");
+        json.endArray();
+        json.key("c");
+        json.string(std::string("\"\\/\b\f\n\r\t\0\x1F\x7F\u2028\u00E9", 16));
+        json.endObject();
+        return json.take();
+    };
+    const std::string text = "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0000\\u001f\x7F\u2028\u00E9\"";
+
+    EXPECT_EQ(written(JsonWriter(JsonWriter::Layout::compact)),
+              R"({"\"a\"":[],"b":[-9223372036854775808,1000000000.0,false,{},null],"c":)" + text + "}");
+    EXPECT_EQ(written(JsonWriter(JsonWriter::Layout::pretty, 1)),
+              "{\n    \"\\\"a\\\"\" : [],\n    \"b\" : [\n      -9223372036854775808,\n      1000000000.0,\n"
+              "      false,\n      {},\n      null\n    ],\n    \"c\" : " +
+                  text + "\n  }");
+}
+
+TEST(JsonWriterTest, RefusesWhatJsonCannotCarry) {
+    JsonWriter json(JsonWriter::Layout::compact);
+    EXPECT_EQ(messageOf([&] { json.real(NAN); }), "the number nan can't be saved");
+    EXPECT_EQ(messageOf([&] { json.real(-INFINITY); }), "the number -inf can't be saved");
+    for (const std::string& bytes : invalid)
+        EXPECT_EQ(messageOf([&] { json.string(bytes); }), "text that is not UTF-8 can't be saved");
+    EXPECT_EQ(json.text(), "");
+}
+
+}  // namespace brell

@@ -1,0 +1,53 @@
+// The agent toggle over a sample Mac, with a clock that only sleeping moves.
+#pragma once
+
+#include "BrellCore/Background/AgentToggle.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/Support/EngineFixture.h"
+
+namespace brell::testing {
+
+class FakeTime {
+public:
+    Waiting waiting() {
+        return {[this] { return now_; },
+                [this](std::chrono::milliseconds time) {
+                    now_ += time;
+                    slept += time;
+                }};
+    }
+    std::chrono::milliseconds slept{0};
+
+private:
+    std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
+};
+
+struct AgentToggleFixture : EngineFixture {
+    AgentToggleFixture() { engine.setAgentRestorer(&toggle); }
+
+    LaunchAgentReader reader() { return {*tools, mac.home(), SampleMac::uid, mac.systemRoot()}; }
+    LaunchAgentRecord record(std::string_view fileName) {
+        for (LaunchAgentRecord& record : reader().userAgents())
+            if (record.plist.path.ends_with("/" + std::string(fileName))) return record;
+        throw std::out_of_range(std::string(fileName));
+    }
+    LaunchAgentRecord agent(const std::string& label) { return record(label + ".plist"); }
+
+    // "enabled, loaded", once a job that is leaving has left.
+    std::string stateOf(const std::string& label) {
+        AgentState state = toggle.currentState(label);
+        while (isLeaving(state.loaded)) state = toggle.currentState(label);
+        return std::string(rawValue(state.override)) +
+               (state.loaded.isLoaded() ? ", loaded" : ", not loaded");
+    }
+    std::filesystem::path fileOf(const std::string& label) const {
+        return mac.launchAgents() / (label + ".plist");
+    }
+
+    SampleMac mac{folder.path / "mac"};
+    std::unique_ptr<SimulatedTools> tools = mac.openTools();
+    FakeTime time;
+    AgentToggle toggle{*tools, engine, SampleMac::uid, mac.launchAgents(), time.waiting()};
+};
+
+}  // namespace brell::testing

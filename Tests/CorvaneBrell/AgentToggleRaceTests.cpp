@@ -1,0 +1,115 @@
+// What else happens while an agent is switched: other processes, late commands, files that are replaced.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "BrellCore/Support/FileLock.h"
+#include "Tests/CorvaneBrell/AgentToggleFixture.h"
+
+namespace brell {
+namespace {
+
+using testing::contentsOf;
+using testing::messageOf;
+using testing::setContents;
+using Kind = AllowedCommand::Kind;
+
+class AgentToggleRaceTest : public ::testing::Test, protected testing::AgentToggleFixture {
+protected:
+    // The agent's file now is the job of another label.
+    void replaceFile() {
+        setContents(file, "<plist version=\"1.0\"><dict><key>Label</key><string>" + foreign +
+                              "</string></dict></plist>");
+    }
+
+    const std::string plain = "homebrew.mxcl.redis";
+    const std::string foreign = "com.example.other";
+    const std::filesystem::path file = fileOf(plain);
+    const std::string fileContents = contentsOf(file);
+};
+
+TEST_F(AgentToggleRaceTest, AStoppedCommandThatActsLateIsUndoneByRecovery) {
+    for (const AllowedCommand& late : {AllowedCommand::launchctlBootout("gui/501", plain),
+                                       AllowedCommand::launchctlDisable("gui/501", plain)}) {
+        tools->failNext(late.kind, ToolFault::hanging());
+        const std::string message = messageOf([&] { toggle.turnOff(agent(plain)); });
+        EXPECT_TRUE(stateOf(plain).ends_with(", loaded")) << stateOf(plain);  // put back as far as it goes
+        const auto entry = journal.activeEntry("agent:" + plain);
+        ASSERT_TRUE(entry) << message;
+        EXPECT_EQ(entry->status, EntryStatus::capturing);
+        EXPECT_EQ(entry->failure, message + " The stopped command may still take effect.");
+
+        tools->run(late);
+        EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+        EXPECT_EQ(stateOf(plain), "enabled, loaded");
+    }
+}
+
+TEST_F(AgentToggleRaceTest, TheCaptureIsMadeUnderTheLock) {
+    const LaunchAgentRecord record = agent(plain);
+    const auto otherTools = mac.openTools();
+    bool asked = false;
+    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
+        if (std::exchange(asked, true)) return std::nullopt;
+        EXPECT_FALSE(FileLock::acquire(journalDirectory / ".journal.lock", std::chrono::milliseconds(0)));
+        otherTools->run(AllowedCommand::launchctlDisable("gui/501", plain));  // somebody who knows no lock
+        return std::nullopt;
+    });
+    EXPECT_EQ(toggle.turnOff(record).agent,
+              (AgentCapture{plain, file.string(), true, AgentOverride::disabled}));
+    EXPECT_TRUE(asked);
+}
+
+TEST_F(AgentToggleRaceTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
+    const LaunchAgentRecord record = agent(plain);
+    const std::string mismatch = "The plist's Label (" + foreign + ") does not match " + plain + ".";
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind != Kind::launchctlDisable) return std::nullopt;
+        replaceFile();
+        return ToolFault::refusing(150, "no");
+    });
+    const std::string message = messageOf([&] { toggle.turnOff(record); });
+    tools->interfere({});
+    const auto entry = journal.activeEntry("agent:" + plain);
+    ASSERT_TRUE(entry) << message;
+    EXPECT_EQ(entry->failure, message + " " + mismatch);
+    EXPECT_EQ(stateOf(foreign), "absent, not loaded");
+    setContents(file, fileContents);
+    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+
+    // The job takes longer to go than it is waited for: it is not missing yet, then it is.
+    tools->launchd().setManner(plain, {40, 0, 37, {}});
+    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    replaceFile();
+    const auto restore = [&] { toggle.restore({plain, file.string(), true, AgentOverride::enabled}); };
+    EXPECT_EQ(messageOf(restore), "After the change, launchd reports something else: " + plain +
+                                      " is not loaded, expected loaded");
+    EXPECT_EQ(messageOf(restore), mismatch);
+    EXPECT_EQ(stateOf(foreign), "absent, not loaded");
+}
+
+TEST_F(AgentToggleRaceTest, OfTwoTogglesOverOneJournalOneSwitchesAndTheOtherRefuses) {
+    const LaunchAgentRecord record = agent(plain);
+    const auto turnOff = [&](std::string& message) {
+        const auto ownTools = mac.openTools();
+        testing::FakeTime ownTime;
+        testing::EngineRun own = anotherRun();
+        AgentToggle other(*ownTools, own.engine, SampleMac::uid, mac.launchAgents(), ownTime.waiting());
+        message = messageOf([&] { other.turnOff(record); });
+    };
+    std::array<std::string, 2> messages;
+    std::thread first(turnOff, std::ref(messages[0]));
+    std::thread second(turnOff, std::ref(messages[1]));
+    first.join();
+    second.join();
+
+    EXPECT_NE(messages[0].empty(), messages[1].empty()) << messages[0] << messages[1];
+    EXPECT_EQ(journal.all().size(), 1u);
+    EXPECT_EQ(stateOf(plain), "disabled, not loaded");
+    EXPECT_EQ(toggle.turnOn(record).status, EntryStatus::restored);  // a third one undoes it
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+}  // namespace
+}  // namespace brell

@@ -1,0 +1,314 @@
+#include <gtest/gtest.h>
+
+#include "Tests/CorvaneBrell/AgentToggleFixture.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+namespace {
+
+using testing::AgentToggleFixture;
+using testing::contentsOf;
+using testing::messageOf;
+using testing::namesIn;
+using testing::setContents;
+using testing::thrownBy;
+using namespace std::chrono_literals;
+
+class AgentToggleTest : public ::testing::Test, protected AgentToggleFixture {
+protected:
+    // What a toggle that dies right after its first step leaves behind.
+    JournalEntry interruptedTurningOff(const std::string& label) {
+        const AgentState before = toggle.currentState(label);
+        JournalEntry entry = engine
+                                 .beginAgentChange(label, {label, fileOf(label).string(),
+                                                           before.loaded.isLoaded(), before.override})
+                                 .entry;
+        tools->run(AllowedCommand::launchctlBootout("gui/501", label));
+        return entry;
+    }
+
+    const std::string plain = "homebrew.mxcl.redis";
+};
+
+std::string jobFile(const std::string& label) {
+    return "<plist version=\"1.0\"><dict><key>Label</key><string>" + label + "</string></dict></plist>";
+}
+
+TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
+    const LaunchAgentRecord good = agent(plain);
+    const auto with = [&](auto&& change) {
+        LaunchAgentRecord record = good;
+        change(record);
+        return record;
+    };
+    const auto labelled = [&](const std::string& label) {
+        return with([&](LaunchAgentRecord& record) { record.plist.label = label; });
+    };
+    const auto at = [&](const fs::path& file) {
+        setContents(file, jobFile(plain));
+        return with([&](LaunchAgentRecord& record) { record.plist.path = file.string(); });
+    };
+    const auto notDirectlyInside = [](const fs::path& file) {
+        return file.string() + " is not a file directly inside your LaunchAgents folder.";
+    };
+    const std::string needsAdministrator =
+        "Only your own LaunchAgents can be changed here; this one needs an administrator.";
+    const std::string noLabel = "This plist has no Label, so launchd cannot address it.";
+    const fs::path deeper = mac.launchAgents() / "Disabled" / "a.plist";
+    const fs::path sibling = mac.home() / "Library/LaunchAgents2/a.plist";
+    const fs::path otherSuffix = mac.launchAgents() / "a.PLIST";
+    const std::string longLabel(201, 'a');
+
+    const std::vector<std::pair<LaunchAgentRecord, std::string>> refusals{
+        {reader().systemAgents().front(), needsAdministrator},
+        {with([](LaunchAgentRecord& record) {
+             record.scope = AgentScope::systemDaemon;
+             record.plist.label.reset();
+         }),
+         needsAdministrator},
+        {record("untitled.plist"), noLabel},
+        {record("org.millrace.feeds.plist"), noLabel},
+        {labelled(""), noLabel},
+        {labelled("com.apple agent"),
+         "The label \"com.apple agent\" contains characters Brell does not pass to launchctl."},
+        {record("homebrew.mxcl.postgresql@16.plist"),
+         "The label \"homebrew.mxcl.postgresql@16\" contains characters Brell does not pass to launchctl."},
+        {labelled(longLabel),
+         "The label \"" + longLabel + "\" contains characters Brell does not pass to launchctl."},
+        {record("com.apple.cleanup-helper.plist"),
+         "com.apple.cleanup-helper is an Apple or Brell item; it is never changed."},
+        {labelled("com.corvane.brell"), "com.corvane.brell is an Apple or Brell item; it is never changed."},
+        {record("io.quillmark.backup.plist"),
+         notDirectlyInside(mac.home() / "Dotfiles/io.quillmark.backup.plist")},
+        {at(deeper), notDirectlyInside(deeper)},
+        {at(sibling), notDirectlyInside(sibling)},
+        {at(otherSuffix), notDirectlyInside(otherSuffix)},
+        {labelled("com.example.other"),
+         "The plist's Label (homebrew.mxcl.redis) does not match com.example.other."},
+    };
+    const std::string launchdBefore = contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot()));
+    for (const auto& [record, message] : refusals) {
+        for (const auto change : {&AgentToggle::turnOff, &AgentToggle::turnOn}) {
+            const auto error = thrownBy<AgentToggleError>([&] { (toggle.*change)(record); });
+            ASSERT_TRUE(error) << message;
+            EXPECT_EQ(error->failure(), (AgentToggleFailure{AgentToggleProblem::refused, message}));
+        }
+        EXPECT_EQ(messageOf([&] { toggle.previewOff(record); }), message);
+        EXPECT_EQ(messageOf([&] { toggle.previewOn(record); }), message);
+    }
+    EXPECT_EQ(contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())), launchdBefore);
+    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+}
+
+TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
+    const LaunchAgentRecord listed = agent(plain);
+    setContents(fileOf(plain), "not a job");
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(listed); }),
+              "The plist's Label (none) does not match homebrew.mxcl.redis.");
+    EXPECT_EQ(stateOf(plain), "absent, loaded");
+}
+
+TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
+    const std::string service = "gui/501/" + plain;
+    const std::string enable = "/bin/launchctl enable " + service;
+    const std::string disable = "/bin/launchctl disable " + service;
+    const std::string bootout = "/bin/launchctl bootout " + service;
+    const std::string bootstrap = "/bin/launchctl bootstrap gui/501 " + fileOf(plain).string();
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(toggle.previewOff(agent(plain)), (Lines{bootout, disable}));
+    EXPECT_EQ(toggle.previewOn(agent(plain)), (Lines{enable, bootstrap}));
+
+    const auto restoring = [&](bool wasLoaded, AgentOverride override) {
+        return toggle.previewRestore({plain, fileOf(plain).string(), wasLoaded, override});
+    };
+    EXPECT_EQ(restoring(true, AgentOverride::absent),
+              (Lines{enable, bootstrap + " (only if it is not loaded)"}));
+    EXPECT_EQ(restoring(false, AgentOverride::enabled), (Lines{enable, bootout + " (only if it is loaded)"}));
+    EXPECT_EQ(restoring(false, AgentOverride::disabled), (Lines{bootout, disable}));
+    EXPECT_EQ(
+        restoring(true, AgentOverride::disabled),
+        (Lines{enable + " (only if it is not loaded)", bootstrap + " (only if it is not loaded)", disable}));
+
+    // The opposite of an applied change restores that change.
+    const JournalEntry off = toggle.turnOff(agent(plain));
+    EXPECT_EQ(toggle.previewOn(agent(plain)), toggle.previewRestore(*off.agent));
+    EXPECT_EQ(toggle.previewOff(agent(plain)), (Lines{bootout, disable}));
+    const JournalEntry on = toggle.turnOn(agent("com.spotify.client.startuphelper"));
+    EXPECT_EQ(toggle.previewOff(agent(on.agent->label)), toggle.previewRestore(*on.agent));
+    interruptedTurningOff("com.lumenfold.sync");
+    EXPECT_EQ(toggle.previewOn(agent("com.lumenfold.sync")).size(), 2u);
+}
+
+// Plain, slow, slow and talkative, crash-looping, in the binary form.
+class AgentCycleTest : public AgentToggleTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(AgentCycleTest, OffOnOffRestoreBringsTheAgentBackEachTime) {
+    const std::string label = GetParam();
+
+    const JournalEntry off = toggle.turnOff(agent(label));
+    EXPECT_EQ(off.tweakID, "agent:" + label);
+    EXPECT_EQ(off.status, EntryStatus::applied);
+    EXPECT_EQ(off.agent, (AgentCapture{label, fileOf(label).string(), true, AgentOverride::absent}));
+    EXPECT_EQ(stateOf(label), "disabled, not loaded");
+    EXPECT_EQ(
+        messageOf([&] { toggle.turnOff(agent(label)); }),
+        label + " was changed outside Brell since Brell turned it off; restore it from the Journal first.");
+
+    const JournalEntry on = toggle.turnOn(agent(label));
+    EXPECT_EQ(on.id, off.id);
+    EXPECT_EQ(on.status, EntryStatus::restored);
+    EXPECT_EQ(stateOf(label), "enabled, loaded");
+
+    const JournalEntry again = toggle.turnOff(agent(label));
+    EXPECT_NE(again.id, off.id);
+    EXPECT_EQ(again.agent->override, AgentOverride::enabled);
+    EXPECT_EQ(engine.restore(again.id, false).status, EntryStatus::restored);
+    EXPECT_EQ(stateOf(label), "enabled, loaded");
+    EXPECT_EQ(journal.all().size(), 2u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Agents, AgentCycleTest,
+                         ::testing::Values("homebrew.mxcl.redis", "com.lumenfold.sync",
+                                           "com.pebblewick.indexer", "com.orrerylabs.telemetry",
+                                           "io.verdigris.relay"));
+
+TEST_F(AgentToggleTest, TurnsOnWhatWasOffAndOffAgain) {
+    const std::string label = "com.spotify.client.startuphelper";
+    const JournalEntry on = toggle.turnOn(agent(label));
+    EXPECT_TRUE(AgentToggle::brellTurnedOn(*on.agent));
+    EXPECT_EQ(stateOf(label), "enabled, loaded");
+    EXPECT_EQ(
+        messageOf([&] { toggle.turnOn(agent(label)); }),
+        label + " was changed outside Brell since Brell turned it on; restore it from the Journal first.");
+
+    tools->run(AllowedCommand::launchctlBootout("gui/501", label));
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(label)); }),
+              label +
+                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
+                  "Journal first.");
+    tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(label).string()));
+    EXPECT_EQ(toggle.turnOff(agent(label)).id, on.id);
+    EXPECT_EQ(stateOf(label), "disabled, not loaded");
+}
+
+TEST_F(AgentToggleTest, RestoresTheUnusualStatesExactly) {
+    const std::string notLoaded = "org.fernwright.notes";
+    toggle.turnOff(agent(notLoaded));
+    EXPECT_EQ(stateOf(notLoaded), "disabled, not loaded");
+
+    const std::string disabledButLoaded = "com.tallowgate.agent";
+    toggle.turnOff(agent(disabledButLoaded));
+    EXPECT_EQ(stateOf(disabledButLoaded), "disabled, not loaded");
+
+    EXPECT_EQ(engine.restoreAll({}).restored.size(), 2u);
+    EXPECT_EQ(stateOf(notLoaded), "enabled, not loaded");
+    EXPECT_EQ(stateOf(disabledButLoaded), "disabled, loaded");
+}
+
+TEST_F(AgentToggleTest, WaitsFiveSecondsForAJobToGo) {
+    tools->launchd().setManner(plain, {200, 0, 37, {}});
+    const auto error = thrownBy<AgentToggleError>([&] { toggle.turnOff(agent(plain)); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure(), (AgentToggleFailure{AgentToggleProblem::verifyFailed,
+                                                    plain + " is loaded, expected not loaded"}));
+    // As long for the way back, before it is looked at and while it is under way, and no longer.
+    EXPECT_GE(time.slept, 10s);
+    EXPECT_LE(time.slept, 20s);
+    const auto entry = journal.activeEntry("agent:" + plain);
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->status, EntryStatus::capturing);
+    EXPECT_TRUE(entry->failure->starts_with(error->what())) << *entry->failure;
+
+    const std::string other = "com.lumenfold.sync";
+    tools->launchd().setManner(other, {200, 0, 37, {}});
+    tools->run(AllowedCommand::launchctlBootout("gui/501", other));
+    const std::size_t historyBefore = journal.history().size();
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(other)); }),
+              other + " is about to end; try again when it has.");
+    EXPECT_EQ(journal.all().size(), 1u);
+    EXPECT_EQ(journal.history().size(), historyBefore);
+
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");  // gone at last
+    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+TEST_F(AgentToggleTest, AJobThatIsStillLeavingIsNotTakenForPutBack) {
+    tools->launchd().setManner(plain, {200, 0, 37, {}});
+    tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(plain)); }),
+              "launchctl refused: /bin/launchctl disable gui/501/" + plain + ": \nno");
+    ASSERT_TRUE(journal.activeEntry("agent:" + plain));
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+    EXPECT_EQ(engine.recoverInterrupted().restored.size(), 1u);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+TEST_F(AgentToggleTest, JudgesABootstrapByWhatLaunchdThenShows) {
+    const std::string loadedBefore = "com.tallowgate.agent";  // answered with "File exists"
+    EXPECT_EQ(toggle.turnOn(agent(loadedBefore)).status, EntryStatus::applied);
+    const std::string loadedAfterAll = "com.spotify.client.startuphelper";
+    tools->failNext(AllowedCommand::Kind::launchctlBootstrap, ToolFault::refusingAfterAll(37, "busy"));
+    EXPECT_EQ(toggle.turnOn(agent(loadedAfterAll)).status, EntryStatus::applied);
+
+    // Right after a bootout one that is not loaded is tried once more, and only once.
+    for (const int failures : {1, 2}) {
+        tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
+        for (int i = 0; i < failures; ++i)
+            tools->failNext(AllowedCommand::Kind::launchctlBootstrap, ToolFault::refusing(5, "busy"));
+        EXPECT_THROW(toggle.turnOff(agent(plain)), AgentToggleError);
+        EXPECT_EQ(journal.all().back().status, failures == 1 ? EntryStatus::failed : EntryStatus::capturing);
+        EXPECT_EQ(stateOf(plain), failures == 1 ? "enabled, loaded" : "enabled, not loaded");
+    }
+}
+
+TEST_F(AgentToggleTest, AnInterruptedChangeIsRecoveredByTheNextRun) {
+    const std::string slow = "com.pebblewick.indexer";
+    const JournalEntry entry = interruptedTurningOff(slow);  // still leaving when the next run begins
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(slow)); }),
+              slow + " has an interrupted change; restore it from the Journal first.");
+
+    testing::EngineRun next = anotherRun();
+    AgentToggle nextToggle(*tools, next.engine, SampleMac::uid, mac.launchAgents(), time.waiting());
+    next.engine.setAgentRestorer(&nextToggle);
+    EXPECT_EQ(next.engine.recoverInterrupted().restored, std::vector{entry.id});
+    EXPECT_EQ(stateOf(slow), "enabled, loaded");
+    EXPECT_TRUE(journal.active().empty());
+}
+
+TEST_F(AgentToggleTest, RestoringSaysWhichFileIsGoneOrChangedAndGoesOn) {
+    const std::string gone = "com.lumenfold.sync";
+    const std::string replaced = "io.verdigris.relay";
+    const std::string linked = "us.zoom.updater";
+    const std::string goneButLoaded = "com.orrerylabs.telemetry";
+    for (const std::string& label : {gone, plain, replaced, linked}) {
+        now += 1s;
+        toggle.turnOff(agent(label));
+    }
+    interruptedTurningOff(goneButLoaded);
+    tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(goneButLoaded).string()));
+    fs::remove(fileOf(gone));
+    fs::remove(fileOf(goneButLoaded));
+    setContents(fileOf(replaced), jobFile("com.example.other"));
+    fs::rename(fileOf(linked), mac.home() / "elsewhere.plist");
+    fs::create_symlink(mac.home() / "elsewhere.plist", fileOf(linked));
+
+    const RestoreAllOutcome outcome = engine.restoreAll({});
+
+    std::set<std::string> reasons;
+    for (const auto& [id, reason] : outcome.failed) reasons.insert(reason);
+    EXPECT_EQ(reasons,
+              (std::set<std::string>{
+                  "The file " + fileOf(gone).string() + " is gone, so " + gone + " cannot be loaded again.",
+                  "The plist's Label (com.example.other) does not match " + replaced + ".",
+                  fileOf(linked).string() + " is outside your LaunchAgents folder."}));
+    EXPECT_EQ(outcome.restored.size(), 2u);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+    EXPECT_EQ(stateOf(goneButLoaded), "enabled, loaded");
+    EXPECT_EQ(stateOf(gone), "disabled, not loaded");
+    EXPECT_EQ(journal.active().size(), 3u);
+}
+
+}  // namespace
+}  // namespace brell

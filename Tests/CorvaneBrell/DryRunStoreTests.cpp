@@ -1,0 +1,71 @@
+#include "CorvaneBrell/DryRunStore.h"
+
+#include <sstream>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/FolderContents.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace {
+
+const PrefKey tileSize{"com.apple.dock", "tilesize"};
+const PrefKey autohide{"com.apple.dock", "autohide"};
+const PrefKey foreign{"org.example.editor", "autosave"};
+
+class DryRunStoreTest : public ::testing::Test {
+protected:
+    DryRunStoreTest() {
+        files.write(41, tileSize);
+        files.registerSystemDefault(false, autohide);
+        files.markByHost(autohide);
+        files.markForced(tileSize);
+        before = everythingIn(folder.path);
+    }
+
+    const TemporaryFolder folder;
+    PlistFileStore files{folder.path, TweakCatalog::allowedDomains()};
+    std::ostringstream out;
+    DryRunStore store{files, out};
+    std::map<std::string, std::string> before;
+};
+
+TEST_F(DryRunStoreTest, RemembersWhatItHoldsBackAndReadsTheRestThrough) {
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(41));
+    EXPECT_EQ(store.effectiveValue(autohide), StoredValue(false));
+    EXPECT_TRUE(store.hasByHostValue(autohide) && store.isForced(tileSize));
+    EXPECT_FALSE(store.hasByHostValue(tileSize) || store.isForced(autohide));
+    EXPECT_EQ(store.allowedDomains(), files.allowedDomains());
+
+    store.write("two\nlines", autohide);
+    store.remove(tileSize);
+    store.synchronize("com.apple.dock");
+    EXPECT_EQ(store.exactValue(autohide), StoredValue("two\nlines"));
+    EXPECT_EQ(store.effectiveValue(autohide), StoredValue("two\nlines"));
+    EXPECT_TRUE(store.exactValue(tileSize).isAbsent() && store.effectiveValue(tileSize).isAbsent());
+    store.remove(autohide);  // hidden, and so is the default behind it
+    EXPECT_TRUE(store.effectiveValue(autohide).isAbsent());
+    EXPECT_TRUE(store.hasByHostValue(autohide));
+
+    EXPECT_EQ(out.str(),
+              "dry-run: would write com.apple.dock autohide = \"two lines\"\n"
+              "dry-run: would remove com.apple.dock tilesize\n"
+              "dry-run: would remove com.apple.dock autohide\n");
+    EXPECT_EQ(everythingIn(folder.path), before);
+}
+
+TEST_F(DryRunStoreTest, RefusesOtherDomainsLikeTheRealStore) {
+    const auto refusal = [](auto&& action) {
+        const auto error = thrownBy<StoreError>(action);
+        return error && error->failure() == StoreFailure(DomainNotAllowed{foreign.domain});
+    };
+    EXPECT_TRUE(refusal([&] { store.write(true, foreign); }));
+    EXPECT_TRUE(refusal([&] { store.remove(foreign); }));
+    EXPECT_TRUE(refusal([&] { store.synchronize(foreign.domain); }));
+    EXPECT_TRUE(refusal([&] { store.exactValue(foreign); }));
+    EXPECT_EQ(out.str(), "");
+}
+
+}  // namespace

@@ -1,0 +1,260 @@
+#include "CorvaneBrell/HeadlessCommands.h"
+
+#include <unistd.h>
+
+#include <sstream>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/Support/FolderContents.h"
+#include "Tests/Support/MemoryFolder.h"
+#include "Tests/Support/Shell.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const PrefKey tileSize{"com.apple.dock", "tilesize"};
+const PrefKey screenshots{"com.apple.screencapture", "location"};
+
+class HeadlessCommandsTest : public ::testing::Test {
+protected:
+    LaunchOptions asking(void (*request)(LaunchOptions&)) const {
+        LaunchOptions options;
+        options.sampleMac = folder.path / "mac";
+        request(options);
+        return options;
+    }
+    Finished run(const LaunchOptions& options) const {
+        std::ostringstream out;
+        const auto status = HeadlessCommands::runIfRequested(options, out);
+        return {status.value_or(-1), out.str()};
+    }
+    Finished run(void (*request)(LaunchOptions&)) const { return run(asking(request)); }
+    // The program itself with these words.
+    Finished runProgram(const std::string& words) const {
+        return runLine("'" BRELL_PROGRAM "' --sample-mac '" + (folder.path / "mac").string() + "' " + words);
+    }
+    std::map<std::string, PlistFileStore::Values> preferences() const {
+        return mac.openPreferences()->snapshot();
+    }
+    Journal journal() const { return {journalFile(), journalDirectory / "history"}; }
+    fs::path journalFile() const { return journalDirectory / "journal.json"; }
+
+    std::string linesForEach(const std::string& before) const {
+        std::string lines;
+        for (const Tweak& tweak : catalog.all()) lines += before + tweak.id + "\n";
+        return lines;
+    }
+
+    const bool inMemory = (keepFoldersInMemory(), true);
+    const TemporaryFolder folder;
+    const SampleMac mac{folder.path / "mac"};
+    const fs::path journalDirectory = Journal::defaultDirectory(mac.home());
+    const TweakCatalog catalog{mac.home().string()};
+    const std::map<std::string, PlistFileStore::Values> original = preferences();
+};
+
+TEST_F(HeadlessCommandsTest, WithoutARequestNothingHappens) {
+    const auto before = everythingIn(folder.path);
+    EXPECT_EQ(run([](LaunchOptions& options) { options.dryRun = true; }), (Finished{-1, ""}));
+    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }), (Finished{0, ""}));
+    EXPECT_EQ(everythingIn(folder.path), before);
+}
+
+TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
+    EXPECT_EQ(run([](LaunchOptions& options) { options.applyAll = true; }),
+              (Finished{0, linesForEach("applied ")}));
+    const fs::path fixture = journalDirectory / "screenshots-fixture";
+    EXPECT_TRUE(fs::is_directory(fixture));
+    EXPECT_EQ(mac.openPreferences()->exactValue(screenshots), StoredValue(fixture.string()));
+    EXPECT_NE(preferences(), original);
+
+    const Finished again = run([](LaunchOptions& options) { options.applyAll = true; });
+    EXPECT_EQ(again.status, 1);
+    EXPECT_TRUE(
+        again.output.starts_with("refused finder.show_hidden: Show hidden files already has an active "
+                                 "change (applied); turn it off first.\n"));
+
+    mac.openPreferences()->write(99, tileSize);
+    std::string restored = "drifted entries confirmed for restore: 1\n";
+    std::vector<JournalEntry> entries = journal().active();
+    std::stable_sort(entries.begin(), entries.end(), [](const JournalEntry& one, const JournalEntry& other) {
+        return one.appliedAt > other.appliedAt;
+    });
+    for (const JournalEntry& entry : entries) restored += "restored " + entry.id.text() + "\n";
+    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }),
+              (Finished{0, restored + "pending: dockRelaunch, finderRelaunch, immediate, nextAppLaunch\n"}));
+    EXPECT_EQ(preferences(), original);
+}
+
+TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
+    JournalEntry entry{};
+    entry.id = Uuid::random();
+    entry.tweakID = "gone";
+    entry.status = EntryStatus::applied;
+    entry.writes = {{{"org.example.editor", "autosave"}, {}, PrefValue(true)}};
+    Journal(journalFile(), journalDirectory / "history").upsert(entry);
+    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }),
+              (Finished{1, "drifted entries confirmed for restore: 1\nfailed " + entry.id.text() +
+                               ": The domain org.example.editor is not one Brell may change.\n"
+                               "still active: 1\n"}));
+}
+
+TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
+    const auto preferencesBefore = everythingIn(mac.preferences());
+    LaunchOptions options = asking([](LaunchOptions& asked) { asked.dryRun = asked.applyAll = true; });
+    options.journalDirectory = folder.path / "dry";
+    const Finished dry = run(options);
+    EXPECT_EQ(dry.status, 0);
+    std::string expected;
+    for (const Tweak& tweak : catalog.all()) {
+        for (const Write& write : tweak.writes)
+            expected += "dry-run: would write " + write.key.rendered() + " = " +
+                        (write.key == screenshots
+                             ? PrefValue((folder.path / "dry" / "screenshots-fixture").string()).rendered()
+                             : write.target.rendered()) +
+                        "\n";
+        expected += "applied " + tweak.id + "\n";
+    }
+    EXPECT_EQ(dry.output, expected);
+    EXPECT_EQ(everythingIn(mac.preferences()), preferencesBefore);
+    EXPECT_FALSE(fs::exists(journalDirectory));
+    EXPECT_TRUE(fs::exists(folder.path / "dry" / "journal.json"));
+
+    // Among real entries its own would be false ones, and its restores would end theirs.
+    options.applyAll = false;
+    options.restoreAll = true;
+    const auto whole = everythingIn(folder.path);
+    const Finished refused = run(options);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.output.find("a dry run takes no journal that has entries"), std::string::npos);
+    EXPECT_EQ(everythingIn(folder.path), whole);
+}
+
+TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing) {
+    const auto before = everythingIn(folder.path);
+    const Finished finished = run([](LaunchOptions& options) {
+        options.statusJSON = options.applyAll = options.restoreAll = true;
+        options.quitAfterCapture = "dock.size";
+    });
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(everythingIn(folder.path), before);
+    EXPECT_TRUE(
+        finished.output.starts_with("[\n  {\n    \"effective\" : [\n      \"false\"\n    ],\n    \"id\" : "
+                                    "\"finder.show_hidden\",\n    \"state\" : \"off\"\n  },\n"))
+        << finished.output;
+    EXPECT_TRUE(finished.output.ends_with("\n]\n"));
+
+    setContents(mac.preferences() / "com.apple.dock.plist", "damaged");
+    const Finished damaged = run([](LaunchOptions& options) { options.statusJSON = true; });
+    EXPECT_EQ(damaged.status, 0);
+    EXPECT_NE(damaged.output.find(
+                  "{\n    \"effective\" : [],\n    \"id\" : \"dock.size\",\n    \"state\" : \"error: "
+                  "The preference file "),
+              std::string::npos)
+        << damaged.output;
+}
+
+TEST_F(HeadlessCommandsTest, StatesAreDescribedForScripts) {
+    const Uuid id = Uuid::random();
+    const std::vector<std::pair<TweakState, std::string>> described{
+        {OnByBrell{id}, "onByBrell(" + id.text() + ")"},
+        {OffByBrell{id}, "offByBrell(" + id.text() + ")"},
+        {ChangedOutsideBrell{id}, "changedOutsideBrell(" + id.text() + ")"},
+        {PerHost{"tilesize"}, "perHost(key: \"tilesize\")"},
+        {Managed{"tilesize"}, "managed(key: \"tilesize\")"},
+        {Unsupported{"com.apple.dock tilesize holds a date"},
+         "unsupported(com.apple.dock tilesize holds a date)"},
+        {Off{}, "off"},
+        {OnByDefault{}, "onByDefault"},
+        {SetBeforeBrell{}, "setBeforeBrell"}};
+    for (const auto& [state, text] : described) EXPECT_EQ(HeadlessCommands::describe(state), text);
+}
+
+TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
+    const std::string refused = "refused org.example.nobody: no such user LaunchAgent\n";
+    EXPECT_EQ(run([](LaunchOptions& options) { options.toggleAgent = "org.example.nobody"; }),
+              (Finished{1, refused}));
+    const Finished both = run([](LaunchOptions& options) {
+        options.applyAll = options.restoreAll = true;
+        options.toggleAgent = "org.example.nobody";
+    });
+    EXPECT_EQ(both.status, 1);
+    EXPECT_TRUE(both.output.starts_with(linesForEach("applied ") + refused + "restored ")) << both.output;
+    EXPECT_EQ(preferences(), original);
+}
+
+TEST_F(HeadlessCommandsTest, AJournalThatIsNewerOrDamagedIsLeftAsItIs) {
+    for (const char* contents : {"{\"entries\": [], \"format\": 2}", "{\"entries\": [", ""}) {
+        setContents(journalFile(), contents);
+        const auto before = everythingIn(folder.path);
+        for (const auto request : {+[](LaunchOptions& options) { options.applyAll = true; },
+                                   +[](LaunchOptions& options) { options.restoreAll = true; },
+                                   +[](LaunchOptions& options) { options.statusJSON = true; },
+                                   +[](LaunchOptions& options) { options.quitAfterCapture = "dock.size"; }}) {
+            const Finished finished = run(request);
+            EXPECT_EQ(finished.status, 2);
+            EXPECT_TRUE(finished.output.starts_with("error: The change journal could not be read: "));
+            EXPECT_EQ(finished.output.find('\n'), finished.output.size() - 1);
+        }
+        EXPECT_EQ(everythingIn(folder.path), before);
+    }
+}
+
+// The program as scripts run it.
+using HeadlessProgramTest = HeadlessCommandsTest;
+
+TEST_F(HeadlessProgramTest, EndsAfterTheCaptureAndTheNextRunPutsItBack) {
+    EXPECT_EQ(runProgram("--quit-after-capture dock.sizes"),
+              (Finished{2, "refused dock.sizes: not in the catalog\n"}));
+    EXPECT_FALSE(fs::exists(journalFile()));
+
+    const Finished crashed = runProgram("--quit-after-capture dock.size --restore-all");
+    ASSERT_EQ(journal().all().size(), 1u);
+    const JournalEntry entry = journal().all()[0];
+    EXPECT_EQ(entry.status, EntryStatus::capturing);
+    EXPECT_EQ(crashed, (Finished{0, "quit-after-capture: entry " + entry.id.text() +
+                                        " for dock.size is durable; exiting before the first write\n"}));
+    EXPECT_EQ(preferences(), original);
+    EXPECT_NE(contentsOf(journalDirectory / RestoreScript::fileName).find("'tilesize'"), std::string::npos);
+
+    EXPECT_EQ(runProgram("--quit-after-capture dock.size"),
+              (Finished{1,
+                        "refused dock.size: Icon size already has an active change (capturing); turn it off "
+                        "first.\n"}));
+    EXPECT_EQ(runProgram("--restore-all"),
+              (Finished{0, "restored " + entry.id.text() + "\npending: dockRelaunch\n"}));
+    EXPECT_EQ(preferences(), original);
+}
+
+TEST_F(HeadlessProgramTest, AppliesInOneProcessAndRestoresInAnother) {
+    EXPECT_EQ(runProgram("--apply-all"), (Finished{0, linesForEach("applied ")}));
+    EXPECT_NE(runProgram("--status-json").output.find("onByBrell("), std::string::npos);
+    EXPECT_EQ(runProgram("--restore-all").status, 0);
+    EXPECT_EQ(preferences(), original);
+    EXPECT_EQ(runProgram("--restore-all"), (Finished{0, ""}));
+}
+
+TEST_F(HeadlessProgramTest, SaysWhatItDoesNotUnderstand) {
+    const auto before = everythingIn(folder.path);
+    const Finished unknown = runProgram("--apply-all --fast 2>&1");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(unknown.output.starts_with("error: ")) << unknown.output;
+    EXPECT_NE(unknown.output.find("--fast"), std::string::npos) << unknown.output;
+    EXPECT_EQ(runProgram("--fast 2>/dev/null").output, "");
+    const Finished nothing = runLine("'" BRELL_PROGRAM "' 2>&1");
+    EXPECT_EQ(nothing.status, 2);
+    EXPECT_TRUE(nothing.output.starts_with("error: There is nothing to do")) << nothing.output;
+    EXPECT_EQ(runProgram("--help").status, 0);
+    EXPECT_TRUE(runProgram("--version").output.starts_with("Corvane Brell "));
+    EXPECT_EQ(everythingIn(folder.path), before);
+}
+
+}  // namespace

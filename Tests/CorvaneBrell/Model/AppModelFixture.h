@@ -1,0 +1,66 @@
+// A model over a sample Mac of the test's own, with the test in place of the user and the main loop.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <sstream>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/SimulatedApplications.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/Support/FakeMainLoop.h"
+#include "Tests/Support/FolderContents.h"
+#include "Tests/Support/Testing.h"
+
+namespace brell::testing {
+
+class AppModelTest : public ::testing::Test {
+protected:
+    AppModelTest() : sample(folder.path / "mac") { options.sampleMac = folder.path / "mac"; }
+
+    // Opens the model as the application does, and waits until it has read everything.
+    std::unique_ptr<AppModel> openModel() {
+        auto model = std::make_unique<AppModel>(options, loop, applications, out);
+        model->setObserver([this](Property property) { ++announced[property]; });
+        settle(*model);
+        return model;
+    }
+
+    // Until nothing runs beside the main thread any more.
+    void settle(const AppModel& model) {
+        ASSERT_TRUE(loop.waitFor([&] { return !model.isBusy(); }, std::chrono::seconds(60)));
+    }
+
+    const TweakStatus& status(const AppModel& model, const std::string& tweakID) const {
+        return model.state().statuses.find(tweakID)->second;
+    }
+
+    std::map<std::string, PlistFileStore::Values> preferences() const {
+        return sample.openPreferences()->snapshot();
+    }
+
+    // Another tool, behind our back.
+    void writeFromOutside(const PrefKey& key, const PrefValue& value) {
+        sample.openPreferences()->write(value, key);
+    }
+
+    // The paths below the folder that differ from what was there before: no word of it when nothing does.
+    std::vector<std::string> changedSince(std::map<std::string, std::string> before) const {
+        std::vector<std::string> changed;
+        for (const auto& [path, contents] : everythingIn(folder.path))
+            if (const auto known = before.extract(path); known.empty() || known.mapped() != contents)
+                changed.push_back(path);
+        for (const auto& [path, contents] : before) changed.push_back(path + " is gone");
+        return changed;
+    }
+
+    TemporaryFolder folder;
+    SampleMac sample;
+    LaunchOptions options;
+    FakeMainLoop loop;
+    SimulatedApplications applications{loop};
+    std::ostringstream out;
+    std::map<Property, int> announced;
+};
+
+}  // namespace brell::testing

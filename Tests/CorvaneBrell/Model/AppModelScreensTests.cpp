@@ -1,0 +1,213 @@
+// Login items, volumes, relaunches, presets and the other pages, over the sample Mac.
+
+#include <algorithm>
+
+#include "Tests/CorvaneBrell/Model/AppModelFixture.h"
+
+namespace brell {
+
+namespace fs = std::filesystem;
+using testing::AppModelTest;
+using testing::contentsOf;
+using testing::setContents;
+
+namespace {
+
+const LoginItemRow* rowOf(const AppModel& model, const std::string& label) {
+    for (const LoginItemRow& row : model.state().loginItems)
+        if (row.record && row.record->label() == label) return &row;
+    return nullptr;
+}
+
+}  // namespace
+
+TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
+    const auto model = openModel();
+    model->loadLoginItems();
+    EXPECT_TRUE(model->isBusy());
+    settle(*model);
+    EXPECT_GE(announced[Property::readingActivity], 3) << "what is being read, and that it is done";
+    EXPECT_TRUE(model->state().loginItemsLoaded);
+    EXPECT_FALSE(model->state().btmUnavailable);
+    EXPECT_FALSE(model->state().readingActivity);
+    const LoginItemRow* row = rowOf(*model, "com.halverson.duskwatch");
+    ASSERT_TRUE(row);
+    ASSERT_TRUE(row->isOn);
+
+    model->askAgents({row->id}, false);
+    ASSERT_TRUE(model->state().agentConfirm);
+    EXPECT_EQ(model->state().agentConfirm->title, "Turn off com.halverson.duskwatch");
+    EXPECT_EQ(model->state().agentConfirm->commands,
+              (std::vector<std::string>{"/bin/launchctl bootout gui/501/com.halverson.duskwatch",
+                                        "/bin/launchctl disable gui/501/com.halverson.duskwatch"}));
+    const auto whole = testing::everythingIn(folder.path);
+    model->cancelAgents();
+    settle(*model);
+    EXPECT_EQ(changedSince(whole), std::vector<std::string>());
+
+    model->askAgents({row->id}, false);
+    model->confirmAgents();
+    settle(*model);
+    ASSERT_TRUE(rowOf(*model, "com.halverson.duskwatch"));
+    EXPECT_FALSE(rowOf(*model, "com.halverson.duskwatch")->isOn);
+    EXPECT_EQ(model->state().entries.front().status, EntryStatus::applied);
+
+    // Its app turns it on again.
+    const auto tools = sample.openTools();
+    ASSERT_TRUE(
+        tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
+    model->loadLoginItems();
+    settle(*model);
+    ASSERT_EQ(model->state().driftedAgents.size(), 1u);
+    EXPECT_EQ(model->state().driftedAgents.front().entry.id, model->state().entries.front().id);
+
+    model->undoLast();
+    settle(*model);
+    EXPECT_EQ(model->state().entries.front().status, EntryStatus::restored);
+    EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatch")->isOn);
+    EXPECT_TRUE(model->state().driftedAgents.empty());
+}
+
+TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
+    const auto model = openModel();
+    model->loadLoginItems();
+    settle(*model);
+    const LoginItemRow* row = rowOf(*model, "com.apple.cleanup-helper");
+    ASSERT_TRUE(row);
+    model->askAgents({row->id}, false);
+    EXPECT_FALSE(model->state().agentConfirm);
+    EXPECT_EQ(model->state().errorMessage,
+              "com.apple.cleanup-helper is an Apple or Brell item; it is never changed.");
+}
+
+TEST_F(AppModelTest, WhatLaunchdCannotBeAskedHidesNothingElse) {
+    const auto model = openModel();
+    const auto launchd = sample.systemRoot() / "private" / "var" / "db";
+    for (const auto& entry : fs::recursive_directory_iterator(launchd))
+        if (entry.path().extension() == ".plist") setContents(entry.path(), "damaged");
+    model->loadLoginItems();
+    settle(*model);
+    ASSERT_TRUE(model->state().errorMessage);
+    EXPECT_TRUE(model->state().errorMessage->starts_with("launchd could not be asked for the login items: "));
+    EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatchd")) << "the system's are read from files";
+    EXPECT_TRUE(model->state().loginItemsLoaded);
+    EXPECT_FALSE(model->state().btmUnavailable);
+}
+
+TEST_F(AppModelTest, VolumesAndReviewedDatesAreShown) {
+    const auto model = openModel();
+    model->loadVolumes();
+    settle(*model);
+    ASSERT_FALSE(model->state().volumes.empty());
+    EXPECT_EQ(model->state().volumes.front().volume, "/");
+
+    EXPECT_FALSE(model->reviewedDate("camera"));
+    model->markReviewed("camera");
+    EXPECT_TRUE(model->reviewedDate("camera"));
+    EXPECT_EQ(model->state().reviewedTick, 1);
+    EXPECT_TRUE(openModel()->reviewedDate("camera")) << "kept for the next launch";
+}
+
+TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpTheOther) {
+    {
+        const auto first = openModel();
+        first->apply("dock.autohide");
+        first->apply("finder.show_hidden");
+        settle(*first);
+    }
+    applications.setManners("com.apple.dock", {std::nullopt, std::chrono::milliseconds(0)});
+    applications.setManners("com.apple.finder", {std::chrono::seconds(2), std::chrono::seconds(1)});
+    const auto model = openModel();
+    EXPECT_EQ(model->state().pendingEffects,
+              (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
+
+    model->askRelaunch();
+    ASSERT_TRUE(model->state().relaunchRequest);
+    model->cancelRelaunch();
+    EXPECT_TRUE(applications.requests.empty());
+
+    model->askRelaunch();
+    model->confirmRelaunch();
+    loop.advance(std::chrono::seconds(30));
+    EXPECT_EQ(model->state().relaunchReport,
+              "The Dock did not quit within 5 seconds. Brell never forces a quit; try again later or log out "
+              "and back "
+              "in. Finder relaunched.");
+    EXPECT_EQ(model->state().pendingEffects, std::set{EffectClass::dockRelaunch});
+    EXPECT_EQ(openModel()->state().pendingEffects, std::set{EffectClass::dockRelaunch});
+}
+
+TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
+    const fs::path file = folder.path / "mine.corvanepreset";
+    setContents(file, R"({"format": 1, "name": "Mine", "tweaks":
+        ["dock.autohide", "dock.unheard_of", "mc.fast_animation", "finder.path_bar", "dock.no_bounce"]})");
+    const auto model = openModel();
+    model->apply("dock.no_bounce");
+    settle(*model);
+
+    model->importPreset(file);
+    ASSERT_TRUE(model->state().presetRequest);
+    const PresetPlan& plan = model->state().presetRequest->plan;
+    EXPECT_EQ(plan.unknown, std::vector<std::string>{"dock.unheard_of"});
+    EXPECT_EQ(plan.experimental, std::vector<std::string>{"mc.fast_animation"});
+    EXPECT_EQ(plan.toApply(), std::vector<std::string>{"dock.autohide"})
+        << "one is on already, one is so already";
+    const auto whole = testing::everythingIn(folder.path);
+    model->cancelPreset();
+    EXPECT_EQ(changedSince(whole), std::vector<std::string>());
+
+    model->importPreset(file);
+    model->confirmPreset();
+    settle(*model);
+    EXPECT_EQ(model->changedTweaks(), (std::vector<std::string>{"dock.autohide", "dock.no_bounce"}));
+    ASSERT_FALSE(model->state().presetReport.empty());
+    EXPECT_EQ(model->state().presetReport.front(), "1 of 1 changes were made.");
+
+    model->importPreset(folder.path / "none.corvanepreset");
+    EXPECT_TRUE(model->state().errorMessage);
+    setContents(file, "{}");
+    model->importPreset(file);
+    EXPECT_EQ(model->state().errorMessage, "This is not a preset file Brell can read.");
+}
+
+TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
+    const auto model = openModel();
+    model->apply("dock.autohide");
+    settle(*model);
+    model->saveRestoreScript(folder.path / "saved.sh");
+    model->saveReport(folder.path / "saved.md");
+    model->exportPreset(Presets::shipped().front(), folder.path / "saved.corvanepreset");
+    settle(*model);
+    EXPECT_EQ(contentsOf(folder.path / "saved.sh"), model->restoreScriptText());
+    EXPECT_NE(contentsOf(folder.path / "saved.md").find("Hide the Dock automatically"), std::string::npos);
+    EXPECT_EQ(contentsOf(folder.path / "saved.corvanepreset"),
+              PresetFile::encode(Presets::shipped().front()));
+    EXPECT_FALSE(model->state().errorMessage);
+
+    fs::create_directory(folder.path / "in-the-way");
+    model->saveReport(folder.path / "in-the-way");
+    settle(*model);
+    EXPECT_TRUE(model->state().errorMessage);
+}
+
+TEST_F(AppModelTest, TheScreenAskedForIsShownAndASnapshotIsTakenLater) {
+    options.openGroup = "journal";
+    options.snapshotPath = folder.path / "picture.png";
+    options.quitAfterSnapshot = true;
+    const auto model = openModel();
+    EXPECT_EQ(model->state().screen, Screen::journal);
+
+    std::vector<std::string> events;
+    model->scheduleSnapshot(
+        [&](const fs::path& file) { events.push_back("render " + file.filename().string()); },
+        [&] { events.push_back("quit"); });
+    loop.advance(std::chrono::milliseconds(1400));
+    EXPECT_TRUE(events.empty());
+    loop.advance(std::chrono::milliseconds(200));
+    EXPECT_EQ(events, (std::vector<std::string>{"render picture.png", "quit"}));
+
+    options.openGroup = "nowhere";
+    EXPECT_EQ(openModel()->state().screen, Screen::finder);
+}
+
+}  // namespace brell

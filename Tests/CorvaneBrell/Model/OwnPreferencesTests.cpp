@@ -1,0 +1,46 @@
+#include "CorvaneBrell/Model/OwnPreferences.h"
+
+#include <gtest/gtest.h>
+
+#include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/Testing.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace {
+
+class OwnPreferencesTest : public ::testing::Test {
+protected:
+    static PrefKey key(std::string name) { return {"com.corvane.brell", std::move(name)}; }
+
+    TemporaryFolder folder;
+    PlistFileStore files{folder.path, OwnPreferences::domains()};
+    OwnPreferences own{files};
+};
+
+TEST_F(OwnPreferencesTest, KeepsNumbersAndReadsNothingElse) {
+    own.setNumber("width", 820.5);
+    files.write(7, key("integer"));
+    files.write(true, key("flag"));
+    files.write("7", key("text"));
+    files.write(7, key("odd"));
+    files.markUnsupported(key("odd"));
+    PlistFileStore later(folder.path, OwnPreferences::domains());
+    EXPECT_EQ(OwnPreferences(later).number("width"), 820.5);
+    EXPECT_EQ(own.number("integer"), 7.0);
+    for (const char* name : {"flag", "text", "odd", "missing"})
+        EXPECT_EQ(own.number(name), std::nullopt) << name;
+
+    setContents(folder.path / "com.corvane.brell.plist", "not a property list");
+    EXPECT_EQ(own.number("width"), std::nullopt);
+    EXPECT_TRUE(thrownBy<StoreError>([&] { own.setNumber("width", 1); }));
+}
+
+TEST_F(OwnPreferencesTest, KeepsTheReviewedDates) {
+    const TimeStamp day = parseIso8601("2026-11-15T20:23:13Z").value();
+    ReviewedDates{own}.markReviewed("camera", day);
+    EXPECT_EQ(ReviewedDates{own}.date("camera"), day);
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+#include "CorvaneBrell/Model/PresetPlan.h"
+
+#include <gtest/gtest.h>
+
+#include "Tests/Support/EngineFixture.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace {
+
+const PrefKey autohide{"com.apple.dock", "autohide"};
+const PrefKey delay{"com.apple.dock", "autohide-delay"};
+const PrefKey modifier{"com.apple.dock", "autohide-time-modifier"};
+
+class PresetPlanTest : public ::testing::Test, protected EngineFixture {
+protected:
+    PresetPlan plan(std::vector<std::string> ids, int major = 26) {
+        const Preset preset{"mine", "Mine", "", std::move(ids)};
+        TweakStatuses statuses;
+        for (const Tweak& one : catalog.all())
+            if (!errors.contains(one.id)) statuses.emplace(one.id, engine.status(one));
+        return planPreset(preset, {catalog, major, statuses, errors, journal.all()});
+    }
+    // What the plan says of one tweak.
+    decltype(PresetStep::outcome) outcome(const std::string& id) { return plan({id}).steps.at(0).outcome; }
+
+    // The sentence with which the engine refuses the tweak.
+    std::string refusal(const std::string& id) {
+        return messageOf([&] { engine.apply(tweak(id)); });
+    }
+
+    TweakStatusErrors errors;
+};
+
+TEST_F(PresetPlanTest, TellsFromWhatToWhatEachKeyWouldChange) {
+    files.write(0.5, delay);
+    files.write(0.2, modifier);
+    EXPECT_EQ(
+        plan({"dock.autohide_instant", "dock.foo", "mc.fast_animation", "dock.autohide"}),
+        (PresetPlan{
+            {"mine", "Mine", "", {"dock.autohide_instant", "dock.foo", "mc.fast_animation", "dock.autohide"}},
+            {{"dock.autohide_instant", "Show the hidden Dock instantly",
+              WouldChange{{{delay, PrefValue(0.5), PrefValue(0.0)}}}},
+             {"dock.autohide", "Hide the Dock automatically",
+              WouldChange{{{autohide, {}, PrefValue(true)}}}}},
+            {"dock.foo"},
+            {"mc.fast_animation"}}));
+    EXPECT_EQ((KeyChange{autohide, {}, PrefValue(true)}).rendered(),
+              "com.apple.dock autohide from absent to true");
+}
+
+TEST_F(PresetPlanTest, LeavesAloneWhatIsAlreadySo) {
+    files.write(true, autohide);             // before us
+    engine.apply(tweak("dock.no_recents"));  // by us
+    engine.apply(tweak("dock.size"), std::vector<PrefValue>{48}, "medium");
+    const PresetPlan mixed =
+        plan({"dock.autohide", "dock.no_recents", "dock.size", "shot.date_in_name", "dock.magnify"});
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(mixed.steps.at(i).outcome, decltype(PresetStep::outcome)(AlreadySo{}))
+            << mixed.steps[i].title;
+    EXPECT_EQ(mixed.toApply(), std::vector<std::string>{"dock.magnify"});
+}
+
+TEST_F(PresetPlanTest, RefusesInTheWordsOfTheEngine) {
+    files.markByHost(autohide);
+    files.markForced({"com.apple.dock", "show-recents"});
+    files.markUnsupported({"com.apple.dock", "launchanim"});
+    engine.apply(tweak("dock.size"), std::vector<PrefValue>{64}, "large");
+    engine.resetToDefault(tweak("dock.minimize_into_app"));
+    engine.apply(tweak("dock.magnify"));
+    files.write(false, {"com.apple.dock", "magnification"});  // drifted
+    interrupt("dock.translucent_hidden");
+    interrupt("dock.running_only");
+    files.markByHost({"com.apple.dock", "static-only"});  // the active change is the reason given first
+
+    for (const std::string id :
+         {"dock.autohide", "dock.no_recents", "dock.no_bounce", "dock.size", "dock.minimize_into_app",
+          "dock.magnify", "dock.running_only", "dock.translucent_hidden"}) {
+        const std::string reason = refusal(id);
+        ASSERT_FALSE(reason.empty()) << id;
+        EXPECT_EQ(outcome(id), decltype(PresetStep::outcome)(WouldBeRefused{reason})) << id;
+    }
+    errors.emplace("dock.position", "The file is damaged.");
+    EXPECT_EQ(outcome("dock.position"),
+              decltype(PresetStep::outcome)(WouldBeRefused{"The file is damaged."}));
+    EXPECT_EQ(plan({"dock.position", "dock.size"}).toApply(), std::vector<std::string>());
+}
+
+TEST_F(PresetPlanTest, TheShippedPresetsChangeWhatTheyPlan) {
+    for (const Preset& preset : Presets::shipped()) {
+        const PresetPlan before = plan(preset.tweakIDs);
+        EXPECT_EQ(before.experimental, std::vector<std::string>());
+        for (const std::string& id : before.toApply()) engine.apply(tweak(id));
+        EXPECT_EQ(plan(preset.tweakIDs).toApply(), std::vector<std::string>()) << preset.id;
+        for (const PresetStep& step : before.steps) {
+            const auto* change = std::get_if<WouldChange>(&step.outcome);
+            if (!change) continue;
+            for (const KeyChange& key : change->keys) EXPECT_EQ(files.exactValue(key.key), key.to);
+        }
+    }
+}
+
+TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeavesOut) {
+    engine.apply(tweak("text.no_smart_quotes"));
+    engine.apply(tweak("dock.autohide"));
+    engine.apply(tweak("finder.view_style"), std::vector<PrefValue>{"Nlsv"}, "list");  // its own target
+    engine.apply(tweak("dock.size"), std::vector<PrefValue>{64}, "large");
+    engine.apply(tweak("shot.folder"));
+    engine.apply(tweak("mc.fast_animation"));
+    engine.resetToDefault(tweak("dock.no_recents"));
+    engine.restore(engine.apply(tweak("dock.position"), std::vector<PrefValue>{"left"}, "left").id, false);
+    interrupt("finder.path_bar");
+    engine.finishAgentChange(
+        engine.beginAgentChange("com.acme.agent",
+                                {"com.acme.agent", "/Users/sam/a.plist", true, AgentOverride::absent}),
+        EntryStatus::applied, std::nullopt);
+    std::vector<JournalEntry> entries = journal.all();
+    entries.push_back(entries[0]);
+    entries.back().tweakID = "dock.future";
+
+    const ActivePreset active = presetFromActive(entries, catalog, "My Été");
+    EXPECT_EQ(active.preset.id, "my-été");
+    EXPECT_EQ(active.preset.name, "My Été");
+    EXPECT_EQ(active.preset.tweakIDs,
+              (std::vector<std::string>{"finder.view_style", "dock.autohide", "text.no_smart_quotes"}));
+    EXPECT_EQ(active.leftOut,
+              (std::vector<std::string>{
+                  "Icon size is set to another choice than its own; presets do not carry choices.",
+                  "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
+                  "Faster Mission Control animation is experimental; presets never apply it.",
+                  "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
+                  "Show the path bar was interrupted; restore it or apply it again first.",
+                  "agent:com.acme.agent is a login item; presets hold settings only.",
+                  "dock.future is not a tweak this version of Brell knows."}));
+    const DecodedPreset again = PresetFile::decode(PresetFile::encode(active.preset), catalog);
+    EXPECT_EQ(again.preset.tweakIDs, active.preset.tweakIDs);
+}
+
+}  // namespace

@@ -1,0 +1,199 @@
+#include "CorvaneBrell/Model/Relauncher.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "CorvaneBrell/Model/SimulatedApplications.h"
+#include "Tests/Support/FakeMainLoop.h"
+
+using namespace brell;
+using namespace brell::testing;
+using namespace std::chrono_literals;
+using Relauncher::Outcome;
+using Relauncher::Target;
+
+namespace {
+
+const std::string dock = "com.apple.dock";
+const std::string openDock = "open /System/Library/CoreServices/Dock.app";
+constexpr auto never = std::nullopt;
+
+class RelauncherTest : public ::testing::Test {
+protected:
+    // Moves the clock in small steps until there is an outcome; how long that took.
+    std::chrono::milliseconds relaunchDock(bool dryRun = false) {
+        outcomes.clear();
+        const auto begin = loop.now();
+        const auto handle = start(dryRun);
+        while (outcomes.empty() && loop.now() - begin < 60s) loop.advance(100ms);
+        const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(loop.now() - begin);
+        loop.advance(60s);  // nothing more comes
+        return took;
+    }
+    Relauncher::Handle start(bool dryRun = false) {
+        return Relauncher::relaunch(Target::dock, dryRun, apps, loop,
+                                    [this](Outcome outcome) { outcomes.push_back(outcome); });
+    }
+
+    FakeMainLoop loop;
+    SimulatedApplications apps{loop};
+    std::vector<Outcome> outcomes;
+};
+
+TEST_F(RelauncherTest, EndsAsTheAppBehaves) {
+    struct Case {
+        const char* what;
+        bool running;
+        ApplicationManners manners;
+        Outcome outcome;
+        std::chrono::milliseconds took;
+        bool opens;
+    };
+    for (const Case& c : {
+             Case{"quick", true, {0ms, 0ms}, Outcome::relaunched, 100ms, true},
+             {"slow both ways", true, {4900ms, 9900ms}, Outcome::relaunched, 5000ms + 10000ms, true},
+             {"gone right at the limit", true, {5000ms, 0ms}, Outcome::relaunched, 5000ms, true},
+             {"gone too late", true, {5100ms, 0ms}, Outcome::didNotQuit, 5000ms, false},
+             {"does not quit", true, {never, 0ms}, Outcome::didNotQuit, 5000ms, false},
+             {"comes back too late", true, {0ms, 10100ms}, Outcome::didNotReopen, 10000ms, true},
+             {"does not come back", true, {0ms, never}, Outcome::didNotReopen, 10000ms, true},
+             {"not running", false, {0ms, 300ms}, Outcome::openedNotRunning, 400ms, true},
+             {"not running and can't be opened", false, {0ms, never}, Outcome::openFailed, 10000ms, true},
+         }) {
+        SCOPED_TRACE(c.what);
+        apps.setManners(dock, {0ms, 0ms});
+        apps.endAll(dock);
+        if (c.running) apps.launchAnother(dock);
+        apps.setManners(dock, c.manners);
+        apps.requests.clear();
+
+        EXPECT_EQ(relaunchDock(), c.took);
+
+        EXPECT_EQ(outcomes, std::vector{c.outcome});
+        std::vector<std::string> requests;
+        if (c.running) requests.push_back("quit " + dock);
+        if (c.opens) requests.push_back(openDock);
+        EXPECT_EQ(apps.requests, requests);  // asked once each, and nothing else
+    }
+}
+
+TEST_F(RelauncherTest, WaitsForEveryInstance) {
+    apps.setManners(dock, {1s, 0ms});
+    apps.requestQuit(apps.running(dock).at(0));  // this one will go, the second one will not
+    apps.setManners(dock, {never, 0ms});
+    apps.launchAnother(dock);
+    apps.requests.clear();
+    EXPECT_EQ(relaunchDock(), 5s);
+    EXPECT_EQ(apps.requests, (std::vector<std::string>{"quit " + dock, "quit " + dock}));
+    EXPECT_EQ(outcomes, std::vector{Outcome::didNotQuit});
+    EXPECT_EQ(apps.running(dock).size(), 1U);
+}
+
+TEST_F(RelauncherTest, AnAppThatCameBackByItselfDoesNotRunTwice) {
+    apps.setManners(dock, {1s, 0ms});
+    const auto handle = start();
+    loop.advance(500ms);
+    apps.launchAnother(dock);
+    loop.advance(10s);
+    EXPECT_EQ(outcomes, std::vector{Outcome::relaunched});
+    EXPECT_EQ(apps.running(dock).size(), 1U);
+}
+
+TEST_F(RelauncherTest, TheTimeToComeBackBeginsWithTheAnswer) {
+    apps.setAnswersAfter(30s);
+    apps.setManners(dock, {0ms, 39s});
+    EXPECT_GE(relaunchDock(), 39s);
+    EXPECT_EQ(outcomes, std::vector{Outcome::relaunched});
+}
+
+TEST_F(RelauncherTest, ADryRunAsksNothingOfAnyApp) {
+    relaunchDock(true);
+    EXPECT_EQ(outcomes, std::vector{Outcome::dryRun});
+    EXPECT_EQ(apps.requests, std::vector<std::string>());
+}
+
+TEST_F(RelauncherTest, LettingGoCallsTheRestOff) {
+    apps.setAnswersAfter(1s);
+    apps.setManners(dock, {1s, 3s});
+    // Before it begins, while the app quits, before the answer, while the app comes back.
+    for (const auto moment : {0ms, 500ms, 1500ms, 2500ms}) {
+        apps.requests.clear();
+        auto handle = start();
+        if (moment > 0ms) loop.advance(moment);
+        const auto requestsSoFar = apps.requests;
+        handle.reset();
+        loop.advance(60s);
+        EXPECT_EQ(apps.requests, requestsSoFar) << moment.count();
+        if (apps.running(dock).empty()) apps.launchAnother(dock);
+    }
+    EXPECT_TRUE(outcomes.empty());
+}
+
+TEST_F(RelauncherTest, TheReceiverMayStartTheNextOneAndLetGoOfThisOne) {
+    Relauncher::Handle handle;
+    std::vector<std::string> lines;
+    apps.setManners(dock, {never, 0ms});
+    handle = Relauncher::relaunch(Target::dock, false, apps, loop, [&](Outcome first) {
+        lines.push_back(line(Target::dock, first));
+        handle = Relauncher::relaunch(Target::finder, false, apps, loop, [&](Outcome second) {
+            lines.push_back(line(Target::finder, second));
+            handle.reset();
+        });
+    });
+    EXPECT_TRUE(apps.requests.empty());  // nothing happens inside the call
+    loop.advance(10s);
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{"The Dock did not quit within 5 seconds. Brell never forces a quit; "
+                                        "try again later or log out and back in.",
+                                        "Finder relaunched."}));
+    EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST(RelauncherTargetTest, TheDockComesFirstAndOnlyUnfinishedOutcomesStayPending) {
+    using enum EffectClass;
+    EXPECT_EQ(Relauncher::targetsFor({finderRelaunch, dockRelaunch, immediate}),
+              (std::vector{Target::dock, Target::finder}));
+    EXPECT_EQ(Relauncher::targetsFor({finderRelaunch}), std::vector{Target::finder});
+    EXPECT_EQ(Relauncher::targetsFor({immediate, nextAppLaunch}), std::vector<Target>());
+
+    for (const Outcome done : {Outcome::relaunched, Outcome::openedNotRunning, Outcome::dryRun})
+        EXPECT_TRUE(isDone(done)) << message(done);
+    for (const Outcome open : {Outcome::openFailed, Outcome::didNotQuit, Outcome::didNotReopen})
+        EXPECT_FALSE(isDone(open)) << message(open);
+    EXPECT_EQ(
+        message(Outcome::openFailed),
+        "was not running and could not be opened within 10 seconds. Open it from the Finder's Go menu or "
+        "log out and back in.");
+    EXPECT_EQ(
+        message(Outcome::didNotReopen),
+        "quit but did not reopen within 10 seconds. Open it from the Finder's Go menu or log out and back "
+        "in.");
+    EXPECT_EQ(line(Target::dock, Outcome::dryRun), "The Dock would be relaunched (dry run).");
+    EXPECT_EQ(line(Target::finder, Outcome::openedNotRunning), "Finder was not running; it has been opened.");
+}
+
+TEST(FakeMainLoopTest, KeepsTheOrderOfPostsFromOtherThreadsAndOfDueActions) {
+    FakeMainLoop loop;
+    std::string order;
+    loop.callAfter(20ms, [&] { order += 'd'; });
+    loop.callAfter(10ms, [&] {
+        order += 'b';
+        loop.callAfter(5ms, [&] { order += 'c'; });
+    });
+    loop.post([&] { order += 'a'; });
+    loop.advance(20ms);
+    EXPECT_EQ(order, "abcd");
+
+    std::vector<int> received;
+    std::thread other([&] {
+        for (int i = 0; i < 100; ++i) loop.post([&received, i] { received.push_back(i); });
+    });
+    EXPECT_TRUE(loop.waitFor([&] { return received.size() == 100; }));
+    other.join();
+    EXPECT_TRUE(std::is_sorted(received.begin(), received.end()));
+    EXPECT_FALSE(loop.waitFor([] { return false; }, 20ms));
+}
+
+}  // namespace

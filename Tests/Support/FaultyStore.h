@@ -1,0 +1,63 @@
+// A preference store in front of another one, that notes every call and goes wrong when it is told to.
+#pragma once
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell::testing {
+
+enum class Fault {
+    refuses,      // raises an error and does nothing
+    forgets,      // does what was asked, then raises an error all the same
+    ignores,      // says that it did what was asked, and did not; readings are not affected
+    endsProcess,  // the process ends there and then
+};
+
+// For one thread.
+class FaultyStore final : public PreferenceStore {
+public:
+    static constexpr int forever = std::numeric_limits<int>::max();
+
+    explicit FaultyStore(PreferenceStore& base) : base_(base) {}
+
+    // Of the calls from now on whose text starts like this, those from first to last (counted from 1) go
+    // wrong. The text is the operation's name and the key, or the domain.
+    void goWrong(Fault fault, std::string call, int first = 1, int last = forever);
+    void heal() { goWrong(Fault::refuses, {}, forever, 0); }
+    int counted() const { return counted_; }  // such calls since then
+
+    // The calls that change something, in their order: "write DOMAIN KEY = VALUE", "remove DOMAIN KEY",
+    // "synchronize DOMAIN".
+    std::vector<std::string> changes;
+
+    static StoreFailure simulated(const std::string& call) {
+        return StoreIo{"Simulated failure: " + call + "."};
+    }
+
+    const DomainSet& allowedDomains() const override { return base_.allowedDomains(); }
+    StoredValue exactValue(const PrefKey& key) override;
+    StoredValue effectiveValue(const PrefKey& key) override;
+    bool hasByHostValue(const PrefKey& key) override;
+    bool isForced(const PrefKey& key) override;
+    void write(const PrefValue& value, const PrefKey& key) override;
+    void remove(const PrefKey& key) override;
+    void synchronize(const std::string& domain) override;
+
+private:
+    bool goesWrong(const std::string& call);
+    template <class Read>
+    auto reading(const std::string& call, Read&& read);
+    template <class Change>
+    void changing(const std::string& call, Change&& change);
+
+    PreferenceStore& base_;
+    Fault fault_ = Fault::refuses;
+    std::string call_;
+    int first_ = forever, last_ = 0;
+    int counted_ = 0;
+};
+
+}  // namespace brell::testing

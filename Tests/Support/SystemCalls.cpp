@@ -1,0 +1,246 @@
+#include "Tests/Support/SystemCalls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <mutex>
+
+#ifdef __linux__
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace brell::testing {
+
+namespace {
+
+// Never destroyed: the calls of destructors at the end of the program pass here too.
+struct Observers {
+    std::mutex mutex;  // guards all, and every observer in it
+    std::vector<detail::Observer*> all;
+};
+Observers& observers() {
+    static auto& kept = *new Observers;
+    return kept;
+}
+
+}  // namespace
+
+namespace detail {
+
+Observer::Observer(const fs::path& folder) : folder_(folder.string()) {}
+Observer::~Observer() = default;
+
+bool Observer::watches(const std::string& path) const {
+    return path.starts_with(folder_) && (path.size() == folder_.size() || path[folder_.size()] == '/');
+}
+
+}  // namespace detail
+
+CountedCalls::CountedCalls(const fs::path& folder) : Observer(folder) {
+    start();
+}
+CountedCalls::~CountedCalls() {
+    stop();
+}
+
+std::size_t CountedCalls::of(SystemCall call) const {
+    const std::lock_guard lock(observers().mutex);
+    return static_cast<std::size_t>(
+        std::count_if(calls_.begin(), calls_.end(), [&](const Call& made) { return made.call == call; }));
+}
+
+std::size_t CountedCalls::of(SystemCall call, const fs::path& path) const {
+    const std::lock_guard lock(observers().mutex);
+    return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), [&](const Call& made) {
+        return made.call == call && made.path == path.string();
+    }));
+}
+
+int CountedCalls::sees(SystemCall call, const std::string& path) {
+    calls_.push_back({call, path});
+    return 0;
+}
+
+FailingCall::FailingCall(const fs::path& folder, SystemCall call, int code, int nth)
+    : Observer(folder), call_(call), code_(code), left_(nth) {
+    start();
+}
+FailingCall::~FailingCall() {
+    stop();
+}
+
+bool FailingCall::hasFailed() const {
+    const std::lock_guard lock(observers().mutex);
+    return left_ <= 0;
+}
+
+int FailingCall::sees(SystemCall call, const std::string&) {
+    return call == call_ && --left_ == 0 ? code_ : 0;
+}
+
+#ifdef __linux__
+
+namespace {
+
+std::atomic<std::size_t> observerCount{0};
+thread_local bool isObserving = false;  // what is called while observing is not observed
+
+std::string pathOf(int descriptor) {
+    std::array<char, 32> link;
+    std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", descriptor);
+    std::array<char, 4096> target;
+    const ssize_t length = ::readlink(link.data(), target.data(), target.size());
+    return std::string(target.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+}
+std::string pathOf(const char* path) {
+    return path;
+}
+
+// The errno to fail with, or 0. Leaves errno as it is.
+template <class Place>
+int codeFor(SystemCall call, Place place) {
+    if (observerCount == 0 || isObserving) return 0;
+    const int before = errno;
+    isObserving = true;
+    int code = 0;
+    {
+        const std::string path = pathOf(place);
+        const std::lock_guard lock(observers().mutex);
+        for (detail::Observer* observer : observers().all)
+            if (observer->watches(path))
+                if (const int wanted = observer->sees(call, path); wanted != 0) code = wanted;
+    }
+    isObserving = false;
+    errno = before;
+    return code;
+}
+
+// The system's own function of this name: ready before the program's first call, and looked up once, because
+// that takes locks.
+class Next {
+public:
+    explicit constexpr Next(const char* name) : name_(name) {}
+    template <class Function>
+    Function* as() {
+        void* found = found_;
+        if (!found) found_ = found = ::dlsym(RTLD_NEXT, name_);
+        return reinterpret_cast<Function*>(found);
+    }
+
+private:
+    const char* name_;
+    std::atomic<void*> found_ = nullptr;
+};
+constinit Next nextOpen("open"), nextRead("read"), nextWrite("write"), nextFsync("fsync"),
+    nextFdatasync("fdatasync"), nextRename("rename"), nextClose("close"), nextStat("stat");
+
+int failedWith(int code) {
+    errno = code;
+    return -1;
+}
+
+bool takesMode(int flags) {
+#ifdef O_TMPFILE
+    if ((flags & O_TMPFILE) == O_TMPFILE) return true;
+#endif
+    return (flags & O_CREAT) != 0;
+}
+
+}  // namespace
+
+bool systemCallsAreWatched() {
+    return true;
+}
+
+void detail::Observer::start() {
+    const std::lock_guard lock(observers().mutex);
+    observers().all.push_back(this);
+    ++observerCount;
+}
+
+void detail::Observer::stop() {
+    const std::lock_guard lock(observers().mutex);
+    std::erase(observers().all, this);
+    --observerCount;
+}
+
+#else
+
+bool systemCallsAreWatched() {
+    return false;
+}
+void detail::Observer::start() {}
+void detail::Observer::stop() {}
+
+#endif
+
+}  // namespace brell::testing
+
+#ifdef __linux__
+
+using brell::testing::codeFor;
+using brell::testing::failedWith;
+using brell::testing::SystemCall;
+
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+    mode_t mode = 0;
+    if (brell::testing::takesMode(flags)) {
+        std::va_list rest;
+        va_start(rest, flags);
+        mode = va_arg(rest, mode_t);
+        va_end(rest);
+    }
+    if (const int code = codeFor(SystemCall::open, path)) return failedWith(code);
+    return brell::testing::nextOpen.as<int(const char*, int, ...)>()(path, flags, mode);
+}
+
+ssize_t read(int descriptor, void* bytes, size_t count) {
+    if (const int code = codeFor(SystemCall::read, descriptor)) return failedWith(code);
+    return brell::testing::nextRead.as<ssize_t(int, void*, size_t)>()(descriptor, bytes, count);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t count) {
+    if (const int code = codeFor(SystemCall::write, descriptor)) return failedWith(code);
+    return brell::testing::nextWrite.as<ssize_t(int, const void*, size_t)>()(descriptor, bytes, count);
+}
+
+int fsync(int descriptor) {
+    if (const int code = codeFor(SystemCall::fsync, descriptor)) return failedWith(code);
+    return brell::testing::nextFsync.as<int(int)>()(descriptor);
+}
+
+int fdatasync(int descriptor) {
+    if (const int code = codeFor(SystemCall::fsync, descriptor)) return failedWith(code);
+    return brell::testing::nextFdatasync.as<int(int)>()(descriptor);
+}
+
+int rename(const char* from, const char* to) noexcept {
+    if (const int code = codeFor(SystemCall::rename, to)) return failedWith(code);
+    return brell::testing::nextRename.as<int(const char*, const char*)>()(from, to);
+}
+
+int close(int descriptor) {
+    const int code = codeFor(SystemCall::close, descriptor);
+    const int result = brell::testing::nextClose.as<int(int)>()(descriptor);
+    return code != 0 ? failedWith(code) : result;
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    if (const int code = codeFor(SystemCall::stat, path)) return failedWith(code);
+    return brell::testing::nextStat.as<int(const char*, struct stat*)>()(path, status);
+}
+
+}  // extern "C"
+
+#endif

@@ -1,0 +1,81 @@
+// Watching and failing the system calls that this test program makes: the library functions of these names
+// are replaced in every program that uses this header, and go on to the system's own.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace brell::testing {
+
+// fdatasync counts as fsync.
+enum class SystemCall { open, read, write, fsync, rename, close, stat };
+
+// True where calls can be watched. Elsewhere, and that is macOS, a test that needs it skips.
+bool systemCallsAreWatched();
+
+namespace detail {
+
+// What an observer sees: calls on this path and everything below it; the path of a descriptor is that of its
+// file, that of a rename its target.
+class Observer {
+public:
+    Observer(const Observer&) = delete;
+    Observer& operator=(const Observer&) = delete;
+
+    // Called before the system is, one call at a time. Answers the errno to fail with, or 0.
+    virtual int sees(SystemCall call, const std::string& path) = 0;
+    bool watches(const std::string& path) const;
+
+protected:
+    explicit Observer(const std::filesystem::path& folder);
+    virtual ~Observer();
+    void start();  // when the derived object is complete
+    void stop();   // before it goes; no call of sees is under way afterwards
+
+private:
+    const std::string folder_;
+};
+
+}  // namespace detail
+
+// Counts the calls below a folder, of all threads, as long as it lives.
+class CountedCalls final : detail::Observer {
+public:
+    explicit CountedCalls(const std::filesystem::path& folder);
+    ~CountedCalls() override;
+
+    std::size_t of(SystemCall call) const;
+    std::size_t of(SystemCall call, const std::filesystem::path& path) const;  // of exactly this path
+
+private:
+    struct Call {
+        SystemCall call;
+        std::string path;
+    };
+    int sees(SystemCall call, const std::string& path) override;
+
+    std::vector<Call> calls_;
+};
+
+// The n-th call of this kind below a folder fails with this errno instead of reaching the system; those
+// before and after it are made. A failing close does close.
+class FailingCall final : detail::Observer {
+public:
+    FailingCall(const std::filesystem::path& folder, SystemCall call, int code, int nth = 1);
+    ~FailingCall() override;
+
+    bool hasFailed() const;
+
+private:
+    int sees(SystemCall call, const std::string& path) override;
+
+    const SystemCall call_;
+    const int code_;
+    int left_;
+};
+
+}  // namespace brell::testing
