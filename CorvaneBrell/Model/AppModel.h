@@ -16,11 +16,11 @@
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppState.h"
 #include "CorvaneBrell/Model/BackgroundLane.h"
-#include "CorvaneBrell/Model/MainLoop.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
 #include "CorvaneBrell/Model/PendingRelaunches.h"
-#include "CorvaneBrell/Model/RunningApplications.h"
 #include "CorvaneBrell/Model/TweakSearch.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
+#include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <type_traits>
 
-#include "CorvaneBrell/Model/MainLoop.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
 
 namespace brell {
 

@@ -12,8 +12,8 @@
 
 #include "BrellCore/Catalog/Tweak.h"
 #include "BrellCore/Support/EnumText.h"
-#include "CorvaneBrell/Model/MainLoop.h"
-#include "CorvaneBrell/Model/RunningApplications.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
+#include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 

@@ -8,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-#include "CorvaneBrell/Model/MainLoop.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
 
 namespace brell::testing {
 

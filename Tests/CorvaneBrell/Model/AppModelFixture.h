@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/Model/SimulatedApplications.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "Tests/Support/FakeMainLoop.h"
 #include "Tests/Support/FolderContents.h"
 #include "Tests/Support/Testing.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <thread>
 
-#include "CorvaneBrell/Model/SimulatedApplications.h"
+#include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "Tests/Support/FakeMainLoop.h"
 
 using namespace brell;

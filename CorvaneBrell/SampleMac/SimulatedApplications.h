@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneBrell/Model/MainLoop.h"
-#include "CorvaneBrell/Model/RunningApplications.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
+#include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 

@@ -1,4 +1,4 @@
-#include "CorvaneBrell/Model/SimulatedApplications.h"
+#include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 
 #include <algorithm>
 
