@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,5 +24,9 @@ public:
     // has answered, whatever it said; it may come before open returns.
     virtual void open(const std::string& path, std::function<void()> answered) = 0;
 };
+
+// Those of the user who runs the program. Off macOS there are none: nothing runs, and an opening is answered
+// at once.
+std::unique_ptr<RunningApplications> systemApplications();
 
 }  // namespace brell
