@@ -6,6 +6,7 @@ find_package(simdjson REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets Svg)
 
 # brell_library(NAME ARCHIVE MODULE): an imported target over a static archive, or over what pkg-config says.
 function(brell_library name archive module)

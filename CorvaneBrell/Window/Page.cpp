@@ -1,0 +1,112 @@
+#include "CorvaneBrell/Window/Page.h"
+
+#include <QPushButton>
+#include <QScrollBar>
+
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Symbol.h"
+
+namespace brell {
+
+namespace {
+
+constexpr int margin = 24;
+constexpr int widestColumn = 920;
+
+// A scroll area whose content never scrolls sideways and leaves its colour to the window.
+QScrollArea* plainScrollArea() {
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->viewport()->setAutoFillBackground(false);
+    return scroll;
+}
+
+}  // namespace
+
+Page::Page(const QString& title, const QString& purpose, QWidget* parent)
+    : QWidget(parent),
+      title_(new Paragraph(title, Paragraph::Look::title)),
+      tools_(new QHBoxLayout),
+      content_(new QVBoxLayout),
+      scroll_(plainScrollArea()),
+      empty_(new QWidget),
+      emptyText_(new Paragraph({}, Paragraph::Look::secondary)),
+      emptyColumn_(new QVBoxLayout(empty_)) {
+    setAccessibleName(title);
+    auto* titles = new QVBoxLayout;
+    titles->setSpacing(2);
+    titles->addWidget(title_);
+    titles->addWidget(new Paragraph(purpose, Paragraph::Look::secondary));
+    auto* head = new QHBoxLayout;
+    head->setContentsMargins(margin, 16, margin, 10);
+    head->setSpacing(12);
+    head->addLayout(titles, 1);
+    head->addLayout(tools_);
+    tools_->setSpacing(8);
+
+    emptyColumn_->setContentsMargins(8, 24, 8, 24);
+    emptyColumn_->setSpacing(12);
+    emptyColumn_->addWidget(emptyText_);
+    empty_->hide();
+
+    auto* column = new QWidget;
+    column->setMaximumWidth(widestColumn);
+    auto* rows = new QVBoxLayout(column);
+    rows->setContentsMargins(margin, 4, margin, margin);
+    rows->setSpacing(0);
+    content_->setSpacing(14);
+    rows->addWidget(empty_);
+    rows->addLayout(content_);
+    rows->addStretch(1);
+
+    auto* holder = new QWidget;
+    auto* line = new QHBoxLayout(holder);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(column);
+    holder->setAutoFillBackground(false);
+    scroll_->setWidget(holder);
+    holder->setAutoFillBackground(false);
+
+    auto* headHolder = new QWidget;
+    headHolder->setMaximumWidth(widestColumn);
+    headHolder->setLayout(head);
+    auto* headLine = new QHBoxLayout;
+    headLine->addWidget(headHolder);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(0, 0, 0, 0);
+    all->setSpacing(0);
+    all->addLayout(headLine);
+    all->addWidget(scroll_, 1);
+}
+
+void Page::setTitle(const QString& title) {
+    title_->setText(title);
+}
+
+void Page::setEmptyState(const QString& sentence) {
+    emptyText_->setText(sentence);
+    empty_->setVisible(!sentence.isEmpty());
+}
+
+QPushButton* Page::addEmptyAction(const QString& text) {
+    auto* button = actionButton(text);
+    emptyColumn_->addWidget(button, 0, Qt::AlignLeft);
+    return button;
+}
+
+Paragraph* sectionHeading(const QString& text) {
+    return new Paragraph(text, Paragraph::Look::heading);
+}
+
+QPushButton* actionButton(const QString& text, const QString& symbol) {
+    auto* button = new QPushButton(text);
+    if (!symbol.isEmpty()) button->setIcon(symbolIcon(utf8(symbol)));
+    button->setMinimumHeight(28);
+    button->setAutoDefault(false);
+    return button;
+}
+
+}  // namespace brell

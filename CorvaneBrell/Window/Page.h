@@ -1,0 +1,56 @@
+// What every page has: a title, one line of purpose, tools beside them, and a column of content that scrolls.
+#pragma once
+
+#include <QBoxLayout>
+#include <QScrollArea>
+#include <QWidget>
+#include <set>
+
+#include "CorvaneBrell/Model/AppState.h"
+#include "CorvaneBrell/Window/Paragraph.h"
+
+class QPushButton;
+
+namespace brell {
+
+using Changes = std::set<Property>;
+
+class Page : public QWidget {
+    Q_OBJECT
+public:
+    Page(const QString& title, const QString& purpose, QWidget* parent = nullptr);
+
+    // Shows what the model says now. changed holds the properties that have new values since the last call;
+    // the first call names every one. Called only while the page is shown, on the main thread.
+    virtual void refresh(const Changes& changed) = 0;
+
+    QScrollArea* scrollArea() const { return scroll_; }
+    // Scrolls so far that this widget, one of the content's, can be seen.
+    void reveal(QWidget* widget) { scroll_->ensureWidgetVisible(widget, 0, 60); }
+
+protected:
+    QHBoxLayout* tools() { return tools_; }
+    QVBoxLayout* content() { return content_; }
+    void setTitle(const QString& title);
+
+    // Shows this sentence, with its reason, instead of content; an empty one hides it. The button is shown
+    // with the sentence and only then; its text says what it does. Call it before the first setEmptyState.
+    void setEmptyState(const QString& sentence);
+    QPushButton* addEmptyAction(const QString& text);
+
+private:
+    Paragraph* title_;
+    QHBoxLayout* tools_;
+    QVBoxLayout* content_;
+    QScrollArea* scroll_;
+    QWidget* empty_;
+    Paragraph* emptyText_;
+    QVBoxLayout* emptyColumn_;
+};
+
+// A heading between the cards of a page.
+Paragraph* sectionHeading(const QString& text);
+// A push button as pages, bars and details use it.
+QPushButton* actionButton(const QString& text, const QString& symbol = {});
+
+}  // namespace brell

@@ -1,0 +1,18 @@
+// Between the core's UTF-8 and Qt's text.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace brell {
+
+inline QString qt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline std::string utf8(const QString& text) {
+    return text.toStdString();
+}
+
+}  // namespace brell

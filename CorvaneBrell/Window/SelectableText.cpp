@@ -1,0 +1,44 @@
+#include "CorvaneBrell/Window/SelectableText.h"
+
+#include <QFontDatabase>
+#include <QWheelEvent>
+#include <cmath>
+#include <memory>
+
+namespace brell {
+
+SelectableText::SelectableText(const QString& name, Look look, QWidget* parent) : QTextEdit(parent) {
+    setAccessibleName(name);
+    setReadOnly(true);
+    setAcceptRichText(false);
+    setTabChangesFocus(true);
+    setFrameShape(QFrame::NoFrame);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(0);
+    if (look == Look::monospace) setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    connect(this, &QTextEdit::textChanged, this, [this] { updateGeometry(); });
+}
+
+int SelectableText::heightForWidth(int width) const {
+    const std::unique_ptr<QTextDocument> copy(document()->clone());
+    copy->setTextWidth(width);
+    return static_cast<int>(std::ceil(copy->size().height()));
+}
+
+QSize SelectableText::sizeHint() const {
+    constexpr int comfortableWidth = 420;
+    return {comfortableWidth, heightForWidth(comfortableWidth)};
+}
+
+void SelectableText::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+}  // namespace brell

@@ -1,0 +1,90 @@
+#include "CorvaneBrell/Window/Sheet.h"
+
+#include <QScrollArea>
+
+#include "CorvaneBrell/Window/Card.h"
+#include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+
+namespace brell {
+
+namespace {
+
+// As high as its content, up to a limit; then it scrolls.
+class FittingScrollArea final : public QScrollArea {
+public:
+    FittingScrollArea() {
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFocusPolicy(Qt::NoFocus);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
+    }
+    QSize sizeHint() const override {
+        constexpr int width = 520, highest = 340;
+        if (!widget() || !widget()->layout()) return {width, 0};
+        return {width, std::min(widget()->layout()->totalHeightForWidth(width), highest)};
+    }
+    QSize minimumSizeHint() const override { return {200, std::min(sizeHint().height(), 80)}; }
+};
+
+}  // namespace
+
+Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
+    : QDialog(window), content_(new QVBoxLayout), buttons_(new QHBoxLayout) {
+    setWindowModality(Qt::WindowModal);
+    setWindowFlag(Qt::Sheet);
+    setWindowTitle(title);
+    setAccessibleDescription(explanation);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(22, 20, 22, 16);
+    column->setSpacing(12);
+    column->addWidget(new Paragraph(title, Paragraph::Look::heading));
+    if (!explanation.isEmpty()) column->addWidget(new Paragraph(explanation, Paragraph::Look::secondary));
+
+    auto* holder = new QWidget;
+    auto* inner = new QVBoxLayout(holder);
+    inner->setContentsMargins(0, 0, 0, 0);
+    content_->setSpacing(10);
+    inner->addLayout(content_);
+    inner->addStretch(1);
+    auto* scroll = new FittingScrollArea;
+    scroll->setWidget(holder);
+    holder->setAutoFillBackground(false);
+    scroll->viewport()->setAutoFillBackground(false);
+    column->addWidget(scroll, 1);
+
+    buttons_->setSpacing(8);
+    buttons_->addStretch(1);
+    column->addLayout(buttons_);
+    setMinimumWidth(420);
+}
+
+QPushButton* Sheet::addCancel(const QString& text) {
+    QPushButton* button = addButton(text);
+    button->setDefault(true);
+    button->setFocus();
+    connect(button, &QPushButton::clicked, this, &QDialog::reject);
+    return button;
+}
+
+QPushButton* Sheet::addButton(const QString& text) {
+    auto* button = actionButton(text);
+    buttons_->addWidget(button);
+    return button;
+}
+
+void Sheet::addLines(const QString& name, const QStringList& lines) {
+    auto* text = new SelectableText(name, SelectableText::Look::monospace);
+    text->setPlainText(lines.join('\n'));
+    auto* card = new Card;
+    auto* padding = new QWidget;
+    auto* box = new QVBoxLayout(padding);
+    box->setContentsMargins(12, 8, 12, 8);
+    box->addWidget(text);
+    card->add(padding);
+    content_->addWidget(card);
+}
+
+}  // namespace brell

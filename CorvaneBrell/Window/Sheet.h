@@ -1,0 +1,31 @@
+// What every sheet has: a title, an explanation, content that scrolls, and its buttons. It belongs to the
+// window and never waits in a loop of its own; Cancel is the default key unless the sheet says otherwise.
+#pragma once
+
+#include <QDialog>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace brell {
+
+class Sheet : public QDialog {
+    Q_OBJECT
+public:
+    Sheet(const QString& title, const QString& explanation, QWidget* window);
+
+protected:
+    QVBoxLayout* content() { return content_; }
+    // Buttons stand in a line at the bottom, Cancel first. Cancelling rejects the sheet, as the Escape key
+    // and the close box do.
+    QPushButton* addCancel(const QString& text = tr("Cancel"));
+    QPushButton* addButton(const QString& text);
+
+    // A block of lines in the content, of commands or keys: to read, select and copy.
+    void addLines(const QString& name, const QStringList& lines);
+
+private:
+    QVBoxLayout* content_;
+    QHBoxLayout* buttons_;
+};
+
+}  // namespace brell

@@ -1,0 +1,62 @@
+#include "CorvaneBrell/Window/Switch.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include "CorvaneBrell/Window/Appearance.h"
+
+namespace brell {
+
+namespace {
+
+constexpr QSize trackSize(58, 26);
+constexpr int focusMargin = 3;
+
+}  // namespace
+
+Switch::Switch(QWidget* parent) : QAbstractButton(parent) {
+    setCheckable(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize Switch::sizeHint() const {
+    return trackSize + QSize(2 * focusMargin, 2 * focusMargin);
+}
+
+void Switch::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPalette::ColorGroup group = isEnabled() ? QPalette::Active : QPalette::Disabled;
+    const QRectF track(QPointF(focusMargin, (height() - trackSize.height()) / 2.0), QSizeF(trackSize));
+    const double radius = track.height() / 2;
+    const bool filled = isChecked() && isEnabled();
+    const QColor edge = isEnabled() ? Appearance::outline(palette()) : Appearance::hairline(palette());
+
+    if (hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), 2));
+        painter.drawRoundedRect(track.adjusted(-2, -2, 2, 2), radius + 2, radius + 2);
+    }
+    painter.setPen(filled ? Qt::NoPen : QPen(edge, 1.2));
+    painter.setBrush(filled ? palette().color(QPalette::Active, QPalette::Highlight)
+                            : palette().color(QPalette::Active, QPalette::Window));
+    painter.drawRoundedRect(track.adjusted(0.6, 0.6, -0.6, -0.6), radius, radius);
+
+    QRectF knob(0, 0, track.height() - 8, track.height() - 8);
+    knob.moveCenter(isChecked() ? QPointF(track.right() - radius, track.center().y())
+                                : QPointF(track.left() + radius, track.center().y()));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(filled ? palette().color(QPalette::Active, QPalette::HighlightedText) : edge);
+    painter.drawEllipse(knob);
+
+    painter.setPen(filled ? palette().color(QPalette::Active, QPalette::HighlightedText)
+                          : palette().color(group, QPalette::WindowText));
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    painter.setFont(small);
+    const QRectF words =
+        isChecked() ? track.adjusted(8, 0, -track.height(), 0) : track.adjusted(track.height(), 0, -8, 0);
+    painter.drawText(words, Qt::AlignCenter, isChecked() ? tr("On") : tr("Off"));
+}
+
+}  // namespace brell
