@@ -1,0 +1,37 @@
+// The preference store over macOS's user defaults.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/UserDefaultsCalls.h"
+
+namespace brell {
+
+// Holds nothing but its settings: copies are alike. The platform keeps the files, and their order among
+// processes; a write is saved and confirmed by the synchronize that follows it.
+class CFPreferencesStore final : public PreferenceStore {
+public:
+    // Without the forced check no key counts as managed, and the platform is not asked.
+    CFPreferencesStore(DomainSet allowedDomains, bool forcedCheck, std::shared_ptr<UserDefaultsCalls> calls);
+
+    const DomainSet& allowedDomains() const override { return allowedDomains_; }
+    StoredValue exactValue(const PrefKey& key) override;
+    StoredValue effectiveValue(const PrefKey& key) override;
+    bool hasByHostValue(const PrefKey& key) override;
+    bool isForced(const PrefKey& key) override;
+    // A value of another type is removed, and its removal saved, before the new one is set.
+    void write(const PrefValue& value, const PrefKey& key) override;
+    void remove(const PrefKey& key) override;
+    void synchronize(const std::string& domain) override;
+
+private:
+    DefaultsApplication applicationOf(const std::string& domain) const;
+
+    DomainSet allowedDomains_;
+    bool forcedCheck_;
+    std::shared_ptr<UserDefaultsCalls> calls_;
+};
+
+}  // namespace brell

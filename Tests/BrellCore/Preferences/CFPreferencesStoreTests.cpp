@@ -1,0 +1,215 @@
+#include "BrellCore/Preferences/CFPreferencesStore.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+#include "Tests/Support/Testing.h"
+
+namespace brell {
+
+namespace {
+
+using namespace testing;
+
+const PrefKey tileSize{"com.apple.dock", "tilesize"}, autohide{"com.apple.dock", "autohide"};
+const PrefKey delay{"NSGlobalDomain", "NSWindowResizeTime"}, stranger{"com.apple.finder", "x"};
+
+std::string nameOf(const DefaultsApplication& application) {
+    return application.identifier.value_or("(any application)");
+}
+
+// User defaults as they were seen to behave: what one process reads and sets is its own until it
+// synchronizes; an integer over a real of the same value is dropped without a word; what could not be saved
+// is still read.
+class StandInDefaults final : public UserDefaultsCalls {
+public:
+    using Values = std::map<std::pair<std::string, std::string>, DefaultsObject>;  // by application and key
+
+    std::optional<DefaultsObject> copyValue(const std::string& key, const DefaultsApplication& application,
+                                            HostScope hosts) override {
+        return found(hosts == HostScope::any ? seen : thisHost, key, application);
+    }
+
+    std::optional<DefaultsObject> copyAppValue(const std::string& key,
+                                               const DefaultsApplication& application) override {
+        for (const Values* values : {&forced, &thisHost, &seen})
+            if (auto value = found(*values, key, application)) return value;
+        return found(seen, key, {});
+    }
+
+    bool appValueIsForced(const std::string& key, const DefaultsApplication& application) override {
+        ++forcedQuestions;
+        return found(forced, key, application).has_value();
+    }
+
+    void setValue(const std::string& key, const PlistValue& object,
+                  const DefaultsApplication& application) override {
+        calls.push_back("set " + nameOf(application) + " " + key);
+        const auto held = found(seen, key, application);
+        const auto* integer = object.as<std::int64_t>();
+        const auto* real = held ? std::get<PlistValue>(*held).as<double>() : nullptr;
+        if (integer && real && *real == static_cast<double>(*integer)) return;
+        seen.insert_or_assign({nameOf(application), key}, object);
+    }
+
+    void removeValue(const std::string& key, const DefaultsApplication& application) override {
+        calls.push_back("remove " + nameOf(application) + " " + key);
+        seen.erase({nameOf(application), key});
+    }
+
+    bool synchronize(const DefaultsApplication& application) override {
+        calls.push_back("synchronize " + nameOf(application));
+        if (locked) return false;
+        if (seen != read)
+            saved = seen;
+        else
+            seen = saved;
+        read = seen;
+        return true;
+    }
+
+    // What another process saves.
+    void saveElsewhere(const PrefKey& key, DefaultsObject object) {
+        const std::string application = key.domain == globalDomain ? nameOf({}) : key.domain;
+        saved.insert_or_assign({application, key.name}, std::move(object));
+    }
+
+    Values saved, thisHost, forced;
+    bool locked = false;
+    int forcedQuestions = 0;
+    std::vector<std::string> calls;
+
+private:
+    static std::optional<DefaultsObject> found(const Values& values, const std::string& key,
+                                               const DefaultsApplication& application) {
+        const auto value = values.find({nameOf(application), key});
+        return value == values.end() ? std::nullopt : std::optional(value->second);
+    }
+
+    Values seen, read;  // by this process: now, and when it last synchronized
+};
+
+class CFPreferencesStoreTest : public ::testing::Test {
+protected:
+    using Calls = std::vector<std::string>;
+
+    Calls callsOf(const std::function<void()>& action) const {
+        defaults->calls.clear();
+        action();
+        return std::exchange(defaults->calls, {});
+    }
+    DefaultsObject stored(const PrefKey& key) const { return defaults->saved.at({key.domain, key.name}); }
+
+    const std::shared_ptr<StandInDefaults> defaults = std::make_shared<StandInDefaults>();
+    CFPreferencesStore store{{"com.apple.dock", "NSGlobalDomain"}, true, defaults};
+};
+
+template <class Action>
+std::optional<StoreFailure> failureOf(Action&& action) {
+    const auto error = thrownBy<StoreError>(action);
+    return error ? std::optional(error->failure()) : std::nullopt;
+}
+
+}  // namespace
+
+TEST_F(CFPreferencesStoreTest, AnotherTypeIsRemovedForGoodBeforeTheNewValueIsSet) {
+    defaults->saveElsewhere(tileSize, PlistValue{48.0});
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(48.0));
+
+    EXPECT_EQ(callsOf([&] { store.write(48, tileSize); }),
+              (Calls{"remove com.apple.dock tilesize", "synchronize com.apple.dock",
+                     "set com.apple.dock tilesize"}));
+    store.synchronize("com.apple.dock");
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(48));
+    EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{std::int64_t{48}}));
+
+    defaults->saveElsewhere(tileSize, PlistValue{PlistDictionary{}});
+    EXPECT_EQ(failureOf([&] { store.exactValue(tileSize); }),
+              StoreFailure(UnsupportedType{tileSize, "dictionary"}));
+    EXPECT_EQ(callsOf([&] { store.put(StoredValue("x"), tileSize); }).size(), 3u);
+}
+
+TEST_F(CFPreferencesStoreTest, TheSameTypeAndAnAbsentKeyAreSetDirectly) {
+    defaults->saveElsewhere(autohide, PlistValue{false});
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(false));
+    const Calls direct{"set com.apple.dock autohide"};
+    EXPECT_EQ(callsOf([&] { store.write(true, autohide); }), direct);
+    EXPECT_EQ(callsOf([&] { store.remove(autohide); }), Calls{"remove com.apple.dock autohide"});
+    EXPECT_EQ(callsOf([&] { store.write(1, autohide); }), direct);
+}
+
+TEST_F(CFPreferencesStoreTest, TheGlobalDomainIsAnyApplication) {
+    EXPECT_EQ(callsOf([&] {
+                  store.write(0.001, delay);
+                  store.synchronize("NSGlobalDomain");
+                  store.remove(delay);
+              }),
+              (Calls{"set (any application) NSWindowResizeTime", "synchronize (any application)",
+                     "remove (any application) NSWindowResizeTime"}));
+    EXPECT_EQ(defaults->saved.count({"(any application)", "NSWindowResizeTime"}), 1u);
+}
+
+TEST_F(CFPreferencesStoreTest, EachReadingAsksItsOwnPlace) {
+    defaults->saveElsewhere(delay, PlistValue{0.2});
+    defaults->thisHost[{"com.apple.dock", "tilesize"}] = PlistValue{PlistDictionary{}};
+    defaults->forced[{"com.apple.dock", "autohide"}] = PlistValue{true};
+    CFPreferencesStore unchecked({"com.apple.dock"}, false, defaults);
+
+    EXPECT_EQ(store.exactValue(delay), StoredValue(0.2));
+    EXPECT_EQ(store.effectiveValue({"com.apple.dock", delay.name}), StoredValue(0.2));
+    EXPECT_EQ(store.exactValue({"com.apple.dock", delay.name}), StoredValue::absent());
+    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
+    EXPECT_EQ(store.effectiveValue(autohide), StoredValue(true));
+    EXPECT_TRUE(store.hasByHostValue(tileSize));
+    EXPECT_FALSE(store.hasByHostValue(autohide));
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue::absent());
+    EXPECT_FALSE(unchecked.isForced(autohide));
+    EXPECT_EQ(defaults->forcedQuestions, 0);
+    EXPECT_TRUE(store.isForced(autohide));
+    EXPECT_FALSE(store.isForced(tileSize));
+}
+
+TEST_F(CFPreferencesStoreTest, WhatOthersSavedIsSeenAndWhatIsOfNoKnownKindIsNamed) {
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue::absent());
+    defaults->saveElsewhere(tileSize, PlistValue{std::int64_t{64}});
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(64));
+    defaults->saveElsewhere(autohide, PlistValue{PlistBigInteger{"18446744073709551615"}});
+    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }),
+              StoreFailure(UnsupportedType{autohide, "number (out of range)"}));
+    defaults->saveElsewhere(autohide, ForeignObject{"CFNull"});
+    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }),
+              StoreFailure(UnsupportedType{autohide, "CFNull"}));
+    EXPECT_EQ(failureOf([&] { store.effectiveValue(autohide); }),
+              StoreFailure(UnsupportedType{autohide, "CFNull"}));
+}
+
+TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsStillRead) {
+    defaults->saveElsewhere(tileSize, PlistValue{48.0});
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(48.0));
+    defaults->locked = true;
+    const StoreFailure notSaved = SynchronizeFailed{"com.apple.dock"};
+
+    EXPECT_EQ(failureOf([&] { store.write(36, tileSize); }), notSaved);  // at the removal of the real
+    EXPECT_EQ(failureOf([&] { store.write(true, autohide); }), std::nullopt);
+    EXPECT_EQ(failureOf([&] { store.synchronize("com.apple.dock"); }), notSaved);
+    EXPECT_EQ(store.exactValue(autohide), StoredValue(true));
+    EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{48.0}));
+}
+
+TEST_F(CFPreferencesStoreTest, OtherDomainsNeverReachThePlatform) {
+    const StoreFailure refused = DomainNotAllowed{"com.apple.finder"};
+    for (const std::function<void()>& operation : std::vector<std::function<void()>>{
+             [&] { store.exactValue(stranger); }, [&] { store.effectiveValue(stranger); },
+             [&] { store.hasByHostValue(stranger); }, [&] { store.isForced(stranger); },
+             [&] { store.write(1, stranger); }, [&] { store.remove(stranger); },
+             [&] { store.synchronize(stranger.domain); }})
+        EXPECT_EQ(failureOf(operation), refused);
+    CFPreferencesStore unchecked({"com.apple.dock"}, false, defaults);
+    EXPECT_EQ(failureOf([&] { unchecked.isForced(stranger); }), refused);
+    EXPECT_EQ(defaults->calls, Calls());
+    EXPECT_EQ(defaults->forcedQuestions, 0);
+}
+
+}  // namespace brell
