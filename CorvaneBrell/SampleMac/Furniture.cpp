@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <chrono>
+#include <stdexcept>
 #include <utility>
 
 #include "BrellCore/Background/LaunchAgentPlist.h"
@@ -16,6 +18,8 @@ namespace fs = std::filesystem;
 namespace brell {
 
 namespace {
+
+using namespace std::chrono_literals;
 
 void add(const fs::path& file, std::string_view contents) {
     if (fs::exists(fs::symlink_status(file))) return;
@@ -76,6 +80,12 @@ constexpr std::array<Volume, 3> volumes{{
 }};
 
 }  // namespace
+
+FileLock SampleFurniture::lock(const fs::path& root) {
+    auto lock = FileLock::acquire(root / ".furnishing.lock", 30s);
+    if (!lock) throw std::runtime_error(root.string() + " is being furnished by another process.");
+    return std::move(*lock);
+}
 
 void SampleFurniture::addJobs(const fs::path& root, const fs::path& home) {
     for (const SystemJob& job : systemJobs()) add(root / job.path, writeXmlPropertyList({job.job}));

@@ -7,8 +7,12 @@
 #include <string_view>
 
 #include "BrellCore/Preferences/PlistFileStore.h"
+#include "BrellCore/Support/FileLock.h"
 
 namespace brell::SampleFurniture {
+
+// To be held by whoever adds something. Raises std::runtime_error when another process is at it for long.
+FileLock lock(const std::filesystem::path& root);
 
 // All of these leave files alone that are there already. root is the Mac's folder without links.
 void addPreferences(PlistFileStore& store);

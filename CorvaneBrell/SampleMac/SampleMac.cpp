@@ -1,19 +1,14 @@
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 
-#include <chrono>
-#include <stdexcept>
-
 #include "BrellCore/Catalog/TweakCatalog.h"
-#include "BrellCore/Support/FileLock.h"
 #include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 
 namespace fs = std::filesystem;
 
 namespace brell {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 fs::path madeWithoutLinks(const fs::path& folder) {
     fs::create_directories(folder);
@@ -28,8 +23,7 @@ SampleMac::SampleMac(const fs::path& folder) : folder_(madeWithoutLinks(folder))
         return fs::exists(preferences()) && fs::exists(SimulatedLaunchd::stateFile(folder_));
     };
     if (isFurnished()) return;
-    const auto lock = FileLock::acquire(folder_ / ".furnishing.lock", 30s);
-    if (!lock) throw std::runtime_error(folder_.string() + " is being furnished by another process.");
+    const FileLock lock = SampleFurniture::lock(folder_);
     if (isFurnished()) return;
     if (!fs::exists(preferences())) {
         PlistFileStore store(preferences(), TweakCatalog::allowedDomains());
@@ -46,6 +40,10 @@ std::unique_ptr<PlistFileStore> SampleMac::openPreferences() const {
     for (const Tweak& tweak : catalog.all())
         for (const Write& write : tweak.writes)
             if (write.systemDefault) store->registerSystemDefault(*write.systemDefault, write.key);
+    if (const auto marks = readPreferenceMarks(folder_)) {
+        for (const PrefKey& key : marks->byHost) store->markByHost(key);
+        for (const PrefKey& key : marks->forced) store->markForced(key);
+    }
     return store;
 }
 

@@ -17,7 +17,8 @@ namespace brell {
 //   Users/sam/Library/LaunchAgents/          the user's own agents
 //   Library/LaunchAgents/, LaunchDaemons/    what administrators installed
 //   Volumes/                                 the mounted volumes
-//   private/var/db/                          launchd's state, the database of background tasks
+//   private/var/db/                          launchd's state, the database of background tasks, the keys that
+//                                            this host or a profile sets
 class SampleMac {
 public:
     static constexpr OperatingSystemVersion osVersion{26, 1, 0};
@@ -34,7 +35,8 @@ public:
     std::filesystem::path preferences() const { return home() / "Library" / "Preferences"; }
     std::filesystem::path launchAgents() const { return home() / "Library" / "LaunchAgents"; }
 
-    // Its preferences, with macOS's own defaults behind them.
+    // Its preferences, with macOS's own defaults behind them and the host's and a profile's values above
+    // them. Raises std::exception when the folder can't be used.
     std::unique_ptr<PlistFileStore> openPreferences() const;
 
     // Its launchctl, mdutil and sfltool. May outlive this object.
