@@ -226,6 +226,28 @@ std::optional<TimeStamp> AppModel::reviewedDate(std::string_view cardID) const {
     return ReviewedDates{*own_}.date(cardID);
 }
 
+std::optional<WindowPlace> AppModel::windowPlace() const {
+    const auto width = own_->number("windowWidth"), height = own_->number("windowHeight"),
+               screen = own_->number("windowScreen");
+    const auto isWithin = [](std::optional<double> number, double most) {
+        return number && *number >= 0 && *number <= most;
+    };
+    if (!isWithin(width, 32767) || !isWithin(height, 32767) ||
+        !isWithin(screen, static_cast<double>(enumTexts<Screen>.size() - 1)))
+        return std::nullopt;
+    return WindowPlace{static_cast<int>(*width), static_cast<int>(*height),
+                       static_cast<Screen>(static_cast<int>(*screen))};
+}
+
+// Called when the window closes: a place that can't be kept is no reason to stay open.
+void AppModel::keepWindowPlace(const WindowPlace& place) try {
+    if (windowPlace() == place) return;
+    own_->setNumber("windowWidth", place.width);
+    own_->setNumber("windowHeight", place.height);
+    own_->setNumber("windowScreen", static_cast<double>(place.screen));
+} catch (const std::exception&) {
+}
+
 void AppModel::scheduleSnapshot(std::function<void(const fs::path&)> render, std::function<void()> quit) {
     if (!options().snapshotPath) return;
     const auto delay = std::chrono::milliseconds(static_cast<std::int64_t>(options().snapshotDelay * 1000));

@@ -24,6 +24,14 @@
 
 namespace brell {
 
+// The size of the window in points, and the page it shows.
+struct WindowPlace {
+    int width;
+    int height;
+    Screen screen;
+    bool operator==(const WindowPlace&) const = default;
+};
+
 // Made, used and destroyed on the main thread, which nothing here blocks after the first look at everything.
 // Changes run one after another beside it, and so do refreshes and the system's tools; all of them come back
 // through the main loop, and only while the model lives. Every change of a property is announced once. What
@@ -41,6 +49,7 @@ public:
     const AppState& state() const { return state_; }
     const LaunchOptions& options() const { return deps_->options; }  // after the fallback
     const TweakCatalog& catalog() const { return deps_->catalog; }
+    std::vector<const Tweak*> offeredTweaks() const { return catalog().available(deps_->macOSMajor()); }
     std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
     std::filesystem::path journalDirectory() const { return deps_->journalDirectory(); }
 
@@ -64,6 +73,8 @@ public:
                std::optional<std::string> choiceID = std::nullopt);
     void applyChoice(const std::string& tweakID, const std::string& choiceID);
     void turnOff(const std::string& tweakID);
+    // Removes the tweak's keys, so that macOS's own values take effect; what they held can be undone.
+    void useSystemDefault(const std::string& tweakID);
 
     // Undoing. The ask functions open a request that shows what would be put back.
     void askRestore(const Uuid& entryID);
@@ -120,6 +131,10 @@ public:
     std::vector<std::string> changedTweaks() const;
     std::size_t changedCount(Screen screen) const;
 
+    // How the window was left; nothing when it never was open.
+    std::optional<WindowPlace> windowPlace() const;
+    void keepWindowPlace(const WindowPlace& place);
+
     // Runs after options().snapshotDelay when a snapshot is asked for; quit follows when that is asked for,
     // too.
     void scheduleSnapshot(std::function<void(const std::filesystem::path&)> render,
@@ -137,6 +152,7 @@ private:
         std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
         std::vector<std::string> alreadyBack;  // names of entries that somebody had put back before
         std::string proof;                     // what the restored keys read as now
+        bool isProved = true;                  // every one of them as before
         KeptRelaunches touched;                // by tweak: what its keys hold now
         bool isUndo = false;
         bool agentsTouched = false;
@@ -188,6 +204,8 @@ private:
                 std::optional<PendingApply> ifDrifted = std::nullopt);
     Change carriedOut(const Job& job) const;
     void finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted);
+    void dropInterrupted(const std::vector<JournalEntry>& restored);
+    void showProof(const Change& change);
     void noteForUndo(const Change& change);
     void reportProgress(std::string what, std::size_t done, std::size_t total);
     JournalEntry makeAgain(const JournalEntry& entry);

@@ -1,6 +1,7 @@
 // Making changes: one at a time beside the main thread, each followed by a fresh look at everything.
 
 #include <algorithm>
+#include <functional>
 
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/AppModel.h"
@@ -25,8 +26,8 @@ std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
 
 // What the keys of restored entries read as now, read back once more; those that were changed anew are left
 // out.
-std::string proofOf(const std::vector<JournalEntry>& restored, const std::vector<JournalEntry>& made,
-                    PreferenceStore& store) {
+UndoProof proofOf(const std::vector<JournalEntry>& restored, const std::vector<JournalEntry>& made,
+                  PreferenceStore& store) {
     UndoProof proof;
     for (const JournalEntry& entry : restored) {
         const bool changedAnew = std::any_of(made.begin(), made.end(), [&](const JournalEntry& other) {
@@ -35,7 +36,13 @@ std::string proofOf(const std::vector<JournalEntry>& restored, const std::vector
         if (changedAnew) continue;
         for (KeyProof& key : proveUndo(entry, store)) proof.push_back(std::move(key));
     }
-    return proof.empty() ? std::string() : sentence(proof);
+    return proof;
+}
+
+bool nothingIsStored(const Tweak& tweak, PreferenceStore& store) {
+    return std::all_of(tweak.writes.begin(), tweak.writes.end(), [&](const Write& write) {
+        return readIfPossible(write.key, store) == StoredValue::absent();
+    });
 }
 
 // Nothing when a key can't be read: what was done is done all the same.
@@ -94,6 +101,26 @@ void AppModel::turnOff(const std::string& tweakID) {
             restoreFirst(made, *active);
         else
             made.made.push_back(deps_->engine.turnOff(*tweak, false));
+        return made;
+    });
+}
+
+void AppModel::useSystemDefault(const std::string& tweakID) {
+    const Tweak* tweak = catalog().tweak(tweakID);
+    if (!tweak) return fail("There is no tweak " + tweakID + ".");
+    change("Resetting " + tweak->title, {tweakID}, [this, tweak] {
+        Change made;
+        made.name = tweak->title;
+        const auto active = deps_->journal->activeEntry(tweak->id);
+        if (active) restoreFirst(made, *active);
+        if (nothingIsStored(*tweak, deps_->store)) return made;
+        try {
+            made.made.push_back(deps_->engine.resetToDefault(*tweak));
+        } catch (const EngineError& error) {
+            if (!active) throw;
+            made.failures.push_back(error.what());
+            made.made.push_back(makeAgain(*active));
+        }
         return made;
     });
 }
@@ -188,7 +215,9 @@ AppModel::Change AppModel::carriedOut(const Job& job) const {
         if (!drift) throw;
         change.drifted.push_back(drift->entry);
     }
-    change.proof = proofOf(change.restored, change.made, deps_->store);
+    const UndoProof proof = proofOf(change.restored, change.made, deps_->store);
+    if (!proof.empty()) change.proof = sentence(proof);
+    change.isProved = std::all_of(proof.begin(), proof.end(), std::mem_fn(&KeyProof::isAsBefore));
     for (const std::string& name : change.alreadyBack)
         change.proof += " " + name + " was already back as it was.";
     for (const auto* entries : {&change.restored, &change.made})
@@ -206,23 +235,40 @@ void AppModel::reportProgress(std::string what, std::size_t done, std::size_t to
 }
 
 void AppModel::finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted) {
+    const Change change = result.value.value_or(Change{});
+    dropInterrupted(change.restored);
+    if (change.recoveryFailures)
+        set(&AppState::recoveryFailures, *change.recoveryFailures, Property::recoveryFailures);
     if (changesUnderWay_ == 0) set(&AppState::changeActivity, std::nullopt, Property::changeActivity);
     if (!result.value) fail(result.error);
-    const Change change = result.value.value_or(Change{});
     if (!change.failures.empty()) fail(join(change.failures, " "));
     noteForUndo(change);
     notePendingRelaunches(change);
-    if (!change.proof.empty()) set(&AppState::undoProof, change.proof, Property::undoProof);
-    if (change.proof.empty() && !change.made.empty())
-        set(&AppState::undoProof, std::nullopt, Property::undoProof);
-    if (change.recoveryFailures)
-        set(&AppState::recoveryFailures, *change.recoveryFailures, Property::recoveryFailures);
+    showProof(change);
     if (!change.report.empty()) set(&AppState::presetReport, change.report, Property::presetReport);
     refreshAll();
     if (change.agentsTouched) loadLoginItems();
     if (!change.drifted.empty())
         openDrift(change.drifted.size() == 1 ? DriftRequest::Mode::tweak : DriftRequest::Mode::several,
                   change.drifted, {}, ifDrifted, change.isUndo);
+}
+
+// What was put back is interrupted no more, and is not to be asked for until the next look at everything.
+void AppModel::dropInterrupted(const std::vector<JournalEntry>& restored) {
+    std::vector<JournalEntry> left = state_.interrupted;
+    std::erase_if(left, [&](const JournalEntry& entry) {
+        return std::any_of(restored.begin(), restored.end(),
+                           [&](const JournalEntry& one) { return one.id == entry.id; });
+    });
+    set(&AppState::interrupted, std::move(left), Property::interrupted);
+}
+
+// The proof of an earlier undo says nothing about this change.
+void AppModel::showProof(const Change& change) {
+    state_.undoIsComplete = change.isProved;
+    std::optional<std::string> proof;
+    if (!change.proof.empty()) proof = change.proof;
+    set(&AppState::undoProof, std::move(proof), Property::undoProof);
 }
 
 void AppModel::noteForUndo(const Change& change) {

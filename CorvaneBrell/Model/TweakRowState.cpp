@@ -1,0 +1,135 @@
+#include "CorvaneBrell/Model/TweakRowState.h"
+
+#include <algorithm>
+
+#include "CorvaneBrell/Model/UndoProof.h"
+
+namespace brell {
+
+namespace {
+
+using Weight = StateBadge::Weight;
+
+// What a state looks like: its badge, whether the switch is on, and the reason when it can't be changed.
+struct Look {
+    std::optional<StateBadge> badge;
+    bool isOn = false;
+    bool canChange = true;
+    std::string reason = {};
+};
+
+struct LookOf {
+    Look operator()(const OnByBrell&) const {
+        return {StateBadge{"On by Brell", "checkmark.circle", Weight::good, ""}, true};
+    }
+    Look operator()(const OffByBrell&) const {
+        return {StateBadge{"Reset by Brell", "minus.circle", Weight::good, ""}};
+    }
+    Look operator()(const ChangedOutsideBrell&) const {
+        return {StateBadge{"Changed outside Brell", "exclamationmark.triangle", Weight::attention,
+                           "A key no longer holds what Brell wrote. Turning it off asks before overwriting."},
+                true};
+    }
+    Look operator()(const PerHost& state) const {
+        return {StateBadge{"Set per host", "desktopcomputer", Weight::plain, ""}, false, false,
+                state.key + " has a by-host value; Brell does not change it here."};
+    }
+    Look operator()(const Managed& state) const {
+        return {StateBadge{"Managed by a profile", "lock", Weight::plain, ""}, false, false,
+                state.key + " is forced by a management profile; a change would have no effect."};
+    }
+    Look operator()(const Unsupported& state) const {
+        return {StateBadge{"Unexpected type", "questionmark.circle", Weight::attention, ""}, false, false,
+                state.message + ". Brell does not change a value of this kind."};
+    }
+    Look operator()(const Off&) const { return {}; }
+    Look operator()(const OnByDefault&) const {
+        return {std::nullopt, true, false, "macOS already does this.\nNothing to change."};
+    }
+    Look operator()(const SetBeforeBrell&) const {
+        return {StateBadge{"Set before Brell", "person", Weight::plain,
+                           "Set before Brell, by you or another app. Turning it off resets this to the macOS "
+                           "default; Brell can undo that."},
+                true};
+    }
+};
+
+const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, const std::string& tweakID) {
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
+        return entry.isActive() && entry.tweakID == tweakID;
+    });
+    return found == entries.end() ? nullptr : &*found;
+}
+
+std::optional<StoredValue> originalOf(const PrefKey& key, const JournalEntry* active) {
+    if (!active) return std::nullopt;
+    for (const JournaledWrite& write : active->writes)
+        if (write.key == key) return write.original;
+    return std::nullopt;
+}
+
+std::string leadsTo(const JournalEntry& entry) {
+    if (entry.writes.size() == 1) return entry.writes.front().original.rendered();
+    std::string text;
+    for (const JournaledWrite& write : entry.writes) {
+        if (!text.empty()) text += ", ";
+        text += write.key.name + " " + write.original.rendered();
+    }
+    return text;
+}
+
+std::optional<StoredValue> valueAt(const std::vector<StoredValue>& values, std::size_t i) {
+    return i < values.size() ? std::optional(values[i]) : std::nullopt;
+}
+
+std::vector<KeyFacts> keyFacts(const Tweak& tweak, const TweakStatus* status, const JournalEntry* active) {
+    std::vector<KeyFacts> facts;
+    for (std::size_t i = 0; i < tweak.writes.size(); ++i) {
+        const Write& write = tweak.writes[i];
+        facts.push_back({write.key, std::string(write.target.typeName()),
+                         status ? valueAt(status->exact, i) : std::nullopt,
+                         status ? valueAt(status->effective, i) : std::nullopt, write.target,
+                         originalOf(write.key, active)});
+    }
+    return facts;
+}
+
+std::string storedText(const TweakStatus& status) {
+    if (status.exact.empty() || !status.exact.front().value) return {};
+    const auto* text = status.exact.front().value->as<std::string>();
+    return text ? *text : std::string();
+}
+
+}  // namespace
+
+TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
+    const AppState& state = model.state();
+    const JournalEntry* active = activeEntry(state.entries, tweak.id);
+    const auto found = state.statuses.find(tweak.id);
+    const TweakStatus* status = found == state.statuses.end() ? nullptr : &found->second;
+
+    TweakRowState row;
+    row.keys = keyFacts(tweak, status, active);
+    const int major = parseOSVersion(model.macOSVersion()).major;
+    row.confirmed = (tweak.isConfirmed(major) ? "Confirmed on macOS " : "Not confirmed on macOS ") +
+                    std::to_string(major);
+    if (active)
+        row.undo = RowUndo{active->id, leadsTo(*active), madeOnAnotherMacOS(*active, model.macOSVersion())};
+    if (!status) {
+        const auto error = state.statusErrors.find(tweak.id);
+        row.reason = error != state.statusErrors.end() ? error->second : "Not offered on this macOS.";
+        return row;
+    }
+    Look look = std::visit(LookOf{}, status->state);
+    row.badge = std::move(look.badge);
+    row.isOn = look.isOn;
+    row.canChange = look.canChange && !state.startupError;
+    row.reason = std::move(look.reason);
+    row.choiceID = status->currentChoiceID;
+    row.nothingStored = std::all_of(status->exact.begin(), status->exact.end(),
+                                    [](const StoredValue& value) { return value.isAbsent(); });
+    if (std::holds_alternative<FolderKind>(tweak.kind)) row.folder = storedText(*status);
+    return row;
+}
+
+}  // namespace brell
