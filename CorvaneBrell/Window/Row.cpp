@@ -116,10 +116,22 @@ void Row::setBadges(const std::vector<RowBadge>& badges) {
 }
 
 void Row::setNotice(const QString& text, const QString& symbol, Tone tone) {
+    if (text.isEmpty()) return setNotices({});
+    setNotices({{text, symbol, tone, {}}});
+}
+
+void Row::setNotices(const std::vector<RowBadge>& notices) {
+    if (notices == shownNotices_) return;
+    shownNotices_ = notices;
     delete notice_;
     notice_ = nullptr;
-    if (text.isEmpty()) return;
-    notice_ = symbolLine(symbol, tone, text, this);
+    if (notices.empty()) return;
+    notice_ = new QWidget(this);
+    auto* lines = new QVBoxLayout(notice_);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(3);
+    for (const RowBadge& notice : notices)
+        lines->addWidget(symbolLine(notice.symbol, notice.tone, notice.text, notice_));
     texts_->addWidget(notice_);
 }
 

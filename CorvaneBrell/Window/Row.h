@@ -23,7 +23,7 @@ struct RowBadge {
     bool operator==(const RowBadge&) const = default;
 };
 
-class Row final : public QFrame {
+class Row : public QFrame {
     Q_OBJECT
 public:
     explicit Row(const QString& title, QWidget* parent = nullptr);
@@ -33,6 +33,7 @@ public:
     void setBadges(const std::vector<RowBadge>& badges);
     // Why something is not possible here, or what is wrong: in plain sight, below the text. Empty: nothing.
     void setNotice(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);
+    void setNotices(const std::vector<RowBadge>& notices);  // several of these
 
     // The row takes it. At most one.
     void setControl(QWidget* control);
@@ -59,7 +60,7 @@ private:
     QToolButton* arrow_;
     QWidget* details_ = nullptr;
     std::function<QWidget*()> build_;
-    std::vector<RowBadge> shownBadges_;
+    std::vector<RowBadge> shownBadges_, shownNotices_;
 };
 
 // A symbol and a wrapping text beside it.

@@ -1,5 +1,5 @@
-// A switch that says On or Off in words. A click or the space bar asks for the other state; the wheel does
-// nothing.
+// A switch that says On or Off in words. A click or the space bar asks for the other state, but only
+// setChecked moves it: it shows what is so. The wheel does nothing.
 #pragma once
 
 #include <QAbstractButton>
@@ -14,6 +14,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override;
+    void nextCheckState() override {}
 };
 
 }  // namespace brell

@@ -1,0 +1,22 @@
+#include "CorvaneBrell/Window/FactList.h"
+
+#include "CorvaneBrell/Window/Paragraph.h"
+
+namespace brell {
+
+FactList::FactList(QWidget* parent) : QWidget(parent), grid_(new QGridLayout(this)) {
+    grid_->setContentsMargins(0, 0, 0, 0);
+    grid_->setHorizontalSpacing(14);
+    grid_->setVerticalSpacing(5);
+    grid_->setColumnMinimumWidth(0, 110);
+    grid_->setColumnStretch(1, 1);
+}
+
+void FactList::add(const QString& name, const QString& text) {
+    if (text.isEmpty()) return;
+    const int row = grid_->rowCount();
+    grid_->addWidget(new Paragraph(name, Paragraph::Look::secondary), row, 0, Qt::AlignTop);
+    grid_->addWidget(new Paragraph(text, Paragraph::Look::body), row, 1);
+}
+
+}  // namespace brell

@@ -1,0 +1,92 @@
+#include "CorvaneBrell/Window/PresetMenu.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Symbol.h"
+
+namespace brell {
+
+namespace {
+
+QFileDialog* presetDialog(QWidget* window, const QString& title, QFileDialog::AcceptMode mode) {
+    auto* dialog = new QFileDialog(window, title);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    dialog->setDefaultSuffix(qt(PresetFile::extension.substr(1)));
+    dialog->setNameFilter(QMenu::tr("Brell presets (*%1)").arg(qt(PresetFile::extension)));
+    return dialog;
+}
+
+void tell(QWidget* window, const QString& title, const QString& text) {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, title, title, QMessageBox::Ok, window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setInformativeText(text);
+    box->open();
+}
+
+QString leftOutText(const ActivePreset& active) {
+    QStringList lines;
+    for (const std::string& line : active.leftOut) lines << qt(line);
+    return lines.join('\n');
+}
+
+void chooseExportFile(AppModel& model, QWidget* window, const QString& name) {
+    const ActivePreset active = model.activePreset(utf8(name));
+    QFileDialog* dialog = presetDialog(window, QMenu::tr("Export Preset"), QFileDialog::AcceptSave);
+    dialog->selectFile(qt(PresetFile::slug(active.preset.name) + std::string(PresetFile::extension)));
+    QObject::connect(
+        dialog, &QFileDialog::fileSelected, window, [&model, window, active](const QString& file) {
+            model.exportPreset(active.preset, utf8(file));
+            if (!active.leftOut.empty())
+                tell(window, QMenu::tr("The preset does not hold every change"), leftOutText(active));
+        });
+    dialog->open();
+}
+
+}  // namespace
+
+PresetMenu::PresetMenu(AppModel& model, QWidget* parent) : QMenu(tr("Presets"), parent) {
+    setToolTipsVisible(true);
+    for (const Preset& preset : Presets::shipped()) {
+        QAction* action = addAction(label(qt(preset.name)) + "...");
+        action->setToolTip(qt(preset.summary));
+        connect(action, &QAction::triggered, this, [&model, &preset] { model.askPreset(preset); });
+    }
+    addSeparator();
+    addAction(tr("Import Preset..."), this,
+              [&model, this] { importPreset(model, parentWidget()->window()); });
+    addAction(tr("Export Preset..."), this,
+              [&model, this] { exportPreset(model, parentWidget()->window()); });
+}
+
+void importPreset(AppModel& model, QWidget* window) {
+    QFileDialog* dialog = presetDialog(window, QMenu::tr("Import Preset"), QFileDialog::AcceptOpen);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    QObject::connect(dialog, &QFileDialog::fileSelected, window,
+                     [&model](const QString& file) { model.importPreset(utf8(file)); });
+    dialog->open();
+}
+
+void exportPreset(AppModel& model, QWidget* window) {
+    const ActivePreset active = model.activePreset("");
+    if (active.preset.tweakIDs.empty())
+        return tell(
+            window, QMenu::tr("There is nothing to export"),
+            active.leftOut.empty() ? QMenu::tr("No change of Brell is active.") : leftOutText(active));
+    auto* name = new QInputDialog(window);
+    name->setAttribute(Qt::WA_DeleteOnClose);
+    name->setWindowTitle(QMenu::tr("Export Preset"));
+    name->setLabelText(QMenu::tr("Name of the preset. It will hold every change that is active now: %1.")
+                           .arg(active.preset.tweakIDs.size()));
+    name->setTextValue(QMenu::tr("My settings"));
+    QObject::connect(name, &QInputDialog::textValueSelected, window, [&model, window](const QString& chosen) {
+        chooseExportFile(model, window,
+                         chosen.trimmed().isEmpty() ? QMenu::tr("My settings") : chosen.trimmed());
+    });
+    name->open();
+}
+
+}  // namespace brell

@@ -1,0 +1,136 @@
+#include "CorvaneBrell/Window/Sidebar.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QVBoxLayout>
+
+#include "CorvaneBrell/Window/Appearance.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Symbol.h"
+
+namespace brell {
+
+namespace {
+
+constexpr int countRole = Qt::UserRole + 1;
+constexpr int rowHeight = 30;
+
+// Symbol, title, and the count at the right.
+class PageDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return {QStyledItemDelegate::sizeHint(option, index).width(), rowHeight};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        const bool selected = option.state & QStyle::State_Selected;
+        const QPalette& palette = option.palette;
+        const QRect place = option.rect.adjusted(2, 1, -2, -1);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        if (selected) {
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(palette.color(QPalette::Active, QPalette::Highlight));
+            painter->drawRoundedRect(place, 6, 6);
+        }
+        const bool focused = selected && option.widget && option.widget->hasFocus();
+        if (focused) {
+            painter->setPen(QPen(palette.color(QPalette::Active, QPalette::HighlightedText), 1));
+            painter->setBrush(Qt::NoBrush);
+            painter->drawRoundedRect(QRectF(place).adjusted(2.5, 2.5, -2.5, -2.5), 4, 4);
+        }
+        const QIcon icon = index.data(Qt::DecorationRole).value<QIcon>();
+        const QRect symbol(place.left() + 9, place.center().y() - 7, 16, 16);
+        icon.paint(painter, symbol, Qt::AlignCenter, selected ? QIcon::Selected : QIcon::Normal);
+        painter->setPen(
+            palette.color(QPalette::Active, selected ? QPalette::HighlightedText : QPalette::WindowText));
+        const int count = index.data(countRole).toInt();
+        const QString countText = count > 0 ? QString::number(count) : QString();
+        const int countWidth = count > 0 ? option.fontMetrics.horizontalAdvance(countText) + 8 : 0;
+        const QRect text = place.adjusted(34, 0, -8 - countWidth, 0);
+        const QString title = index.data(Qt::UserRole).toString();
+        painter->drawText(text, Qt::AlignVCenter | Qt::AlignLeft,
+                          option.fontMetrics.elidedText(title, Qt::ElideRight, text.width()));
+        if (!selected) painter->setPen(Appearance::secondaryText(palette));
+        painter->drawText(place.adjusted(0, 0, -9, 0), Qt::AlignVCenter | Qt::AlignRight, countText);
+        painter->restore();
+    }
+};
+
+QLineEdit* searchField() {
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(QLineEdit::tr("Search"));
+    field->setAccessibleName(QLineEdit::tr("Search settings and pages"));
+    field->setClearButtonEnabled(true);
+    field->addAction(symbolIcon("magnifyingglass"), QLineEdit::LeadingPosition);
+    field->setMinimumHeight(28);
+    return field;
+}
+
+QListWidget* pageList() {
+    auto* list = new QListWidget;
+    list->setAccessibleName(QListWidget::tr("Pages"));
+    list->setItemDelegate(new PageDelegate(list));
+    list->setFrameShape(QFrame::NoFrame);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->viewport()->setAutoFillBackground(false);
+    for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) {
+        const auto screen = static_cast<Screen>(i);
+        auto* item = new QListWidgetItem(symbolIcon(symbol(screen)), qt(title(screen)), list);
+        item->setData(Qt::UserRole, qt(title(screen)));
+    }
+    return list;
+}
+
+// What assistive technology reads: "Finder, 3 active changes".
+QString spoken(const QString& title, std::size_t count) {
+    if (count == 0) return title;
+    return count == 1 ? QListWidget::tr("%1, 1 active change").arg(title)
+                      : QListWidget::tr("%1, %2 active changes").arg(title).arg(count);
+}
+
+}  // namespace
+
+Sidebar::Sidebar(AppModel& model, QWidget* parent)
+    : QWidget(parent), model_(model), search_(searchField()), pages_(pageList()) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(10, 14, 6, 10);
+    column->setSpacing(10);
+    column->addWidget(search_);
+    column->addWidget(pages_, 1);
+    setFixedWidth(208);
+    search_->installEventFilter(this);
+    connect(search_, &QLineEdit::textChanged, this, &Sidebar::searched);
+    connect(pages_, &QListWidget::currentRowChanged, this,
+            [this](int row) { model_.show(static_cast<Screen>(row)); });
+    connect(pages_, &QListWidget::itemClicked, this, [this] { search_->clear(); });
+}
+
+void Sidebar::refresh() {
+    pages_->setCurrentRow(static_cast<int>(model_.state().screen));
+    for (int i = 0; i < pages_->count(); ++i) {
+        QListWidgetItem* item = pages_->item(i);
+        const std::size_t count = model_.changedCount(static_cast<Screen>(i));
+        item->setData(countRole, static_cast<int>(count));
+        item->setData(Qt::AccessibleTextRole, spoken(item->data(Qt::UserRole).toString(), count));
+    }
+}
+
+bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Escape: search_->clear(); return true;
+        case Qt::Key_Down:
+        case Qt::Key_Return:
+        case Qt::Key_Enter: emit entered(); return true;
+        default: return QWidget::eventFilter(watched, event);
+    }
+}
+
+}  // namespace brell
