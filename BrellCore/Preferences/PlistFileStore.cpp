@@ -137,7 +137,7 @@ StoredValue PlistFileStore::exactValueLocked(const PrefKey& key) {
 const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain) try {
     auto known = domains_.find(domain);
     if (known == domains_.end() || known->second.identity != identityOf(known->second.file)) {
-        Domain fresh{fileOf(domain), std::nullopt, Values()};
+        Domain fresh{fileOf(directory_, domain), std::nullopt, Values()};
         if (const auto contents = readFile(fresh.file, mostBytes)) {
             fresh.identity = contents->identity;
             fresh.contents = parse(domain, fresh.file, contents->bytes);
@@ -155,17 +155,18 @@ void PlistFileStore::saveLocked(const std::string& domain, const Values& values)
     PlistDictionary dictionary;
     dictionary.entries.reserve(values.size());
     for (const auto& [key, value] : values) dictionary.entries.emplace_back(key, value.propertyListObject());
-    replaceFile(fileOf(domain), writeXmlPropertyList({std::move(dictionary)}), Durability::readersOnly);
+    replaceFile(fileOf(directory_, domain), writeXmlPropertyList({std::move(dictionary)}),
+                Durability::readersOnly);
     domains_.erase(domain);  // the next reading proves what really arrived in the file
 } catch (const PlistError& error) {
-    throw StoreError(StoreIo{"The preference file " + fileOf(domain).string() +
+    throw StoreError(StoreIo{"The preference file " + fileOf(directory_, domain).string() +
                              " could not be written: " + error.failure().reason + "."});
 } catch (const ReplaceError& error) {
     throw StoreError(StoreIo{error.what()});
 }
 
-fs::path PlistFileStore::fileOf(const std::string& domain) const {
-    return directory_ / (domain + ".plist");
+fs::path PlistFileStore::fileOf(const fs::path& directory, const std::string& domain) {
+    return directory / (domain + ".plist");
 }
 
 }  // namespace brell

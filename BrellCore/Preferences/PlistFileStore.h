@@ -25,6 +25,9 @@ public:
     // Creates the folder and those above it; raises std::filesystem::filesystem_error when it can't.
     PlistFileStore(std::filesystem::path directory, DomainSet allowedDomains);
 
+    // Where a store of this folder keeps the domain.
+    static std::filesystem::path fileOf(const std::filesystem::path& directory, const std::string& domain);
+
     const DomainSet& allowedDomains() const override { return allowedDomains_; }
     StoredValue exactValue(const PrefKey& key) override;
     StoredValue effectiveValue(const PrefKey& key) override;  // falls back to the registered system defaults
@@ -55,7 +58,6 @@ private:
     StoredValue exactValueLocked(const PrefKey& key);
     const Values& valuesLocked(const std::string& domain);
     void saveLocked(const std::string& domain, const Values& values);
-    std::filesystem::path fileOf(const std::string& domain) const;
 
     const std::filesystem::path directory_;
     const DomainSet allowedDomains_;

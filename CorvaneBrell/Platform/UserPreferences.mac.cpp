@@ -1,12 +1,22 @@
 #include "CorvaneBrell/Platform/UserPreferences.h"
 
-#include <stdexcept>
+#include <unistd.h>
+
+#include "BrellCore/Preferences/CFPreferencesStore.h"
+
+namespace fs = std::filesystem;
 
 namespace brell {
 
-// Never the files of another system: entries about them would stand in the journal of this Mac.
-std::unique_ptr<PreferenceStore> userPreferences(const std::filesystem::path&, const DomainSet&) {
-    throw std::runtime_error("This version cannot change this Mac yet; name a sample Mac with --sample-mac.");
+std::unique_ptr<PreferenceStore> userPreferences(const fs::path&, const DomainSet& domains) {
+    refuseRoot(::geteuid());
+    return std::make_unique<CFPreferencesStore>(domains, true, systemUserDefaults());
+}
+
+// Kept by the system's preferences daemon, which names the global domain's file in its own way.
+fs::path userPreferenceFile(const fs::path& home, const fs::path&, const std::string& domain) {
+    const std::string name = domain == globalDomain ? ".GlobalPreferences" : domain;
+    return home / "Library" / "Preferences" / (name + ".plist");
 }
 
 }  // namespace brell
