@@ -7,6 +7,7 @@
 #include "BrellCore/Support/JsonWriter.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Dependencies.h"
+#include "CorvaneBrell/SafetyCheck.h"
 
 namespace fs = std::filesystem;
 
@@ -148,12 +149,15 @@ bool restoreAll(Dependencies& deps, std::ostream& out) {
     return outcome.failed.empty() && stillActive == 0;
 }
 
-int run(Dependencies& deps, std::ostream& out) {
+int run(Dependencies& deps, std::ostream& out, std::ostream& warnings) {
     const LaunchOptions& options = deps.options;
     if (options.statusJSON) {
         printStatusJSON(deps, out);
         return ExitStatus::success;
     }
+    if (!options.dryRun)
+        for (const std::string& warning : safetyWarnings(deps.machine))
+            printLine(warnings, "warning: " + warning);
     if (options.quitAfterCapture) return quitAfterCapture(deps, *options.quitAfterCapture, out);
     bool allWell = true;
     if (options.applyAll) allWell &= applyAll(deps, out);
@@ -164,7 +168,7 @@ int run(Dependencies& deps, std::ostream& out) {
 
 }  // namespace
 
-std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out) {
+std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out, std::ostream& warnings) {
     if (!options.isHeadlessRequest()) return std::nullopt;
     std::optional<Dependencies> deps;
     try {
@@ -174,7 +178,7 @@ std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& ou
         return ExitStatus::cannotStart;
     }
     try {
-        return run(*deps, out);
+        return run(*deps, out, warnings);
     } catch (const std::exception& error) {
         printLine(out, std::string("error: ") + error.what());
         return ExitStatus::failure;

@@ -2,8 +2,8 @@
 // and an exit status.
 #pragma once
 
+#include <iostream>
 #include <optional>
-#include <ostream>
 #include <string>
 
 #include "BrellCore/Engine/TweakStatus.h"
@@ -19,8 +19,10 @@ inline constexpr int cannotStart = 2;  // nothing was tried
 
 namespace HeadlessCommands {
 
-// Performs what the options ask for and gives the exit status; nothing when they ask for nothing.
-std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out);
+// Performs what the options ask for and gives the exit status; nothing when they ask for nothing. What could
+// stand in the way of a change is said to warnings before the first one.
+std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out,
+                                  std::ostream& warnings = std::cerr);
 
 // The state as scripts read it: onByBrell(UUID), perHost(key: "NAME"), off, ...
 std::string describe(const TweakState& state);

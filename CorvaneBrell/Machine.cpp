@@ -37,6 +37,13 @@ DomainSet ownDomains() {
     return {std::string(NeverTouch::ownLabel)};
 }
 
+// What the function makes of each domain of the catalog.
+std::vector<fs::path> preferenceFiles(const std::function<fs::path(const std::string&)>& fileOf) {
+    std::vector<fs::path> files;
+    for (const std::string& domain : TweakCatalog::allowedDomains()) files.push_back(fileOf(domain));
+    return files;
+}
+
 Machine thisMachine(const LaunchOptions& options) {
     const fs::path home = homeFolder();
     if (!home.is_absolute())
@@ -50,6 +57,8 @@ Machine thisMachine(const LaunchOptions& options) {
             ::getuid(),
             BTMReader::currentUserIsAdmin,
             journalDirectoryFor(options, home),
+            preferenceFiles(
+                [&](const std::string& domain) { return userPreferenceFile(home, preferences, domain); }),
             userPreferences(preferences, TweakCatalog::allowedDomains()),
             userPreferences(preferences, ownDomains()),
             std::make_unique<ProcessCommandRunner>(commandSeconds)};
@@ -63,6 +72,9 @@ Machine sampleMachine(const LaunchOptions& options) {
             SampleMac::uid,
             [] { return SampleMac::isAdmin; },
             journalDirectoryFor(options, sample.home()),
+            preferenceFiles([&](const std::string& domain) {
+                return PlistFileStore::fileOf(sample.preferences(), domain);
+            }),
             sample.openPreferences(),
             std::make_unique<PlistFileStore>(sample.preferences(), ownDomains()),
             sample.openTools()};

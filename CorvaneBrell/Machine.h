@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "BrellCore/Background/CommandRunning.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
@@ -19,7 +20,8 @@ struct Machine {
     OperatingSystemVersion osVersion;
     std::uint32_t uid;
     std::function<bool()> isAdmin;
-    std::filesystem::path journalDirectory;  // as the options say
+    std::filesystem::path journalDirectory;              // as the options say
+    std::vector<std::filesystem::path> preferenceFiles;  // of the catalog's domains, only to be looked at
     std::unique_ptr<PreferenceStore> store;
     std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain
     std::unique_ptr<CommandRunning> runner;

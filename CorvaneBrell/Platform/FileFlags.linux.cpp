@@ -1,0 +1,9 @@
+#include "CorvaneBrell/Platform/FileFlags.h"
+
+namespace brell {
+
+bool isLocked(const struct stat&) {
+    return false;
+}
+
+}  // namespace brell

@@ -1,0 +1,19 @@
+// What could stand in the way of a change, or of its undoing, looked at before the first write of a run.
+#pragma once
+
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "CorvaneBrell/Machine.h"
+
+namespace brell {
+
+// Whole sentences for the user: about preference files that are symbolic links, belong to somebody else than
+// this user or are locked, and about a journal folder that can't be written. Nothing is changed and nothing
+// raised; a change is still safe, because each write is read back.
+std::vector<std::string> safetyWarnings(const Machine& machine, uid_t user = ::geteuid());
+
+}  // namespace brell
