@@ -42,6 +42,7 @@ void AppModel::confirmPreset() {
     if (!state_.presetRequest) return;
     const PresetPlan plan = state_.presetRequest->plan;
     cancelPreset();
+    set(&AppState::presetReport, {}, Property::presetReport);  // of an earlier one
     change("Applying " + plan.preset.name, plan.toApply(), [this, plan] {
         Change made;
         made.name = plan.preset.name;

@@ -85,15 +85,22 @@ void AppModel::confirmRelaunch() {
     if (!state_.relaunchRequest) return;
     const std::vector<Relauncher::Target> targets = state_.relaunchRequest->targets;
     cancelRelaunch();
+    set(&AppState::relaunchReport, std::nullopt, Property::relaunchReport);  // of an earlier one
     relaunchNext(targets, {});
 }
 
 void AppModel::relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines) {
     if (targets.empty()) {
         relaunch_ = nullptr;
+        set(&AppState::relaunchActivity, std::nullopt, Property::relaunchActivity);
         return set(&AppState::relaunchReport, join(lines, " "), Property::relaunchReport);
     }
     const Relauncher::Target target = targets.front();
+    const std::size_t total = lines.size() + targets.size();
+    set(&AppState::relaunchActivity,
+        Activity{"Relaunching " + std::string(Relauncher::facts(target).name), lines.size(),
+                 total == 1 ? 0 : total},
+        Property::relaunchActivity);
     targets.erase(targets.begin());
     const auto done = [this, target, targets, lines](Relauncher::Outcome outcome) {
         std::vector<std::string> soFar = lines;

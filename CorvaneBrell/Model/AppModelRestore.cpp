@@ -4,16 +4,15 @@
 #include <algorithm>
 
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/EntryText.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 
 namespace brell {
 
 namespace {
 
-// Every key that an entry puts back: "com.apple.dock autohide: back to absent".
-void addKeyLines(const JournalEntry& entry, std::vector<std::string>& lines) {
-    for (const JournaledWrite& write : entry.writes)
-        lines.push_back(write.key.rendered() + ": back to " + write.original.rendered());
+void append(const std::vector<std::string>& more, std::vector<std::string>& lines) {
+    lines.insert(lines.end(), more.begin(), more.end());
 }
 
 bool holdsAgent(const std::vector<JournalEntry>& entries, const std::vector<Uuid>& ids) {
@@ -66,10 +65,8 @@ void AppModel::askRestoreOf(std::string title, const std::vector<JournalEntry>& 
     RestoreRequest request{Uuid::random(), std::move(title), {}, {}};
     for (const JournalEntry& entry : entries) {
         request.entries.push_back(entry.id);
-        addKeyLines(entry, request.lines);
-        if (!entry.agent) continue;
-        const std::vector<std::string> commands = deps_->toggle.previewRestore(*entry.agent);
-        request.lines.insert(request.lines.end(), commands.begin(), commands.end());
+        append(putBackLines(entry), request.lines);
+        if (entry.agent) append(deps_->toggle.previewRestore(*entry.agent), request.lines);
     }
     set(&AppState::restoreRequest, std::move(request), Property::restoreRequest);
 }

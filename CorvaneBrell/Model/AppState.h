@@ -129,8 +129,9 @@ enum class Property {
     restoreRequest,
     presetRequest,
     presetReport,
-    undoProof,
+    undoProof,  // and whether it is complete
     undoStack,
+    relaunchActivity,
     changeActivity,
     readingActivity
 };
@@ -164,7 +165,9 @@ struct AppState {
     std::optional<PresetRequest> presetRequest;
     std::vector<std::string> presetReport;  // what the last preset came to, a sentence each
     std::optional<std::string> undoProof;   // "3 of 3 keys are exactly as before."
+    bool undoIsComplete = true;             // every key of undoProof is as before
     std::vector<SessionChange> undoStack;   // the last one is undone first
+    std::optional<Activity> relaunchActivity;
     std::optional<Activity> changeActivity;
     std::optional<Activity> readingActivity;
 };
