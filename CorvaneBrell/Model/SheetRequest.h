@@ -1,0 +1,33 @@
+// The one question that the window asks at a time.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "CorvaneBrell/Model/AppState.h"
+
+namespace brell {
+
+// Changes that an earlier run left unfinished.
+struct RecoveryRequest {
+    std::vector<JournalEntry> entries;
+    std::vector<std::string> failures;  // of the last attempt to put them back
+    bool operator==(const RecoveryRequest&) const = default;
+};
+
+// What a preset came to; nothing is left to decide.
+struct PresetReport {
+    std::vector<std::string> lines;
+    bool operator==(const PresetReport&) const = default;
+};
+
+// In the order of importance.
+using SheetRequest = std::variant<RecoveryRequest, DriftRequest, AgentConfirmRequest, RelaunchRequest,
+                                  RestoreRequest, PresetRequest, PresetReport>;
+
+// The most important question that waits. readReport is the preset's report that the user has read already.
+std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vector<std::string>& readReport);
+
+}  // namespace brell
