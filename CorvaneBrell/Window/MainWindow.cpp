@@ -1,0 +1,213 @@
+#include "CorvaneBrell/Window/MainWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPainter>
+#include <QStackedWidget>
+#include <QTimer>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/JournalPage.h"
+#include "CorvaneBrell/Window/LoginItemsPage.h"
+#include "CorvaneBrell/Window/NoticeBars.h"
+#include "CorvaneBrell/Window/PrivacyPage.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/SearchPage.h"
+#include "CorvaneBrell/Window/Sheet.h"
+#include "CorvaneBrell/Window/SheetPresenter.h"
+#include "CorvaneBrell/Window/Sidebar.h"
+#include "CorvaneBrell/Window/SpotlightPage.h"
+#include "CorvaneBrell/Window/TweakPage.h"
+
+namespace brell {
+
+namespace {
+
+constexpr QSize smallest(820, 560);
+constexpr QSize usual(1040, 720);
+
+Changes everything() {
+    Changes all;
+    for (int i = 0; i <= static_cast<int>(Property::readingActivity); ++i)
+        all.insert(static_cast<Property>(i));
+    return all;
+}
+
+QString windowTitle(const AppModel& model) {
+    if (model.options().sampleMac) return MainWindow::tr("Corvane Brell (sample Mac)");
+    if (model.options().dryRun) return MainWindow::tr("Corvane Brell (dry run)");
+    return MainWindow::tr("Corvane Brell");
+}
+
+}  // namespace
+
+MainWindow::MainWindow(AppModel& model, QWidget* parent)
+    : QMainWindow(parent),
+      model_(model),
+      sidebar_(new Sidebar(model)),
+      bars_(new NoticeBars(model)),
+      stack_(new QStackedWidget),
+      sheets_(new SheetPresenter(model, this)),
+      refresh_(new QTimer(this)) {
+    setWindowTitle(brell::windowTitle(model));
+    setMinimumSize(smallest);
+    auto* right = new QVBoxLayout;
+    right->setContentsMargins(0, 0, 0, 0);
+    right->setSpacing(0);
+    right->addWidget(bars_);
+    right->addWidget(stack_, 1);
+    auto* center = new QWidget;
+    auto* line = new QHBoxLayout(center);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(0);
+    line->addWidget(sidebar_);
+    line->addLayout(right, 1);
+    setCentralWidget(center);
+    makeMenus();
+
+    const std::optional<WindowPlace> place = model.windowPlace();
+    resize(place ? QSize(place->width, place->height).expandedTo(smallest) : usual);
+    if (place && !model.options().openGroup) model.show(place->screen);
+    connect(sidebar_, &Sidebar::searched, this, &MainWindow::search);
+    connect(sidebar_, &Sidebar::entered, this, &MainWindow::enterPage);
+    refresh_->setSingleShot(true);
+    connect(refresh_, &QTimer::timeout, this, &MainWindow::refreshNow);
+    model.setObserver([this](Property property) { modelChanged(property); });
+    refreshNow();
+    sidebar_->pages().setFocus();
+}
+
+MainWindow::~MainWindow() {
+    model_.setObserver(nullptr);
+}
+
+Page* MainWindow::currentPage() const {
+    return static_cast<Page*>(stack_->currentWidget());
+}
+
+void MainWindow::modelChanged(Property property) {
+    for (auto& [page, changes] : stale_) changes.insert(property);
+    if (!refresh_->isActive()) refresh_->start(0);
+}
+
+void MainWindow::refreshNow() {
+    refresh_->stop();
+    const bool searching = searchPage_ && stack_->currentWidget() == searchPage_;
+    if (!searching || static_cast<int>(model_.state().screen) != sidebar_->pages().currentRow())
+        showScreen(model_.state().screen);
+    sidebar_->refresh();
+    bars_->refresh();
+    refreshMenus();
+    Page* shown = currentPage();
+    Changes& changes = stale_.at(shown);
+    if (!changes.empty()) shown->refresh(std::exchange(changes, {}));
+    sheets_->refresh();
+}
+
+void MainWindow::showScreen(Screen screen) {
+    if (!sidebar_->search().text().isEmpty()) sidebar_->search().clear();
+    stack_->setCurrentWidget(page(screen));
+}
+
+Page* MainWindow::page(Screen screen) {
+    Page*& known = pages_[screen];
+    if (!known) {
+        known = makePage(screen);
+        stale_[known] = everything();
+        stack_->addWidget(known);
+    }
+    return known;
+}
+
+Page* MainWindow::makePage(Screen screen) {
+    switch (screen) {
+        case Screen::loginItems: return new LoginItemsPage(model_);
+        case Screen::privacy: return new PrivacyPage(model_);
+        case Screen::spotlight: return new SpotlightPage(model_);
+        case Screen::journal: return new JournalPage(model_);
+        case Screen::finder:
+        case Screen::dock:
+        case Screen::missionControl:
+        case Screen::animations:
+        case Screen::keyboardText:
+        case Screen::panelsDocuments:
+        case Screen::screenshots:
+        case Screen::misc: break;
+    }
+    auto* page = new TweakPage(model_, screen);
+    page->setChangedOnly(changedOnly_);
+    connect(page, &TweakPage::changedOnlyAsked, this, &MainWindow::setChangedOnly);
+    return page;
+}
+
+void MainWindow::setChangedOnly(bool changedOnly) {
+    changedOnly_ = changedOnly;
+    changedOnlyAction_->setChecked(changedOnly);
+    for (const auto& [screen, page] : pages_)
+        if (auto* tweaks = qobject_cast<TweakPage*>(page)) {
+            tweaks->setChangedOnly(changedOnly);
+            stale_[page].insert(Property::entries);
+        }
+    refreshNow();
+}
+
+void MainWindow::focusSearch() {
+    sidebar_->search().setFocus(Qt::ShortcutFocusReason);
+    sidebar_->search().selectAll();
+}
+
+// Without words the page that was left is shown again, at the place where it was.
+void MainWindow::search(const QString& query) {
+    if (query.trimmed().isEmpty()) {
+        stack_->setCurrentWidget(page(model_.state().screen));
+        return refreshNow();
+    }
+    if (!searchPage_) {
+        searchPage_ = new SearchPage(model_);
+        stale_[searchPage_] = everything();
+        stack_->addWidget(searchPage_);
+        connect(searchPage_, &SearchPage::screenAsked, this, [this](Screen screen) {
+            sidebar_->search().clear();
+            model_.show(screen);
+        });
+    }
+    searchPage_->setQuery(query);
+    stack_->setCurrentWidget(searchPage_);
+    refreshNow();
+}
+
+void MainWindow::enterPage() {
+    // The first control of the page: what Tab would reach next.
+    for (QWidget* widget : currentPage()->findChildren<QWidget*>())
+        if (widget->isVisible() && widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus)
+            return widget->setFocus(Qt::TabFocusReason);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    model_.keepWindowPlace({width(), height(), model_.state().screen});
+    event->accept();
+}
+
+// A change of the palette reaches what is painted from it, also where nothing else asks for painting.
+bool MainWindow::event(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange)
+        for (QWidget* widget : findChildren<QWidget*>()) widget->update();
+    return QMainWindow::event(event);
+}
+
+QImage MainWindow::picture() const {
+    QPixmap pixmap = const_cast<MainWindow*>(this)->grab();
+    if (Sheet* sheet = sheets_->current()) {
+        QPainter painter(&pixmap);
+        painter.fillRect(rect(), QColor(0, 0, 0, 70));
+        const QPixmap over = sheet->grab();
+        const QSize size = over.deviceIndependentSize().toSize();
+        painter.drawPixmap((width() - size.width()) / 2, std::max(24, (height() - size.height()) / 3), over);
+    }
+    return pixmap.toImage();
+}
+
+}  // namespace brell

@@ -1,0 +1,80 @@
+// The window: the sidebar, the bars, one page, and the menus.
+#pragma once
+
+#include <QMainWindow>
+#include <map>
+
+#include "CorvaneBrell/Window/Page.h"
+
+class QStackedWidget;
+class QTimer;
+
+namespace brell {
+
+class AppModel;
+class NoticeBars;
+class SearchPage;
+class SheetPresenter;
+class Sidebar;
+class TweakPage;
+
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+public:
+    // Becomes the model's observer; the model must outlive the window. Only the page the model shows is
+    // built.
+    explicit MainWindow(AppModel& model, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    AppModel& model() const { return model_; }
+    Sidebar& sidebar() const { return *sidebar_; }
+    NoticeBars& bars() const { return *bars_; }
+    SheetPresenter& sheets() const { return *sheets_; }
+    Page* currentPage() const;
+    std::size_t pagesBuilt() const { return pages_.size(); }
+
+    void setChangedOnly(bool changedOnly);
+    void focusSearch();
+
+    // Shows at once what otherwise waits for the next turn of the event loop.
+    void refreshNow();
+
+    // Everything of the window as it stands, with the open sheet over it.
+    QImage picture() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+
+private:
+    void modelChanged(Property property);
+    void showScreen(Screen screen);
+    void search(const QString& query);
+    void enterPage();
+    Page* page(Screen screen);
+    Page* makePage(Screen screen);
+
+    void makeMenus();
+    void makeFileMenu();
+    void makeEditMenu();
+    void makeViewMenu();
+    void makeOtherMenus();
+    void refreshMenus();
+
+    AppModel& model_;
+    Sidebar* sidebar_;
+    NoticeBars* bars_;
+    QStackedWidget* stack_;
+    SearchPage* searchPage_ = nullptr;  // made by the first search
+    SheetPresenter* sheets_;
+    QTimer* refresh_;
+    std::map<Screen, Page*> pages_;
+    std::map<const Page*, Changes> stale_;  // what each page has not shown yet
+    bool changedOnly_ = false;
+
+    QAction* undo_ = nullptr;
+    QAction* restoreAll_ = nullptr;
+    QAction* changedOnlyAction_ = nullptr;
+};
+
+}  // namespace brell

@@ -1,0 +1,111 @@
+// The menus of the window and their shortcuts.
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QUrl>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Version.h"
+#include "CorvaneBrell/Window/FileActions.h"
+#include "CorvaneBrell/Window/MainWindow.h"
+#include "CorvaneBrell/Window/PresetMenu.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Sidebar.h"
+
+namespace brell {
+
+namespace {
+
+void about(QWidget* window) {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, MainWindow::tr("About Corvane Brell"),
+                                MainWindow::tr("Corvane Brell %1").arg(QApplication::applicationVersion()),
+                                QMessageBox::Ok, window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setInformativeText(MainWindow::tr(
+        "Changes hidden preferences and switches your own LaunchAgents off and on. What a key held "
+        "before is saved before anything is written, and every change can be undone exactly."));
+    box->open();
+}
+
+}  // namespace
+
+void MainWindow::makeMenus() {
+    makeFileMenu();
+    makeEditMenu();
+    makeViewMenu();
+    makeOtherMenus();
+}
+
+void MainWindow::makeFileMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("File"));
+    menu->addAction(tr("Import Preset..."), QKeySequence(tr("Ctrl+O")), this,
+                    [this] { importPreset(model_, this); });
+    menu->addAction(tr("Export Preset..."), QKeySequence(tr("Ctrl+E")), this,
+                    [this] { exportPreset(model_, this); });
+    menu->addSeparator();
+    menu->addAction(tr("Save Report..."), QKeySequence::Save, this,
+                    [this] { FileActions::saveReport(model_, this); });
+    menu->addAction(tr("Save Restore Script..."), QKeySequence(tr("Ctrl+Shift+S")), this,
+                    [this] { FileActions::saveRestoreScript(model_, this); });
+    menu->addSeparator();
+    menu->addAction(tr("Close Window"), QKeySequence::Close, this, &QWidget::close);
+    QAction* quit = menu->addAction(tr("Quit Corvane Brell"), QKeySequence::Quit, this, &QWidget::close);
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::makeEditMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("Edit"));
+    undo_ = menu->addAction(tr("Undo"), QKeySequence::Undo, this, [this] { model_.undoLast(); });
+    menu->addSeparator();
+    menu->addAction(tr("Find"), QKeySequence::Find, this, &MainWindow::focusSearch);
+}
+
+void MainWindow::makeViewMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("View"));
+    for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) {
+        const auto screen = static_cast<Screen>(i);
+        QAction* action = menu->addAction(label(qt(title(screen))), this, [this, screen] {
+            sidebar_->search().clear();
+            model_.show(screen);
+        });
+        if (i < 9) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(i + 1)));
+    }
+    menu->addSeparator();
+    changedOnlyAction_ = menu->addAction(tr("Changed Only"), QKeySequence(tr("Ctrl+Shift+C")));
+    changedOnlyAction_->setCheckable(true);
+    connect(changedOnlyAction_, &QAction::triggered, this, &MainWindow::setChangedOnly);
+    menu->addAction(tr("Refresh"), QKeySequence(tr("Ctrl+R")), this, [this] { model_.refreshAll(); });
+}
+
+void MainWindow::makeOtherMenus() {
+    QMenu* changes = menuBar()->addMenu(tr("Changes"));
+    restoreAll_ = changes->addAction(tr("Restore All..."), this, [this] { model_.askRestoreAll(); });
+    changes->addAction(tr("Show Restore Script"), this,
+                       [this] { FileActions::showRestoreScript(model_, this); });
+
+    QMenu* window = menuBar()->addMenu(tr("Window"));
+    window->addAction(tr("Minimize"), QKeySequence(tr("Ctrl+M")), this, &QWidget::showMinimized);
+    window->addAction(tr("Zoom"), this, [this] { isMaximized() ? showNormal() : showMaximized(); });
+
+    QMenu* help = menuBar()->addMenu(tr("Help"));
+    QAction* aboutAction = help->addAction(tr("About Corvane Brell"), this, [this] { about(this); });
+    aboutAction->setMenuRole(QAction::AboutRole);
+    help->addAction(tr("Open the Journal's Folder"), this, [this] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(qt(model_.journalDirectory().string())));
+    });
+}
+
+// "Undo Hide the Dock automatically", grey when there is nothing to undo.
+void MainWindow::refreshMenus() {
+    const AppState& state = model_.state();
+    const bool canUndo = !state.undoStack.empty() && !state.startupError;
+    undo_->setEnabled(canUndo && !state.changeActivity);
+    undo_->setText(canUndo ? tr("Undo %1").arg(label(qt(state.undoStack.back().name))) : tr("Undo"));
+    restoreAll_->setEnabled(model_.changedCount(Screen::journal) > 0 && !state.startupError);
+}
+
+}  // namespace brell
