@@ -19,12 +19,20 @@ NoticeBar::NoticeBar(const QString& name, const QString& symbol, Tone tone, QWid
 }
 
 void NoticeBar::setWords(const QString& words) {
-    if (words != text_->toPlainText()) text_->setPlainText(words);
+    if (words != words_) {
+        words_ = words;
+        text_->setPlainText(words);
+        if (!heading_.isEmpty()) insertHeading();
+    }
     setVisible(!words.isEmpty());
 }
 
-QString NoticeBar::words() const {
-    return isHidden() ? QString() : text_->toPlainText();
+void NoticeBar::insertHeading() {
+    QTextCharFormat bold;
+    bold.setFontWeight(QFont::DemiBold);
+    QTextCursor cursor(text_->document());
+    cursor.insertText(heading_, bold);
+    cursor.insertBlock({}, {});
 }
 
 QPushButton* NoticeBar::addAction(const QString& text) {

@@ -17,16 +17,21 @@ public:
     // The name is what assistive technology calls the words.
     NoticeBar(const QString& name, const QString& symbol, Tone tone, QWidget* parent = nullptr);
 
-    // Shows the bar with these words, or hides it when there are none.
+    // Shows the bar with these words below a heading, if it has one; hides it when there are none.
     void setWords(const QString& words);
-    QString words() const;
+    void setHeading(const QString& heading) { heading_ = heading; }
+    QString words() const { return words_; }
     QPushButton* addAction(const QString& text);
 
 protected:
     void paintEvent(QPaintEvent*) override;
 
 private:
+    void insertHeading();
+
     Tone tone_;
+    QString heading_;
+    QString words_;
     SelectableText* text_;
     QHBoxLayout* line_;
 };

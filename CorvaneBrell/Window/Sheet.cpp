@@ -5,6 +5,7 @@
 #include "CorvaneBrell/Window/Card.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/SelectableText.h"
 
 namespace brell {
@@ -32,7 +33,7 @@ public:
 }  // namespace
 
 Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
-    : QDialog(window), content_(new QVBoxLayout), buttons_(new QHBoxLayout) {
+    : QDialog(window), content_(new QVBoxLayout), footnotes_(new QVBoxLayout), buttons_(new QHBoxLayout) {
     setWindowModality(Qt::WindowModal);
     setWindowFlag(Qt::Sheet);
     setWindowTitle(title);
@@ -57,6 +58,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
 
     buttons_->setSpacing(8);
     buttons_->addStretch(1);
+    column->addLayout(footnotes_);
     column->addLayout(buttons_);
     setMinimumWidth(420);
 }
@@ -73,6 +75,10 @@ QPushButton* Sheet::addButton(const QString& text) {
     auto* button = actionButton(text);
     buttons_->addWidget(button);
     return button;
+}
+
+void Sheet::addFootnote(const QString& text, const QString& symbol, Tone tone) {
+    footnotes_->addWidget(symbolLine(symbol, tone, text, this));
 }
 
 void Sheet::addLines(const QString& name, const QStringList& lines) {

@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "CorvaneBrell/Window/Appearance.h"
+
 namespace brell {
 
 class Sheet : public QDialog {
@@ -20,11 +22,15 @@ protected:
     QPushButton* addCancel(const QString& text = tr("Cancel"));
     QPushButton* addButton(const QString& text);
 
+    // A sentence that stays in sight above the buttons while the content scrolls.
+    void addFootnote(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);
+
     // A block of lines in the content, of commands or keys: to read, select and copy.
     void addLines(const QString& name, const QStringList& lines);
 
 private:
     QVBoxLayout* content_;
+    QVBoxLayout* footnotes_;
     QHBoxLayout* buttons_;
 };
 

@@ -1,0 +1,29 @@
+#include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
+
+#include "CorvaneBrell/Window/QtText.h"
+
+namespace brell {
+
+namespace {
+
+QString explanation(const AgentConfirmRequest& request) {
+    if (request.turningOn)
+        return QObject::tr(
+            "Brell runs exactly these commands: launchd starts it again, now and at each login.");
+    return QObject::tr(
+        "Brell runs exactly these commands: launchd stops it now and starts it no more at login. The file "
+        "that describes it stays as it is.");
+}
+
+}  // namespace
+
+AgentConfirmSheet::AgentConfirmSheet(AppModel& model, QWidget* window, const AgentConfirmRequest& request)
+    : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelAgents) {
+    addLines(tr("Commands"), qt(request.commands));
+    for (const std::string& refusal : request.refusals)
+        addNote("minus.circle", Tone::caution, tr("Left out: %1").arg(qt(refusal)));
+    addFootnote(tr("The journal keeps how it was, so that it can be put back."));
+    addAnswers(request.turningOn ? tr("Turn On") : tr("Turn Off"), [this] { this->model().confirmAgents(); });
+}
+
+}  // namespace brell

@@ -1,0 +1,57 @@
+#include "CorvaneBrell/Window/Sheets/DriftSheet.h"
+
+#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Window/QtText.h"
+
+namespace brell {
+
+namespace {
+
+// What restoring does beside the ticked ones; without anything else it does nothing until one is ticked.
+QString whatElse(const DriftRequest& request) {
+    const auto others = static_cast<int>(request.others.size());
+    if (others == 1) return QObject::tr("1 other change still is as Brell left it and is restored, too.");
+    if (others > 1)
+        return QObject::tr("%1 other changes still are as Brell left them and are restored, too.")
+            .arg(others);
+    return request.entries.size() == 1 ? QObject::tr("Tick the setting to restore it anyway.")
+                                       : QObject::tr("Nothing is restored until something is ticked.");
+}
+
+}  // namespace
+
+DriftSheet::DriftSheet(AppModel& model, QWidget* window, const DriftRequest& request)
+    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift) {
+    std::vector<QWidget*> rows;
+    for (const DriftedEntry& drifted : request.entries) rows.push_back(entryRow(drifted));
+    addCard(rows);
+    addFootnote(whatElse(request));
+    if (const auto& pending = model.state().pendingAfterDrift)
+        addNote("info.circle", Tone::plain,
+                tr("When it is restored, Brell changes %1 as you asked.").arg(qt(pending->tweak.title)));
+
+    const bool single = request.entries.size() == 1 && request.others.empty();
+    QPushButton* restore = addAnswers(single ? tr("Restore") : tr("Restore Ticked"),
+                                      [this] { this->model().confirmDrift(ticked()); });
+    if (!request.others.empty() || !restore->isEnabled()) return;
+    const auto enable = [this, restore] { restore->setEnabled(!ticked().empty()); };
+    for (const auto& [id, tick] : ticks_) connect(tick, &QCheckBox::toggled, restore, enable);
+    enable();
+}
+
+QWidget* DriftSheet::entryRow(const DriftedEntry& drifted) {
+    const QString title = qt(entryTitle(drifted.entry, model().catalog()));
+    auto* tick = new TickBox(title);
+    tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
+    ticks_.emplace_back(drifted.entry.id, tick);
+    return sheetRow({tick, keyLines(tr("Keys of %1").arg(title), drifted.lines)});
+}
+
+std::set<Uuid> DriftSheet::ticked() const {
+    std::set<Uuid> ids;
+    for (const auto& [id, tick] : ticks_)
+        if (tick->isChecked()) ids.insert(id);
+    return ids;
+}
+
+}  // namespace brell

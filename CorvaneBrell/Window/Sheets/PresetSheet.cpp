@@ -1,0 +1,73 @@
+#include "CorvaneBrell/Window/Sheets/PresetSheet.h"
+
+#include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
+
+namespace brell {
+
+namespace {
+
+// What becomes of one tweak: in words with their symbol, then the keys or the reason.
+struct Outcome {
+    QString symbol;
+    Tone tone;
+    QString text;
+    std::vector<std::string> keys;
+};
+
+struct OutcomeOf {
+    Outcome operator()(const AlreadySo&) const {
+        return {"checkmark.circle", Tone::positive, QObject::tr("Already so"), {}};
+    }
+    Outcome operator()(const WouldChange& change) const {
+        Outcome outcome{"chevron.right", Tone::accent, QObject::tr("Would change"), {}};
+        for (const KeyChange& key : change.keys) outcome.keys.push_back(key.rendered());
+        return outcome;
+    }
+    Outcome operator()(const WouldBeRefused& refused) const {
+        return {
+            "minus.circle", Tone::caution, QObject::tr("Would be refused: %1").arg(qt(refused.reason)), {}};
+    }
+};
+
+QWidget* stepRow(const PresetStep& step) {
+    const Outcome outcome = std::visit(OutcomeOf{}, step.outcome);
+    std::vector<QWidget*> parts{new Paragraph(qt(step.title), Paragraph::Look::heading),
+                                symbolLine(outcome.symbol, outcome.tone, outcome.text, nullptr)};
+    if (!outcome.keys.empty())
+        parts.push_back(keyLines(QObject::tr("Keys of %1").arg(qt(step.title)), outcome.keys));
+    return sheetRow(parts);
+}
+
+QString explanation(const PresetPlan& plan) {
+    const QString counts =
+        QObject::tr("%1 of %2 settings would change.").arg(plan.toApply().size()).arg(plan.steps.size());
+    return plan.preset.summary.empty() ? counts : qt(plan.preset.summary) + ' ' + counts;
+}
+
+}  // namespace
+
+PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& request)
+    : RequestSheet(model, window, tr("Apply %1?").arg(qt(request.plan.preset.name)),
+                   explanation(request.plan), &AppModel::cancelPreset) {
+    const PresetPlan& plan = request.plan;
+    std::vector<QWidget*> rows;
+    for (const PresetStep& step : plan.steps) rows.push_back(stepRow(step));
+    if (!rows.empty()) addCard(rows);
+    if (!plan.experimental.empty())
+        addNote("minus.circle", Tone::caution,
+                tr("Left out, because experimental tweaks are never applied by a preset: %1.")
+                    .arg(qt(plan.experimental).join(", ")));
+    if (!plan.unknown.empty())
+        addNote("questionmark.circle", Tone::caution,
+                tr("Left out, because this version of Brell does not know them: %1.")
+                    .arg(qt(plan.unknown).join(", ")));
+    QPushButton* apply = addAnswers(tr("Apply"), [this] { this->model().confirmPreset(); });
+    if (plan.toApply().empty()) {
+        apply->setEnabled(false);
+        addFootnote(tr("There is nothing to apply."));
+    }
+}
+
+}  // namespace brell

@@ -1,0 +1,41 @@
+#include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
+
+#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
+
+namespace brell {
+
+namespace {
+
+QWidget* entryRow(const JournalEntry& entry, const TweakCatalog& catalog) {
+    const QString title = qt(entryTitle(entry, catalog));
+    std::vector<QWidget*> parts{new Paragraph(title, Paragraph::Look::heading)};
+    if (entry.agent)
+        parts.push_back(new Paragraph(QObject::tr("A login item: it is switched back to how it was."),
+                                      Paragraph::Look::secondary));
+    else
+        parts.push_back(keyLines(QObject::tr("Keys of %1").arg(title), putBackLines(entry)));
+    if (entry.failure)
+        parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*entry.failure), nullptr));
+    return sheetRow(parts);
+}
+
+}  // namespace
+
+RecoverySheet::RecoverySheet(AppModel& model, QWidget* window, const RecoveryRequest& request)
+    : RequestSheet(model, window, tr("Brell was interrupted while changing a setting"),
+                   tr("The original values were saved before the change started. Restoring puts them back."),
+                   &AppModel::deferRecovery) {
+    for (const std::string& failure : request.failures)
+        addNote("exclamationmark.triangle", Tone::critical, qt(failure));
+    std::vector<QWidget*> rows;
+    for (const JournalEntry& entry : request.entries) rows.push_back(entryRow(entry, model.catalog()));
+    addCard(rows);
+    addFootnote(tr("The entries stay in the journal and Brell asks again at the next launch."));
+    addAnswers(
+        tr("Restore"), [this] { this->model().recover(); }, tr("Later"));
+}
+
+}  // namespace brell

@@ -1,0 +1,52 @@
+#include "CorvaneBrell/Window/Sheets/RequestSheet.h"
+
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+
+namespace brell {
+
+RequestSheet::RequestSheet(AppModel& model, QWidget* window, const QString& title, const QString& explanation,
+                           void (AppModel::*cancel)())
+    : Sheet(title, explanation, window), model_(model) {
+    connect(this, &QDialog::rejected, this, [this, cancel] { (model_.*cancel)(); });
+}
+
+QPushButton* RequestSheet::addAnswers(const QString& confirmText, std::function<void()> confirm,
+                                      const QString& cancelText) {
+    addCancel(cancelText);
+    QPushButton* button = addButton(confirmText);
+    connect(button, &QPushButton::clicked, this, [confirm = std::move(confirm)] { confirm(); });
+    if (const auto& reason = model_.state().startupError) {
+        button->setEnabled(false);
+        addFootnote(qt(*reason), "lock", Tone::critical);
+    }
+    return button;
+}
+
+void RequestSheet::addNote(const QString& symbol, Tone tone, const QString& text) {
+    content()->addWidget(symbolLine(symbol, tone, text, this));
+}
+
+void RequestSheet::addCard(const std::vector<QWidget*>& rows) {
+    auto* card = new Card;
+    for (QWidget* row : rows) card->add(row);
+    content()->addWidget(card);
+}
+
+QWidget* sheetRow(const std::vector<QWidget*>& parts) {
+    auto* row = new QWidget;
+    auto* column = new QVBoxLayout(row);
+    column->setContentsMargins(14, 8, 12, 9);
+    column->setSpacing(3);
+    for (QWidget* part : parts) column->addWidget(part);
+    return row;
+}
+
+QWidget* keyLines(const QString& name, const std::vector<std::string>& lines) {
+    auto* text = new SelectableText(name, SelectableText::Look::monospace);
+    text->setPlainText(qt(lines).join('\n'));
+    return text;
+}
+
+}  // namespace brell
