@@ -1,0 +1,19 @@
+// What is made of the journal for use elsewhere: the report and the restore script, as files or to read.
+#pragma once
+
+class QWidget;
+
+namespace brell {
+
+class AppModel;
+
+// Each opens a window of its own over the widget's and returns at once. The model must outlive the widget.
+namespace FileActions {
+
+void saveReport(AppModel& model, QWidget* over);
+void saveRestoreScript(AppModel& model, QWidget* over);
+void showRestoreScript(AppModel& model, QWidget* over);
+
+}  // namespace FileActions
+
+}  // namespace brell
