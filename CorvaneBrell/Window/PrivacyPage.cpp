@@ -1,0 +1,69 @@
+#include "CorvaneBrell/Window/PrivacyPage.h"
+
+#include <QPushButton>
+
+#include "CorvaneBrell/Window/Card.h"
+#include "CorvaneBrell/Window/DayText.h"
+#include "CorvaneBrell/Window/PaneButton.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/TweakList.h"
+
+namespace brell {
+
+PrivacyCardRow::PrivacyCardRow(AppModel& model, const PrivacyCard& card, QWidget* parent)
+    : Row(qt(card.title), parent), model_(model), card_(card) {
+    setObjectName(qt(card.id));
+    setWhat(tr("%1\nWho needs it: %2\nWhat to look for: %3")
+                .arg(qt(card.meaning), qt(card.whoNeedsIt), qt(card.whatToLookFor)));
+    auto* buttons = new QWidget;
+    auto* column = new QVBoxLayout(buttons);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
+    column->addWidget(paneButton(card.deepLink, tr("Privacy & Security, then %1").arg(qt(card.title))));
+    reviewed_ = actionButton(tr("Mark as reviewed"), "checkmark.circle");
+    reviewed_->setAccessibleName(tr("Mark as reviewed: %1").arg(qt(card.title)));
+    connect(reviewed_, &QPushButton::clicked, this, [this] { model_.markReviewed(card_.id); });
+    column->addWidget(reviewed_);
+    setControl(buttons);
+    refresh();
+}
+
+void PrivacyCardRow::refresh() {
+    const auto date = model_.reviewedDate(card_.id);
+    const QString state = date ? tr("Reviewed on %1").arg(dayText(*date)) : tr("Not reviewed yet");
+    std::vector<RowBadge> notices{
+        {state, date ? "checkmark.circle" : "questionmark.circle", date ? Tone::positive : Tone::plain, {}}};
+    if (!card_.paneConfirmed)
+        notices.push_back({tr("Not confirmed on this macOS: the button may open another pane."),
+                           "info.circle",
+                           Tone::plain,
+                           {}});
+    setNotices(notices);
+    reviewed_->setAccessibleDescription(state);
+}
+
+PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
+    : Page(qt(title(Screen::privacy)), qt(purpose(Screen::privacy)), parent), tweaks_(new TweakList(model)) {
+    std::vector<const Tweak*> tweaks;
+    for (const Tweak* tweak : model.offeredTweaks())
+        if (tweak->group == TweakGroup::privacy) tweaks.push_back(tweak);
+    tweaks_->show(tweaks);
+    tweaks_->setVisible(!tweaks.empty());
+    content()->addWidget(tweaks_);
+
+    content()->addWidget(sectionHeading(tr("To review by hand")));
+    auto* card = new Card;
+    for (const PrivacyCard& privacyCard : PrivacyChecklist::cards()) {
+        cards_.push_back(new PrivacyCardRow(model, privacyCard));
+        card->add(cards_.back());
+    }
+    content()->addWidget(card);
+}
+
+void PrivacyPage::refresh(const Changes& changed) {
+    tweaks_->refresh();
+    if (changed.contains(Property::reviewedTick))
+        for (PrivacyCardRow* card : cards_) card->refresh();
+}
+
+}  // namespace brell

@@ -1,0 +1,39 @@
+// Whether Spotlight indexes each volume.
+#pragma once
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/RecordList.h"
+#include "CorvaneBrell/Window/Row.h"
+
+namespace brell {
+
+class TweakList;
+class ReadingLine;
+
+class VolumeRow final : public Row {
+    Q_OBJECT
+public:
+    using Record = VolumeIndexStatus;
+
+    explicit VolumeRow(QWidget* parent = nullptr) : Row({}, parent) {}
+    static const std::string& keyOf(const Record& volume) { return volume.volume; }
+    void setRecord(const Record& volume);
+};
+
+class SpotlightPage final : public Page {
+    Q_OBJECT
+public:
+    // The model must outlive the page.
+    explicit SpotlightPage(AppModel& model, QWidget* parent = nullptr);
+    void refresh(const Changes& changed) override;
+
+private:
+    AppModel& model_;
+    bool asked_ = false;
+    TweakList* tweaks_;
+    ReadingLine* reading_;
+    RecordList<VolumeRow>* volumes_;
+};
+
+}  // namespace brell
