@@ -100,6 +100,8 @@ public:
     void askAgents(const std::vector<std::string>& rowIDs, bool turnOn);
     void confirmAgents();
     void cancelAgents();
+    // Nothing when the agent can be switched; else a whole sentence. Reads its job file.
+    std::optional<std::string> whyNotSwitched(const LaunchAgentRecord& agent) const;
 
     void loadLoginItems();
     void loadAgentDrift();  // only that; loadLoginItems does it, too

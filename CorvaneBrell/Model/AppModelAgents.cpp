@@ -142,6 +142,13 @@ void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
     set(&AppState::agentConfirm, std::move(request), Property::agentConfirm);
 }
 
+std::optional<std::string> AppModel::whyNotSwitched(const LaunchAgentRecord& agent) const try {
+    deps_->toggle.validate(agent);
+    return std::nullopt;
+} catch (const std::exception& error) {
+    return error.what();
+}
+
 void AppModel::cancelAgents() {
     set(&AppState::agentConfirm, std::nullopt, Property::agentConfirm);
 }

@@ -1,0 +1,151 @@
+#include "CorvaneBrell/Window/LoginItemView.h"
+
+#include <QPushButton>
+
+#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Window/FactList.h"
+#include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Switch.h"
+
+namespace brell {
+
+namespace {
+
+RowBadge badgeOf(const ShownLoginItem& item) {
+    if (item.change && item.row.isOn)
+        return {QObject::tr("On by Brell"), "checkmark.circle", Tone::positive, {}};
+    if (item.change) return {QObject::tr("Off by Brell"), "minus.circle", Tone::positive, {}};
+    if (item.row.isOn) return {QObject::tr("On"), "checkmark.circle", Tone::positive, {}};
+    return {QObject::tr("Off"), "minus.circle", Tone::plain, {}};
+}
+
+std::vector<RowBadge> badgesOf(const ShownLoginItem& item) {
+    // The switch says as much.
+    if (item.row.badge == LoginItemBadge::toggleable && !item.change) return {};
+    return {badgeOf(item)};
+}
+
+std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
+    const LoginItemRow& row = item.row;
+    std::vector<RowBadge> notices;
+    const auto warn = [&](const QString& text) {
+        notices.push_back({text, "exclamationmark.triangle", Tone::caution, {}});
+    };
+    if (item.drift) warn(QObject::tr("Changed outside Brell. %1").arg(qt(*item.drift)));
+    if (row.isCrashLooping) warn(QObject::tr("keeps crashing and restarting"));
+    if (row.allowedInSystemSettings == false)
+        notices.push_back({QObject::tr("not allowed in System Settings"), "hand.raised", Tone::caution, {}});
+    if (row.explanation.risk != Risk::low)
+        warn(QObject::tr("Risk: %1").arg(qt(label(row.explanation.risk)).toLower()));
+    if (row.explanation.isUpdater)
+        notices.push_back(
+            {QObject::tr("Updates or security: turning it off costs protection"), "lock", Tone::plain, {}});
+    return notices;
+}
+
+QString loadedText(const LoadedState& loaded) {
+    if (loaded.isUnknown()) return QObject::tr("Not known");
+    if (!loaded.isLoaded()) return QObject::tr("Not loaded");
+    QStringList parts{QObject::tr("Loaded")};
+    if (!loaded.state.empty()) parts << qt(loaded.state);
+    if (loaded.pid) parts << QObject::tr("process %1").arg(*loaded.pid);
+    if (loaded.runs) parts << QObject::tr("started %1 times").arg(*loaded.runs);
+    if (loaded.lastExitCode) parts << QObject::tr("last exit code %1").arg(*loaded.lastExitCode);
+    return parts.join(", ");
+}
+
+FactList* factsOf(const LoginItemRow& row) {
+    const AgentExplanation& explanation = row.explanation;
+    auto* facts = new FactList;
+    facts->add(QObject::tr("App"), qt(explanation.app));
+    facts->add(QObject::tr("What it does"), qt(explanation.what));
+    facts->add(QObject::tr("What stops"), qt(explanation.stops));
+    facts->add(QObject::tr("Risk"), qt(label(explanation.risk)));
+    facts->add(QObject::tr("Updater"),
+               explanation.isUpdater ? QObject::tr("Yes, it keeps software up to date or protects the Mac")
+                                     : QObject::tr("No"));
+    if (row.record) {
+        facts->add(QObject::tr("Label"), qt(row.record->label().value_or("None")));
+        facts->add(QObject::tr("File"), qt(row.record->plist.path));
+        facts->add(QObject::tr("Runs"), qt(row.record->plist.executable().value_or("")));
+        facts->add(QObject::tr("Starts"), qt(row.record->plist.trigger()));
+        facts->add(QObject::tr("In launchd"), loadedText(row.record->loaded));
+    }
+    if (row.btm) {
+        facts->add(QObject::tr("Developer"), qt(row.btm->developer.value_or("")));
+        facts->add(QObject::tr("Place"), qt(row.btm->url.value_or("")));
+    }
+    return facts;
+}
+
+}  // namespace
+
+LoginItemView::LoginItemView(AppModel& model, QWidget* parent) : Row({}, parent), model_(model) {
+    setDetails([this] { return makeDetails(); });
+}
+
+void LoginItemView::setRecord(const Record& record) {
+    if (record_ == record) return;
+    record_ = record;
+    setObjectName(qt(record.row.id));
+    setTitle(qt(record.row.title));
+    setWhat(qt(record.row.subtitle));
+    setBadges(badgesOf(record));
+    const bool isOffered = record.row.badge == LoginItemBadge::toggleable;
+    const auto refusal = isOffered ? model_.whyNotSwitched(*record.row.record) : std::nullopt;
+    std::vector<RowBadge> notices = noticesOf(record);
+    if (refusal) notices.push_back({qt(*refusal), "lock", Tone::plain, {}});
+    setNotices(notices);
+    showSwitch(isOffered, !refusal && !record.isLocked);
+    if (detailsColumn_) fillDetails();
+}
+
+void LoginItemView::showSwitch(bool isOffered, bool canSwitch) {
+    const LoginItemRow& row = record_->row;
+    if (isOffered && !switch_) {
+        switch_ = new Switch;
+        connect(switch_, &Switch::clicked, this,
+                [this] { model_.askAgents({record_->row.id}, !record_->row.isOn); });
+        setControl(switch_);
+    }
+    if (!switch_) return;
+    switch_->setVisible(isOffered);
+    switch_->setChecked(row.isOn);
+    switch_->setEnabled(canSwitch);
+    switch_->setAccessibleName(qt(row.title));
+    switch_->setAccessibleDescription(
+        tr("%1. Shows the commands and asks first; takes effect at once.").arg(qt(row.subtitle)));
+}
+
+QWidget* LoginItemView::makeDetails() {
+    auto* holder = new QWidget;
+    detailsColumn_ = new QVBoxLayout(holder);
+    detailsColumn_->setContentsMargins(0, 2, 40, 4);
+    fillDetails();
+    return holder;
+}
+
+void LoginItemView::fillDetails() {
+    if (facts_) {
+        facts_->hide();
+        facts_->deleteLater();  // its button may be what was clicked
+    }
+    facts_ = new QWidget;
+    auto* column = new QVBoxLayout(facts_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(10);
+    column->addWidget(factsOf(record_->row));
+    if (record_->change) {
+        const QString wayBack = qt(JournalWords::wayBack(*record_->change));
+        auto* restore = actionButton(tr("Restore: back to %1").arg(wayBack), "arrow.uturn.backward");
+        restore->setAccessibleName(tr("Restore %1: back to %2").arg(qt(record_->row.title), wayBack));
+        restore->setEnabled(!record_->isLocked);
+        connect(restore, &QPushButton::clicked, this,
+                [this, id = record_->change->id] { model_.askRestore(id); });
+        column->addWidget(restore, 0, Qt::AlignLeft);
+    }
+    detailsColumn_->addWidget(facts_);
+}
+
+}  // namespace brell

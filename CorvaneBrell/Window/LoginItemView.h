@@ -1,0 +1,45 @@
+// The row of one login item: its switch where Brell may use it, and what the item is.
+#pragma once
+
+#include <optional>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/Row.h"
+
+class QVBoxLayout;
+
+namespace brell {
+
+class Switch;
+
+struct ShownLoginItem {
+    LoginItemRow row;
+    std::optional<JournalEntry> change;  // ours, while it is active
+    std::optional<std::string> drift;    // what somebody did to it since
+    bool isLocked;                       // nothing can be changed at all
+    bool operator==(const ShownLoginItem&) const = default;
+};
+
+class LoginItemView final : public Row {
+    Q_OBJECT
+public:
+    using Record = ShownLoginItem;
+
+    // The model must outlive the row.
+    explicit LoginItemView(AppModel& model, QWidget* parent = nullptr);
+    static const std::string& keyOf(const Record& record) { return record.row.id; }
+    void setRecord(const Record& record);
+
+private:
+    void showSwitch(bool isOffered, bool canSwitch);
+    QWidget* makeDetails();
+    void fillDetails();
+
+    AppModel& model_;
+    std::optional<Record> record_;
+    Switch* switch_ = nullptr;
+    QVBoxLayout* detailsColumn_ = nullptr;
+    QWidget* facts_ = nullptr;
+};
+
+}  // namespace brell

@@ -1,0 +1,136 @@
+#include "CorvaneBrell/Window/LoginItemsPage.h"
+
+#include <QPushButton>
+#include <algorithm>
+
+#include "CorvaneBrell/Window/PaneButton.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/ReadingLine.h"
+
+namespace brell {
+
+namespace {
+
+bool concernsItems(const Changes& changed) {
+    constexpr std::array shown{Property::loginItems, Property::entries, Property::driftedAgents,
+                               Property::startupError};
+    return std::any_of(shown.begin(), shown.end(),
+                       [&](Property property) { return changed.contains(property); });
+}
+
+}  // namespace
+
+LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
+    : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
+      model_(model),
+      filter_(new QLineEdit),
+      reading_(new ReadingLine),
+      withoutDatabase_(
+          symbolLine("info.circle", Tone::plain,
+                     tr("The background task database could not be read, so items that apps added "
+                        "themselves may be missing here. An administrator can read it."),
+                     nullptr)),
+      emptyAction_(addEmptyAction({})) {
+    addTools();
+    content()->addWidget(reading_);
+    content()->addWidget(withoutDatabase_);
+    withoutDatabase_->hide();
+    addGroups();
+    connect(emptyAction_, &QPushButton::clicked, this, [this] { takeEmptyAction(); });
+}
+
+void LoginItemsPage::addTools() {
+    filter_->setPlaceholderText(tr("Filter"));
+    filter_->setAccessibleName(tr("Filter the login items"));
+    filter_->setClearButtonEnabled(true);
+    filter_->setMinimumSize(120, 28);
+    filter_->setMaximumWidth(200);
+    connect(filter_, &QLineEdit::textChanged, this, [this] { showItems(); });
+    auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
+    again->setAccessibleName(tr("Refresh the login items"));
+    connect(again, &QPushButton::clicked, this, [this] { model_.loadLoginItems(); });
+    tools()->addWidget(filter_);
+    tools()->addWidget(again);
+    tools()->addWidget(paneButton(*settingsLink(Screen::loginItems), tr("General, then Login Items")));
+}
+
+void LoginItemsPage::addGroups() {
+    for (const LoginItemBadge badge :
+         {LoginItemBadge::toggleable, LoginItemBadge::adminOnly, LoginItemBadge::appManaged}) {
+        auto* group = new Group(qt(text(badge)), [this] { return new LoginItemView(model_); });
+        connect(group, &RowColumn::moreWanted, this, [this] { showItems(); });
+        content()->addWidget(group);
+        groups_.emplace_back(badge, group);
+    }
+}
+
+void LoginItemsPage::refresh(const Changes& changed) {
+    if (!asked_) model_.loadLoginItems();
+    asked_ = true;
+    reading_->setActivity(model_.state().readingActivity);
+    withoutDatabase_->setVisible(model_.state().btmUnavailable);
+    if (concernsItems(changed)) showItems();
+    showEmptyState();
+}
+
+void LoginItemsPage::showItems() {
+    changes_.clear();
+    for (const JournalEntry& entry : model_.state().entries)
+        if (entry.agent && entry.isActive()) changes_.push_back(entry);
+    matching_ = 0;
+    for (const auto& [badge, group] : groups_) {
+        std::vector<ShownLoginItem> first;
+        std::size_t all = 0;
+        for (const LoginItemRow& row : model_.state().loginItems)
+            if (row.badge == badge && matchesFilter(row) && all++ < group->limit())
+                first.push_back(shown(row));
+        group->setRecords(first, all);
+        matching_ += all;
+    }
+    showEmptyState();
+}
+
+bool LoginItemsPage::matchesFilter(const LoginItemRow& row) const {
+    const QString wanted = filter_->text().trimmed();
+    const std::string label = row.record ? row.record->label().value_or("") : std::string();
+    for (const std::string* text : {&row.title, &row.subtitle, &label, &row.explanation.app})
+        if (qt(*text).contains(wanted, Qt::CaseInsensitive)) return true;
+    return false;
+}
+
+ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row) const {
+    ShownLoginItem item{row, std::nullopt, std::nullopt, model_.state().startupError.has_value()};
+    // What is not the user's own may have the same label.
+    if (!row.record || row.record->scope != AgentScope::user || !row.record->label()) return item;
+    const std::string id = agentTweakID(*row.record->label());
+    for (const JournalEntry& entry : changes_)
+        if (entry.tweakID == id) item.change = entry;
+    for (const AgentDrift& drift : model_.state().driftedAgents)
+        if (item.change && drift.entry.id == item.change->id) item.drift = drift.line;
+    return item;
+}
+
+void LoginItemsPage::showEmptyState() {
+    const AppState& state = model_.state();
+    if (matching_ > 0) return setEmptyState({});
+    emptyAction_->setVisible(state.loginItemsLoaded);
+    if (!state.loginItems.empty()) {
+        emptyAction_->setText(tr("Show All"));
+        setEmptyState(tr("No login item has “%1” in its name, label or app.").arg(filter_->text().trimmed()));
+    } else if (state.loginItemsLoaded) {
+        emptyAction_->setText(tr("Read Again"));
+        setEmptyState(
+            tr("Nothing was found that starts by itself, neither in the folders of launchd nor in the "
+               "background task database."));
+    } else {
+        setEmptyState(tr("The login items are being read."));
+    }
+}
+
+void LoginItemsPage::takeEmptyAction() {
+    if (model_.state().loginItems.empty()) return model_.loadLoginItems();
+    filter_->clear();
+    filter_->setFocus();
+}
+
+}  // namespace brell
