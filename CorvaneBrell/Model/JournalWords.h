@@ -1,0 +1,29 @@
+// What the journal page says about changes: what was done, where the way back leads, what became of them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Journal/History.h"
+
+namespace brell {
+
+namespace JournalWords {
+
+// One for each key: "com.apple.dock autohide: true; back to absent". For an agent how it was switched.
+std::vector<std::string> keyLines(const JournalEntry& entry);
+
+// Where a restore leads: "absent"; with several keys "autohide absent, tilesize 36"; for an agent "on".
+std::string wayBack(const JournalEntry& entry);
+
+// "Applied", "Restored", "Failed: reason", "Interrupted".
+std::string event(const HistoryLine& line);
+
+// The places of the lines that tell something, newest first. The beginning of a change that came to its end
+// says nothing that its end does not.
+std::vector<std::size_t> tellingLines(const std::vector<HistoryLine>& history);
+
+}  // namespace JournalWords
+
+}  // namespace brell

@@ -1,0 +1,69 @@
+#include "CorvaneBrell/Window/HistoryList.h"
+
+#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Window/DayText.h"
+#include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/QtText.h"
+
+namespace brell {
+
+HistoryList::HistoryList(AppModel& model, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      range_(new ChoiceBox),
+      nothing_(new Paragraph(tr("Nothing is recorded for this time."), Paragraph::Look::secondary)),
+      events_(new RecordList<HistoryRow>({}, [] { return new HistoryRow; })) {
+    range_->setAccessibleName(tr("How far back the history goes"));
+    range_->addItem(tr("7 days"), 7);
+    range_->addItem(tr("30 days"), 30);
+    range_->addItem(tr("Everything"));
+    range_->setCurrentIndex(2);  // as the model starts
+    connect(range_, &QComboBox::activated, this, [this] {
+        const QVariant days = range_->currentData();
+        model_.loadHistory(days.isValid() ? std::optional(days.toInt()) : std::nullopt);
+    });
+    connect(events_, &RowColumn::moreWanted, this, &HistoryList::showFirst);
+
+    auto* head = new QHBoxLayout;
+    head->addWidget(sectionHeading(tr("History")), 1);
+    head->addWidget(range_);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(7);
+    column->addLayout(head);
+    column->addWidget(nothing_);
+    column->addWidget(events_);
+}
+
+void HistoryList::refresh() {
+    telling_ = JournalWords::tellingLines(model_.state().history);
+    nothing_->setVisible(telling_.empty());
+    showFirst();
+}
+
+void HistoryList::showFirst() {
+    std::vector<HistoryEvent> events;
+    QString day;
+    const std::size_t shown = std::min(telling_.size(), events_->limit());
+    for (std::size_t i = 0; i < shown; ++i) {
+        const std::size_t place = telling_[i];
+        const QString itsDay = dayText(model_.state().history[place].at);
+        HistoryEvent event = eventAt(place);
+        if (itsDay != day) events.push_back({"day above " + event.key, itsDay, {}, {}, event.event});
+        day = itsDay;
+        events.push_back(std::move(event));
+    }
+    events_->setRecords(events, events.size() + telling_.size() - shown);
+}
+
+HistoryEvent HistoryList::eventAt(std::size_t place) const {
+    const HistoryLine& line = model_.state().history[place];
+    return {std::to_string(place),
+            {},
+            clockText(line.at),
+            tr("%1 · %2").arg(qt(entryTitle(line.entry, model_.catalog())), qt(JournalWords::event(line))),
+            line.event};
+}
+
+}  // namespace brell

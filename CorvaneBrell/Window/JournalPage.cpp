@@ -1,0 +1,223 @@
+#include "CorvaneBrell/Window/JournalPage.h"
+
+#include <QGridLayout>
+#include <QPushButton>
+#include <algorithm>
+
+#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Model/TerminalCommands.h"
+#include "CorvaneBrell/Model/UndoProof.h"
+#include "CorvaneBrell/Window/CopyButton.h"
+#include "CorvaneBrell/Window/FileActions.h"
+#include "CorvaneBrell/Window/HistoryList.h"
+#include "CorvaneBrell/Window/QtText.h"
+
+namespace brell {
+
+namespace {
+
+bool concernsChanges(const Changes& changed) {
+    constexpr std::array shown{Property::entries, Property::drifted, Property::driftedAgents,
+                               Property::interrupted, Property::startupError};
+    return std::any_of(shown.begin(), shown.end(),
+                       [&](Property property) { return changed.contains(property); });
+}
+
+std::vector<JournalEntry> activeOf(const std::vector<JournalEntry>& entries) {
+    std::vector<JournalEntry> active;
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(active),
+                 [](const JournalEntry& entry) { return entry.isActive(); });
+    return active;
+}
+
+}  // namespace
+
+JournalPage::JournalPage(AppModel& model, QWidget* parent)
+    : Page(qt(title(Screen::journal)), qt(purpose(Screen::journal)), parent),
+      model_(model),
+      restoreAll_(actionButton(tr("Restore All"), "arrow.uturn.backward")),
+      summary_(new Paragraph),
+      proof_(new QVBoxLayout),
+      drifted_(new RecordList<DriftedChangeRow>({},
+                                                [this] {
+                                                    auto* row = new DriftedChangeRow(model_);
+                                                    connect(row, &DriftedChangeRow::ticked, this,
+                                                            &JournalPage::showTicks);
+                                                    return row;
+                                                })),
+      applyAgain_(actionButton(tr("Apply Again"), "arrow.clockwise")),
+      driftSection_(driftSection()),
+      active_(new RecordList<ActiveChangeRow>(tr("Active changes"),
+                                              [this] { return new ActiveChangeRow(model_); })),
+      files_(fileActions()),
+      history_(new HistoryList(model)) {
+    restoreAll_->setAccessibleDescription(tr("Shows every key it will put back and asks first."));
+    connect(restoreAll_, &QPushButton::clicked, this, [this] { model_.askRestoreAll(); });
+    connect(active_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
+    connect(drifted_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
+    tools()->addWidget(restoreAll_);
+    content()->addWidget(summary_);
+    content()->addLayout(proof_);
+    for (QWidget* part : std::initializer_list<QWidget*>{driftSection_, active_, files_, history_})
+        content()->addWidget(part);
+}
+
+QWidget* JournalPage::driftSection() {
+    auto* section = new QWidget;
+    auto* column = new QVBoxLayout(section);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(7);
+    column->addWidget(sectionHeading(tr("Changed outside Brell")));
+    column->addWidget(
+        new Paragraph(tr("macOS or another tool changed these since. Applying again puts back what "
+                         "Brell wrote and keeps the first original."),
+                      Paragraph::Look::secondary));
+    column->addWidget(drifted_);
+    column->addWidget(applyAgain_, 0, Qt::AlignLeft);
+    connect(applyAgain_, &QPushButton::clicked, this, [this] { model_.applyAgain(ticked()); });
+    return section;
+}
+
+QWidget* JournalPage::fileActions() {
+    auto* section = new QWidget;
+    auto* column = new QVBoxLayout(section);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(7);
+    column->addWidget(sectionHeading(tr("Report and restore script")));
+    auto* buttons = new QGridLayout;
+    buttons->setSpacing(8);
+    buttons->setColumnStretch(2, 1);
+    column->addLayout(buttons);
+    const auto add = [&](int place, QPushButton* button) {
+        buttons->addWidget(button, place / 2, place % 2);
+    };
+    const auto addAction = [&](int place, const QString& text, void (*action)(AppModel&, QWidget*)) {
+        auto* button = actionButton(text, "doc.text");
+        connect(button, &QPushButton::clicked, this, [this, action] { action(model_, this); });
+        add(place, button);
+    };
+    addAction(0, tr("Save Report…"), FileActions::saveReport);
+    addAction(1, tr("Save Restore Script…"), FileActions::saveRestoreScript);
+    copyCommands_ = copyButton(tr("Copy as Terminal Command"), tr("all active changes"),
+                               [this] { return terminalCommands(); });
+    add(2, copyCommands_);
+    addAction(3, tr("Show Restore Script"), FileActions::showRestoreScript);
+    return section;
+}
+
+void JournalPage::refresh(const Changes& changed) {
+    if (!asked_) model_.loadAgentDrift();
+    asked_ = true;
+    if (changed.contains(Property::undoProof)) showProof();
+    if (concernsChanges(changed)) showChanges();
+    if (changed.contains(Property::history)) history_->refresh();
+}
+
+void JournalPage::showProof() {
+    delete proofLine_;
+    proofLine_ = nullptr;
+    const AppState& state = model_.state();
+    if (!state.undoProof) return;
+    proofLine_ = symbolLine(state.undoIsComplete ? "checkmark.circle" : "exclamationmark.triangle",
+                            state.undoIsComplete ? Tone::positive : Tone::caution,
+                            tr("Last undo: %1").arg(qt(*state.undoProof).trimmed()), this);
+    proof_->addWidget(proofLine_);
+}
+
+void JournalPage::showChanges() {
+    std::vector<DriftedChange> drifted = driftedChanges();
+    std::set<Uuid> driftedIDs;
+    for (const DriftedChange& change : drifted) driftedIDs.insert(change.entry.id);
+    const bool isAnyActive = model_.changedCount(Screen::journal) > 0;
+    showDrifted(std::move(drifted));
+    showActive(driftedIDs);
+    showSummary(driftedIDs.size());
+    restoreAll_->setEnabled(isAnyActive && !isLocked());
+    copyCommands_->setEnabled(isAnyActive);
+    // What a throw-away journal has to say is not asked for.
+    history_->setVisible(!isLocked());
+    files_->setVisible(!isLocked());
+}
+
+void JournalPage::showSummary(std::size_t drifted) {
+    const AppState& state = model_.state();
+    const std::size_t active = model_.changedCount(Screen::journal);
+    QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
+    if (drifted > 0) parts << tr("%1 changed outside Brell").arg(drifted);
+    if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
+    summary_->setText(parts.join(", ") + ".");
+    summary_->setVisible(active > 0);
+    if (active > 0) return setEmptyState({});
+    if (isLocked())
+        setEmptyState(tr("The change journal could not be opened, so there is nothing to show here."));
+    else if (state.entries.empty())
+        setEmptyState(
+            tr("Brell has changed nothing yet. Every change will be listed here, with the way back."));
+    else
+        setEmptyState(tr("No change is active: every setting Brell changed is back to what it was."));
+}
+
+// What is restored already stays in the list of drifted agents until they are read again.
+std::vector<DriftedChange> JournalPage::driftedChanges() const {
+    const AppState& state = model_.state();
+    std::vector<DriftedChange> changes;
+    for (const DriftedEntry& drifted : state.drifted)
+        changes.push_back(driftedChange(drifted.entry, drifted.lines));
+    for (const AgentDrift& agent : state.driftedAgents)
+        if (std::find(state.entries.begin(), state.entries.end(), agent.entry) != state.entries.end())
+            changes.push_back(driftedChange(agent.entry, {agent.line}));
+    return changes;
+}
+
+DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const {
+    return {entry, entryTitle(entry, model_.catalog()), std::move(lines),
+            madeOnAnotherMacOS(entry, model_.macOSVersion()), isLocked()};
+}
+
+void JournalPage::showDrifted(std::vector<DriftedChange> drifted) {
+    const std::size_t all = drifted.size();
+    const std::size_t shown = std::min(all, drifted_->limit());
+    drifted.erase(drifted.begin() + static_cast<std::ptrdiff_t>(shown), drifted.end());
+    drifted_->setRecords(drifted, all);
+    driftSection_->setVisible(all > 0);
+    showTicks();
+}
+
+void JournalPage::showActive(const std::set<Uuid>& drifted) {
+    const AppState& state = model_.state();
+    std::set<Uuid> interrupted;
+    for (const JournalEntry& entry : state.interrupted) interrupted.insert(entry.id);
+    const std::vector<JournalEntry> active = activeOf(state.entries);
+    std::vector<ActiveChange> shown;
+    std::size_t all = 0;
+    for (const JournalEntry& entry : active) {
+        if (drifted.contains(entry.id) || all++ >= active_->limit()) continue;
+        shown.push_back({entry, entryTitle(entry, model_.catalog()),
+                         madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
+                         entry.id == active.front().id, isLocked()});
+    }
+    active_->setRecords(shown, all);
+}
+
+std::vector<Uuid> JournalPage::ticked() const {
+    std::vector<Uuid> ids;
+    for (const auto& [key, row] : drifted_->rows())
+        if (row->isTicked()) ids.push_back(row->entryID());
+    return ids;
+}
+
+void JournalPage::showTicks() {
+    const std::size_t count = ticked().size();
+    applyAgain_->setEnabled(count > 0);
+    applyAgain_->setText(count == 0 ? tr("Apply Again") : tr("Apply %1 Again").arg(count));
+    applyAgain_->setAccessibleDescription(count == 0 ? tr("Tick what is to be applied again.") : QString());
+}
+
+QString JournalPage::terminalCommands() const {
+    std::vector<JournalEntry> oldestFirst = activeOf(model_.state().entries);
+    std::reverse(oldestFirst.begin(), oldestFirst.end());
+    return qt(TerminalCommands::making(oldestFirst, model_.catalog()));
+}
+
+}  // namespace brell
