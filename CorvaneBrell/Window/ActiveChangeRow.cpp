@@ -45,6 +45,7 @@ ActiveChangeRow::ActiveChangeRow(AppModel& model, QWidget* parent)
     column->setSpacing(6);
     column->addWidget(restore_);
     column->addWidget(undoSince_);
+    restore_->setMinimumWidth(undoSince_->sizeHint().width());  // also where it stands alone
     setControl(buttons);
     connect(restore_, &QPushButton::clicked, this, [this] { model_.askRestore(record_->entry.id); });
     connect(undoSince_, &QPushButton::clicked, this, [this] { model_.askUndoSince(record_->entry.id); });

@@ -26,7 +26,8 @@ HistoryList::HistoryList(AppModel& model, QWidget* parent)
     connect(events_, &RowColumn::moreWanted, this, &HistoryList::showFirst);
 
     auto* head = new QHBoxLayout;
-    head->addWidget(sectionHeading(tr("History")), 1);
+    head->addWidget(sectionHeading(tr("History")), 0, Qt::AlignVCenter);
+    head->addStretch(1);
     head->addWidget(range_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

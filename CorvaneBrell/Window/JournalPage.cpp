@@ -144,7 +144,7 @@ void JournalPage::showSummary(std::size_t drifted) {
     const AppState& state = model_.state();
     const std::size_t active = model_.changedCount(Screen::journal);
     QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
-    if (drifted > 0) parts << tr("%1 changed outside Brell").arg(drifted);
+    if (drifted > 0) parts << tr("%1 of them changed outside Brell").arg(drifted);
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
     summary_->setText(parts.join(", ") + ".");
     summary_->setVisible(active > 0);

@@ -50,7 +50,9 @@ QString loadedText(const LoadedState& loaded) {
     QStringList parts{QObject::tr("Loaded")};
     if (!loaded.state.empty()) parts << qt(loaded.state);
     if (loaded.pid) parts << QObject::tr("process %1").arg(*loaded.pid);
-    if (loaded.runs) parts << QObject::tr("started %1 times").arg(*loaded.runs);
+    if (loaded.runs)
+        parts << (*loaded.runs == 1 ? QObject::tr("started once")
+                                    : QObject::tr("started %1 times").arg(*loaded.runs));
     if (loaded.lastExitCode) parts << QObject::tr("last exit code %1").arg(*loaded.lastExitCode);
     return parts.join(", ");
 }

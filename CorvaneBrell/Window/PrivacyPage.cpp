@@ -34,10 +34,7 @@ void PrivacyCardRow::refresh() {
     std::vector<RowBadge> notices{
         {state, date ? "checkmark.circle" : "questionmark.circle", date ? Tone::positive : Tone::plain, {}}};
     if (!card_.paneConfirmed)
-        notices.push_back({tr("Not confirmed on this macOS: the button may open another pane."),
-                           "info.circle",
-                           Tone::plain,
-                           {}});
+        notices.push_back({tr("Link not confirmed on this macOS"), "info.circle", Tone::plain, {}});
     setNotices(notices);
     reviewed_->setAccessibleDescription(state);
 }

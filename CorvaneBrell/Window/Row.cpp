@@ -83,7 +83,11 @@ Row::Row(const QString& title, QWidget* parent)
     texts_->addWidget(titleText_);
     texts_->addWidget(what_);
     badges_->setSpacing(6);
-    head_->addLayout(texts_, 1);
+    auto* middle = new QVBoxLayout;  // the texts stay together beside a control that is higher
+    middle->addStretch(1);
+    middle->addLayout(texts_);
+    middle->addStretch(1);
+    head_->addLayout(middle, 1);
     head_->addLayout(badges_);
     head_->setAlignment(badges_, Qt::AlignVCenter);
     head_->addWidget(arrow_, 0, Qt::AlignVCenter);
