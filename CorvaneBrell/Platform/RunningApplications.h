@@ -21,7 +21,7 @@ public:
     virtual void requestQuit(Instance instance) = 0;
     virtual bool hasTerminated(Instance instance) = 0;
     // Asks for the application at this path. answered is called once, on the main thread, when the platform
-    // has answered, whatever it said; it may come before open returns.
+    // has answered, whatever it said; it may come before open returns. It may be let go of on another thread.
     virtual void open(const std::string& path, std::function<void()> answered) = 0;
 };
 
