@@ -1,0 +1,2 @@
+// Asked for by Qt; nothing of it is used here.
+#pragma once

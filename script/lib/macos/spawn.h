@@ -1,0 +1,6 @@
+// posix_spawnattr_setflags(3).
+#pragma once
+
+#include_next <spawn.h>
+
+#define POSIX_SPAWN_CLOEXEC_DEFAULT 0x4000
