@@ -22,9 +22,9 @@ function(brell_bundle target)
         COMMAND iconutil --convert icns --output ${icon} ${pictures})
     target_sources(${target} PRIVATE ${icon})
     set_source_files_properties(${icon} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+    configure_file(${brell_bundle_parts}/Info.plist.in ${PROJECT_BINARY_DIR}/Info.plist @ONLY)
     set_target_properties(${target} PROPERTIES
-        MACOSX_BUNDLE ON
-        MACOSX_BUNDLE_INFO_PLIST ${brell_bundle_parts}/Info.plist.in)
+        MACOSX_BUNDLE ON MACOSX_BUNDLE_INFO_PLIST ${PROJECT_BINARY_DIR}/Info.plist)
     install(TARGETS ${target} BUNDLE DESTINATION .)
 endfunction()
 
