@@ -6,7 +6,9 @@ find_package(simdjson REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets Svg)
+if(BRELL_WINDOW)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets Svg Test)
+endif()
 
 # brell_library(NAME ARCHIVE MODULE): an imported target over a static archive, or over what pkg-config says.
 function(brell_library name archive module)

@@ -46,12 +46,7 @@ protected:
 
     // The paths below the folder that differ from what was there before: no word of it when nothing does.
     std::vector<std::string> changedSince(std::map<std::string, std::string> before) const {
-        std::vector<std::string> changed;
-        for (const auto& [path, contents] : everythingIn(folder.path))
-            if (const auto known = before.extract(path); known.empty() || known.mapped() != contents)
-                changed.push_back(path);
-        for (const auto& [path, contents] : before) changed.push_back(path + " is gone");
-        return changed;
+        return changesIn(folder.path, std::move(before));
     }
 
     TemporaryFolder folder;

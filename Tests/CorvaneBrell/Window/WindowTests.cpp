@@ -1,0 +1,150 @@
+#include <QAccessible>
+#include <QAction>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QScrollBar>
+
+#include "CorvaneBrell/Window/SearchPage.h"
+#include "CorvaneBrell/Window/Switch.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace brell::testing {
+
+namespace {
+
+const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
+const PrefKey autohide{"com.apple.dock", "autohide"};
+
+QAction* menuAction(const MainWindow& window, const QString& beginning) {
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->text().startsWith(beginning)) return action;
+    return nullptr;
+}
+
+QString focusName() {
+    return QApplication::focusWidget() ? QApplication::focusWidget()->accessibleName() : QString();
+}
+
+}  // namespace
+
+TEST_F(WindowTest, OnlyThePageThatIsShownIsBuiltAndNothingIsWritten) {
+    const auto before = everythingIn(folder.path);
+    openWindow();
+    EXPECT_EQ(window->pagesBuilt(), 1);
+    EXPECT_TRUE(qobject_cast<TweakPage*>(window->currentPage()));
+    for (const Screen screen : everyScreen()) go(screen);
+    EXPECT_EQ(window->pagesBuilt(), enumTexts<Screen>.size());
+    const std::vector<std::string> ownLockOfTheSample{"mac/private/var/db/.launchd.lock"};
+    EXPECT_EQ(changesIn(folder.path, before), ownLockOfTheSample) << "looking changes nothing";
+}
+
+// The whole way of a first user: found by other words, switched by the keyboard, undone, restored.
+TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWere) {
+    const auto before = preferences();
+    const StoredValue dockBefore = stored(autohide);
+    openWindow();
+    window->activateWindow();
+
+    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+    ASSERT_EQ(QApplication::focusWidget(), &window->sidebar().search());
+    QElapsedTimer quick;
+    quick.start();
+    QTest::keyClicks(&window->sidebar().search(), "dotfiles");
+    settle();
+    EXPECT_LT(quick.elapsed(), 100 * 8) << "eight letters, each with its own results";
+    auto* results = qobject_cast<SearchPage*>(window->currentPage());
+    ASSERT_TRUE(results);
+    ASSERT_FALSE(results->list().shown().empty());
+    EXPECT_EQ(results->list().shown().front()->id, "finder.show_hidden");
+
+    QTest::keyClick(&window->sidebar().search(), Qt::Key_Down);
+    for (int tabs = 0; tabs < 4 && focusName() != "Show hidden files"; ++tabs)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_EQ(focusName(), "Show hidden files");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    settle();
+    EXPECT_EQ(stored(showHidden), StoredValue(true));
+    EXPECT_EQ(focusName(), "Show hidden files") << "the focus stays where the user works";
+    EXPECT_TRUE(static_cast<Switch*>(QApplication::focusWidget())->isChecked());
+
+    QTest::keyClick(&window->sidebar().search(), Qt::Key_Escape);
+    settle();
+    EXPECT_TRUE(qobject_cast<TweakPage*>(window->currentPage()));
+    QTest::keyClick(window.get(), Qt::Key_2, Qt::ControlModifier);
+    settle();
+    ASSERT_EQ(model->state().screen, Screen::dock);
+    QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(stored(autohide), StoredValue(true));
+    EXPECT_EQ(menuAction(*window, "Undo")->text(), "Undo Hide the Dock automatically");
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(stored(autohide), dockBefore);
+    QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
+    settle();
+
+    menuAction(*window, "Restore All")->trigger();
+    settle();
+    ASSERT_TRUE(window->sheets().current());
+    model->confirmRestore();
+    settle();
+    EXPECT_FALSE(window->sheets().current());
+    EXPECT_EQ(model->state().undoProof, "2 of 2 keys are exactly as before.");
+    EXPECT_EQ(preferences(), before);
+    EXPECT_FALSE(menuAction(*window, "Restore All")->isEnabled()) << "nothing is left to restore";
+}
+
+TEST_F(WindowTest, SearchLeadsBackToThePageAtItsPlace) {
+    openWindow();
+    go(Screen::dock);
+    window->resize(820, 560);
+    settle();
+    QScrollBar* bar = window->currentPage()->scrollArea()->verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int place = bar->value();
+    ASSERT_GT(place, 0);
+    QTest::keyClicks(&window->sidebar().search(), "hidden");
+    settle();
+    EXPECT_FALSE(qobject_cast<TweakPage*>(window->currentPage()));
+    QTest::keyClick(&window->sidebar().search(), Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(model->state().screen, Screen::dock);
+    EXPECT_EQ(window->currentPage()->scrollArea()->verticalScrollBar(), bar);
+    EXPECT_EQ(bar->value(), place);
+}
+
+TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
+    haveAPast();
+    openWindow();
+    model->deferRecovery();
+    window->setChangedOnly(true);
+    std::size_t rows = 0;
+    for (const Screen screen : everyScreen()) {
+        go(screen);
+        auto* page = qobject_cast<TweakPage*>(window->currentPage());
+        if (!page) continue;
+        EXPECT_EQ(page->list().shown().size(), model->changedCount(screen));
+        rows += page->list().shown().size();
+        EXPECT_EQ(page->list().isVisible(), !page->list().shown().empty());
+        const QString spoken =
+            window->sidebar().pages().item(static_cast<int>(screen))->data(Qt::AccessibleTextRole).toString();
+        EXPECT_EQ(spoken.contains("active change"), model->changedCount(screen) > 0);
+    }
+    EXPECT_EQ(rows, model->changedTweaks().size());
+    EXPECT_GT(rows, 4);
+}
+
+TEST_F(WindowTest, SizeAndPageAreKeptForTheNextLaunch) {
+    openWindow();
+    window->resize(1003, 707);
+    go(Screen::journal);
+    openWindow();
+    EXPECT_EQ(window->size(), QSize(1003, 707));
+    EXPECT_EQ(model->state().screen, Screen::journal);
+    options.openGroup = "dock";
+    openWindow();
+    EXPECT_EQ(model->state().screen, Screen::dock) << "what is asked for comes first";
+}
+
+}  // namespace brell::testing
