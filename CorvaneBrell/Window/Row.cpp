@@ -80,8 +80,10 @@ Row::Row(const QString& title, QWidget* parent)
     column_->addLayout(head_);
     head_->setSpacing(10);
     texts_->setSpacing(3);
+    texts_->addStretch(1);  // beside a higher control the texts stay together
     texts_->addWidget(titleText_);
     texts_->addWidget(what_);
+    texts_->addStretch(1);
     badges_->setSpacing(6);
     auto* middle = new QVBoxLayout;  // the texts stay together beside a control that is higher
     middle->addStretch(1);
@@ -136,7 +138,7 @@ void Row::setNotices(const std::vector<RowBadge>& notices) {
     lines->setSpacing(3);
     for (const RowBadge& notice : notices)
         lines->addWidget(symbolLine(notice.symbol, notice.tone, notice.text, notice_));
-    texts_->addWidget(notice_);
+    texts_->insertWidget(texts_->count() - 1, notice_);
 }
 
 void Row::setControl(QWidget* control) {
