@@ -1,0 +1,90 @@
+// Makes pictures of everything the window shows, over a sample Mac of their own.
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <filesystem>
+#include <iostream>
+
+#include "BrellCore/Journal/Journal.h"
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Pictures/Scenes.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "CorvaneBrell/SampleMac/SamplePast.h"
+#include "CorvaneBrell/SampleMac/SimulatedApplications.h"
+#include "CorvaneBrell/Window/Appearance.h"
+#include "CorvaneBrell/Window/QtMainLoop.h"
+#include "CorvaneBrell/Window/QtText.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace brell;
+
+struct Format {
+    QSize size;
+    fs::path folder;
+};
+
+// Every picture of the scene that is set, or false when one can't be written.
+bool takePictures(MainWindow& window, const std::string& name, const std::vector<Format>& formats) {
+    for (const Format& format : formats) {
+        for (const bool dark : {false, true}) {
+            QApplication::setPalette(dark ? Appearance::dark() : Appearance::light());
+            window.resize(format.size);
+            settle(window);
+            const fs::path file = format.folder / (name + (dark ? "-dark.png" : "-light.png"));
+            constexpr int smallest = 0;  // of the qualities: the most compression
+            const QImage picture = window.picture().convertToFormat(QImage::Format_RGB32);
+            if (!picture.save(qt(file.string()), "PNG", smallest)) {
+                std::cerr << "error: The picture could not be written to " << file.string() << ".\n";
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+int run(const std::vector<Format>& formats) {
+    const QTemporaryDir folder;
+    LaunchOptions options;
+    options.sampleMac = fs::path(utf8(folder.path())) / "Macintosh";
+    const SampleMac sample(*options.sampleMac);
+    liveIn(sample, Journal::defaultDirectory(sample.home()), systemNow());
+    for (const Format& format : formats) fs::create_directories(format.folder);
+
+    QtMainLoop loop;
+    SimulatedApplications applications(loop);
+    AppModel model(options, loop, applications, std::cerr);
+    MainWindow window(model);
+    window.show();
+    for (const Scene& scene : scenes()) {
+        settle(window);
+        scene.begin(window);
+        settle(window);
+        if (!takePictures(window, scene.name, formats)) return EXIT_FAILURE;
+        scene.end(window);
+    }
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+// The words: a folder, and --all before it for the sizes between which people resize the window.
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList words = QApplication::arguments().mid(1);
+    if (words.isEmpty()) {
+        std::cerr << "error: The pictures need a folder.\n";
+        return EXIT_FAILURE;
+    }
+    const fs::path folder(utf8(words.back()));
+    std::vector<Format> formats{{QSize(1100, 760), folder}};
+    if (words.front() == "--all") formats = {{QSize(1400, 900), folder}, {QSize(820, 560), folder / "small"}};
+    try {
+        return run(formats);
+    } catch (const std::exception& error) {
+        std::cerr << "error: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,126 @@
+#include "CorvaneBrell/Pictures/Scenes.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QLineEdit>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
+#include "CorvaneBrell/Window/Sidebar.h"
+
+namespace brell {
+
+namespace {
+
+void nothing(MainWindow&) {}
+
+Scene page(Screen screen) {
+    return {std::string(rawValue(screen)), [screen](MainWindow& window) { window.model().show(screen); },
+            nothing};
+}
+
+Scene search(const QString& query) {
+    return {"search", [query](MainWindow& window) { window.sidebar().search().setText(query); },
+            [](MainWindow& window) { window.sidebar().search().clear(); }};
+}
+
+void setDetailsOpen(MainWindow& window, bool open) {
+    const QList<Row*> rows = window.currentPage()->findChildren<Row*>();
+    if (!rows.isEmpty()) rows.front()->setOpen(open);
+}
+
+Scene details(Screen screen) {
+    return {"details",
+            [screen](MainWindow& window) {
+                window.model().show(screen);
+                settle(window);
+                setDetailsOpen(window, true);
+            },
+            [](MainWindow& window) { setDetailsOpen(window, false); }};
+}
+
+// A relaunch that waits, and something that can't be done.
+Scene bars() {
+    return {"bars",
+            [](MainWindow& window) {
+                window.model().show(Screen::dock);
+                window.model().apply("dock.no_bounce");
+                settle(window);
+                window.model().applyChoice("dock.size", "enormous");
+            },
+            [](MainWindow& window) { window.model().dismissError(); }};
+}
+
+Scene recovery() {
+    return {"sheet-recovery", nothing, [](MainWindow& window) { window.model().deferRecovery(); }};
+}
+
+Scene restore() {
+    return {"sheet-restore",
+            [](MainWindow& window) {
+                window.model().show(Screen::journal);
+                window.model().askRestoreAll();
+            },
+            nothing};
+}
+
+Scene drift() {
+    return {"sheet-drift", [](MainWindow& window) { window.model().confirmRestore(); },
+            [](MainWindow& window) { window.model().cancelDrift(); }};
+}
+
+Scene agents() {
+    return {"sheet-agents",
+            [](MainWindow& window) {
+                window.model().show(Screen::loginItems);
+                settle(window);
+                for (const LoginItemRow& row : window.model().state().loginItems)
+                    if (row.badge == LoginItemBadge::toggleable && row.isOn && row.record)
+                        return window.model().askAgents({row.id}, false);
+            },
+            [](MainWindow& window) { window.model().cancelAgents(); }};
+}
+
+Scene relaunch() {
+    return {"sheet-relaunch",
+            [](MainWindow& window) {
+                window.model().show(Screen::finder);
+                window.model().apply("finder.path_bar");
+                settle(window);
+                window.model().askRelaunch();
+            },
+            [](MainWindow& window) { window.model().cancelRelaunch(); }};
+}
+
+Scene preset() {
+    Preset mixed = Presets::shipped().front();
+    mixed.tweakIDs.insert(mixed.tweakIDs.end(), {"anim.no_window_animation", "finder.from_tomorrow"});
+    return {"sheet-preset", [mixed](MainWindow& window) { window.model().askPreset(mixed); }, nothing};
+}
+
+Scene presetResult() {
+    return {"sheet-preset-result", [](MainWindow& window) { window.model().confirmPreset(); }, nothing};
+}
+
+}  // namespace
+
+std::vector<Scene> scenes() {
+    std::vector<Scene> all{recovery()};
+    for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
+    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), agents(), bars(),
+                               relaunch(), preset(), presetResult()})
+        all.push_back(scene);
+    return all;
+}
+
+void settle(MainWindow& window) {
+    do {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        window.refreshNow();
+    } while (window.model().isBusy());
+    QCoreApplication::processEvents();
+}
+
+}  // namespace brell
