@@ -2,6 +2,7 @@
 
 #include <QPainter>
 
+#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/Symbol.h"
@@ -36,9 +37,7 @@ void NoticeBar::insertHeading() {
 }
 
 QPushButton* NoticeBar::addAction(const QString& text) {
-    auto* button = new QPushButton(text);
-    button->setMinimumHeight(28);
-    button->setAutoDefault(false);
+    QPushButton* button = actionButton(text);
     line_->addWidget(button, 0, Qt::AlignVCenter);
     return button;
 }

@@ -105,6 +105,10 @@ QPushButton* actionButton(const QString& text, const QString& symbol) {
     auto* button = new QPushButton(text);
     if (!symbol.isEmpty()) button->setIcon(symbolIcon(utf8(symbol)));
     button->setMinimumHeight(28);
+    // Some styles leave no room beside the words.
+    constexpr int room = 28;
+    const int picture = symbol.isEmpty() ? 0 : button->iconSize().width() + 4;
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + picture + room);
     button->setAutoDefault(false);
     return button;
 }

@@ -1,6 +1,8 @@
 #include "CorvaneBrell/Window/SelectableText.h"
 
 #include <QFontDatabase>
+#include <QTextBlockFormat>
+#include <QTextCursor>
 #include <QWheelEvent>
 #include <cmath>
 #include <memory>
@@ -24,6 +26,18 @@ SelectableText::SelectableText(const QString& name, Look look, QWidget* parent) 
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     connect(this, &QTextEdit::textChanged, this, [this] { updateGeometry(); });
+}
+
+void SelectableText::setLines(const QStringList& lines) {
+    constexpr qreal indent = 18, gap = 2;
+    setPlainText(lines.join('\n'));
+    QTextBlockFormat format;
+    format.setLeftMargin(indent);
+    format.setTextIndent(-indent);
+    format.setBottomMargin(gap);
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    cursor.setBlockFormat(format);
 }
 
 int SelectableText::heightForWidth(int width) const {

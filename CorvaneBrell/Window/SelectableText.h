@@ -13,6 +13,9 @@ public:
     // The name is what assistive technology calls the text.
     explicit SelectableText(const QString& name, Look look = Look::body, QWidget* parent = nullptr);
 
+    // Each line by itself: one that wraps goes on further to the right.
+    void setLines(const QStringList& lines);
+
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;

@@ -12,6 +12,9 @@ namespace brell {
 
 namespace {
 
+constexpr int sheetWidth = 600;
+constexpr int margin = 22;
+
 // As high as its content, up to a limit; then it scrolls.
 class FittingScrollArea final : public QScrollArea {
 public:
@@ -22,12 +25,17 @@ public:
         setFocusPolicy(Qt::NoFocus);
         setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     }
-    QSize sizeHint() const override {
-        constexpr int width = 520, highest = 340;
-        if (!widget() || !widget()->layout()) return {width, 0};
-        return {width, std::min(widget()->layout()->totalHeightForWidth(width), highest)};
-    }
+    QSize sizeHint() const override { return {comfortableWidth, heightForWidth(comfortableWidth)}; }
     QSize minimumSizeHint() const override { return {200, std::min(sizeHint().height(), 80)}; }
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override {
+        QLayout* layout = widget()->layout();
+        layout->activate();  // so that it knows what was added since it was asked last
+        return std::clamp(layout->totalHeightForWidth(width), 0, highest);
+    }
+
+private:
+    static constexpr int comfortableWidth = sheetWidth - 2 * margin, highest = 340;
 };
 
 }  // namespace
@@ -39,7 +47,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     setWindowTitle(title);
     setAccessibleDescription(explanation);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(22, 20, 22, 16);
+    column->setContentsMargins(margin, 20, margin, 16);
     column->setSpacing(12);
     column->addWidget(new Paragraph(title, Paragraph::Look::heading));
     if (!explanation.isEmpty()) column->addWidget(new Paragraph(explanation, Paragraph::Look::secondary));
@@ -60,7 +68,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     buttons_->addStretch(1);
     column->addLayout(footnotes_);
     column->addLayout(buttons_);
-    setMinimumWidth(420);
+    setMinimumWidth(sheetWidth);
 }
 
 QPushButton* Sheet::addCancel(const QString& text) {
@@ -83,7 +91,7 @@ void Sheet::addFootnote(const QString& text, const QString& symbol, Tone tone) {
 
 void Sheet::addLines(const QString& name, const QStringList& lines) {
     auto* text = new SelectableText(name, SelectableText::Look::monospace);
-    text->setPlainText(lines.join('\n'));
+    text->setLines(lines);
     auto* card = new Card;
     auto* padding = new QWidget;
     auto* box = new QVBoxLayout(padding);

@@ -13,7 +13,7 @@ TickBox::TickBox(const QString& title, QWidget* parent) : QCheckBox(parent) {
                        style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, this);
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(indent + 2, 4, 0, 4);
-    line->addWidget(new Paragraph(title, Paragraph::Look::heading));
+    line->addWidget(new Paragraph(title, Paragraph::Look::heading), 1, Qt::AlignVCenter);
     setAccessibleName(title);
     setMinimumHeight(smallestHeight);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);

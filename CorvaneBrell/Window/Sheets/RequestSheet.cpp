@@ -45,7 +45,7 @@ QWidget* sheetRow(const std::vector<QWidget*>& parts) {
 
 QWidget* keyLines(const QString& name, const std::vector<std::string>& lines) {
     auto* text = new SelectableText(name, SelectableText::Look::monospace);
-    text->setPlainText(qt(lines).join('\n'));
+    text->setLines(qt(lines));
     return text;
 }
 
