@@ -5,6 +5,7 @@
 
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
+#include "CorvaneBrell/Window/TabOrder.h"
 
 namespace brell {
 
@@ -80,6 +81,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     all->setSpacing(0);
     all->addLayout(headLine);
     all->addWidget(scroll_, 1);
+    new TabOrder(this, holder);
 }
 
 void Page::setTitle(const QString& title) {

@@ -1,0 +1,377 @@
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+
+#include "CorvaneBrell/Model/TerminalCommands.h"
+#include "CorvaneBrell/Window/ActiveChangeRow.h"
+#include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/DayText.h"
+#include "CorvaneBrell/Window/DriftedChangeRow.h"
+#include "CorvaneBrell/Window/HistoryRow.h"
+#include "CorvaneBrell/Window/LoginItemView.h"
+#include "CorvaneBrell/Window/PrivacyPage.h"
+#include "CorvaneBrell/Window/SpotlightPage.h"
+#include "CorvaneBrell/Window/Switch.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace brell::testing {
+
+namespace {
+
+const PrefKey autohideDelay{"com.apple.dock", "autohide-delay"};
+
+class PagesTest : public WindowTest {
+protected:
+    // Opens a window with a past on this page.
+    void openOn(Screen screen) {
+        haveAPast();
+        openWindow();
+        model->deferRecovery();
+        go(screen);
+    }
+
+    const QWidget& page() const { return *window->currentPage(); }
+
+    // Everything that can be read in this part of the page.
+    static QString words(const QWidget& part) {
+        QStringList texts;
+        for (const QLabel* text : visible<QLabel>(part)) texts << text->text();
+        return texts.join('\n');
+    }
+
+    // What is visible of a kind, from top to bottom.
+    template <class Widget>
+    std::vector<Widget*> inOrder() const {
+        auto widgets = visible<Widget>(page());
+        std::sort(widgets.begin(), widgets.end(), [&](const QWidget* one, const QWidget* other) {
+            return one->mapTo(&page(), QPoint()).y() < other->mapTo(&page(), QPoint()).y();
+        });
+        return widgets;
+    }
+
+    // The visible button with this text, or with this accessible name.
+    QAbstractButton* button(const QString& text) const {
+        for (QAbstractButton* button : visible<QAbstractButton>(page()))
+            if (button->text() == text || button->accessibleName() == text) return button;
+        ADD_FAILURE() << "there is no button " << utf8(text);
+        return nullptr;
+    }
+    void press(const QString& text) {
+        if (QAbstractButton* found = button(text)) QTest::mouseClick(found, Qt::LeftButton);
+        settle();
+    }
+
+    LoginItemView& agent(const std::string& label) {
+        for (const LoginItemRow& row : model->state().loginItems)
+            if (row.record && row.record->label() == label)
+                if (auto* view = page().findChild<LoginItemView*>(qt(row.id))) return *view;
+        throw std::runtime_error("no row for " + label);
+    }
+
+    template <class Dialog>
+    Dialog& opened() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<Dialog*>(widget); dialog && dialog->isVisible()) return *dialog;
+        throw std::runtime_error("no such dialog is open");
+    }
+};
+
+TEST_F(PagesTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCanBeUsed) {
+    openOn(Screen::loginItems);
+    const auto views = inOrder<LoginItemView>();
+    ASSERT_EQ(views.size(), model->state().loginItems.size());
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        const LoginItemRow& row = model->state().loginItems[i];
+        EXPECT_EQ(utf8(views[i]->objectName()), row.id) << "in the model's order";
+        const auto* toggle = views[i]->findChild<Switch*>();
+        ASSERT_EQ(toggle != nullptr, row.badge == LoginItemBadge::toggleable) << row.id;
+        if (!toggle) {
+            EXPECT_TRUE(words(*views[i]).contains(row.isOn ? "On" : "Off")) << row.id;
+            continue;
+        }
+        EXPECT_EQ(toggle->isChecked(), row.isOn) << row.id;
+        EXPECT_EQ(utf8(toggle->accessibleName()), row.title);
+    }
+    for (const LoginItemBadge badge :
+         {LoginItemBadge::toggleable, LoginItemBadge::adminOnly, LoginItemBadge::appManaged})
+        EXPECT_EQ(words(page()).count(qt(text(badge))), 1);
+
+    EXPECT_TRUE(words(agent("com.orrerylabs.telemetry")).contains("keeps crashing and restarting"));
+    EXPECT_TRUE(words(agent("com.halverson.duskwatch.menu")).contains("not allowed in System Settings"));
+    EXPECT_TRUE(words(agent("com.google.keystone.agent")).contains("Risk: medium"));
+    LoginItemView& refused = agent("homebrew.mxcl.postgresql@16");
+    EXPECT_FALSE(refused.findChild<Switch*>()->isEnabled());
+    EXPECT_TRUE(words(refused).contains("contains characters Brell does not pass to launchctl."));
+}
+
+TEST_F(PagesTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
+    openOn(Screen::loginItems);
+    const std::string label = "com.lumenfold.sync";
+    LoginItemView& view = agent(label);
+    view.setOpen(true);
+    EXPECT_FALSE(words(*view.details()).isEmpty());
+    auto* toggle = view.findChild<Switch*>();
+    toggle->setFocus();
+    QTest::keyClick(toggle, Qt::Key_Space);
+    settle();
+    EXPECT_TRUE(toggle->isChecked());
+    ASSERT_TRUE(model->state().agentConfirm);
+    EXPECT_EQ(model->state().agentConfirm->title, "Turn off " + label);
+    model->cancelAgents();
+    settle();
+    EXPECT_TRUE(toggle->isChecked());
+
+    QTest::mouseClick(toggle, Qt::LeftButton);
+    model->confirmAgents();
+    EXPECT_TRUE(toggle->isChecked()) << "nothing has changed yet";
+    settle();
+    EXPECT_FALSE(toggle->isChecked());
+    EXPECT_EQ(&agent(label), &view) << "the row is the same";
+    EXPECT_TRUE(view.isOpen());
+    EXPECT_TRUE(words(view).contains("Off by Brell"));
+
+    press("Restore: back to on");
+    ASSERT_TRUE(model->state().restoreRequest);
+    model->confirmRestore();
+    settle();
+    EXPECT_TRUE(toggle->isChecked());
+    EXPECT_FALSE(words(view).contains("by Brell"));
+}
+
+TEST_F(PagesTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes) {
+    openOn(Screen::loginItems);
+    auto* filter = page().findChild<QLineEdit*>();
+    const auto found = [&](const QString& typed) {
+        filter->setText(typed);
+        settle();
+        return visible<LoginItemView>(page()).size();
+    };
+    const std::size_t all = found("");
+    EXPECT_EQ(found("KEYSTONE"), 1);
+    EXPECT_EQ(found("spotify"), 1);
+    EXPECT_LT(found("homebrew"), all);
+    EXPECT_EQ(found("no such item"), 0);
+    EXPECT_TRUE(words(page()).contains("No login item has “no such item”"));
+    press("Show All");
+    EXPECT_EQ(visible<LoginItemView>(page()).size(), all);
+    EXPECT_FALSE(words(page()).contains("No login item"));
+}
+
+TEST_F(PagesTest, WithoutItemsOrDatabaseThePageSaysWhy) {
+    for (const auto& folderOfJobs :
+         {"Users/sam/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons"})
+        std::filesystem::remove_all(sample.systemRoot() / folderOfJobs);
+    std::filesystem::remove(sample.systemRoot() / "private/var/db/background-tasks.txt");
+    openWindow();
+    model->show(Screen::loginItems);
+    window->refreshNow();
+    EXPECT_TRUE(words(page()).contains("The login items are being read."));
+    settle();
+    EXPECT_TRUE(words(page()).contains("Nothing was found that starts by itself"));
+    EXPECT_TRUE(words(page()).contains("The background task database could not be read"));
+    EXPECT_TRUE(button("Read Again"));
+}
+
+TEST_F(PagesTest, PrivacyCardsTellEverythingAndRememberTheDayOfTheReview) {
+    openOn(Screen::privacy);
+    EXPECT_EQ(visible<TweakRow>(page()).size(), 1);
+    const auto cards = inOrder<PrivacyCardRow>();
+    ASSERT_EQ(cards.size(), PrivacyChecklist::cards().size());
+    for (std::size_t i = 0; i < cards.size(); ++i) {
+        const PrivacyCard& card = PrivacyChecklist::cards()[i];
+        for (const std::string_view said :
+             {card.title, card.meaning, card.whoNeedsIt, card.whatToLookFor,
+              std::string_view("Not reviewed yet"), std::string_view("Link not confirmed on this macOS")})
+            EXPECT_TRUE(words(*cards[i]).contains(qt(said))) << said;
+    }
+    press("Mark as reviewed: Camera");
+    const QString today = "Reviewed on " + dayText(systemNow());
+    EXPECT_EQ(words(page()).count(today), 1);
+    openWindow();
+    go(Screen::privacy);
+    EXPECT_EQ(words(page()).count(today), 1) << "also after the next launch";
+
+    press("Open System Settings: Privacy & Security, then Camera");
+    auto& box = opened<QMessageBox>();
+    EXPECT_TRUE(box.informativeText().contains("Privacy & Security, then Camera"));
+    box.close();
+}
+
+TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
+    openOn(Screen::spotlight);
+    const auto rows = inOrder<VolumeRow>();
+    ASSERT_EQ(rows.size(), model->state().volumes.size());
+    ASSERT_GT(rows.size(), 2);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const VolumeIndexStatus& volume = model->state().volumes[i];
+        const QString state = !volume.indexing   ? "Not known"
+                              : *volume.indexing ? "Indexing on"
+                                                 : "Indexing off";
+        EXPECT_TRUE(words(*rows[i]).contains(state)) << volume.volume;
+        EXPECT_TRUE(words(*rows[i]).contains(qt(volume.volume)));
+        EXPECT_EQ(words(*rows[i]).contains(qt(volume.raw)), !volume.indexing) << volume.volume;
+    }
+}
+
+TEST_F(PagesTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
+    openOn(Screen::journal);
+    const auto active = inOrder<ActiveChangeRow>();
+    const auto drifted = visible<DriftedChangeRow>(page());
+    EXPECT_EQ(drifted.size(), 1);
+    EXPECT_EQ(active.size() + drifted.size(), model->changedCount(Screen::journal));
+    std::vector<QString> expected, shown;
+    for (const JournalEntry& entry : model->state().entries)
+        if (entry.isActive() && entry.id != drifted.front()->entryID())
+            expected.push_back(qt(entry.id.text()));
+    for (const ActiveChangeRow* row : active) shown.push_back(row->objectName());
+    EXPECT_EQ(shown, expected);
+
+    EXPECT_TRUE(words(*active.front()).contains("Interrupted before it was finished."));
+    EXPECT_EQ(words(page()).count("Interrupted before"), 1);
+    EXPECT_TRUE(words(*active.back()).contains("this Mac now runs 26.1.0."));
+    EXPECT_TRUE(words(*active.back()).contains("com.apple.finder _FXSortFoldersFirst: true; back to absent"));
+    EXPECT_TRUE(words(page()).contains("Turned off; back to on"));
+    EXPECT_TRUE(words(*drifted.front()).contains(qt(model->state().drifted.front().lines.front())));
+
+    press("Undo everything since Save panels open expanded");
+    ASSERT_TRUE(model->state().restoreRequest);
+    EXPECT_EQ(model->state().restoreRequest->entries.size(), 2);
+    model->confirmRestore();
+    settle();
+    EXPECT_EQ(visible<ActiveChangeRow>(page()).size(), active.size() - 2);
+    EXPECT_TRUE(words(page()).contains("Last undo: 5 of 5 keys are exactly as before."));
+}
+
+TEST_F(PagesTest, WhatOthersResetIsAppliedAgainWithItsFirstOriginal) {
+    openOn(Screen::journal);
+    const StoredValue original = model->state().drifted.front().entry.writes.front().original;
+    EXPECT_FALSE(button("Apply Again")->isEnabled()) << "nothing is ticked";
+    visible<QCheckBox>(page()).front()->setFocus();
+    QTest::keyClick(visible<QCheckBox>(page()).front(), Qt::Key_Space);
+    model->refreshAll();
+    settle();
+    EXPECT_TRUE(visible<QCheckBox>(page()).front()->isChecked()) << "a refresh leaves the tick";
+    press("Apply 1 Again");
+    EXPECT_TRUE(visible<DriftedChangeRow>(page()).empty());
+    EXPECT_EQ(stored(autohideDelay), StoredValue(0.0));
+    EXPECT_EQ(model->state().entries.front().writes.front().original, original);
+    EXPECT_EQ(utf8(inOrder<ActiveChangeRow>().front()->objectName()),
+              model->state().entries.front().id.text());
+}
+
+// Rows that arrive later and details that are opened later have their place in the order of the Tab key.
+TEST_F(PagesTest, TheTabKeyGoesFromTopToBottom) {
+    openOn(Screen::journal);
+    window->activateWindow();
+    model->apply("dock.autohide");  // a row above the others
+    settle();
+    go(Screen::loginItems);
+    agent("com.lumenfold.sync").setOpen(true);
+    agent("us.zoom.updater").setOpen(true);
+    settle();
+    for (const Screen screen : {Screen::loginItems, Screen::journal}) {
+        go(screen);
+        std::vector<QWidget*> order;
+        QWidget* first = page().findChild<QLineEdit*>();
+        if (!first) first = button("Restore All");
+        first->setFocus();
+        do {
+            order.push_back(QApplication::focusWidget());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        } while (page().isAncestorOf(QApplication::focusWidget()) && order.size() < 200);
+        EXPECT_LT(order.size(), 200) << "a trap";
+        EXPECT_GT(order.size(), 20);
+        QWidget* content = window->currentPage()->scrollArea()->widget();
+        std::erase_if(order, [&](const QWidget* control) { return !content->isAncestorOf(control); });
+        const auto height = [&](QWidget* control) {
+            return control->mapTo(content, control->rect().center()).y();
+        };
+        for (std::size_t i = 1; i < order.size(); ++i)
+            EXPECT_GT(height(order[i]), height(order[i - 1]) - 20)
+                << utf8(order[i - 1]->accessibleName()) << " comes before "
+                << utf8(order[i]->accessibleName());
+    }
+}
+
+TEST_F(PagesTest, TheHistoryIsToldByDayAsFarBackAsIsWanted) {
+    openOn(Screen::journal);
+    const auto told = [&] {
+        QStringList lines;
+        for (const HistoryRow* row : inOrder<HistoryRow>()) lines << words(*row).replace('\n', ' ');
+        return lines.join('\n');
+    };
+    const QString everything = told();
+    EXPECT_EQ(everything.count("Interrupted"), 1) << "the beginnings of finished changes are not told";
+    EXPECT_EQ(everything.count("Magnify icons under the pointer · Restored"), 1);
+    EXPECT_EQ(everything.count("Magnify icons under the pointer · Applied"), 1);
+    EXPECT_EQ(everything.count(dayText(model->state().history.back().at)), 1);
+
+    auto* range = page().findChild<ChoiceBox*>();
+    range->setCurrentIndex(0);
+    emit range->activated(0);
+    settle();
+    EXPECT_FALSE(told().isEmpty());
+    EXPECT_TRUE(everything.startsWith(told()));
+    EXPECT_FALSE(told().contains("Magnify"));
+}
+
+TEST_F(PagesTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) {
+    openOn(Screen::journal);
+    const auto saveAs = [&](const QString& text, const QString& proposed) {
+        press(text);
+        auto& dialog = opened<QFileDialog>();
+        EXPECT_TRUE(dialog.selectedFiles().front().endsWith("/" + proposed));
+        const std::filesystem::path file = folder.path / utf8(proposed);
+        emit dialog.fileSelected(qt(file.string()));
+        dialog.close();
+        settle();
+        return contentsOf(file);
+    };
+    EXPECT_TRUE(saveAs("Save Report…", "corvane-brell-report.md").starts_with("# What changed on this Mac"));
+    EXPECT_TRUE(saveAs("Save Restore Script…", "corvane-brell-restore.sh").starts_with("#!"));
+
+    press("Show Restore Script");
+    auto& script = opened<QDialog>();
+    EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->isReadOnly());
+    EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->toPlainText().contains("_FXSortFoldersFirst"));
+    script.close();
+
+    press("Copy as Terminal Command: all active changes");
+    const QString copied = QApplication::clipboard()->text();
+    EXPECT_LT(copied.indexOf("_FXSortFoldersFirst"), copied.indexOf("NSNavPanelExpandedStateForSaveMode"))
+        << "oldest first, as they were made";
+    EXPECT_GE(copied.indexOf("_FXSortFoldersFirst"), 0);
+}
+
+TEST_F(PagesTest, WithoutAReadableJournalNothingCanBeChangedAndThePagesSaySo) {
+    std::filesystem::create_directories(*options.journalDirectory / "journal.json");
+    openWindow();
+    ASSERT_TRUE(model->state().startupError);
+    go(Screen::loginItems);
+    for (const Switch* toggle : visible<Switch>(page())) EXPECT_FALSE(toggle->isEnabled());
+    go(Screen::journal);
+    EXPECT_FALSE(button("Restore All")->isEnabled());
+    EXPECT_TRUE(words(page()).contains("The change journal could not be opened"));
+    EXPECT_TRUE(visible<HistoryRow>(page()).empty());
+}
+
+TEST_F(PagesTest, AnEmptyJournalSaysThatNothingWasChanged) {
+    openWindow();
+    go(Screen::journal);
+    EXPECT_TRUE(words(page()).contains("Brell has changed nothing yet."));
+    EXPECT_FALSE(button("Restore All")->isEnabled());
+    model->apply("dock.autohide");
+    settle();
+    EXPECT_TRUE(words(page()).contains("1 active change."));
+    press("Restore Hide the Dock automatically");
+    model->confirmRestore();
+    settle();
+    EXPECT_TRUE(words(page()).contains("every setting Brell changed is back to what it was."));
+}
+
+}  // namespace
+
+}  // namespace brell::testing
