@@ -6,13 +6,14 @@
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/TickBox.h"
 
 namespace brell {
 
 DriftedChangeRow::DriftedChangeRow(AppModel& model, QWidget* parent)
     : Row({}, parent),
       model_(model),
-      tick_(new QCheckBox(tr("Apply again"))),
+      tick_(new TickBox(tr("Apply again"))),
       restore_(actionButton(tr("Restore"), "arrow.uturn.backward")) {
     tick_->setMinimumHeight(28);
     auto* controls = new QWidget;

@@ -6,6 +6,7 @@
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/Row.h"
+#include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/SelectableText.h"
 
 namespace brell {
@@ -52,7 +53,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     column->addWidget(new Paragraph(title, Paragraph::Look::heading));
     if (!explanation.isEmpty()) column->addWidget(new Paragraph(explanation, Paragraph::Look::secondary));
 
-    auto* holder = new QWidget;
+    auto* holder = new ScrolledContent;
     auto* inner = new QVBoxLayout(holder);
     inner->setContentsMargins(0, 0, 0, 0);
     content_->setSpacing(10);

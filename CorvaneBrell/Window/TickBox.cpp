@@ -1,19 +1,24 @@
 #include "CorvaneBrell/Window/TickBox.h"
 
 #include <QHBoxLayout>
-#include <QStyle>
+#include <QPainter>
 
-#include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/Appearance.h"
 
 namespace brell {
 
-TickBox::TickBox(const QString& title, QWidget* parent) : QCheckBox(parent) {
-    constexpr int smallestHeight = 28;
-    const int indent = style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, this) +
-                       style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, this);
+namespace {
+
+constexpr double side = 16;
+constexpr int focusMargin = 3;
+constexpr int smallestHeight = 28;
+
+}  // namespace
+
+TickBox::TickBox(const QString& title, Paragraph::Look look, QWidget* parent) : QCheckBox(parent) {
     auto* line = new QHBoxLayout(this);
-    line->setContentsMargins(indent + 2, 4, 0, 4);
-    line->addWidget(new Paragraph(title, Paragraph::Look::heading), 1, Qt::AlignVCenter);
+    line->setContentsMargins(static_cast<int>(side) + focusMargin + 7, 4, 0, 4);
+    line->addWidget(new Paragraph(title, look), 1, Qt::AlignVCenter);
     setAccessibleName(title);
     setMinimumHeight(smallestHeight);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
@@ -27,6 +32,27 @@ QSize TickBox::sizeHint() const {
 
 QSize TickBox::minimumSizeHint() const {
     return layout()->minimumSize();
+}
+
+void TickBox::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF box(focusMargin, (height() - side) / 2, side, side);
+    const QColor accent = palette().color(QPalette::Active, QPalette::Highlight);
+    const bool filled = isChecked() && isEnabled();
+    if (hasFocus()) {
+        painter.setPen(QPen(accent, 2));
+        painter.drawRoundedRect(box.adjusted(-2, -2, 2, 2), 6, 6);
+    }
+    const QColor edge = isEnabled() ? Appearance::outline(palette()) : Appearance::hairline(palette());
+    painter.setPen(filled ? Qt::NoPen : QPen(edge, 1.2));
+    painter.setBrush(filled ? accent : palette().color(QPalette::Active, QPalette::Base));
+    painter.drawRoundedRect(box.adjusted(0.6, 0.6, -0.6, -0.6), 4, 4);
+    if (!isChecked()) return;
+    const QColor mark = filled ? palette().color(QPalette::Active, QPalette::HighlightedText) : edge;
+    painter.setPen(QPen(mark, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF(
+        {box.topLeft() + QPointF(4, 8.5), box.topLeft() + QPointF(7, 11.5), box.topLeft() + QPointF(12, 5)}));
 }
 
 }  // namespace brell

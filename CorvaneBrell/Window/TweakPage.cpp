@@ -8,6 +8,7 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
+#include "CorvaneBrell/Window/TickBox.h"
 #include "CorvaneBrell/Window/TweakList.h"
 
 namespace brell {
@@ -16,7 +17,7 @@ TweakPage::TweakPage(AppModel& model, Screen screen, QWidget* parent)
     : Page(qt(title(screen)), qt(purpose(screen)), parent),
       model_(model),
       screen_(screen),
-      changedOnly_(new QCheckBox(tr("Changed only"))),
+      changedOnly_(new TickBox(tr("Changed only"))),
       showAll_(addEmptyAction(tr("Show All Settings"))),
       list_(new TweakList(model)) {
     changedOnly_->setMinimumHeight(28);

@@ -10,10 +10,8 @@ namespace {
 // What restoring does beside the ticked ones; without anything else it does nothing until one is ticked.
 QString whatElse(const DriftRequest& request) {
     const auto others = static_cast<int>(request.others.size());
-    if (others == 1) return QObject::tr("1 other change still is as Brell left it and is restored, too.");
-    if (others > 1)
-        return QObject::tr("%1 other changes still are as Brell left them and are restored, too.")
-            .arg(others);
+    if (others == 1) return QObject::tr("1 other change is restored, too.");
+    if (others > 1) return QObject::tr("%1 other changes are restored, too.").arg(others);
     return request.entries.size() == 1 ? QObject::tr("Tick the setting to restore it anyway.")
                                        : QObject::tr("Nothing is restored until something is ticked.");
 }
@@ -41,7 +39,7 @@ DriftSheet::DriftSheet(AppModel& model, QWidget* window, const DriftRequest& req
 
 QWidget* DriftSheet::entryRow(const DriftedEntry& drifted) {
     const QString title = qt(entryTitle(drifted.entry, model().catalog()));
-    auto* tick = new TickBox(title);
+    auto* tick = new TickBox(title, Paragraph::Look::heading);
     tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
     ticks_.emplace_back(drifted.entry.id, tick);
     return sheetRow({tick, keyLines(tr("Keys of %1").arg(title), drifted.lines)});

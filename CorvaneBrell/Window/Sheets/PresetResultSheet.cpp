@@ -6,8 +6,8 @@
 namespace brell {
 
 PresetResultSheet::PresetResultSheet(QWidget* window, const PresetReport& report)
-    : Sheet(tr("The preset was applied"), tr("Every change is in the journal and can be undone."), window) {
-    auto* text = new SelectableText(tr("What the preset came to"));
+    : Sheet(tr("What the preset came to"), tr("Every change is in the journal and can be undone."), window) {
+    auto* text = new SelectableText(tr("Result"));
     text->setPlainText(qt(report.lines).join("\n\n"));
     content()->addWidget(text);
     addCancel(tr("Done"));
