@@ -68,7 +68,8 @@ QLineEdit* searchField() {
     field->setPlaceholderText(QLineEdit::tr("Search"));
     field->setAccessibleName(QLineEdit::tr("Search settings and pages"));
     field->setClearButtonEnabled(true);
-    field->addAction(symbolIcon("magnifyingglass"), QLineEdit::LeadingPosition);
+    field->addAction(symbolIcon("magnifyingglass"), QLineEdit::LeadingPosition)
+        ->setText(QLineEdit::tr("Search"));
     field->setMinimumHeight(28);
     return field;
 }

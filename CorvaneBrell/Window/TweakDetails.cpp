@@ -1,12 +1,12 @@
 #include "CorvaneBrell/Window/TweakDetails.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "CorvaneBrell/Model/TerminalCommands.h"
+#include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FactList.h"
+#include "CorvaneBrell/Window/FlowLayout.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
@@ -50,14 +50,6 @@ QString renderedKeys(const Tweak& tweak) {
     return lines.join('\n');
 }
 
-QPushButton* copyButton(const QString& text, const QString& of, std::function<QString()> contents) {
-    auto* button = actionButton(text, "doc.on.doc");
-    button->setAccessibleName(text + ": " + of);
-    QObject::connect(button, &QPushButton::clicked, button,
-                     [contents = std::move(contents)] { QGuiApplication::clipboard()->setText(contents()); });
-    return button;
-}
-
 }  // namespace
 
 TweakDetails::TweakDetails(AppModel& model, const Tweak& tweak, QWidget* parent)
@@ -97,8 +89,7 @@ QWidget* TweakDetails::buttons(const TweakRowState& state) {
     auto* holder = new QWidget;
     auto* rows = new QVBoxLayout(holder);
     rows->setContentsMargins(0, 0, 0, 0);
-    auto* line = new QHBoxLayout;
-    line->setSpacing(8);
+    auto* line = new FlowLayout(8);
     const QString title = qt(tweak_.title);
     line->addWidget(copyButton(tr("Copy Key"), title, [this] { return renderedKeys(tweak_); }));
     line->addWidget(copyButton(tr("Copy Terminal Command"), title,
@@ -115,7 +106,6 @@ QWidget* TweakDetails::buttons(const TweakRowState& state) {
         if (!isShort)
             rows->addWidget(new Paragraph(tr("Restoring leads back to: %1").arg(qt(undo->leadsTo))));
     }
-    line->addStretch(1);
     rows->addLayout(line);
     return holder;
 }

@@ -1,0 +1,304 @@
+// What holds for every page, whatever it shows.
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QWheelEvent>
+#include <fstream>
+
+#include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/NoticeBar.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+#include "CorvaneBrell/Window/Switch.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::testing {
+
+namespace {
+
+const QString longName = QString("com.example.").append(QString(188, 'n'));
+
+std::string nameOf(const QWidget* widget) {
+    return widget->metaObject()->className() + (" \"" + utf8(widget->accessibleName()) + "\"");
+}
+
+// Everything that assistive technology meets below this.
+void walk(QAccessibleInterface* at, const std::function<void(QAccessibleInterface*)>& visit) {
+    if (!at || !at->isValid() || at->state().invisible) return;
+    visit(at);
+    for (int i = 0; i < at->childCount(); ++i) walk(at->child(i), visit);
+}
+
+bool isControl(QAccessible::Role role) {
+    switch (role) {
+        case QAccessible::Button:
+        case QAccessible::ButtonMenu:
+        case QAccessible::CheckBox:
+        case QAccessible::RadioButton:
+        case QAccessible::ComboBox:
+        case QAccessible::EditableText:
+        case QAccessible::List:
+        case QAccessible::ListItem:
+        case QAccessible::Slider: return true;
+        default: return false;
+    }
+}
+
+void openAllDetails(const QWidget& page) {
+    for (Row* row : page.findChildren<Row*>()) row->setOpen(true);
+}
+
+void scrollOver(QWidget* widget, int delta) {
+    QWheelEvent event(QPointF(5, 5), widget->mapToGlobal(QPointF(5, 5)), {0, delta}, {0, delta}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(widget, &event);
+}
+
+// What a text needs more than it has, in points; 0 for one that is shown whole.
+int missing(const QWidget* text) {
+    if (!text->hasHeightForWidth()) return 0;
+    return std::max(0, text->heightForWidth(text->width()) - text->height());
+}
+
+}  // namespace
+
+class DemandsTest : public WindowTest {
+protected:
+    // Calls look with each page in turn, everything on it open.
+    void onEveryPage(const std::function<void()>& look) {
+        for (const Screen screen : everyScreen()) {
+            go(screen);
+            openAllDetails(*window->currentPage());
+            settle();
+            SCOPED_TRACE(std::string(title(screen)));
+            look();
+        }
+    }
+
+    void openLivedIn() {
+        haveAPast();
+        openWindow();
+        model->deferRecovery();
+        settle();
+    }
+};
+
+TEST_F(DemandsTest, EveryControlHasANameAndSwitchesSayWhatTheyAreWhatTheyHoldAndWhenItTakesEffect) {
+    openLivedIn();
+    onEveryPage([&] {
+        walk(QAccessible::queryAccessibleInterface(window.get()), [&](QAccessibleInterface* at) {
+            if (isControl(at->role()))
+                EXPECT_FALSE(at->text(QAccessible::Name).isEmpty())
+                    << at->object()->metaObject()->className() << " " << utf8(at->object()->objectName());
+        });
+        for (TweakRow* tweak : window->currentPage()->findChildren<TweakRow*>()) {
+            QWidget* control =
+                tweak->control()->focusProxy() ? tweak->control()->focusProxy() : tweak->control();
+            QAccessibleInterface* at = QAccessible::queryAccessibleInterface(control);
+            EXPECT_TRUE(at->text(QAccessible::Name).contains(qt(tweak->tweak().title)));
+            EXPECT_EQ(at->text(QAccessible::Description), qt(tweak->tweak().explanation.takesEffect));
+            if (const auto* toggle = qobject_cast<Switch*>(control))
+                EXPECT_EQ(static_cast<bool>(at->state().checked), toggle->isChecked());
+        }
+    });
+}
+
+TEST_F(DemandsTest, TabReachesEveryControlAndComesRound) {
+    openLivedIn();
+    window->activateWindow();
+    onEveryPage([&] {
+        std::set<QWidget*> wanted, reached;
+        for (QWidget* widget : visible<QWidget>(*window->currentPage()))
+            if (widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus && !widget->focusProxy())
+                wanted.insert(widget);
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        window->sidebar().pages().setFocus();
+        const std::size_t enough = 2 * wanted.size() + 40;
+        for (std::size_t i = 0; i < enough; ++i) {
+            QWidget* before = QApplication::focusWidget();
+            QTest::keyClick(before, Qt::Key_Tab);
+            QWidget* focus = QApplication::focusWidget();
+            ASSERT_TRUE(focus) << "after " << nameOf(before);
+            wanted.erase(focus);
+            if (!reached.insert(focus).second && focus == &window->sidebar().pages()) break;
+        }
+        for (const QWidget* widget : wanted) ADD_FAILURE() << nameOf(widget) << " is not reached";
+    });
+}
+
+TEST_F(DemandsTest, TheWheelAndAClickOnTextChangeNothingAndTargetsAreLargeEnough) {
+    openLivedIn();
+    const auto before = everythingIn(folder.path / "mac" / "Users");
+    const std::size_t entries = model->state().entries.size();
+    onEveryPage([&] {
+        for (QWidget* widget : visible<QWidget>(*window->currentPage())) {
+            const bool isButton = qobject_cast<QAbstractButton*>(widget);
+            if (!isButton && !qobject_cast<QComboBox*>(widget) && !qobject_cast<QLineEdit*>(widget)) continue;
+            if (widget->parentWidget()->inherits("QLineEdit") ||
+                widget->parentWidget()->inherits("QComboBox"))
+                continue;
+            const QString shown = widget->property("currentText").toString();
+            scrollOver(widget, -120);
+            scrollOver(widget, 120);
+            EXPECT_EQ(widget->property("currentText").toString(), shown) << nameOf(widget);
+            EXPECT_GE(widget->height(), 24) << nameOf(widget);
+        }
+        for (Row* row : visible<Row>(*window->currentPage())) {
+            const bool wasOpen = row->isOpen();
+            QTest::mouseClick(row, Qt::LeftButton, {}, {40, 24});
+            if (row->details()) EXPECT_NE(row->isOpen(), wasOpen) << nameOf(row);
+        }
+    });
+    settle();
+    EXPECT_EQ(changesIn(folder.path / "mac" / "Users", before), std::vector<std::string>{});
+    EXPECT_EQ(model->state().entries.size(), entries);
+}
+
+TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
+    for (const QPalette& palette : {Appearance::light(), Appearance::dark()}) {
+        const auto color = [&](QPalette::ColorRole role) { return palette.color(role); };
+        for (const QColor& surface :
+             {color(QPalette::Window), color(QPalette::Base), Appearance::card(palette)}) {
+            EXPECT_GE(Appearance::contrast(color(QPalette::WindowText), surface), 4.5);
+            EXPECT_GE(Appearance::contrast(Appearance::secondaryText(palette), surface), 4.5);
+            EXPECT_GE(Appearance::contrast(Appearance::outline(palette), surface), 3.0);
+            for (const Tone tone : {Tone::plain, Tone::accent, Tone::positive, Tone::caution, Tone::critical})
+                EXPECT_GE(Appearance::contrast(Appearance::toned(tone, palette), surface), 4.5);
+        }
+        for (const Tone tone : {Tone::plain, Tone::accent, Tone::positive, Tone::caution, Tone::critical}) {
+            const QColor ground = Appearance::tinted(tone, palette);
+            EXPECT_GE(Appearance::contrast(Appearance::toned(tone, palette), ground), 4.5);
+            EXPECT_GE(Appearance::contrast(color(QPalette::WindowText), ground), 4.5);
+        }
+        EXPECT_GE(Appearance::contrast(color(QPalette::ButtonText), color(QPalette::Button)), 4.5);
+        EXPECT_GE(Appearance::contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)), 4.5);
+        EXPECT_GE(Appearance::contrast(color(QPalette::PlaceholderText), color(QPalette::Base)), 4.5);
+        EXPECT_GE(Appearance::contrast(color(QPalette::Link), color(QPalette::Base)), 4.5);
+    }
+}
+
+TEST_F(DemandsTest, SwitchingToDarkWhileOpenLeavesNothingStale) {
+    openLivedIn();
+    std::map<Screen, QImage> switched;
+    const auto pictures = [&] {
+        std::map<Screen, QImage> taken;
+        for (const Screen screen : everyScreen()) {
+            go(screen);
+            window->sidebar().pages().setFocus();
+            settle();
+            taken[screen] = window->picture();
+        }
+        return taken;
+    };
+    const std::map<Screen, QImage> light = pictures();
+    QApplication::setPalette(Appearance::dark());
+    settle();
+    switched = pictures();
+    openWindow();
+    model->deferRecovery();
+    settle();
+    const std::map<Screen, QImage> fresh = pictures();
+    QApplication::setPalette(Appearance::light());
+    for (const Screen screen : everyScreen()) {
+        EXPECT_TRUE(switched[screen] == fresh.at(screen)) << title(screen);
+        EXPECT_FALSE(switched[screen] == light.at(screen)) << title(screen);
+    }
+}
+
+TEST_F(DemandsTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) {
+    haveAPast();
+    const fs::path deep = sample.home() / utf8(longName);
+    sample.openPreferences()->write(PrefValue(deep.string()), {"com.apple.screencapture", "location"});
+    fs::create_directories(sample.systemRoot() / "Volumes" / utf8(longName));
+    std::ofstream(sample.launchAgents() / "long.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>" << utf8(longName)
+        << "</string><key>Program</key><string>/opt/" << utf8(longName) << "</string></dict></plist>";
+    openWindow();
+    model->deferRecovery();
+    window->resize(window->minimumSize());
+    ASSERT_EQ(window->minimumSize(), QSize(820, 560));
+    onEveryPage([&] {
+        ASSERT_EQ(window->size(), QSize(820, 560)) << "the content makes the window larger";
+        QScrollArea* scroll = window->currentPage()->scrollArea();
+        EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
+        for (const QWidget* text : visible<QWidget>(*window)) {
+            if (qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text))
+                EXPECT_EQ(missing(text), 0) << nameOf(text) << utf8(text->property("text").toString());
+            const auto* button = qobject_cast<const QPushButton*>(text);
+            if (button) EXPECT_GE(button->width(), button->sizeHint().width()) << utf8(button->text());
+        }
+    });
+}
+
+TEST_F(DemandsTest, WhatCannotBeChangedSaysWhyAndAnUndoIsThereExactlyWhileAChangeIsActive) {
+    openLivedIn();
+    int refused = 0, undoable = 0;
+    onEveryPage([&] {
+        for (TweakRow* tweak : visible<TweakRow>(*window->currentPage())) {
+            const TweakRowState state = tweakRowState(*model, tweak->tweak());
+            EXPECT_EQ(state.canChange || !state.reason.empty(), true) << tweak->tweak().id;
+            bool reasonIsShown = state.reason.empty(), restores = false;
+            for (const Paragraph* text : visible<Paragraph>(*tweak))
+                reasonIsShown = reasonIsShown || text->text() == qt(state.reason);
+            for (const QPushButton* button : visible<QPushButton>(*tweak->details()))
+                restores = restores || button->text().startsWith("Restore");
+            EXPECT_TRUE(reasonIsShown) << tweak->tweak().id;
+            EXPECT_EQ(restores, state.undo.has_value()) << tweak->tweak().id;
+            refused += !state.canChange;
+            undoable += restores;
+        }
+    });
+    EXPECT_GE(refused, 3);
+    EXPECT_GE(undoable, 6);
+}
+
+TEST_F(DemandsTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarStays) {
+    haveAPast();
+    std::ofstream(*options.journalDirectory / "journal.json") << "{ damaged";
+    const auto before = everythingIn(folder.path);
+    openWindow();
+    onEveryPage([&] {
+        for (QWidget* control : visible<QWidget>(*window->currentPage())) {
+            const bool changes = qobject_cast<Switch*>(control) || qobject_cast<ChoiceBox*>(control);
+            if (changes && !control->property("changesNothing").toBool())
+                EXPECT_FALSE(control->isEnabled()) << nameOf(control);
+            const auto* button = qobject_cast<QPushButton*>(control);
+            if (button && (button->text().contains("Restore") || button->text().contains("Apply")) &&
+                !button->text().contains("Script"))
+                EXPECT_FALSE(button->isEnabled()) << utf8(button->text());
+        }
+        bool said = false;
+        for (const NoticeBar* bar : visible<NoticeBar>(*window))
+            said = said || bar->words().startsWith("The change journal could not be opened: ");
+        EXPECT_TRUE(said);
+    });
+    EXPECT_FALSE(model->state().undoStack.size());
+    auto after = changesIn(folder.path, before);
+    std::erase(after, "mac/private/var/db/.launchd.lock");
+    EXPECT_EQ(after, std::vector<std::string>{});
+}
+
+TEST_F(DemandsTest, EveryPageWithoutContentSaysSoInASentence) {
+    openWindow();
+    window->setChangedOnly(true);
+    for (const Screen screen : everyScreen()) {
+        if (screen == Screen::privacy || screen == Screen::loginItems || screen == Screen::spotlight)
+            continue;
+        go(screen);
+        QStringList sentences;
+        for (const Paragraph* text : visible<Paragraph>(*window->currentPage())) sentences << text->text();
+        EXPECT_TRUE(!sentences.filter("Nothing on this page is changed by Brell.").isEmpty() ||
+                    !sentences.filter("No change").isEmpty() || !sentences.filter("no change").isEmpty() ||
+                    !sentences.filter("nothing").isEmpty())
+            << title(screen) << ": " << utf8(sentences.join(" | "));
+    }
+}
+
+}  // namespace brell::testing
