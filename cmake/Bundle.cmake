@@ -25,7 +25,6 @@ function(brell_bundle target)
     configure_file(${brell_bundle_parts}/Info.plist.in ${PROJECT_BINARY_DIR}/Info.plist @ONLY)
     set_target_properties(${target} PROPERTIES
         MACOSX_BUNDLE ON MACOSX_BUNDLE_INFO_PLIST ${PROJECT_BINARY_DIR}/Info.plist)
-    install(TARGETS ${target} BUNDLE DESTINATION .)
 endfunction()
 
 # brell_install(TARGET): what the archive for other systems holds.
@@ -33,4 +32,5 @@ function(brell_install target)
     install(TARGETS ${target} RUNTIME DESTINATION bin)
     install(FILES ${brell_icon} DESTINATION share/icons/hicolor/scalable/apps RENAME com.corvane.brell.svg)
     install(FILES ${brell_bundle_parts}/com.corvane.brell.desktop DESTINATION share/applications)
+    install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION share/doc/corvane-brell)
 endfunction()
