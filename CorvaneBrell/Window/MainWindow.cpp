@@ -20,6 +20,7 @@
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 #include "CorvaneBrell/Window/SpotlightPage.h"
+#include "CorvaneBrell/Window/TabOrder.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 
 namespace brell {
@@ -180,10 +181,7 @@ void MainWindow::search(const QString& query) {
 }
 
 void MainWindow::enterPage() {
-    // The first control of the page: what Tab would reach next.
-    for (QWidget* widget : currentPage()->findChildren<QWidget*>())
-        if (widget->isVisible() && widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus)
-            return widget->setFocus(Qt::TabFocusReason);
+    if (QWidget* first = firstControl(currentPage()->scrollArea())) first->setFocus(Qt::TabFocusReason);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

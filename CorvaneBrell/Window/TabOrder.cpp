@@ -27,6 +27,14 @@ void collect(QWidget* widget, std::vector<QPointer<QWidget>>& controls) {
 
 }  // namespace
 
+QWidget* firstControl(QWidget* in) {
+    std::vector<QPointer<QWidget>> order;
+    collect(in, order);
+    for (const QPointer<QWidget>& control : order)
+        if (control->isVisible() && control->isEnabled()) return control;
+    return nullptr;
+}
+
 TabOrder::TabOrder(QWidget* widget, QWidget* content) : QObject(widget), widget_(widget) {
     content->installEventFilter(this);
 }

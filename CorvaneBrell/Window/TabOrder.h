@@ -7,6 +7,9 @@
 
 namespace brell {
 
+// The first control that Tab can reach in this part of the window; nullptr when there is none.
+QWidget* firstControl(QWidget* in);
+
 // Watches the layout of a part of the window and keeps the order of its controls.
 class TabOrder final : public QObject {
     Q_OBJECT
