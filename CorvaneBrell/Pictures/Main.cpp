@@ -7,6 +7,7 @@
 
 #include "BrellCore/Journal/Journal.h"
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Pictures/FewColors.h"
 #include "CorvaneBrell/Pictures/Scenes.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SamplePast.h"
@@ -34,12 +35,30 @@ bool takePictures(MainWindow& window, const std::string& name, const std::vector
             settle(window);
             const fs::path file = format.folder / (name + (dark ? "-dark.png" : "-light.png"));
             constexpr int smallest = 0;  // of the qualities: the most compression
-            const QImage picture = window.picture().convertToFormat(QImage::Format_RGB32);
+            const QImage picture = inFewColors(window.picture().convertToFormat(QImage::Format_RGB32));
             if (!picture.save(qt(file.string()), "PNG", smallest)) {
                 std::cerr << "error: The picture could not be written to " << file.string() << ".\n";
                 return false;
             }
         }
+    }
+    return true;
+}
+
+// The scenes, one after the other in one window; false when a picture can't be written.
+bool show(const std::vector<Scene>& scenes, const LaunchOptions& options,
+          const std::vector<Format>& formats) {
+    QtMainLoop loop;
+    SimulatedApplications applications(loop);
+    AppModel model(options, loop, applications, std::cerr);
+    MainWindow window(model);
+    window.show();
+    for (const Scene& scene : scenes) {
+        settle(window);
+        scene.begin(window);
+        settle(window);
+        if (!takePictures(window, scene.name, formats)) return false;
+        scene.end(window);
     }
     return true;
 }
@@ -51,20 +70,8 @@ int run(const std::vector<Format>& formats) {
     const SampleMac sample(*options.sampleMac);
     liveIn(sample, Journal::defaultDirectory(sample.home()), systemNow());
     for (const Format& format : formats) fs::create_directories(format.folder);
-
-    QtMainLoop loop;
-    SimulatedApplications applications(loop);
-    AppModel model(options, loop, applications, std::cerr);
-    MainWindow window(model);
-    window.show();
-    for (const Scene& scene : scenes()) {
-        settle(window);
-        scene.begin(window);
-        settle(window);
-        if (!takePictures(window, scene.name, formats)) return EXIT_FAILURE;
-        scene.end(window);
-    }
-    return EXIT_SUCCESS;
+    const bool shown = show(scenesOfTrouble(), options, formats) && show(everydayScenes(), options, formats);
+    return shown ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

@@ -49,7 +49,16 @@ Scene bars() {
                 settle(window);
                 window.model().applyChoice("dock.size", "enormous");
             },
-            [](MainWindow& window) { window.model().dismissError(); }};
+            [](MainWindow& window) {
+                window.model().dismissError();
+                window.model().undoLast();
+                settle(window);
+                window.model().recover();
+                settle(window);
+                window.model().askRelaunch();
+                window.model().confirmRelaunch();
+                while (window.model().state().relaunchActivity) settle(window);
+            }};
 }
 
 Scene recovery() {
@@ -86,7 +95,8 @@ Scene relaunch() {
     return {"sheet-relaunch",
             [](MainWindow& window) {
                 window.model().show(Screen::finder);
-                window.model().apply("finder.path_bar");
+                window.model().apply("dock.no_bounce");
+                window.model().apply("finder.status_bar");
                 settle(window);
                 window.model().askRelaunch();
             },
@@ -105,10 +115,14 @@ Scene presetResult() {
 
 }  // namespace
 
-std::vector<Scene> scenes() {
-    std::vector<Scene> all{recovery()};
+std::vector<Scene> scenesOfTrouble() {
+    return {recovery(), bars()};
+}
+
+std::vector<Scene> everydayScenes() {
+    std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
-    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), agents(), bars(),
+    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), agents(),
                                relaunch(), preset(), presetResult()})
         all.push_back(scene);
     return all;

@@ -16,8 +16,9 @@ struct Scene {
     std::function<void(MainWindow&)> end;
 };
 
-// For a sample Mac with a past.
-std::vector<Scene> scenes();
+// For a sample Mac with a past. The second ones begin with a window opened anew, after the first.
+std::vector<Scene> scenesOfTrouble();
+std::vector<Scene> everydayScenes();
 
 // Lets the window work until nothing is under way any more.
 void settle(MainWindow& window);

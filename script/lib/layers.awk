@@ -17,7 +17,7 @@ function report(what) {
 BEGIN {
     count = split("BrellCore/Support/ 1 BrellCore/Preferences/ 2 BrellCore/Catalog/ 3 BrellCore/Journal/ 4 " \
                   "BrellCore/Engine/ 5 BrellCore/Background/ 6 BrellCore/Review/ 7 CorvaneBrell/Model/ 9 " \
-                  "CorvaneBrell/Window/ 10 CorvaneBrell/main.cpp 11 CorvaneBrell/ 8",
+                  "CorvaneBrell/Window/ 10 CorvaneBrell/Pictures/ 11 CorvaneBrell/main.cpp 11 CorvaneBrell/ 8",
                   words, " ") / 2
     for (i = 1; i <= count; i++) {
         prefix[i] = words[2 * i - 1]
