@@ -59,7 +59,7 @@ Paragraph::Paragraph(const QString& text, Look look, QWidget* parent) : QLabel(t
     setWordWrap(true);
     setFont(fontFor(look, font()));
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }

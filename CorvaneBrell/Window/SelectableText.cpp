@@ -22,7 +22,7 @@ SelectableText::SelectableText(const QString& name, Look look, QWidget* parent) 
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     if (look == Look::monospace) setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     connect(this, &QTextEdit::textChanged, this, [this] { updateGeometry(); });
