@@ -20,6 +20,11 @@ OperatingSystemVersion parseOSVersion(const std::string& text) {
     return version;
 }
 
+OperatingSystemVersion releasedVersion(OperatingSystemVersion reported) {
+    if (reported.major == 16) reported.major = 26;
+    return reported;
+}
+
 fs::path homeFolder() {
     std::string home;
     if (const char* named = std::getenv("HOME")) home = named;

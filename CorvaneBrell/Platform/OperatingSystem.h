@@ -21,6 +21,10 @@ OperatingSystemVersion currentOSVersion();
 // The numbers at the start of a text such as "26.1" or "6.1.0-18-amd64".
 OperatingSystemVersion parseOSVersion(const std::string& text);
 
+// What a version reported by macOS really is: the release after 15 is 26, and programs made with older tools
+// are told that it is 16.
+OperatingSystemVersion releasedVersion(OperatingSystemVersion reported);
+
 // The user's home folder, an absolute path without a slash at its end.
 std::filesystem::path homeFolder();
 

@@ -11,7 +11,7 @@ OperatingSystemVersion currentOSVersion() {
     std::array<char, 64> text{};
     std::size_t size = text.size() - 1;
     if (::sysctlbyname("kern.osproductversion", text.data(), &size, nullptr, 0) != 0) return {};
-    return parseOSVersion(text.data());
+    return releasedVersion(parseOSVersion(text.data()));
 }
 
 }  // namespace brell
