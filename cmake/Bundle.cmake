@@ -6,6 +6,8 @@ function(brell_apple_sources target)
     list(FILTER sources INCLUDE REGEX "\\.mm$")
     set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS -fobjc-arc)
     target_link_libraries(${target} PUBLIC "-framework AppKit")
+    # A program that uses none of it, as the one without a window, does not load it either.
+    target_link_options(${target} INTERFACE LINKER:-dead_strip_dylibs)
 endfunction()
 
 set(brell_bundle_parts ${CMAKE_CURRENT_LIST_DIR}/Bundle)
