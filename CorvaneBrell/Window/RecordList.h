@@ -32,7 +32,7 @@ protected:
     void setCounts(std::size_t shown, std::size_t all);
 
 private:
-    static constexpr std::size_t batch = 200;
+    static constexpr std::size_t batch = 100;  // more rows at once would be felt as a pause
     std::size_t limit_ = batch;
     Card* card_;
     QPushButton* more_;
