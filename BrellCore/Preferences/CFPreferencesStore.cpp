@@ -35,11 +35,7 @@ CFPreferencesStore::CFPreferencesStore(DomainSet allowedDomains, bool forcedChec
     : allowedDomains_(std::move(allowedDomains)), forcedCheck_(forcedCheck), calls_(std::move(calls)) {}
 
 StoredValue CFPreferencesStore::exactValue(const PrefKey& key) {
-    const DefaultsApplication application = applicationOf(key.domain);
-    // What others saved since the last time is seen only now. Nothing of ours waits to be saved here, or its
-    // own synchronize has already said that it can't be: the answer tells nothing new.
-    (void)calls_->synchronize(application);
-    return classified(calls_->copyValue(key.name, application, HostScope::any), key);
+    return classified(freshValue(key, HostScope::any), key);
 }
 
 StoredValue CFPreferencesStore::effectiveValue(const PrefKey& key) {
@@ -47,7 +43,7 @@ StoredValue CFPreferencesStore::effectiveValue(const PrefKey& key) {
 }
 
 bool CFPreferencesStore::hasByHostValue(const PrefKey& key) {
-    return calls_->copyValue(key.name, applicationOf(key.domain), HostScope::current).has_value();
+    return freshValue(key, HostScope::current).has_value();
 }
 
 bool CFPreferencesStore::isForced(const PrefKey& key) {
@@ -70,7 +66,17 @@ void CFPreferencesStore::remove(const PrefKey& key) {
 }
 
 void CFPreferencesStore::synchronize(const std::string& domain) {
-    if (!calls_->synchronize(applicationOf(domain))) throw StoreError(SynchronizeFailed{domain});
+    if (!calls_->synchronize(applicationOf(domain), HostScope::any))
+        throw StoreError(SynchronizeFailed{domain});
+}
+
+// Includes what others have saved since the last time.
+std::optional<DefaultsObject> CFPreferencesStore::freshValue(const PrefKey& key, HostScope hosts) const {
+    const DefaultsApplication application = applicationOf(key.domain);
+    // Nothing of ours waits to be saved here, or its own synchronize has already said that it can't be: the
+    // answer tells nothing new.
+    (void)calls_->synchronize(application, hosts);
+    return calls_->copyValue(key.name, application, hosts);
 }
 
 // Checks the domain on the way: nothing reaches the platform without it.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
@@ -9,8 +10,8 @@
 
 namespace brell {
 
-// Holds nothing but its settings: copies are alike. The platform keeps the files, and their order among
-// processes; a write is saved and confirmed by the synchronize that follows it.
+// Holds nothing but its settings: copies are alike. Exact and per-host readings include what other processes
+// have saved. A write is saved, and confirmed, by the synchronize that follows it.
 class CFPreferencesStore final : public PreferenceStore {
 public:
     // Without the forced check no key counts as managed, and the platform is not asked.
@@ -27,6 +28,7 @@ public:
     void synchronize(const std::string& domain) override;
 
 private:
+    std::optional<DefaultsObject> freshValue(const PrefKey& key, HostScope hosts) const;
     DefaultsApplication applicationOf(const std::string& domain) const;
 
     DomainSet allowedDomains_;

@@ -49,9 +49,9 @@ public:
                           const DefaultsApplication& application) = 0;
     virtual void removeValue(const std::string& key, const DefaultsApplication& application) = 0;
 
-    // Saves what was set for any machine and reads what others saved. False when it could not be saved;
+    // Saves what was set for these machines and reads what others saved. False when it could not be saved;
     // readings then still give the unsaved values.
-    [[nodiscard]] virtual bool synchronize(const DefaultsApplication& application) = 0;
+    [[nodiscard]] virtual bool synchronize(const DefaultsApplication& application, HostScope hosts) = 0;
 };
 
 // The real ones. macOS only.

@@ -26,7 +26,7 @@ const UInt8* bytesOf(const std::string& text) {
     return reinterpret_cast<const UInt8*>(text.data());
 }
 
-Owned<CFStringRef> string(const std::string& text) {
+Owned<CFStringRef> cfString(const std::string& text) {
     Owned<CFStringRef> made(CFStringCreateWithBytes(
         kCFAllocatorDefault, bytesOf(text), static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
     if (!made) throw StoreError(StoreIo{"macOS takes no preference key or domain that is not UTF-8."});
@@ -34,9 +34,13 @@ Owned<CFStringRef> string(const std::string& text) {
 }
 
 Owned<CFStringRef> identifier(const DefaultsApplication& application) {
-    if (application.identifier) return string(*application.identifier);
+    if (application.identifier) return cfString(*application.identifier);
     CFRetain(kCFPreferencesAnyApplication);
     return Owned<CFStringRef>(kCFPreferencesAnyApplication);
+}
+
+CFStringRef host(HostScope hosts) {
+    return hosts == HostScope::any ? kCFPreferencesAnyHost : kCFPreferencesCurrentHost;
 }
 
 // The platform's own name of the object's kind.
@@ -88,18 +92,17 @@ public:
     std::optional<DefaultsObject> copyValue(const std::string& key, const DefaultsApplication& application,
                                             HostScope hosts) override {
         return copied(Owned<CFPropertyListRef>(CFPreferencesCopyValue(
-            string(key).get(), identifier(application).get(), kCFPreferencesCurrentUser,
-            hosts == HostScope::any ? kCFPreferencesAnyHost : kCFPreferencesCurrentHost)));
+            cfString(key).get(), identifier(application).get(), kCFPreferencesCurrentUser, host(hosts))));
     }
 
     std::optional<DefaultsObject> copyAppValue(const std::string& key,
                                                const DefaultsApplication& application) override {
         return copied(Owned<CFPropertyListRef>(
-            CFPreferencesCopyAppValue(string(key).get(), identifier(application).get())));
+            CFPreferencesCopyAppValue(cfString(key).get(), identifier(application).get())));
     }
 
     bool appValueIsForced(const std::string& key, const DefaultsApplication& application) override {
-        return CFPreferencesAppValueIsForced(string(key).get(), identifier(application).get());
+        return CFPreferencesAppValueIsForced(cfString(key).get(), identifier(application).get());
     }
 
     void setValue(const std::string& key, const PlistValue& object,
@@ -111,15 +114,15 @@ public:
         set(key, nullptr, application);
     }
 
-    bool synchronize(const DefaultsApplication& application) override {
+    bool synchronize(const DefaultsApplication& application, HostScope hosts) override {
         return CFPreferencesSynchronize(identifier(application).get(), kCFPreferencesCurrentUser,
-                                        kCFPreferencesAnyHost);
+                                        host(hosts));
     }
 
 private:
     static void set(const std::string& key, CFPropertyListRef object,
                     const DefaultsApplication& application) {
-        CFPreferencesSetValue(string(key).get(), object, identifier(application).get(),
+        CFPreferencesSetValue(cfString(key).get(), object, identifier(application).get(),
                               kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
     }
 };

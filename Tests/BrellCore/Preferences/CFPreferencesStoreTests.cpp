@@ -29,12 +29,12 @@ public:
 
     std::optional<DefaultsObject> copyValue(const std::string& key, const DefaultsApplication& application,
                                             HostScope hosts) override {
-        return found(hosts == HostScope::any ? seen : thisHost, key, application);
+        return found(hosts == HostScope::any ? seen : seenHere, key, application);
     }
 
     std::optional<DefaultsObject> copyAppValue(const std::string& key,
                                                const DefaultsApplication& application) override {
-        for (const Values* values : {&forced, &thisHost, &seen})
+        for (const Values* values : {&forced, &seenHere, &seen})
             if (auto value = found(*values, key, application)) return value;
         return found(seen, key, {});
     }
@@ -59,7 +59,11 @@ public:
         seen.erase({nameOf(application), key});
     }
 
-    bool synchronize(const DefaultsApplication& application) override {
+    bool synchronize(const DefaultsApplication& application, HostScope hosts) override {
+        if (hosts == HostScope::current) {
+            seenHere = savedHere;
+            return true;
+        }
         calls.push_back("synchronize " + nameOf(application));
         if (locked) return false;
         if (seen != read)
@@ -76,7 +80,7 @@ public:
         saved.insert_or_assign({application, key.name}, std::move(object));
     }
 
-    Values saved, thisHost, forced;
+    Values saved, savedHere, forced;
     bool locked = false;
     int forcedQuestions = 0;
     std::vector<std::string> calls;
@@ -88,7 +92,7 @@ private:
         return value == values.end() ? std::nullopt : std::optional(value->second);
     }
 
-    Values seen, read;  // by this process: now, and when it last synchronized
+    Values seen, read, seenHere;  // by this process: now, and when it last synchronized
 };
 
 class CFPreferencesStoreTest : public ::testing::Test {
@@ -153,7 +157,7 @@ TEST_F(CFPreferencesStoreTest, TheGlobalDomainIsAnyApplication) {
 
 TEST_F(CFPreferencesStoreTest, EachReadingAsksItsOwnPlace) {
     defaults->saveElsewhere(delay, PlistValue{0.2});
-    defaults->thisHost[{"com.apple.dock", "tilesize"}] = PlistValue{PlistDictionary{}};
+    defaults->savedHere[{"com.apple.dock", "tilesize"}] = PlistValue{PlistDictionary{}};
     defaults->forced[{"com.apple.dock", "autohide"}] = PlistValue{true};
     CFPreferencesStore unchecked({"com.apple.dock"}, false, defaults);
 
@@ -162,8 +166,8 @@ TEST_F(CFPreferencesStoreTest, EachReadingAsksItsOwnPlace) {
     EXPECT_EQ(store.exactValue({"com.apple.dock", delay.name}), StoredValue::absent());
     EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
     EXPECT_EQ(store.effectiveValue(autohide), StoredValue(true));
-    EXPECT_TRUE(store.hasByHostValue(tileSize));
     EXPECT_FALSE(store.hasByHostValue(autohide));
+    EXPECT_TRUE(store.hasByHostValue(tileSize));
     EXPECT_EQ(store.exactValue(tileSize), StoredValue::absent());
     EXPECT_FALSE(unchecked.isForced(autohide));
     EXPECT_EQ(defaults->forcedQuestions, 0);
