@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -10,18 +11,36 @@ namespace brell {
 
 namespace {
 
-// The most frequent colours, the first one being the most frequent of all.
-QList<QRgb> frequentColors(const QImage& picture) {
+constexpr qsizetype most = 256;
+
+// Colours that look much the same have the same one.
+QRgb neighbourhood(QRgb color) {
+    return color & 0xf0f0f0;
+}
+
+std::vector<std::pair<int, QRgb>> countedColors(const QImage& picture) {
     std::map<QRgb, int> counts;
     for (int y = 0; y < picture.height(); ++y)
         for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
     std::vector<std::pair<int, QRgb>> ordered;
     for (const auto& [color, count] : counts) ordered.emplace_back(count, color);
     std::sort(ordered.begin(), ordered.end(), std::greater<>());
-    ordered.resize(std::min<std::size_t>(ordered.size(), 256));
-    QList<QRgb> colors;
-    for (const auto& [count, color] : ordered) colors.append(color);
-    return colors;
+    return ordered;
+}
+
+// The most frequent ones as they are; then one of each neighbourhood, so that no small coloured symbol ends
+// up grey.
+QList<QRgb> chosenColors(const QImage& picture) {
+    constexpr std::size_t exact = 100;
+    QList<QRgb> chosen;
+    std::set<QRgb> neighbourhoods;
+    std::size_t place = 0;
+    for (const auto& [count, color] : countedColors(picture)) {
+        const bool isNew = neighbourhoods.insert(neighbourhood(color)).second;
+        if ((isNew || place < exact) && chosen.size() < most) chosen.append(color);
+        ++place;
+    }
+    return chosen;
 }
 
 int distance(QRgb one, QRgb other) {
@@ -33,7 +52,7 @@ int distance(QRgb one, QRgb other) {
 }  // namespace
 
 QImage inFewColors(const QImage& picture) {
-    const QList<QRgb> colors = frequentColors(picture);
+    const QList<QRgb> colors = chosenColors(picture);
     std::map<QRgb, uint> places;  // in the list, of every colour that was met
     const auto placeOf = [&](QRgb color) {
         const auto nearer = [color](QRgb one, QRgb other) {

@@ -5,8 +5,8 @@
 
 namespace brell {
 
-// The picture in its 256 most frequent colours, every other one given the nearest of these: a third of the
-// size, and no difference to see.
+// The picture in 256 of its colours, every other one given the nearest of these: a third of the size, and no
+// difference to see.
 QImage inFewColors(const QImage& picture);
 
 }  // namespace brell
