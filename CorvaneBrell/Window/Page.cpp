@@ -4,6 +4,7 @@
 #include <QScrollBar>
 
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/Symbol.h"
 #include "CorvaneBrell/Window/TabOrder.h"
 
@@ -63,7 +64,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     rows->addLayout(content_);
     rows->addStretch(1);
 
-    auto* holder = new QWidget;
+    auto* holder = new ScrolledContent;
     auto* line = new QHBoxLayout(holder);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(column);
