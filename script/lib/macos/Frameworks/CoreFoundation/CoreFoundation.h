@@ -4,6 +4,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#ifndef __clang__  // g++ knows nothing of nullability
+#define _Nullable
+#define _Null_unspecified
+#endif
 #pragma clang assume_nonnull begin
 
 extern "C" {
