@@ -43,13 +43,12 @@ void LoginItemsPage::addTools() {
     filter_->setPlaceholderText(tr("Filter"));
     filter_->setAccessibleName(tr("Filter the login items"));
     filter_->setClearButtonEnabled(true);
-    filter_->setMinimumSize(120, 28);
-    filter_->setMaximumWidth(200);
+    filter_->setMinimumHeight(28);
     connect(filter_, &QLineEdit::textChanged, this, [this] { showItems(); });
     auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
     again->setAccessibleName(tr("Refresh the login items"));
     connect(again, &QPushButton::clicked, this, [this] { model_.loadLoginItems(); });
-    tools()->addWidget(filter_);
+    content()->addWidget(filter_);
     tools()->addWidget(again);
     tools()->addWidget(paneButton(*settingsLink(Screen::loginItems), tr("General, then Login Items")));
 }

@@ -45,7 +45,6 @@ private:
 QToolButton* arrowButton() {
     auto* arrow = new QToolButton;
     arrow->setAutoRaise(true);
-    arrow->setCheckable(true);
     arrow->setIcon(symbolIcon("chevron.right"));
     arrow->setIconSize({14, 14});
     arrow->setMinimumSize(28, 28);
@@ -95,7 +94,7 @@ Row::Row(const QString& title, QWidget* parent)
     head_->addWidget(arrow_, 0, Qt::AlignVCenter);
     what_->hide();
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-    connect(arrow_, &QToolButton::clicked, this, [this](bool open) { setOpen(open); });
+    connect(arrow_, &QToolButton::clicked, this, [this] { setOpen(!isOpen()); });
     setTitle(title);
 }
 
@@ -156,7 +155,6 @@ void Row::setOpen(bool open) {
         column_->addWidget(details_);
     }
     if (details_) details_->setVisible(open);
-    arrow_->setChecked(open);
     arrow_->setIcon(symbolIcon(open ? "chevron.down" : "chevron.right"));
     arrow_->setAccessibleDescription(open ? tr("Open") : tr("Closed"));
 }
