@@ -7,6 +7,7 @@
 #ifdef __linux__
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,7 +26,7 @@ namespace {
 // Never destroyed: the calls of destructors at the end of the program pass here too.
 struct Observers {
     std::mutex mutex;  // guards all, and every observer in it
-    std::vector<detail::Observer*> all;
+    std::vector<CallObserver*> all;
 };
 Observers& observers() {
     static auto& kept = *new Observers;
@@ -34,22 +35,23 @@ Observers& observers() {
 
 }  // namespace
 
-namespace detail {
+CallObserver::CallObserver(const fs::path& folder) : folder_(folder.string()) {}
+CallObserver::~CallObserver() = default;
 
-Observer::Observer(const fs::path& folder) : folder_(folder.string()) {}
-Observer::~Observer() = default;
-
-bool Observer::watches(const std::string& path) const {
+bool CallObserver::watches(const std::string& path) const {
     return path.starts_with(folder_) && (path.size() == folder_.size() || path[folder_.size()] == '/');
 }
 
-}  // namespace detail
-
-CountedCalls::CountedCalls(const fs::path& folder) : Observer(folder) {
+CountedCalls::CountedCalls(const fs::path& folder) : CallObserver(folder) {
     start();
 }
 CountedCalls::~CountedCalls() {
     stop();
+}
+
+std::size_t CountedCalls::all() const {
+    const std::lock_guard lock(observers().mutex);
+    return calls_.size();
 }
 
 std::size_t CountedCalls::of(SystemCall call) const {
@@ -71,7 +73,7 @@ int CountedCalls::sees(SystemCall call, const std::string& path) {
 }
 
 FailingCall::FailingCall(const fs::path& folder, SystemCall call, int code, int nth)
-    : Observer(folder), call_(call), code_(code), left_(nth) {
+    : CallObserver(folder), call_(call), code_(code), left_(nth) {
     start();
 }
 FailingCall::~FailingCall() {
@@ -115,7 +117,7 @@ int codeFor(SystemCall call, Place place) {
     {
         const std::string path = pathOf(place);
         const std::lock_guard lock(observers().mutex);
-        for (detail::Observer* observer : observers().all)
+        for (CallObserver* observer : observers().all)
             if (observer->watches(path))
                 if (const int wanted = observer->sees(call, path); wanted != 0) code = wanted;
     }
@@ -140,8 +142,9 @@ private:
     const char* name_;
     std::atomic<void*> found_ = nullptr;
 };
-constinit Next nextOpen("open"), nextRead("read"), nextWrite("write"), nextFsync("fsync"),
-    nextFdatasync("fdatasync"), nextRename("rename"), nextClose("close"), nextStat("stat");
+constinit Next nextOpen("open"), nextRead("read"), nextPread("pread"), nextWrite("write"), nextFsync("fsync"),
+    nextFdatasync("fdatasync"), nextRename("rename"), nextUnlink("unlink"), nextMkdir("mkdir"),
+    nextClose("close"), nextStat("stat"), nextLstat("lstat"), nextFstat("fstat"), nextFlock("flock");
 
 int failedWith(int code) {
     errno = code;
@@ -161,13 +164,13 @@ bool systemCallsAreWatched() {
     return true;
 }
 
-void detail::Observer::start() {
+void CallObserver::start() {
     const std::lock_guard lock(observers().mutex);
     observers().all.push_back(this);
     ++observerCount;
 }
 
-void detail::Observer::stop() {
+void CallObserver::stop() {
     const std::lock_guard lock(observers().mutex);
     std::erase(observers().all, this);
     --observerCount;
@@ -178,8 +181,8 @@ void detail::Observer::stop() {
 bool systemCallsAreWatched() {
     return false;
 }
-void detail::Observer::start() {}
-void detail::Observer::stop() {}
+void CallObserver::start() {}
+void CallObserver::stop() {}
 
 #endif
 
@@ -210,6 +213,12 @@ ssize_t read(int descriptor, void* bytes, size_t count) {
     return brell::testing::nextRead.as<ssize_t(int, void*, size_t)>()(descriptor, bytes, count);
 }
 
+ssize_t pread(int descriptor, void* bytes, size_t count, off_t offset) {
+    if (const int code = codeFor(SystemCall::pread, descriptor)) return failedWith(code);
+    return brell::testing::nextPread.as<ssize_t(int, void*, size_t, off_t)>()(descriptor, bytes, count,
+                                                                              offset);
+}
+
 ssize_t write(int descriptor, const void* bytes, size_t count) {
     if (const int code = codeFor(SystemCall::write, descriptor)) return failedWith(code);
     return brell::testing::nextWrite.as<ssize_t(int, const void*, size_t)>()(descriptor, bytes, count);
@@ -230,6 +239,16 @@ int rename(const char* from, const char* to) noexcept {
     return brell::testing::nextRename.as<int(const char*, const char*)>()(from, to);
 }
 
+int unlink(const char* path) noexcept {
+    if (const int code = codeFor(SystemCall::unlink, path)) return failedWith(code);
+    return brell::testing::nextUnlink.as<int(const char*)>()(path);
+}
+
+int mkdir(const char* path, mode_t mode) noexcept {
+    if (const int code = codeFor(SystemCall::mkdir, path)) return failedWith(code);
+    return brell::testing::nextMkdir.as<int(const char*, mode_t)>()(path, mode);
+}
+
 int close(int descriptor) {
     const int code = codeFor(SystemCall::close, descriptor);
     const int result = brell::testing::nextClose.as<int(int)>()(descriptor);
@@ -239,6 +258,21 @@ int close(int descriptor) {
 int stat(const char* path, struct stat* status) noexcept {
     if (const int code = codeFor(SystemCall::stat, path)) return failedWith(code);
     return brell::testing::nextStat.as<int(const char*, struct stat*)>()(path, status);
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+    if (const int code = codeFor(SystemCall::lstat, path)) return failedWith(code);
+    return brell::testing::nextLstat.as<int(const char*, struct stat*)>()(path, status);
+}
+
+int fstat(int descriptor, struct stat* status) noexcept {
+    if (const int code = codeFor(SystemCall::fstat, descriptor)) return failedWith(code);
+    return brell::testing::nextFstat.as<int(int, struct stat*)>()(descriptor, status);
+}
+
+int flock(int descriptor, int operation) noexcept {
+    if (const int code = codeFor(SystemCall::flock, descriptor)) return failedWith(code);
+    return brell::testing::nextFlock.as<int(int, int)>()(descriptor, operation);
 }
 
 }  // extern "C"

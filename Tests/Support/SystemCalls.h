@@ -12,27 +12,39 @@
 namespace brell::testing {
 
 // fdatasync counts as fsync.
-enum class SystemCall { open, read, write, fsync, rename, close, stat };
+enum class SystemCall {
+    open,
+    read,
+    pread,
+    write,
+    fsync,
+    rename,
+    unlink,
+    mkdir,
+    close,
+    stat,
+    lstat,
+    fstat,
+    flock,
+};
 
 // True where calls can be watched. Elsewhere, and that is macOS, a test that needs it skips.
 bool systemCallsAreWatched();
 
-namespace detail {
-
 // What an observer sees: calls on this path and everything below it; the path of a descriptor is that of its
 // file, that of a rename its target.
-class Observer {
+class CallObserver {
 public:
-    Observer(const Observer&) = delete;
-    Observer& operator=(const Observer&) = delete;
+    CallObserver(const CallObserver&) = delete;
+    CallObserver& operator=(const CallObserver&) = delete;
 
     // Called before the system is, one call at a time. Answers the errno to fail with, or 0.
     virtual int sees(SystemCall call, const std::string& path) = 0;
     bool watches(const std::string& path) const;
 
 protected:
-    explicit Observer(const std::filesystem::path& folder);
-    virtual ~Observer();
+    explicit CallObserver(const std::filesystem::path& folder);
+    virtual ~CallObserver();
     void start();  // when the derived object is complete
     void stop();   // before it goes; no call of sees is under way afterwards
 
@@ -40,14 +52,13 @@ private:
     const std::string folder_;
 };
 
-}  // namespace detail
-
 // Counts the calls below a folder, of all threads, as long as it lives.
-class CountedCalls final : detail::Observer {
+class CountedCalls final : CallObserver {
 public:
     explicit CountedCalls(const std::filesystem::path& folder);
     ~CountedCalls() override;
 
+    std::size_t all() const;
     std::size_t of(SystemCall call) const;
     std::size_t of(SystemCall call, const std::filesystem::path& path) const;  // of exactly this path
 
@@ -63,7 +74,7 @@ private:
 
 // The n-th call of this kind below a folder fails with this errno instead of reaching the system; those
 // before and after it are made. A failing close does close.
-class FailingCall final : detail::Observer {
+class FailingCall final : CallObserver {
 public:
     FailingCall(const std::filesystem::path& folder, SystemCall call, int code, int nth = 1);
     ~FailingCall() override;
