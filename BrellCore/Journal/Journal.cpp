@@ -80,6 +80,21 @@ fs::path withoutLink(const fs::path& file) {
     return failed || target.empty() ? file : target;
 }
 
+// A link to nowhere is no journal that was never written.
+void checkNoLinkAt(const fs::path& file) {
+    std::error_code failed;
+    const fs::file_type type = fs::symlink_status(file, failed).type();
+    if (type == fs::file_type::symlink)
+        throw cannotRead(file.string() + ": it is a link to a file that is not there");
+    if (type == fs::file_type::none) throw cannotRead(file.string() + ": " + failed.message());
+}
+
+void checkExcludes(const FileLock& lock) try {
+    if (!lock.stillExcludes()) throw cannotWrite("its lock file was removed meanwhile");
+} catch (const std::system_error& error) {
+    throw cannotWrite(error.what());
+}
+
 // What is found by its identifier must be the only one.
 void checkUnique(const std::vector<JournalEntry>& entries) {
     std::vector<Uuid> ids;
@@ -176,7 +191,7 @@ Journal::Exclusive Journal::exclusive() try {
 
 void Journal::upsert(const JournalEntry& entry, const Exclusive& held) {
     const std::lock_guard lock(mutex_);
-    if (!held.lock_.stillExcludes()) throw cannotWrite("its lock file was removed meanwhile");
+    checkExcludes(held.lock_);
     refreshLocked();
     saveLocked(entry);
     appendHistoryLine(historyDirectory_, clock_(), entry);
@@ -222,8 +237,7 @@ void Journal::refreshLocked() try {
     const auto identity = identityOf(file_);
     // A file that is gone does not empty the list: what undoes changes is kept, and saved again with the
     // next.
-    if (!identity && fs::is_symlink(file_))
-        throw cannotRead(file_.string() + ": it is a link to a file that is not there");
+    if (!identity) checkNoLinkAt(file_);
     if (!identity || identity == contents_.identity) return;
     auto read = readFile(file_, mostBytes, simdjson::SIMDJSON_PADDING);
     if (!read) return;

@@ -22,7 +22,13 @@ std::system_error failure(const fs::path& file) {
 }
 
 UniqueFd openLockFile(const fs::path& file) {
-    const auto open = [&] { return ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); };
+    const auto open = [&] {
+        int opened;
+        do {
+            opened = ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+        } while (opened < 0 && errno == EINTR);
+        return opened;
+    };
     int descriptor = open();
     if (descriptor < 0 && errno == ENOENT) {
         if (const std::error_code failed = createFolders(file.parent_path()))
@@ -33,11 +39,16 @@ UniqueFd openLockFile(const fs::path& file) {
     return UniqueFd(descriptor);
 }
 
-// False when somebody removed the file after it was opened: a lock on it would exclude nobody.
+// False when somebody removed the file after it was opened: a lock on it would exclude nobody. Throws when
+// the system can't say: waiting for another holder would not help.
 bool isStillAt(const fs::path& file, const UniqueFd& descriptor) {
     struct stat opened, named;
-    return ::fstat(descriptor.get(), &opened) == 0 && ::stat(file.c_str(), &named) == 0 &&
-           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+    if (::fstat(descriptor.get(), &opened) != 0) throw failure(file);
+    if (::stat(file.c_str(), &named) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) return false;
+        throw failure(file);
+    }
+    return opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
 }  // namespace

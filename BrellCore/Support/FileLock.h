@@ -18,7 +18,8 @@ public:
     static std::optional<FileLock> acquire(const std::filesystem::path& file,
                                            std::chrono::milliseconds patience);
 
-    // False when somebody removed the file since: another one may be locked in its place.
+    // False when somebody removed the file since: another one may be locked in its place. Throws
+    // std::system_error when the system can't say.
     bool stillExcludes() const;
 
 private:

@@ -135,6 +135,13 @@ TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
     const auto error = thrownBy<JournalError>([&] { Journal::open(folder.path); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->failure().text, file.string() + ": it is a link to a file that is not there");
+
+    if (!systemCallsAreWatched()) return;
+    fs::remove(file);
+    const FailingCall failing(folder.path, SystemCall::lstat, EIO,
+                              2);  // the first is asked in search of a link
+    EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
+              "The change journal could not be read: " + file.string() + ": Input/output error.");
 }
 
 TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <thread>
 
+#include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
@@ -85,6 +87,17 @@ TEST_F(FileLockTest, AFileThatCannotBeMadeIsAnErrorNamingIt) {
     fs::create_symlink(folder.path / "elsewhere", file);
     EXPECT_NE(messageOf([&] { acquired(); }).find(file.string()), std::string::npos);
     EXPECT_FALSE(fs::exists(folder.path / "elsewhere"));
+}
+
+TEST_F(FileLockTest, ASystemThatCannotSayWhoseFileItIsIsNoOtherHolderToWaitFor) {
+    if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be made to fail here";
+    const auto held = acquired();
+    for (const SystemCall call : {SystemCall::stat, SystemCall::fstat}) {
+        const FailingCall failing(folder.path, call, EIO);
+        EXPECT_NE(messageOf([&] { held->stillExcludes(); }).find(file.string()), std::string::npos);
+    }
+    const FailingCall interrupted(folder.path, SystemCall::open, EINTR);
+    EXPECT_FALSE(acquired());  // asked again, and found held
 }
 
 TEST_F(FileLockConcurrencyTest, OneThreadAtATimeAlsoWhileTheFileIsBeingRemoved) {
