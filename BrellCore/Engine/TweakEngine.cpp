@@ -316,13 +316,45 @@ JournalEntry TweakEngine::restoreLocked(const Uuid& entryID, bool overridingDrif
             if (!entry.agent) throw refused("Entry " + entryID.text() + " has no agent capture.");
             if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
             agentRestorer_->restore(*entry.agent);
-            break;
-        case EntryKind::preference:
-            if (entry.status == EntryStatus::applied && !overridingDrift && hasDrifted(entry, store_))
-                throw EngineError(Drift{entryID});
-            for (const JournaledWrite& write : entry.writes) putBack(write);
-            break;
+            return saveRestored(std::move(entry), held);
+        case EntryKind::preference: return restorePreferences(std::move(entry), overridingDrift, held);
     }
+    return entry;
+}
+
+// As hasDrifted, but a file that can't be read is no change that somebody made: that raises StoreError.
+bool TweakEngine::holdsSomethingElse(const JournalEntry& entry) try {
+    return std::any_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
+        return store_.exactValue(write.key) != write.written;
+    });
+} catch (const StoreError& error) {
+    if (std::holds_alternative<UnsupportedType>(error.failure())) return true;
+    throw;
+}
+
+JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overridingDrift,
+                                             const Journal::Exclusive& held) {
+    const bool isChecked = entry.status == EntryStatus::applied && !overridingDrift;
+    if (isChecked && holdsSomethingElse(entry)) throw EngineError(Drift{entry.id});
+    try {
+        for (const JournaledWrite& write : entry.writes) putBack(write);
+        return saveRestored(entry, held);
+    } catch (const std::exception&) {
+        if (isChecked) redo(entry);
+        throw;
+    }
+}
+
+// After an undo that failed half way: to the next one, keys that no longer hold what Brell wrote would look
+// like somebody else's change. Where that fails too, the next undo asks first.
+void TweakEngine::redo(const JournalEntry& entry) noexcept try {
+    if (journal_.entry(entry.id) != entry) return;  // the undo is on record after all
+    for (std::size_t i = entry.writes.size(); i-- > 0;) writeVerified(entry.writes[i]);
+} catch (const std::exception&) {
+    // The entry is active and has every original.
+}
+
+JournalEntry TweakEngine::saveRestored(JournalEntry entry, const Journal::Exclusive& held) {
     entry.status = EntryStatus::restored;
     entry.restoredAt = settings_.clock();
     entry.failure = std::nullopt;

@@ -124,6 +124,10 @@ private:
     RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
                                      const std::set<Uuid>& confirmedDrift, const Progress& goOn);
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
+    bool holdsSomethingElse(const JournalEntry& entry);
+    JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
+    void redo(const JournalEntry& entry) noexcept;
+    JournalEntry saveRestored(JournalEntry entry, const Journal::Exclusive& held);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
                      const Journal::Exclusive& held);
     void rewriteRestoreScript(const Journal::Exclusive& held) noexcept;

@@ -1,6 +1,9 @@
 #include "BrellCore/Engine/TweakEngine.h"
 
+#include <cerrno>
+
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/SystemCalls.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -152,6 +155,33 @@ TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
     EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{}, {}, {{entry.id, describe(reason)}}, {}}));
     EXPECT_EQ(journal.all(), std::vector{entry});
     EXPECT_EQ(script(), scriptBefore);
+}
+
+TEST_F(TweakEngineTest, AnUndoThatFailsHalfWayCanBeRunAgainWithoutAQuestion) {
+    const JournalEntry entry = engine.apply(tweak("finder.drives_on_desktop"));
+    const auto applied = files.snapshot();
+    store.goWrong(Fault::refuses, "write " + external.rendered(), 1, 1);
+    EXPECT_THROW(engine.restore(entry.id, false), EngineError);
+    EXPECT_EQ(files.snapshot(), applied);
+    if (systemCallsAreWatched()) {
+        const FailingCall failing(journalDirectory, SystemCall::rename, ENOSPC);
+        EXPECT_THROW(engine.restore(entry.id, false), EngineError);
+        EXPECT_EQ(files.snapshot(), applied);
+    }
+    EXPECT_EQ(engine.restore(entry.id, false).status, EntryStatus::restored);
+    EXPECT_EQ(files.snapshot(), original);
+}
+
+TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
+    const JournalEntry entry = engine.apply(tweak("dock.size"));
+    const std::string call = "exactValue " + tileSize.rendered();
+    store.goWrong(Fault::refuses, call);
+    EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }),
+              EngineFailure(FaultyStore::simulated(call)));
+    EXPECT_EQ(engine.restoreAll({}).skippedDrifted, std::vector<Uuid>{});
+    store.heal();
+    files.markUnsupported(tileSize);  // somebody put a dictionary there
+    EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }), EngineFailure(Drift{entry.id}));
 }
 
 TEST_F(TweakEngineTest, AnInterruptedChangeIsRecoveredWithoutAQuestion) {
