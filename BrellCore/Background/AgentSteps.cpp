@@ -4,6 +4,8 @@
 #include <array>
 #include <thread>
 
+#include "BrellCore/Background/Lines.h"
+
 namespace brell {
 
 namespace {
@@ -24,6 +26,10 @@ AgentToggleError error(AgentToggleProblem problem, std::string text) {
 
 AgentToggleError commandError(const AllowedCommand& command, const std::string& output) {
     return error(AgentToggleProblem::command, command.rendered() + ": " + output);
+}
+
+bool isBlank(const CommandResult& result) {
+    return stripped(result.output()).empty();
 }
 
 bool saysNotLoaded(const CommandResult& result) {
@@ -55,12 +61,14 @@ AgentState AgentSteps::currentState() {
     const AllowedCommand askOverrides = AllowedCommand::launchctlPrintDisabled(domain_);
     const CommandResult answer = run(askOverrides);
     if (!answer.succeeded()) throw commandError(askOverrides, answer.output());
+    // Even without any override the real one names the list.
+    if (isBlank(answer)) throw commandError(askOverrides, "it answered nothing");
     const AgentOverrides overrides = LaunchctlParser::parsePrintDisabled(answer.stdoutText);
     const auto override = overrides.find(label_);
 
-    const LoadedState loaded =
-        LaunchctlParser::parsePrint(run(AllowedCommand::launchctlPrint(domain_ + "/" + label_)));
-    if (loaded.isUnknown())
+    const CommandResult job = run(AllowedCommand::launchctlPrint(domain_ + "/" + label_));
+    const LoadedState loaded = LaunchctlParser::parsePrint(job);
+    if (loaded.isUnknown() || isBlank(job))
         throw error(AgentToggleProblem::refused,
                     "launchd could not be asked whether " + label_ + " is loaded.");
     return {override == overrides.end() ? AgentOverride::absent : override->second, loaded};

@@ -23,7 +23,8 @@ const std::vector<Trouble>& troubles() {
         {"refuses", ToolFault::refusing(5, "Input/output error"), false, false},
         {"keeps refusing", ToolFault::refusing(150, "Operation not permitted"), true, true},
         {"refuses after doing it", ToolFault::refusingAfterAll(1, "odd"), false, false},
-        {"lies", ToolFault::lying(), false, false},
+        {"lies", ToolFault::lying(), false, true},
+        {"keeps lying", ToolFault::lying(), true, true},
         {"hangs", ToolFault::hanging(), false, true},
         {"keeps hanging after doing it", ToolFault::hangingAfterwards(), true, false},
     };
