@@ -1,0 +1,105 @@
+// Every file operation in turn fails, once and from then on.
+
+#include <array>
+#include <cerrno>
+
+#include "Tests/Support/SystemCalls.h"
+#include "Tests/Trust/Recovery.h"
+#include "Tests/Trust/Trial.h"
+
+using brell::testing::CallObserver;
+using brell::testing::SystemCall;
+
+namespace fs = std::filesystem;
+
+namespace brell::trust {
+
+namespace {
+
+struct Code {
+    int number;
+    const char* name;
+};
+constexpr std::array codes{Code{ENOSPC, "no space"}, Code{EIO, "input/output error"},
+                           Code{EACCES, "permission denied"}, Code{EMFILE, "too many open files"},
+                           Code{EINTR, "interrupted"}};
+
+// The n-th call fails, and if that lasts, with it all later ones of its kind.
+class FaultyCall final : CallObserver {
+public:
+    FaultyCall(const fs::path& folder, std::size_t n, int code, bool lasts)
+        : CallObserver(folder), left_(n), code_(code), lasts_(lasts) {
+        start();
+    }
+    ~FaultyCall() override { stop(); }
+
+    std::optional<SystemCall> failed;  // nothing: it was never reached
+
+private:
+    int sees(SystemCall call, const std::string&) override {
+        if (!failed && left_-- == 0) {
+            failed = call;
+            return code_;
+        }
+        return lasts_ && failed == call ? code_ : 0;
+    }
+    std::size_t left_;
+    const int code_;
+    const bool lasts_;
+};
+
+std::size_t openDescriptors() {
+    return testing::namesIn("/proc/self/fd").size();
+}
+
+Faults checkNothingLeftBehind(const Rig& rig, std::size_t descriptorsBefore) {
+    Faults faults;
+    for (const fs::path& folder : {rig.journalDirectory, rig.mac.preferences()})
+        for (const std::string& name : testing::namesIn(folder))
+            if (name.ends_with(".tmp")) faults.push_back("left behind: " + name);
+    if (openDescriptors() != descriptorsBefore) faults.push_back("a file was left open");
+    return faults;
+}
+
+Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::size_t n, const Code& code,
+                bool lasts) {
+    stage.reset();
+    Rig rig(stage.world());
+    const std::size_t descriptors = openDescriptors();
+    Attempt made;
+    std::optional<SystemCall> failed;
+    {
+        const FaultyCall faulty(stage.world(), n, code.number, lasts);
+        made = attempt(scene, rig);
+        failed = faulty.failed;
+    }
+    if (!failed) return {"the call was never made"};
+    Faults faults;
+    if (failed != SystemCall::unlink) faults = checkNothingLeftBehind(rig, descriptors);
+    for (std::string& fault : judgeAttempt(stage, scene, rig, made, lasts, goal))
+        faults.push_back(std::move(fault));
+    return faults;
+}
+
+// An interruption that never ends is none.
+bool canLast(const Code& code) {
+    return code.number != EINTR;
+}
+
+}  // namespace
+
+void tryFileFaults(const Stage& stage, const Scene& scene, Share& share, const Report& report) {
+    const Goal goal = goalOf(stage, scene);
+    const std::size_t calls = callsOf(stage, scene);
+    for (std::size_t n = 0; n < calls; ++n)
+        for (const Code& code : codes)
+            for (const bool lasts : {false, true}) {
+                if (lasts && !canLast(code)) continue;
+                if (!share.takes()) continue;
+                report(scene.name + ", call " + std::to_string(n + 1) + (lasts ? " and its like: " : ": ") +
+                           code.name,
+                       tryFault(stage, scene, goal, n, code, lasts));
+            }
+}
+
+}  // namespace brell::trust

@@ -1,0 +1,159 @@
+// BrellTrust [--sample N] [--jobs N] [KIND...]
+//
+// Tries what docs promise of a Brell that is stopped or let down anywhere; script/trust says more.
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <iostream>
+#include <limits>
+#include <thread>
+
+#include "Tests/Support/MemoryFolder.h"
+#include "Tests/Support/SystemCalls.h"
+#include "Tests/Trust/Trial.h"
+
+using namespace brell;
+using namespace brell::trust;
+
+namespace {
+
+struct Kind {
+    const char* word;
+    const char* points;  // what they are called
+    void (*attempt)(const Stage&, const Scene&, Share&, const Report&);
+};
+constexpr std::array kinds{Kind{"crashes", "crash points", tryCrashes},
+                           Kind{"power-cuts", "power-cut states", tryPowerCuts},
+                           Kind{"file-faults", "file faults", tryFileFaults},
+                           Kind{"command-faults", "command faults", tryCommandFaults}};
+
+struct Options {
+    std::size_t sample = std::numeric_limits<std::size_t>::max();  // points of each kind
+    std::size_t jobs = std::max(1u, std::thread::hardware_concurrency());
+    std::vector<Kind> kinds;
+};
+
+struct Tally {
+    std::size_t tried = 0;
+    std::size_t failed = 0;
+};
+
+std::size_t pointsOf(const Kind& kind, const std::filesystem::path& folder) {
+    Stage stage(folder);
+    constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+    Share none(never, never - 1);
+    for (const Scene& scene : scenes()) {
+        stage.prepare(scene);
+        kind.attempt(stage, scene, none, [](const std::string&, const Faults&) {});
+    }
+    return none.seen();
+}
+
+// One call, so that lines of several workers never mix.
+void printLine(const std::string& line) {
+    const std::string whole = line + "\n";
+    if (::write(STDOUT_FILENO, whole.data(), whole.size()) < 0) ::_exit(2);
+}
+
+Tally work(const Kind& kind, const std::filesystem::path& folder, Share share) {
+    Tally tally;
+    Stage stage(folder);
+    const Report report = [&](const std::string& point, const Faults& faults) {
+        ++tally.tried;
+        if (faults.empty()) return;
+        ++tally.failed;
+        for (const std::string& fault : faults) printLine("FAILED " + point + ": " + fault);
+    };
+    for (const Scene& scene : scenes()) {
+        stage.prepare(scene);
+        kind.attempt(stage, scene, share, report);
+    }
+    return tally;
+}
+
+// Every worker is a process: the calls of threads in one would be watched together.
+pid_t startWorker(const Kind& kind, const std::filesystem::path& folder, Share share, int results) {
+    const pid_t child = ::fork();
+    if (child != 0) return child;
+    try {
+        const Tally tally = work(kind, folder, share);
+        ::_exit(::write(results, &tally, sizeof tally) == sizeof tally ? 0 : 2);
+    } catch (const std::exception& error) {
+        printLine(std::string("FAILED ") + kind.word + ": the harness itself: " + error.what());
+    }
+    ::_exit(2);
+}
+
+Tally tryAll(const Kind& kind, const Options& options, std::size_t points) {
+    const testing::TemporaryFolder folder;
+    const std::size_t stride =
+        options.sample < points ? points / std::max<std::size_t>(options.sample, 1) : 1;
+    std::array<int, 2> results{};
+    if (::pipe(results.data()) != 0) throw std::runtime_error("no pipe");
+    for (std::size_t job = 0; job < options.jobs; ++job)
+        startWorker(kind, folder.path / std::to_string(job), Share(stride * options.jobs, stride * job),
+                    results[1]);
+    ::close(results[1]);
+    Tally all;
+    for (Tally one; ::read(results[0], &one, sizeof one) == sizeof one;) {
+        all.tried += one.tried;
+        all.failed += one.failed;
+    }
+    ::close(results[0]);
+    for (int status = 0; ::wait(&status) > 0;)
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) ++all.failed;
+    return all;
+}
+
+std::size_t numberIn(const std::string& word) {
+    if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos)
+        throw std::runtime_error("a whole number is wanted, not \"" + word + "\".");
+    const std::size_t number = std::stoul(word);
+    if (number == 0) throw std::runtime_error("the number wants to be at least 1.");
+    return number;
+}
+
+Options optionsFrom(const std::vector<std::string>& words) {
+    Options options;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const auto value = [&] { return numberIn(i + 1 < words.size() ? words[++i] : std::string()); };
+        if (words[i] == "--sample") {
+            options.sample = value();
+        } else if (words[i] == "--jobs") {
+            options.jobs = value();
+        } else {
+            const auto kind = std::find_if(kinds.begin(), kinds.end(),
+                                           [&](const Kind& known) { return words[i] == known.word; });
+            if (kind == kinds.end()) throw std::runtime_error("unknown word " + words[i] + ".");
+            options.kinds.push_back(*kind);
+        }
+    }
+    if (options.kinds.empty()) options.kinds.assign(kinds.begin(), kinds.end());
+    return options;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+    const Options options = optionsFrom({argv + 1, argv + argc});
+    if (!testing::systemCallsAreWatched()) {
+        std::cerr << "File system calls can't be watched on this system.\n";
+        return 2;
+    }
+    testing::keepFoldersInMemory();
+    bool isWell = true;
+    for (const Kind& kind : options.kinds) {
+        const testing::TemporaryFolder folder;
+        const std::size_t points = pointsOf(kind, folder.path);
+        const Tally tally = tryAll(kind, options, points);
+        printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points +
+                  " tried, " + std::to_string(tally.failed) + " failed");
+        isWell = isWell && tally.failed == 0 && tally.tried > 0;
+    }
+    return isWell ? 0 : 1;
+} catch (const std::exception& error) {
+    std::cerr << "BrellTrust: " << error.what() << '\n';
+    return 2;
+}

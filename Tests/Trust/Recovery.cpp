@@ -1,0 +1,125 @@
+#include "Tests/Trust/Recovery.h"
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace brell::trust {
+
+namespace {
+
+Goal reached(const fs::path& world) {
+    Goal goal{conditionOf(world), {}};
+    const auto journal = Journal::open(Journal::defaultDirectory(SampleMac(world).home()));
+    for (const JournalEntry& entry : journal->active()) goal.activeTweaks.insert(entry.tweakID);
+    return goal;
+}
+
+bool contains(const std::string& text, std::string_view part) {
+    return text.find(part) != std::string::npos;
+}
+
+// Whether a user can tell from it what could not be done to which thing.
+bool isClear(const std::string& sentence, const Stage& stage) {
+    for (const char* raw : {"filesystem error", "std::", "basic_", "terminate", "bad_"})
+        if (contains(sentence, raw)) return false;
+    // A tool's own words come last in these.
+    const bool quotesTool = sentence.starts_with("launchctl refused: ") ||
+                            sentence.starts_with("After the change, launchd reports something else: ");
+    if (!sentence.ends_with('.') && !quotesTool) return false;
+    std::vector<std::string> names{stage.world().string(), "The change journal", "com.apple.",
+                                   "NSGlobalDomain", "/bin/launchctl "};
+    for (const auto& [label, state] : stage.setting().original.agents) names.push_back(label);
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& name) { return contains(sentence, name); });
+}
+
+// Every difference from the original condition has an active entry that undoes it.
+Faults checkRecorded(const Stage& stage) {
+    std::set<std::string> recorded;
+    const auto journal = Journal::open(Journal::defaultDirectory(SampleMac(stage.world()).home()));
+    for (const JournalEntry& entry : journal->active()) recorded.merge(namesOf(entry));
+    Faults faults;
+    for (std::string& difference :
+         differences(stage.setting().original, conditionOf(stage.world()), recorded))
+        faults.push_back("half done: no active entry is about " + std::move(difference));
+    return faults;
+}
+
+Faults checkSentences(const Stage& stage, const Attempt& made) {
+    Faults faults;
+    if (made.foreignError) faults.push_back("an error of a foreign type: " + *made.foreignError);
+    for (const std::string& sentence : made.sentences)
+        if (!isClear(sentence, stage)) faults.push_back("no clear sentence: " + sentence);
+    return faults;
+}
+
+// An agent that an undo left half way is one that changed: the user is sent to the Journal page.
+bool restoredAsTold(Rig& rig, const std::string& sentence) {
+    if (!sentence.ends_with("restore it from the Journal first.")) return false;
+    for (const JournalEntry& entry : rig.journal.active())
+        if (entry.kind == EntryKind::launchAgent) rig.engine.restore(entry.id, false);
+    return true;
+}
+
+// Where Brell could not even put back what it had undone half way, it asks before it undoes the rest.
+bool confirmed(Rig& rig) {
+    const std::vector<JournalEntry> drifted = rig.engine.driftedEntries();
+    for (const JournalEntry& entry : drifted) rig.engine.restore(entry.id, true);
+    return !drifted.empty();
+}
+
+// What a user does: lets Brell recover what was interrupted, then asks once more.
+Faults tryAgain(const Stage& stage, const Scene& scene, Rig& rig, bool troubleLasted, const Goal& goal) {
+    Faults faults;
+    for (const auto& [id, reason] : rig.engine.recoverInterrupted().failed)
+        faults.push_back("recovery before the next try: " + reason);
+    if (reached(stage.world()) == goal) return faults;
+    const Attempt again = attempt(scene, rig);
+    const bool wasAsked = troubleLasted && confirmed(rig);
+    for (const std::string& sentence : again.sentences)
+        if (!wasAsked && !restoredAsTold(rig, sentence)) faults.push_back("the next try: " + sentence);
+    if (again.foreignError) faults.push_back("the next try: " + *again.foreignError);
+    return faults;
+}
+
+}  // namespace
+
+Goal goalOf(const Stage& stage, const Scene& scene) {
+    stage.reset();
+    Rig rig(stage.world());
+    for (const std::string& sentence : scene.perform(rig)) throw std::runtime_error(sentence);
+    return reached(stage.world());
+}
+
+Attempt attempt(const Scene& scene, Rig& rig) {
+    try {
+        return {scene.perform(rig), std::nullopt};
+    } catch (const EngineError& error) {
+        return {{error.what()}, std::nullopt};
+    } catch (const JournalError& error) {
+        return {{error.what()}, std::nullopt};
+    } catch (const AgentToggleError& error) {
+        return {{error.what()}, std::nullopt};
+    } catch (const std::exception& error) {
+        return {{}, error.what()};
+    }
+}
+
+Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
+                    const Goal& goal) try {
+    Faults faults = checkSentences(stage, made);
+    const auto append = [&](Faults more) { std::move(more.begin(), more.end(), std::back_inserter(faults)); };
+    append(checkRecorded(stage));
+    if (!made.succeeded()) append(tryAgain(stage, scene, rig, troubleLasted, goal));
+    const Goal now = reached(stage.world());
+    append(differences(goal.condition, now.condition, {}));
+    if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");
+    // A script that could not be written is written with the next change.
+    append(made.succeeded() ? judgeProgram(stage, {}) : judge(stage, {}));
+    return faults;
+} catch (const std::exception& error) {
+    return {std::string("afterwards: ") + error.what()};
+}
+
+}  // namespace brell::trust

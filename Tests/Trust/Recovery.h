@@ -1,0 +1,34 @@
+// What is asked after an operation that something went wrong in: a clear sentence, nothing half done that no
+// entry records, and a next try that works.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Tests/Trust/Verdict.h"
+
+namespace brell::trust {
+
+// What an operation comes to when nothing goes wrong.
+struct Goal {
+    Condition condition;
+    std::set<std::string> activeTweaks;
+    bool operator==(const Goal&) const = default;
+};
+Goal goalOf(const Stage& stage, const Scene& scene);
+
+// How one try ended.
+struct Attempt {
+    std::vector<std::string> sentences;       // in which failures were reported
+    std::optional<std::string> foreignError;  // of none of the types that the operation's callers know
+    bool succeeded() const { return sentences.empty() && !foreignError; }
+};
+Attempt attempt(const Scene& scene, Rig& rig);
+
+// The rig is the one of the attempt, and nothing goes wrong any more.
+Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
+                    const Goal& goal);
+
+}  // namespace brell::trust

@@ -1,0 +1,76 @@
+#include "Tests/Trust/Rig.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::trust {
+
+namespace {
+
+constexpr std::string_view leaving = "SIGTERMed";
+
+fs::path launchdFile(const fs::path& folder) {
+    return SimulatedLaunchd::stateFile(folder);
+}
+
+// Later than everything in the journal.
+TimeStamp timeOfRun(const fs::path& journalDirectory) {
+    const auto runs = static_cast<int>(Journal::open(journalDirectory)->all().size());
+    return parseIso8601("2026-11-15T20:23:13Z").value() + std::chrono::hours(runs);
+}
+
+}  // namespace
+
+Rig::Rig(const fs::path& folder) : mac(folder), now_(timeOfRun(journalDirectory)) {
+    engine.setAgentRestorer(&toggle);
+    for (const auto& entry : fs::directory_iterator(mac.launchAgents())) {
+        LaunchAgentPlist plist = LaunchAgentPlist::read(entry.path());
+        if (!plist.label) continue;
+        const std::string label = *plist.label;
+        agents_.emplace(label, LaunchAgentRecord{std::move(plist), AgentScope::user, AgentOverride::absent,
+                                                 LoadedState::unknown()});
+    }
+}
+
+void Rig::breakOff(std::string_view tweakID) {
+    struct Crash {};
+    engine.setAfterCaptureHook([](const JournalEntry&) { throw Crash(); });
+    try {
+        engine.apply(tweak(tweakID));
+    } catch (const Crash&) {
+    }
+    engine.setAfterCaptureHook(nullptr);
+}
+
+void Rig::breakOffAgent(const std::string& label) {
+    const AgentState state = toggle.currentState(label);
+    const std::string file = (mac.launchAgents() / (label + ".plist")).string();
+    engine.beginAgentChange(label, {label, file, state.loaded.isLoaded(), state.override});
+    tools->run(AllowedCommand::launchctlDisable(toggle.domain(), label));
+}
+
+Condition conditionOf(const fs::path& folder) {
+    Condition condition;
+    condition.preferences = SampleMac(folder).openPreferences()->snapshot();
+    const LaunchdState launchd = readLaunchdState(launchdFile(folder));
+    std::set<std::string> labels;
+    for (const auto& [label, job] : launchd.jobs) labels.insert(label);
+    for (const auto& [label, isDisabled] : launchd.overrides) labels.insert(label);
+    for (const std::string& label : labels) {
+        const auto job = launchd.jobs.find(label);
+        const auto override = launchd.overrides.find(label);
+        const bool isLoaded = job != launchd.jobs.end() && job->second.state != leaving;
+        const bool isDisabled = override != launchd.overrides.end() && override->second;
+        if (isLoaded || isDisabled)
+            condition.agents[label] =
+                std::string(isDisabled ? "disabled" : "enabled") + (isLoaded ? ", loaded" : ", not loaded");
+    }
+    return condition;
+}
+
+void letJobsEnd(const fs::path& folder) {
+    LaunchdState launchd = readLaunchdState(launchdFile(folder));
+    if (std::erase_if(launchd.jobs, [](const auto& job) { return job.second.state == leaving; }) > 0)
+        writeLaunchdState(launchdFile(folder), launchd);
+}
+
+}  // namespace brell::trust

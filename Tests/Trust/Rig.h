@@ -1,0 +1,59 @@
+// Brell at work on a sample Mac: what every try of the harness begins with, and what a user sees afterwards.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Tests/CorvaneBrell/AgentToggleFixture.h"
+
+namespace brell::trust {
+
+// One run of the program over the Mac in this folder, which is furnished when it is not there yet.
+class Rig {
+public:
+    explicit Rig(const std::filesystem::path& folder);
+
+    const Tweak& tweak(std::string_view id) const { return *catalog.tweak(id); }
+    // As listed when the program started.
+    const LaunchAgentRecord& agent(const std::string& label) const { return agents_.at(label); }
+
+    // Leave the entry of a change as a crash between the durable capture and the first step would.
+    void breakOff(std::string_view tweakID);
+    void breakOffAgent(const std::string& label);
+
+    const SampleMac mac;
+    const std::filesystem::path journalDirectory = Journal::defaultDirectory(mac.home());
+    const TweakCatalog catalog{mac.home().string()};
+    const std::unique_ptr<PlistFileStore> store = mac.openPreferences();
+    const std::unique_ptr<SimulatedTools> tools = mac.openTools();
+
+private:
+    std::map<std::string, LaunchAgentRecord> agents_;
+    TimeStamp now_;
+    const Clock clock_ = [this] { return now_ += std::chrono::seconds(1); };
+    testing::EngineRun run_{*store, catalog, journalDirectory, clock_};
+    testing::FakeTime time_;
+
+public:
+    Journal& journal = *run_.journal;
+    TweakEngine& engine = run_.engine;
+    AgentToggle toggle{*tools, engine, SampleMac::uid, mac.launchAgents(), time_.waiting()};
+};
+
+// What a user would notice of a Mac: every preference, and of every agent whether it is disabled and loaded.
+// An override that says "enabled" is none; a job that was told to end is gone.
+struct Condition {
+    std::map<std::string, PlistFileStore::Values> preferences;  // by domain
+    std::map<std::string, std::string> agents;                  // by label: "disabled, loaded"
+    bool operator==(const Condition&) const = default;
+};
+Condition conditionOf(const std::filesystem::path& folder);
+
+// Time passes until every job that was told to end has ended.
+void letJobsEnd(const std::filesystem::path& folder);
+
+}  // namespace brell::trust

@@ -1,0 +1,46 @@
+#include "Tests/Trust/Stage.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::trust {
+
+namespace {
+
+void replaceFolder(const fs::path& from, const fs::path& to) {
+    fs::remove_all(to);
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+}
+
+// Originals of several kinds for the keys that the scenes change; the sample Mac has the others.
+void liveIn(const Rig& rig) {
+    rig.store->write(false, {"com.apple.finder", "ShowExternalHardDrivesOnDesktop"});
+    rig.store->write("L'été $HOME", {"com.apple.finder", "ShowRemovableMediaOnDesktop"});
+}
+
+}  // namespace
+
+Stage::Stage(fs::path folder) : folder_(std::move(folder)) {
+    // The restore script asks who its user is.
+    testing::setContents(tools() / "id", "#!/bin/sh\necho " + std::to_string(SampleMac::uid) + "\n");
+    fs::permissions(tools() / "id", fs::perms::owner_all);
+}
+
+void Stage::prepare(const Scene& scene) {
+    fs::remove_all(world());
+    Rig rig(world());
+    liveIn(rig);
+    setting_.original = conditionOf(world());
+    scene.prepare(rig);
+    setting_.entries = rig.journal.all();
+    keep("prepared");
+}
+
+void Stage::keep(const std::string& name) const {
+    replaceFolder(world(), folder_ / name);
+}
+
+void Stage::show(const std::string& name) const {
+    replaceFolder(folder_ / name, world());
+}
+
+}  // namespace brell::trust

@@ -1,0 +1,39 @@
+// Where one worker tries its points: a Mac that always stands in the same place, because the journal names
+// files by their whole path, and copies of it beside.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "Tests/Trust/Scenes.h"
+
+namespace brell::trust {
+
+class Stage {
+public:
+    explicit Stage(std::filesystem::path folder);
+
+    std::filesystem::path world() const { return folder_ / "mac"; }
+    std::filesystem::path tools() const { return folder_ / "tools"; }  // to stand first in PATH
+
+    // Makes the Mac of this scene, as it is before the operation.
+    void prepare(const Scene& scene);
+    void reset() const { show("prepared"); }
+
+    // Keeps a copy of the Mac as it is now, and brings one back.
+    void keep(const std::string& name) const;
+    void show(const std::string& name) const;
+
+    // Of the scene prepared last.
+    struct Setting {
+        Condition original;                 // before Brell changed anything
+        std::vector<JournalEntry> entries;  // what the journal holds before the operation
+    };
+    const Setting& setting() const { return setting_; }
+
+private:
+    const std::filesystem::path folder_;
+    Setting setting_;
+};
+
+}  // namespace brell::trust

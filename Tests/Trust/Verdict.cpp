@@ -1,0 +1,137 @@
+#include "Tests/Trust/Verdict.h"
+
+#include "BrellCore/Journal/RestoreScript.h"
+#include "Tests/Support/Shell.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::trust {
+
+namespace {
+
+using Texts = std::map<std::string, std::string>;  // by the rendered key, or by the agent's label
+
+Texts textsOf(const Condition& condition) {
+    Texts texts = condition.agents;
+    for (const auto& [domain, values] : condition.preferences)
+        for (const auto& [key, value] : values)
+            texts.emplace(PrefKey{domain, key}.rendered(), StoredValue(value).rendered());
+    return texts;
+}
+
+std::string textIn(const Texts& texts, const std::string& name) {
+    const auto found = texts.find(name);
+    return found == texts.end() ? "nothing" : found->second;
+}
+
+// The keys and labels whose undo the journal shows as done, and that no active entry is about.
+std::set<std::string> endedNames(const std::vector<JournalEntry>& entries) {
+    std::set<std::string> ended, active;
+    for (const JournalEntry& entry : entries) (entry.isActive() ? active : ended).merge(namesOf(entry));
+    for (const std::string& name : active) ended.erase(name);
+    return ended;
+}
+
+std::set<std::string> allowedBy(const Claim& claim, const std::vector<JournalEntry>& entries) {
+    return claim.macMayLag ? endedNames(entries) : std::set<std::string>();
+}
+
+Faults checkEntries(const Stage& stage, const Claim& claim, const std::vector<JournalEntry>& found) {
+    if (claim.entries && found != *claim.entries) return {"the journal does not hold what was saved"};
+    Faults faults;
+    for (const JournalEntry& known : stage.setting().entries)
+        if (std::none_of(found.begin(), found.end(),
+                         [&](const JournalEntry& entry) { return entry.id == known.id; }))
+            faults.push_back("the entry of " + known.tweakID + " is lost");
+    return faults;
+}
+
+Faults recoverAndRestore(Rig& rig) {
+    Faults faults;
+    const auto report = [&](const char* what, const RestoreAllOutcome& outcome) {
+        for (const auto& [id, reason] : outcome.failed) faults.push_back(std::string(what) + ": " + reason);
+    };
+    report("recovery", rig.engine.recoverInterrupted());
+    std::set<Uuid> confirmed;
+    for (const JournalEntry& entry : rig.engine.driftedEntries()) confirmed.insert(entry.id);
+    report("restoring everything", rig.engine.restoreAll(confirmed));
+    if (!rig.journal.active().empty()) faults.push_back("an entry is still active");
+    return faults;
+}
+
+void append(Faults& faults, Faults more, const std::string& prefix = {}) {
+    for (std::string& fault : more) faults.push_back(prefix + fault);
+}
+
+// The script can take no job away: one that was turned on is disabled again, and ends at the next logout.
+Condition asScriptLeavesIt(Condition original, const Condition& now) {
+    for (const auto& [label, state] : now.agents)
+        if (state == "disabled, loaded" && textIn(original.agents, label) == "disabled, not loaded")
+            original.agents[label] = state;
+    return original;
+}
+
+}  // namespace
+
+Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except) {
+    Faults faults;
+    const Texts expected = textsOf(original), found = textsOf(now);
+    std::set<std::string> names;
+    for (const auto& [name, text] : expected) names.insert(name);
+    for (const auto& [name, text] : found) names.insert(name);
+    for (const std::string& name : names)
+        if (textIn(expected, name) != textIn(found, name) && !except.contains(name))
+            faults.push_back(name + " holds " + textIn(found, name) + ", originally " +
+                             textIn(expected, name));
+    return faults;
+}
+
+std::set<std::string> namesOf(const JournalEntry& entry) {
+    std::set<std::string> names;
+    for (const JournaledWrite& write : entry.writes) names.insert(write.key.rendered());
+    if (entry.agent) names.insert(entry.agent->label);
+    return names;
+}
+
+Faults judgeProgram(const Stage& stage, const Claim& claim) try {
+    Rig rig(stage.world());
+    const std::vector<JournalEntry> entries = rig.journal.all();
+    Faults faults = checkEntries(stage, claim, entries);
+    append(faults, recoverAndRestore(rig));
+    append(faults,
+           differences(stage.setting().original, conditionOf(stage.world()), allowedBy(claim, entries)));
+    return faults;
+} catch (const std::exception& error) {
+    return {std::string("the next run fails: ") + error.what()};
+}
+
+Faults judgeScript(const Stage& stage, const Claim& claim) try {
+    letJobsEnd(stage.world());
+    const fs::path directory = Journal::defaultDirectory(SampleMac(stage.world()).home());
+    const std::vector<JournalEntry> entries = Journal::open(directory)->all();
+    const fs::path script = directory / RestoreScript::fileName;
+    Faults faults;
+    if (fs::exists(script)) {
+        const testing::Finished finished = testing::runLine(
+            "PATH='" + stage.tools().string() + "':'" BRELL_STAND_INS "':\"$PATH\" DEFAULTS_FOLDER='" +
+            SampleMac(stage.world()).preferences().string() + "' BRELL_SAMPLE_MAC='" +
+            stage.world().string() + "' sh '" + script.string() + "' 2>&1");
+        if (finished.status != 0) faults.push_back("the script fails: " + finished.output);
+    }
+    const Condition now = conditionOf(stage.world());
+    append(faults,
+           differences(asScriptLeavesIt(stage.setting().original, now), now, allowedBy(claim, entries)));
+    return faults;
+} catch (const std::exception& error) {
+    return {error.what()};
+}
+
+Faults judge(const Stage& stage, const Claim& claim) {
+    stage.keep("stopped");
+    Faults faults = judgeProgram(stage, claim);
+    stage.show("stopped");
+    append(faults, judgeScript(stage, claim), "script alone: ");
+    return faults;
+}
+
+}  // namespace brell::trust
