@@ -36,9 +36,10 @@ waitUntil() {
 "$program" --sample-mac "$mac" --open-group journal &
 window=$!
 trap 'kill "$window" 2>/dev/null || true' EXIT
-waitUntil "the window is open" xdotool search --onlyvisible --name "Corvane Brell"
+isOpen() { xdotool search --onlyvisible --name "Corvane Brell" >/dev/null 2>&1; }
+waitUntil "the window is open" isOpen
 id=$(xdotool search --onlyvisible --name "Corvane Brell" | tail -n 1)
-xdotool windowfocus --sync "$id" || true
+xdotool windowfocus --sync "$id" || true  # without a window manager nobody else gives it
 press() { xdotool key --clearmodifiers "$@"; }
 
 press ctrl+f

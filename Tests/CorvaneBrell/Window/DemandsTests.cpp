@@ -93,9 +93,10 @@ TEST_F(DemandsTest, EveryControlHasANameAndSwitchesSayWhatTheyAreWhatTheyHoldAnd
     openLivedIn();
     onEveryPage([&] {
         walk(QAccessible::queryAccessibleInterface(window.get()), [&](QAccessibleInterface* at) {
-            if (isControl(at->role()))
+            if (isControl(at->role())) {
                 EXPECT_FALSE(at->text(QAccessible::Name).isEmpty())
                     << at->object()->metaObject()->className() << " " << utf8(at->object()->objectName());
+            }
         });
         for (TweakRow* tweak : window->currentPage()->findChildren<TweakRow*>()) {
             QWidget* control =
@@ -103,8 +104,9 @@ TEST_F(DemandsTest, EveryControlHasANameAndSwitchesSayWhatTheyAreWhatTheyHoldAnd
             QAccessibleInterface* at = QAccessible::queryAccessibleInterface(control);
             EXPECT_TRUE(at->text(QAccessible::Name).contains(qt(tweak->tweak().title)));
             EXPECT_EQ(at->text(QAccessible::Description), qt(tweak->tweak().explanation.takesEffect));
-            if (const auto* toggle = qobject_cast<Switch*>(control))
+            if (const auto* toggle = qobject_cast<Switch*>(control)) {
                 EXPECT_EQ(static_cast<bool>(at->state().checked), toggle->isChecked());
+            }
         }
     });
 }
@@ -153,7 +155,9 @@ TEST_F(DemandsTest, TheWheelAndAClickOnTextChangeNothingAndTargetsAreLargeEnough
         for (Row* row : visible<Row>(*window->currentPage())) {
             const bool wasOpen = row->isOpen();
             QTest::mouseClick(row, Qt::LeftButton, {}, {40, 24});
-            if (row->details()) EXPECT_NE(row->isOpen(), wasOpen) << nameOf(row);
+            if (row->details()) {
+                EXPECT_NE(row->isOpen(), wasOpen) << nameOf(row);
+            }
         }
     });
     settle();
@@ -229,10 +233,13 @@ TEST_F(DemandsTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters)
         QScrollArea* scroll = window->currentPage()->scrollArea();
         EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
         for (const QWidget* text : visible<QWidget>(*window)) {
-            if (qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text))
+            if (qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text)) {
                 EXPECT_EQ(missing(text), 0) << nameOf(text) << utf8(text->property("text").toString());
+            }
             const auto* button = qobject_cast<const QPushButton*>(text);
-            if (button) EXPECT_GE(button->width(), button->sizeHint().width()) << utf8(button->text());
+            if (button) {
+                EXPECT_GE(button->width(), button->sizeHint().width()) << utf8(button->text());
+            }
         }
     });
 }
@@ -267,12 +274,14 @@ TEST_F(DemandsTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarStays) {
     onEveryPage([&] {
         for (QWidget* control : visible<QWidget>(*window->currentPage())) {
             const bool changes = qobject_cast<Switch*>(control) || qobject_cast<ChoiceBox*>(control);
-            if (changes && !control->property("changesNothing").toBool())
+            if (changes && !control->property("changesNothing").toBool()) {
                 EXPECT_FALSE(control->isEnabled()) << nameOf(control);
+            }
             const auto* button = qobject_cast<QPushButton*>(control);
             if (button && (button->text().contains("Restore") || button->text().contains("Apply")) &&
-                !button->text().contains("Script"))
+                !button->text().contains("Script")) {
                 EXPECT_FALSE(button->isEnabled()) << utf8(button->text());
+            }
         }
         bool said = false;
         for (const NoticeBar* bar : visible<NoticeBar>(*window))

@@ -147,4 +147,29 @@ TEST_F(WindowTest, SizeAndPageAreKeptForTheNextLaunch) {
     EXPECT_EQ(model->state().screen, Screen::dock) << "what is asked for comes first";
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr double quickEnough = 0.6;  // watched, everything takes several times as long
+#else
+constexpr double quickEnough = 0.1;
+#endif
+
+TEST_F(WindowTest, NoTurnOfTheMainThreadTakesLongAlsoWithHundredsOfAgentsAndARestoreOfEverything) {
+    haveAPast();
+    for (int i = 0; i < 400; ++i) {
+        const std::string label = "com.example.helper" + std::to_string(i);
+        setContents(sample.launchAgents() / (label + ".plist"),
+                    "<plist version=\"1.0\"><dict><key>Label</key><string>" + label +
+                        "</string><key>Program</key><string>/opt/helper</string></dict></plist>");
+    }
+    openWindow();
+    model->deferRecovery();
+    longestTurn = 0;
+    for (const Screen screen : everyScreen()) go(screen);
+    model->askRestoreAll();
+    settle();
+    model->confirmRestore();
+    settle();
+    EXPECT_LT(longestTurn, quickEnough);
+}
+
 }  // namespace brell::testing
