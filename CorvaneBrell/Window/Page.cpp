@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 #include <QScrollBar>
+#include <algorithm>
 
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/ScrolledContent.h"
@@ -59,6 +60,11 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     auto* rows = new QVBoxLayout(column);
     rows->setContentsMargins(margin, 4, margin, margin);
     rows->setSpacing(0);
+    // The scroll bar takes its room from the margin, so that rows and tools end at the same place.
+    connect(scroll_->verticalScrollBar(), &QScrollBar::rangeChanged, rows, [this, rows](int, int most) {
+        const int bar = most > 0 ? scroll_->verticalScrollBar()->sizeHint().width() : 0;
+        rows->setContentsMargins(margin, 4, margin - std::min(bar, margin), margin);
+    });
     content_->setSpacing(14);
     rows->addWidget(empty_);
     rows->addLayout(content_);
