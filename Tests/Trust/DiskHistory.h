@@ -9,9 +9,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
-#include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>

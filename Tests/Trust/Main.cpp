@@ -1,15 +1,17 @@
 // BrellTrust [--sample N] [--jobs N] [KIND...]
 //
-// Tries what docs promise of a Brell that is stopped or let down anywhere; script/trust says more.
+// Tries whether a Brell that is stopped or let down anywhere loses anything; script/trust says more.
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <limits>
 #include <thread>
 
+#include "BrellCore/Support/Text.h"
 #include "Tests/Support/MemoryFolder.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Trust/Trial.h"
@@ -64,7 +66,7 @@ Tally work(const Kind& kind, const std::filesystem::path& folder, Share share) {
         ++tally.tried;
         if (faults.empty()) return;
         ++tally.failed;
-        for (const std::string& fault : faults) printLine("FAILED " + point + ": " + fault);
+        for (const std::string& fault : faults) printLine("FAILED " + point + ": " + oneLine(fault));
     };
     for (const Scene& scene : scenes()) {
         stage.prepare(scene);

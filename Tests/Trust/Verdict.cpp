@@ -1,5 +1,7 @@
 #include "Tests/Trust/Verdict.h"
 
+#include <algorithm>
+
 #include "BrellCore/Journal/RestoreScript.h"
 #include "Tests/Support/Shell.h"
 
