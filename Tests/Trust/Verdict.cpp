@@ -26,16 +26,38 @@ std::string textIn(const Texts& texts, const std::string& name) {
     return found == texts.end() ? "nothing" : found->second;
 }
 
-// The keys and labels whose undo the journal shows as done, and that no active entry is about.
-std::set<std::string> endedNames(const std::vector<JournalEntry>& entries) {
+std::string textOf(const StoredValue& stored) {
+    return stored.isAbsent() ? "nothing" : stored.rendered();
+}
+
+// The keys that hold what an entry wrote, and the agents, whose undo the journal shows as done with the true
+// original; none that an active entry is about.
+std::set<std::string> endedNames(const std::vector<JournalEntry>& entries, const Condition& original,
+                                 const Condition& now) {
+    const Texts originals = textsOf(original), found = textsOf(now);
     std::set<std::string> ended, active;
-    for (const JournalEntry& entry : entries) (entry.isActive() ? active : ended).merge(namesOf(entry));
+    for (const JournalEntry& entry : entries) {
+        if (entry.isActive()) {
+            active.merge(namesOf(entry));
+            continue;
+        }
+        if (entry.agent) ended.insert(entry.agent->label);
+        for (const JournaledWrite& write : entry.writes) {
+            const std::string name = write.key.rendered();
+            if (textOf(write.original) == textIn(originals, name) &&
+                textOf(write.written) == textIn(found, name))
+                ended.insert(name);
+        }
+    }
     for (const std::string& name : active) ended.erase(name);
     return ended;
 }
 
-std::set<std::string> allowedBy(const Claim& claim, const std::vector<JournalEntry>& entries) {
-    return claim.macMayLag ? endedNames(entries) : std::set<std::string>();
+// The differences that the claim does not allow.
+Faults notBack(const Claim& claim, const std::vector<JournalEntry>& entries, const Condition& original,
+               const Condition& now) {
+    return differences(original, now,
+                       claim.macMayLag ? endedNames(entries, original, now) : std::set<std::string>());
 }
 
 Faults checkEntries(const Stage& stage, const Claim& claim, const std::vector<JournalEntry>& found) {
@@ -100,8 +122,7 @@ Faults judgeProgram(const Stage& stage, const Claim& claim) try {
     const std::vector<JournalEntry> entries = rig.journal.all();
     Faults faults = checkEntries(stage, claim, entries);
     append(faults, recoverAndRestore(rig));
-    append(faults,
-           differences(stage.setting().original, conditionOf(stage.world()), allowedBy(claim, entries)));
+    append(faults, notBack(claim, entries, stage.setting().original, conditionOf(stage.world())));
     return faults;
 } catch (const std::exception& error) {
     return {std::string("the next run fails: ") + error.what()};
@@ -121,8 +142,7 @@ Faults judgeScript(const Stage& stage, const Claim& claim) try {
         if (finished.status != 0) faults.push_back("the script fails: " + finished.output);
     }
     const Condition now = conditionOf(stage.world());
-    append(faults,
-           differences(asScriptLeavesIt(stage.setting().original, now), now, allowedBy(claim, entries)));
+    append(faults, notBack(claim, entries, asScriptLeavesIt(stage.setting().original, now), now));
     return faults;
 } catch (const std::exception& error) {
     return {error.what()};
