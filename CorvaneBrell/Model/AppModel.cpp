@@ -5,6 +5,7 @@
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/DryRunStore.h"
+#include "CorvaneBrell/SafetyCheck.h"
 
 namespace fs = std::filesystem;
 
@@ -54,6 +55,7 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
         ownStore_ = dryRunOwnStore_.get();
     }
     own_ = std::make_unique<OwnPreferences>(*ownStore_);
+    if (!this->options().dryRun) state_.safetyWarnings = safetyWarnings(deps_->machine);
     search_ = std::make_unique<TweakSearch>(catalog(), deps_->macOSMajor());
     if (const auto& named = this->options().openGroup)
         if (const auto screen = fromRawValue<Screen>(*named)) state_.screen = *screen;
@@ -106,6 +108,8 @@ void AppModel::refreshAll() {
         [this](JobResult<Refresh> result) {
             refreshWaits_ = false;
             if (!result.value) return fail(result.error);
+            // Read before a change was finished; what was asked for after it sees more.
+            if (result.value->changesFinished != changesFinished_) return;
             showEverything(std::move(*result.value));
         });
     loadHistory(historyDays_);
@@ -113,6 +117,7 @@ void AppModel::refreshAll() {
 
 AppModel::Refresh AppModel::readEverything() const {
     Refresh refresh;
+    refresh.changesFinished = changesFinished_;
     for (const Tweak* tweak : catalog().available(deps_->macOSMajor())) {
         try {
             refresh.statuses.emplace(tweak->id, deps_->engine.status(*tweak));
@@ -139,9 +144,11 @@ void AppModel::showEverything(Refresh refresh) {
                  [](const JournalEntry& entry) { return entry.status == EntryStatus::capturing; });
     set(&AppState::entries, std::move(refresh.entries), Property::entries);
     set(&AppState::drifted, std::move(refresh.drifted), Property::drifted);
-    // A change of ours that is under way is no interrupted one.
-    if (changesUnderWay_ == 0) set(&AppState::interrupted, std::move(interrupted), Property::interrupted);
-    pruneUndo();
+    if (changesUnderWay_ == 0) {  // else a change of ours looks interrupted, and an undo half done
+        set(&AppState::interrupted, std::move(interrupted), Property::interrupted);
+        pruneUndo();
+    }
+    if (state_.interrupted.empty()) set(&AppState::recoveryFailures, {}, Property::recoveryFailures);
 }
 
 std::string AppModel::nameOf(const JournalEntry& entry) const {

@@ -1,6 +1,7 @@
 // The one object behind the window: all state that the screens show, and every action of the user.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "BrellCore/Catalog/Presets.h"
@@ -143,6 +145,10 @@ public:
                           std::function<void()> quit);
 
 private:
+    // What a change is to the undoing of the last action: nothing; all of it; those of its changes that
+    // drifted and that the user confirmed, with the rest to follow, or only some of them.
+    enum class Undo { none, whole, untilTheRest, part };
+
     // What one job beside the main thread came to.
     struct Change {
         std::string name;  // of what was done, for undoing it
@@ -152,11 +158,13 @@ private:
         std::vector<std::string> failures;
         std::vector<std::string> report;                           // of a preset
         std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
-        std::vector<std::string> alreadyBack;  // names of entries that somebody had put back before
-        std::string proof;                     // what the restored keys read as now
-        bool isProved = true;                  // every one of them as before
-        KeptRelaunches touched;                // by tweak: what its keys hold now
-        bool isUndo = false;
+        std::vector<std::string> alreadyBack;       // names of entries that somebody had put back before
+        std::string proof;                          // what the restored keys read as now
+        bool isProved = true;                       // every one of them as before
+        KeptRelaunches touched;                     // by tweak: what its keys hold now
+        std::vector<std::pair<Uuid, Uuid>> remade;  // entries made again, and what they are now
+        Undo undo = Undo::none;
+        bool leadsToOriginals = false;  // undoing it does not make again what it restored
         bool agentsTouched = false;
     };
     using Job = std::function<Change()>;
@@ -167,6 +175,7 @@ private:
         std::vector<JournalEntry> entries;
         std::vector<DriftedEntry> drifted;
         std::optional<std::string> error;
+        int changesFinished = 0;  // when the reading began
     };
     struct LoginItems {
         std::vector<LaunchAgentRecord> user, system;
@@ -204,6 +213,8 @@ private:
 
     void change(std::string what, std::vector<std::string> tweakIDs, Job job,
                 std::optional<PendingApply> ifDrifted = std::nullopt);
+    void changeTo(const PendingApply& wish, std::string what);
+    std::optional<JournalEntry> carryOut(const PendingApply& wish);
     Change carriedOut(const Job& job) const;
     void finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted);
     void dropInterrupted(const std::vector<JournalEntry>& restored);
@@ -212,13 +223,15 @@ private:
     void reportProgress(std::string what, std::size_t done, std::size_t total);
     JournalEntry makeAgain(const JournalEntry& entry);
     void restoreFirst(Change& change, const JournalEntry& active);
+    void undoEntry(Change& change, const Uuid& id);
+    void redoEntry(Change& change, const Uuid& id);
     void pruneUndo();
 
     void openDrift(DriftRequest::Mode mode, const std::vector<Uuid>& drifted, std::vector<Uuid> others,
                    const std::optional<PendingApply>& pending, bool isUndo);
     void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
     void restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
-                       const std::optional<PendingApply>& then, bool isUndo);
+                       const std::optional<PendingApply>& then, Undo undo);
 
     LoginItems readLoginItems();
     std::vector<AgentDrift> readAgentDrift();
@@ -243,9 +256,10 @@ private:
     std::unique_ptr<TweakSearch> search_;
     std::optional<BTMDump> lastDump_;  // shown until the next one is read
     std::optional<int> historyDays_;
-    std::multiset<std::string> changing_;  // tweaks with a change under way
-    bool driftIsUndo_ = false;             // the open drift request comes from an undo
-    bool refreshWaits_ = false;            // a refresh is asked for and has not begun
+    std::multiset<std::string> changing_;   // tweaks with a change under way
+    bool driftIsUndo_ = false;              // the open drift request comes from an undo
+    bool refreshWaits_ = false;             // a refresh is asked for and has not begun
+    std::atomic<int> changesFinished_ = 0;  // read by the lanes
     int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0;
     Relauncher::Handle relaunch_;                                 // while one is under way
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // watched by what the main loop still holds

@@ -62,14 +62,25 @@ void AppModel::apply(const std::string& tweakID, std::optional<std::vector<PrefV
                      std::optional<std::string> choiceID) {
     const Tweak* tweak = catalog().tweak(tweakID);
     if (!tweak) return fail("There is no tweak " + tweakID + ".");
-    const PendingApply request{*tweak, values ? std::move(*values) : tweak->targets(), std::move(choiceID)};
-    const Job job = [this, request] {
+    changeTo({*tweak, values ? std::move(*values) : tweak->targets(), std::move(choiceID)},
+             "Applying " + tweak->title);
+}
+
+void AppModel::useSystemDefault(const std::string& tweakID) {
+    const Tweak* tweak = catalog().tweak(tweakID);
+    if (!tweak) return fail("There is no tweak " + tweakID + ".");
+    changeTo({*tweak, {}, std::nullopt, true}, "Resetting " + tweak->title);
+}
+
+// An active change is undone first, and made again when the new one fails.
+void AppModel::changeTo(const PendingApply& wish, std::string what) {
+    const Job job = [this, wish] {
         Change made;
-        made.name = request.tweak.title;
-        const auto active = deps_->journal->activeEntry(request.tweak.id);
+        made.name = wish.tweak.title;
+        const auto active = deps_->journal->activeEntry(wish.tweak.id);
         if (active) restoreFirst(made, *active);
         try {
-            made.made.push_back(deps_->engine.apply(request.tweak, request.values, request.choiceID));
+            if (auto entry = carryOut(wish)) made.made.push_back(*std::move(entry));
         } catch (const EngineError& error) {
             if (!active) throw;
             made.failures.push_back(error.what());
@@ -77,7 +88,16 @@ void AppModel::apply(const std::string& tweakID, std::optional<std::vector<PrefV
         }
         return made;
     };
-    change("Applying " + tweak->title, {tweakID}, job, request);
+    change(std::move(what), {wish.tweak.id}, job, wish);
+}
+
+// On the lane; nothing when there is nothing to do.
+std::optional<JournalEntry> AppModel::carryOut(const PendingApply& wish) {
+    const Tweak* tweak = catalog().tweak(wish.tweak.id);
+    if (!tweak) return std::nullopt;
+    if (!wish.usesSystemDefault) return deps_->engine.apply(*tweak, wish.values, wish.choiceID);
+    if (nothingIsStored(*tweak, deps_->store)) return std::nullopt;
+    return deps_->engine.resetToDefault(*tweak);
 }
 
 void AppModel::applyChoice(const std::string& tweakID, const std::string& choiceID) {
@@ -105,40 +125,43 @@ void AppModel::turnOff(const std::string& tweakID) {
     });
 }
 
-void AppModel::useSystemDefault(const std::string& tweakID) {
-    const Tweak* tweak = catalog().tweak(tweakID);
-    if (!tweak) return fail("There is no tweak " + tweakID + ".");
-    change("Resetting " + tweak->title, {tweakID}, [this, tweak] {
-        Change made;
-        made.name = tweak->title;
-        const auto active = deps_->journal->activeEntry(tweak->id);
-        if (active) restoreFirst(made, *active);
-        if (nothingIsStored(*tweak, deps_->store)) return made;
-        try {
-            made.made.push_back(deps_->engine.resetToDefault(*tweak));
-        } catch (const EngineError& error) {
-            if (!active) throw;
-            made.failures.push_back(error.what());
-            made.made.push_back(makeAgain(*active));
-        }
-        return made;
-    });
-}
-
+// What was made is restored, what was restored is made again. What drifted meanwhile is asked for first; then
+// the undo goes on.
 void AppModel::undoLast() {
     if (state_.undoStack.empty() || state_.changeActivity) return;
     const SessionChange last = state_.undoStack.back();
     change("Undoing " + last.name, {}, [this, last] {
         Change made;
         made.name = last.name;
-        made.isUndo = true;
-        for (auto id = last.made.rbegin(); id != last.made.rend(); ++id)
-            if (const auto entry = deps_->journal->entry(*id); entry && entry->isActive())
-                restoreFirst(made, *entry);
-        for (const Uuid& id : last.restored)
-            if (const auto entry = deps_->journal->entry(id)) made.made.push_back(makeAgain(*entry));
+        made.undo = Undo::whole;
+        for (auto id = last.made.rbegin(); id != last.made.rend(); ++id) undoEntry(made, *id);
+        if (!made.drifted.empty() || !made.failures.empty()) return made;
+        for (const Uuid& id : last.restored) redoEntry(made, id);
         return made;
     });
+}
+
+// On the lane.
+void AppModel::undoEntry(Change& change, const Uuid& id) try {
+    const auto entry = deps_->journal->entry(id);
+    if (entry && entry->isActive()) restoreFirst(change, *entry);
+} catch (const EngineError& error) {
+    if (std::holds_alternative<Drift>(error.failure()))
+        change.drifted.push_back(id);
+    else
+        change.failures.push_back(error.what());
+} catch (const std::exception& error) {
+    change.failures.push_back(error.what());
+}
+
+// On the lane. A tweak that was changed anew since stays as it is.
+void AppModel::redoEntry(Change& change, const Uuid& id) try {
+    const auto entry = deps_->journal->entry(id);
+    if (!entry || deps_->journal->activeEntry(entry->tweakID)) return;
+    change.made.push_back(makeAgain(*entry));
+    change.remade.emplace_back(id, change.made.back().id);
+} catch (const std::exception& error) {
+    change.failures.push_back(error.what());
 }
 
 void AppModel::applyAgain(const std::vector<Uuid>& entries) {
@@ -146,6 +169,7 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     change(what, {}, [this, what, entries] {
         Change made;
         made.name = "what was applied again";
+        made.leadsToOriginals = true;
         for (const Uuid& id : entries) {
             if (changes_.isEnding()) break;
             reportProgress(what, made.made.size(), entries.size());
@@ -236,6 +260,7 @@ void AppModel::reportProgress(std::string what, std::size_t done, std::size_t to
 
 void AppModel::finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted) {
     const Change change = result.value.value_or(Change{});
+    ++changesFinished_;
     dropInterrupted(change.restored);
     if (change.recoveryFailures)
         set(&AppState::recoveryFailures, *change.recoveryFailures, Property::recoveryFailures);
@@ -250,7 +275,8 @@ void AppModel::finishChange(const JobResult<Change>& result, const std::optional
     if (change.agentsTouched) loadLoginItems();
     if (!change.drifted.empty())
         openDrift(change.drifted.size() == 1 ? DriftRequest::Mode::tweak : DriftRequest::Mode::several,
-                  change.drifted, {}, ifDrifted, change.isUndo);
+                  change.drifted, {}, ifDrifted, change.undo != Undo::none);
+    if (change.undo == Undo::untilTheRest && change.failures.empty() && change.drifted.empty()) undoLast();
 }
 
 // What was put back is interrupted no more, and is not to be asked for until the next look at everything.
@@ -272,25 +298,36 @@ void AppModel::showProof(const Change& change) {
 }
 
 void AppModel::noteForUndo(const Change& change) {
-    if (change.recoveryFailures || (change.made.empty() && change.restored.empty())) return;
+    if (change.recoveryFailures) return;
     std::vector<SessionChange> stack = state_.undoStack;
-    if (change.isUndo && !stack.empty())
-        stack.pop_back();
-    else if (!change.isUndo)
-        stack.push_back({change.name, idsOf(change.made), idsOf(change.restored)});
+    for (SessionChange& action : stack)
+        for (const auto& [old, fresh] : change.remade)
+            std::replace(action.made.begin(), action.made.end(), old, fresh);
+    const bool isFinished = change.drifted.empty() && change.failures.empty();
+    if (change.undo == Undo::whole && isFinished && !stack.empty()) stack.pop_back();
+    if (change.undo == Undo::none && !(change.made.empty() && change.restored.empty()))
+        stack.push_back({change.name, idsOf(change.made),
+                         change.leadsToOriginals ? std::vector<Uuid>() : idsOf(change.restored)});
     set(&AppState::undoStack, std::move(stack), Property::undoStack);
 }
 
-// An action whose changes were undone in another way since can't be undone a second time.
+// An action whose changes were undone in another way since can't be undone a second time. One whose changes a
+// later action replaced can, after that.
 void AppModel::pruneUndo() {
+    std::set<Uuid> wanted;
+    for (const JournalEntry& entry : state_.entries)
+        if (entry.isActive()) wanted.insert(entry.id);
     std::vector<SessionChange> stack = state_.undoStack;
-    const auto isActive = [&](const Uuid& id) {
-        return std::any_of(state_.entries.begin(), state_.entries.end(),
-                           [&](const JournalEntry& entry) { return entry.id == id && entry.isActive(); });
-    };
-    std::erase_if(stack, [&](const SessionChange& change) {
-        return !change.made.empty() && std::none_of(change.made.begin(), change.made.end(), isActive);
-    });
+    for (std::size_t i = stack.size(); i-- > 0;) {
+        const std::vector<Uuid>& made = stack[i].made;
+        const bool isUndone = !made.empty() && std::none_of(made.begin(), made.end(), [&](const Uuid& id) {
+            return wanted.contains(id);
+        });
+        if (isUndone)
+            stack.erase(stack.begin() + static_cast<std::ptrdiff_t>(i));
+        else
+            wanted.insert(stack[i].restored.begin(), stack[i].restored.end());
+    }
     set(&AppState::undoStack, std::move(stack), Property::undoStack);
 }
 

@@ -31,6 +31,7 @@ void AppModel::loadPendingRelaunches() {
     KeptRelaunches pending = readPendingRelaunches(*ownStore_);
     std::erase_if(pending, [&](const auto& one) {
         const auto status = state_.statuses.find(one.first);
+        if (state_.statusErrors.contains(one.first)) return false;
         return status == state_.statuses.end() || renderedTogether(status->second.exact) == one.second;
     });
     showPendingRelaunches(pending);

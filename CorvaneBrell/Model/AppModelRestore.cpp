@@ -87,7 +87,7 @@ void AppModel::confirmRestore() {
                           !isAlreadyBack(entry, deps_->store) && hasDrifted(entry, deps_->store);
         (asks ? drifted : others).push_back(entry.id);
     }
-    if (drifted.empty()) return restoreBeside(others, {}, std::nullopt, false);
+    if (drifted.empty()) return restoreBeside(others, {}, std::nullopt, Undo::none);
     openDrift(asked.size() == 1 ? DriftRequest::Mode::restoreEntry : DriftRequest::Mode::several, drifted,
               others, std::nullopt, false);
 }
@@ -120,47 +120,48 @@ void AppModel::confirmDrift(const std::set<Uuid>& ticked) {
     std::vector<Uuid> entries = request.others;
     for (const DriftedEntry& drifted : request.entries)
         if (ticked.contains(drifted.entry.id)) entries.push_back(drifted.entry.id);
-    if (!entries.empty()) restoreBeside(std::move(entries), ticked, pending, driftIsUndo_);
+    const bool isAll = ticked.size() == request.entries.size();
+    const Undo undo = !driftIsUndo_ ? Undo::none : isAll ? Undo::untilTheRest : Undo::part;
+    if (!entries.empty()) restoreBeside(std::move(entries), ticked, pending, undo);
 }
 
 void AppModel::restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
-                             const std::optional<PendingApply>& then, bool isUndo) {
+                             const std::optional<PendingApply>& then, Undo undo) {
     const std::string what = entries.size() == 1 ? "Restoring a change" : "Restoring changes";
     const bool agents = holdsAgent(state_.entries, entries);
-    change(
-        what, {},
-        [this, what, agents, entries = std::move(entries), confirmed = std::move(confirmed), then, isUndo] {
-            Change made;
-            made.name = then ? then->tweak.title : "restoring";
-            made.isUndo = isUndo;
-            made.agentsTouched = agents;
-            std::set<Uuid> overridden = confirmed;
-            for (const Uuid& id : entries) {
-                const auto entry = deps_->journal->entry(id);
-                if (!entry) continue;
-                if (entries.size() == 1) made.name = nameOf(*entry);
-                if (!isAlreadyBack(*entry, deps_->store)) continue;
-                overridden.insert(id);
-                made.alreadyBack.push_back(nameOf(*entry));
-            }
-            const RestoreAllOutcome outcome =
-                deps_->engine.restoreSelected(entries, overridden, [&](std::size_t done, std::size_t total) {
-                    reportProgress(what, done, total);
-                    return !changes_.isEnding();
-                });
-            for (const Uuid& id : outcome.restored)
-                if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
-            for (const auto& [id, message] : outcome.failed) made.failures.push_back(message);
-            made.drifted = outcome.skippedDrifted;
-            if (!then || !made.failures.empty() || !made.drifted.empty()) return made;
-            const Tweak* tweak = catalog().tweak(then->tweak.id);
-            try {
-                if (tweak) made.made.push_back(deps_->engine.apply(*tweak, then->values, then->choiceID));
-            } catch (const EngineError& error) {
-                made.failures.push_back(error.what());
-            }
-            return made;
-        });
+    change(what, {},
+           [this, what, agents, entries = std::move(entries), confirmed = std::move(confirmed), then, undo] {
+               Change made;
+               made.name = then ? then->tweak.title : "restoring";
+               made.undo = undo;
+               made.leadsToOriginals = then.has_value();
+               made.agentsTouched = agents;
+               std::set<Uuid> overridden = confirmed;
+               for (const Uuid& id : entries) {
+                   const auto entry = deps_->journal->entry(id);
+                   if (!entry) continue;
+                   if (entries.size() == 1) made.name = nameOf(*entry);
+                   if (!isAlreadyBack(*entry, deps_->store)) continue;
+                   overridden.insert(id);
+                   made.alreadyBack.push_back(nameOf(*entry));
+               }
+               const RestoreAllOutcome outcome = deps_->engine.restoreSelected(
+                   entries, overridden, [&](std::size_t done, std::size_t total) {
+                       reportProgress(what, done, total);
+                       return !changes_.isEnding();
+                   });
+               for (const Uuid& id : outcome.restored)
+                   if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
+               for (const auto& [id, message] : outcome.failed) made.failures.push_back(message);
+               made.drifted = outcome.skippedDrifted;
+               if (!then || !made.failures.empty() || !made.drifted.empty()) return made;
+               try {
+                   if (auto entry = carryOut(*then)) made.made.push_back(*std::move(entry));
+               } catch (const EngineError& error) {
+                   made.failures.push_back(error.what());
+               }
+               return made;
+           });
 }
 
 void AppModel::recover() {

@@ -23,6 +23,7 @@ struct PendingApply {
     Tweak tweak;
     std::vector<PrefValue> values;
     std::optional<std::string> choiceID;
+    bool usesSystemDefault = false;  // the keys are removed; there are no values then
     bool operator==(const PendingApply&) const = default;
 };
 
@@ -138,6 +139,7 @@ enum class Property {
 
 struct AppState {
     std::optional<std::string> startupError;  // stays for the whole run
+    std::vector<std::string> safetyWarnings;  // what could stand in the way of a change; likewise
     Screen screen = Screen::finder;
     TweakStatuses statuses;
     TweakStatusErrors statusErrors;

@@ -126,8 +126,9 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
     row.canChange = look.canChange && !state.startupError;
     row.reason = std::move(look.reason);
     row.choiceID = status->currentChoiceID;
-    row.nothingStored = std::all_of(status->exact.begin(), status->exact.end(),
-                                    [](const StoredValue& value) { return value.isAbsent(); });
+    row.nothingStored =
+        !status->exact.empty() && std::all_of(status->exact.begin(), status->exact.end(),
+                                              [](const StoredValue& value) { return value.isAbsent(); });
     if (std::holds_alternative<FolderKind>(tweak.kind)) row.folder = storedText(*status);
     return row;
 }

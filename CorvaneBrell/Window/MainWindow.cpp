@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -74,6 +75,8 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     if (place && !model.options().openGroup) model.show(place->screen);
     connect(sidebar_, &Sidebar::searched, this, &MainWindow::search);
     connect(sidebar_, &Sidebar::entered, this, &MainWindow::enterPage);
+    auto* leaveSearch = new QShortcut(Qt::Key_Escape, this);
+    connect(leaveSearch, &QShortcut::activated, this, [this] { sidebar_->search().clear(); });
     refresh_->setSingleShot(true);
     connect(refresh_, &QTimer::timeout, this, &MainWindow::refreshNow);
     model.setObserver([this](Property property) { modelChanged(property); });
@@ -106,6 +109,7 @@ void MainWindow::refreshNow() {
     Changes& changes = stale_.at(shown);
     if (!changes.empty()) shown->refresh(std::exchange(changes, {}));
     sheets_->refresh();
+    if (closesWhenDone_ && !model_.state().changeActivity) close();
 }
 
 void MainWindow::showScreen(Screen screen) {
@@ -145,6 +149,7 @@ Page* MainWindow::makePage(Screen screen) {
 }
 
 void MainWindow::setChangedOnly(bool changedOnly) {
+    if (changedOnly == changedOnly_) return;
     changedOnly_ = changedOnly;
     changedOnlyAction_->setChecked(changedOnly);
     for (const auto& [screen, page] : pages_)
@@ -184,7 +189,10 @@ void MainWindow::enterPage() {
     if (QWidget* first = firstControl(currentPage()->scrollArea())) first->setFocus(Qt::TabFocusReason);
 }
 
+// What the user asked for is finished first: the change under way, and those that wait for their turn.
 void MainWindow::closeEvent(QCloseEvent* event) {
+    closesWhenDone_ = model_.state().changeActivity.has_value();
+    if (closesWhenDone_) return event->ignore();
     model_.keepWindowPlace({width(), height(), model_.state().screen});
     event->accept();
 }

@@ -71,7 +71,9 @@ private:
     std::map<Screen, Page*> pages_;
     std::map<const Page*, Changes> stale_;  // what each page has not shown yet
     bool changedOnly_ = false;
+    bool closesWhenDone_ = false;
 
+    std::vector<QAction*> ofTheJournal_;  // without a journal that can be read they would say what is not so
     QAction* undo_ = nullptr;
     QAction* restoreAll_ = nullptr;
     QAction* changedOnlyAction_ = nullptr;

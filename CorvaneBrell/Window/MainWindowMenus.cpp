@@ -15,6 +15,7 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Sidebar.h"
+#include "CorvaneBrell/Window/TweakPage.h"
 
 namespace brell {
 
@@ -42,15 +43,14 @@ void MainWindow::makeMenus() {
 
 void MainWindow::makeFileMenu() {
     QMenu* menu = menuBar()->addMenu(tr("File"));
-    menu->addAction(tr("Import Preset..."), QKeySequence(tr("Ctrl+O")), this,
-                    [this] { importPreset(model_, this); });
-    menu->addAction(tr("Export Preset..."), QKeySequence(tr("Ctrl+E")), this,
-                    [this] { exportPreset(model_, this); });
+    const auto add = [&](const QString& text, const QKeySequence& keys, void (*act)(AppModel&, QWidget*)) {
+        ofTheJournal_.push_back(menu->addAction(text, keys, this, [this, act] { act(model_, this); }));
+    };
+    add(tr("Import Preset..."), QKeySequence(tr("Ctrl+O")), importPreset);
+    add(tr("Export Preset..."), QKeySequence(tr("Ctrl+E")), exportPreset);
     menu->addSeparator();
-    menu->addAction(tr("Save Report..."), QKeySequence::Save, this,
-                    [this] { FileActions::saveReport(model_, this); });
-    menu->addAction(tr("Save Restore Script..."), QKeySequence(tr("Ctrl+Shift+S")), this,
-                    [this] { FileActions::saveRestoreScript(model_, this); });
+    add(tr("Save Report..."), QKeySequence::Save, FileActions::saveReport);
+    add(tr("Save Restore Script..."), QKeySequence(tr("Ctrl+Shift+S")), FileActions::saveRestoreScript);
     menu->addSeparator();
     menu->addAction(tr("Close Window"), QKeySequence::Close, this, &QWidget::close);
     QAction* quit = menu->addAction(tr("Quit Corvane Brell"), QKeySequence::Quit, this, &QWidget::close);
@@ -84,8 +84,8 @@ void MainWindow::makeViewMenu() {
 void MainWindow::makeOtherMenus() {
     QMenu* changes = menuBar()->addMenu(tr("Changes"));
     restoreAll_ = changes->addAction(tr("Restore All..."), this, [this] { model_.askRestoreAll(); });
-    changes->addAction(tr("Show Restore Script"), this,
-                       [this] { FileActions::showRestoreScript(model_, this); });
+    ofTheJournal_.push_back(changes->addAction(tr("Show Restore Script"), this,
+                                               [this] { FileActions::showRestoreScript(model_, this); }));
 
     QMenu* window = menuBar()->addMenu(tr("Window"));
     window->addAction(tr("Minimize"), QKeySequence(tr("Ctrl+M")), this, &QWidget::showMinimized);
@@ -105,6 +105,8 @@ void MainWindow::refreshMenus() {
     const bool canUndo = !state.undoStack.empty() && !state.startupError;
     undo_->setEnabled(canUndo && !state.changeActivity);
     undo_->setText(canUndo ? tr("Undo %1").arg(label(qt(state.undoStack.back().name))) : tr("Undo"));
+    for (QAction* action : ofTheJournal_) action->setEnabled(!state.startupError);
+    changedOnlyAction_->setEnabled(qobject_cast<TweakPage*>(currentPage()));
     restoreAll_->setEnabled(model_.changedCount(Screen::journal) > 0 && !state.startupError);
 }
 

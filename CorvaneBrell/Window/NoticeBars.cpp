@@ -48,6 +48,7 @@ QPushButton* NoticeBars::addDismissal(NoticeBar* bar, std::function<void()> dism
 
 void NoticeBars::addBars() {
     startupError_ = added(new NoticeBar(tr("Journal problem"), "xmark.circle", Tone::critical));
+    safety_ = added(new NoticeBar(tr("Before a change"), "exclamationmark.triangle", Tone::caution));
     dryRun_ = added(new NoticeBar(tr("Dry run"), "info.circle", Tone::plain));
     interrupted_ = added(new NoticeBar(tr("Interrupted changes"), "bolt.slash", Tone::caution));
     recover_ = interrupted_->addAction(tr("Restore"));
@@ -87,6 +88,7 @@ void NoticeBars::refresh() {
 void NoticeBars::refreshErrors() {
     const AppState& state = model_.state();
     startupError_->setWords(words(state.startupError));
+    safety_->setWords(qt(state.safetyWarnings).join('\n'));
     dryRun_->setWords(state.startupError ? QString() : words(model_.whyNothingReal()));
     interrupted_->setWords(qt(interruptedText(state)));
     recover_->setEnabled(!state.changeActivity && !state.startupError);

@@ -36,6 +36,7 @@ private:
 
     AppModel& model_;
     NoticeBar* startupError_;
+    NoticeBar* safety_;
     NoticeBar* dryRun_;
     NoticeBar* interrupted_;
     NoticeBar* recoveryFailures_;

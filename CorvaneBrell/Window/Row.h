@@ -44,6 +44,7 @@ public:
     QWidget* details() const { return details_; }
     bool isOpen() const { return details_ && !details_->isHidden(); }
     void setOpen(bool open);
+    void focusArrow() { arrow_->setFocus(Qt::OtherFocusReason); }
 
 protected:
     void mouseReleaseEvent(QMouseEvent* event) override;

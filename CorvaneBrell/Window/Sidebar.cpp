@@ -108,8 +108,10 @@ Sidebar::Sidebar(AppModel& model, QWidget* parent)
     setFixedWidth(208);
     search_->installEventFilter(this);
     connect(search_, &QLineEdit::textChanged, this, &Sidebar::searched);
-    connect(pages_, &QListWidget::currentRowChanged, this,
-            [this](int row) { model_.show(static_cast<Screen>(row)); });
+    connect(pages_, &QListWidget::currentRowChanged, this, [this](int row) {
+        if (pages_->hasFocus()) search_->clear();  // the user goes to another page
+        model_.show(static_cast<Screen>(row));
+    });
     connect(pages_, &QListWidget::itemClicked, this, [this] { search_->clear(); });
 }
 

@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/Switch.h"
 
+#include <QAccessibleWidget>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -9,12 +10,42 @@ namespace brell {
 
 namespace {
 
+// Qt's own would move the switch without asking anybody.
+class SwitchAccessible final : public QAccessibleWidget {
+public:
+    explicit SwitchAccessible(Switch* toggle) : QAccessibleWidget(toggle, QAccessible::CheckBox) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = true;
+        state.checked = toggle()->isChecked();
+        return state;
+    }
+    QStringList actionNames() const override { return {toggleAction(), pressAction(), setFocusAction()}; }
+    void doAction(const QString& action) override {
+        if (action == toggleAction() || action == pressAction())
+            toggle()->click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+
+private:
+    Switch* toggle() const { return static_cast<Switch*>(widget()); }
+};
+
+QAccessibleInterface* accessibleSwitch(const QString&, QObject* object) {
+    auto* toggle = qobject_cast<Switch*>(object);
+    return toggle ? new SwitchAccessible(toggle) : nullptr;
+}
+
 constexpr QSize trackSize(58, 26);
 constexpr int focusMargin = 3;
 
 }  // namespace
 
 Switch::Switch(QWidget* parent) : QAbstractButton(parent) {
+    static const bool known = (QAccessible::installFactory(accessibleSwitch), true);
+    Q_UNUSED(known);
     setCheckable(true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
@@ -44,12 +45,13 @@ TweakControl makeChoices(AppModel& model, const Tweak& tweak, const ChoiceKind& 
     control->addItem(ChoiceBox::tr("macOS default"));
     const int systemDefault = control->count() - 1;
     const auto shown = [control, systemDefault](const TweakRowState& state) {
-        if (state.nothingStored) return state.canChange ? systemDefault : -1;
-        return state.choiceID ? control->findData(qt(*state.choiceID)) : -1;
+        if (state.choiceID) return control->findData(qt(*state.choiceID));  // also by macOS's own value
+        return state.nothingStored ? systemDefault : -1;
     };
     QObject::connect(control, &ChoiceBox::activated, control,
                      [&model, &tweak, control, systemDefault, shown](int index) {
-                         if (index == shown(tweakRowState(model, tweak))) return;
+                         if (!model.isChanging(tweak.id) && index == shown(tweakRowState(model, tweak)))
+                             return;
                          if (index == systemDefault)
                              model.useSystemDefault(tweak.id);
                          else

@@ -57,14 +57,14 @@ TweakDetails::TweakDetails(AppModel& model, const Tweak& tweak, QWidget* parent)
     column_->setContentsMargins(0, 2, 40, 4);
 }
 
-void TweakDetails::show(const TweakRowState& state) {
+bool TweakDetails::show(const TweakRowState& state) {
     const bool hadFocus = shown_ && shown_->isAncestorOf(focusWidget() ? focusWidget() : this);
     if (shown_) {
         shown_->hide();
         shown_->deleteLater();  // its button may be what was clicked
     }
     fill(state);
-    if (hadFocus) shown_->setFocus();
+    return hadFocus;
 }
 
 void TweakDetails::fill(const TweakRowState& state) {
@@ -85,6 +85,15 @@ void TweakDetails::fill(const TweakRowState& state) {
     column_->addWidget(shown_);
 }
 
+// What is active now, or else what turning it on would do.
+QString TweakDetails::terminalCommand() const {
+    std::vector<JournalEntry> active;
+    for (const JournalEntry& entry : model_.state().entries)
+        if (entry.isActive() && entry.tweakID == tweak_.id) active.push_back(entry);
+    return qt(active.empty() ? TerminalCommands::making(tweak_)
+                             : TerminalCommands::making(active, model_.catalog()));
+}
+
 QWidget* TweakDetails::buttons(const TweakRowState& state) {
     auto* holder = new QWidget;
     auto* rows = new QVBoxLayout(holder);
@@ -92,8 +101,7 @@ QWidget* TweakDetails::buttons(const TweakRowState& state) {
     auto* line = new FlowLayout(8);
     const QString title = qt(tweak_.title);
     line->addWidget(copyButton(tr("Copy Key"), title, [this] { return renderedKeys(tweak_); }));
-    line->addWidget(copyButton(tr("Copy Terminal Command"), title,
-                               [this] { return qt(TerminalCommands::making(tweak_)); }));
+    line->addWidget(copyButton(tr("Copy Terminal Command"), title, [this] { return terminalCommand(); }));
     if (const auto& undo = state.undo) {
         const bool isShort = undo->leadsTo.size() <= longestButtonText;
         auto* restore =

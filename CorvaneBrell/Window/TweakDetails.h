@@ -14,9 +14,11 @@ class TweakDetails final : public QWidget {
 public:
     // Model and tweak must outlive the details.
     TweakDetails(AppModel& model, const Tweak& tweak, QWidget* parent = nullptr);
-    void show(const TweakRowState& state);
+    // Whether the focus was in what is shown no more.
+    bool show(const TweakRowState& state);
 
 private:
+    QString terminalCommand() const;
     QWidget* buttons(const TweakRowState& state);
     void fill(const TweakRowState& state);
 

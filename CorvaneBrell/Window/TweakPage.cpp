@@ -27,7 +27,7 @@ TweakPage::TweakPage(AppModel& model, Screen screen, QWidget* parent)
     tools()->addWidget(changedOnly_);
     tools()->addWidget(presets);
     content()->addWidget(list_);
-    connect(changedOnly_, &QCheckBox::clicked, this, &TweakPage::changedOnlyAsked);
+    connect(changedOnly_, &QCheckBox::toggled, this, &TweakPage::changedOnlyAsked);
     connect(showAll_, &QPushButton::clicked, this, [this] { emit changedOnlyAsked(false); });
 }
 

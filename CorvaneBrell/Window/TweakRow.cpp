@@ -46,7 +46,7 @@ void TweakRow::refresh() {
     if (now == state_) return control_.show(state_);  // what the user just asked for may have been refused
     state_ = std::move(now);
     showState();
-    if (opened_) opened_->show(state_);
+    if (opened_ && opened_->show(state_)) focusArrow();
 }
 
 void TweakRow::showState() {

@@ -330,6 +330,86 @@ TEST_F(AppModelTest, TheModelMayEndWhileWorkIsUnderWay) {
     EXPECT_EQ(openModel()->state().interrupted.size(), 0u) << "the change was finished, or never begun";
 }
 
+TEST_F(AppModelTest, UndoingGoesBackThroughReplacedChoicesAlsoWhereOthersInterfered) {
+    const PrefKey size{"com.apple.dock", "tilesize"};
+    const auto before = preferences();
+    const auto sizeNow = [&] { return sample.openPreferences()->exactValue(size); };
+    const auto model = openModel();
+    const auto confirmAllDrift = [&] {
+        ASSERT_TRUE(model->state().driftRequest);
+        std::set<Uuid> all;
+        for (const DriftedEntry& drifted : model->state().driftRequest->entries) all.insert(drifted.entry.id);
+        model->confirmDrift(all);
+        settle(*model);
+    };
+    model->applyChoice("dock.size", "large");
+    settle(*model);
+    model->applyChoice("dock.size", "small");
+    settle(*model);
+
+    writeFromOutside(size, 50);
+    model->undoLast();
+    settle(*model);
+    EXPECT_EQ(sizeNow(), StoredValue(50)) << "nothing of others is overwritten unasked";
+    ASSERT_NO_FATAL_FAILURE(confirmAllDrift());
+    EXPECT_EQ(sizeNow(), StoredValue(64)) << "the undo went on to what the last action had replaced";
+    EXPECT_EQ(model->state().undoStack.size(), 1u);
+
+    model->undoLast();
+    settle(*model);
+    EXPECT_EQ(preferences(), before);
+    EXPECT_TRUE(model->state().undoStack.empty());
+
+    // macOS's own value over a choice that others changed since; then back to what was there at first.
+    model->applyChoice("dock.size", "large");
+    settle(*model);
+    writeFromOutside(size, 50);
+    model->useSystemDefault("dock.size");
+    settle(*model);
+    ASSERT_NO_FATAL_FAILURE(confirmAllDrift());
+    EXPECT_EQ(sizeNow(), StoredValue::absent());
+    model->undoLast();
+    settle(*model);
+    EXPECT_EQ(preferences(), before);
+}
+
+TEST_F(AppModelTest, UndoingAPresetOrARestoreDoesWhatItCanAndApplyAgainLeadsToTheOriginals) {
+    const auto before = preferences();
+    const auto model = openModel();
+    model->apply("dock.autohide");
+    model->apply("finder.show_hidden");
+    settle(*model);
+    model->askRestoreAll();
+    model->confirmRestore();
+    settle(*model);
+    model->apply("dock.autohide");
+    settle(*model);
+    model->turnOff("dock.autohide");
+    settle(*model);
+    model->undoLast();  // on again
+    settle(*model);
+    model->undoLast();  // the first turning on: off again
+    settle(*model);
+    model->undoLast();  // the restoring of both
+    settle(*model);
+    EXPECT_FALSE(model->state().errorMessage) << *model->state().errorMessage;
+    EXPECT_EQ(model->changedTweaks(), (std::vector<std::string>{"finder.show_hidden", "dock.autohide"}));
+
+    writeFromOutside({"com.apple.dock", "autohide"}, false);
+    model->refreshAll();
+    settle(*model);
+    ASSERT_EQ(model->state().drifted.size(), 1u);
+    model->applyAgain({model->state().drifted.front().entry.id});
+    settle(*model);
+    EXPECT_EQ(sample.openPreferences()->exactValue({"com.apple.dock", "autohide"}), StoredValue(true));
+    model->undoLast();
+    settle(*model);
+    EXPECT_EQ(model->changedTweaks(), std::vector<std::string>{"finder.show_hidden"});
+    model->turnOff("finder.show_hidden");
+    settle(*model);
+    EXPECT_EQ(preferences(), before);
+}
+
 TEST_F(AppModelTest, ThousandsOfEntriesKeepARefreshQuick) {
     JournalEntry entry{};
     std::ostringstream ignored;
