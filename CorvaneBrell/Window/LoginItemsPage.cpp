@@ -6,6 +6,7 @@
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/ReadingLine.h"
+#include "CorvaneBrell/Window/SearchField.h"
 
 namespace brell {
 
@@ -23,7 +24,7 @@ bool concernsItems(const Changes& changed) {
 LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
       model_(model),
-      filter_(new QLineEdit),
+      filter_(searchField(tr("Filter"), tr("Filter the login items"))),
       reading_(new ReadingLine),
       withoutDatabase_(
           symbolLine("info.circle", Tone::plain,
@@ -40,10 +41,6 @@ LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
 }
 
 void LoginItemsPage::addTools() {
-    filter_->setPlaceholderText(tr("Filter"));
-    filter_->setAccessibleName(tr("Filter the login items"));
-    filter_->setClearButtonEnabled(true);
-    filter_->setMinimumHeight(28);
     connect(filter_, &QLineEdit::textChanged, this, [this] { showItems(); });
     auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
     again->setAccessibleName(tr("Refresh the login items"));

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/Appearance.h"
 #include "CorvaneBrell/Window/JournalPage.h"
 #include "CorvaneBrell/Window/LoginItemsPage.h"
 #include "CorvaneBrell/Window/NoticeBars.h"
@@ -211,7 +212,10 @@ QImage MainWindow::picture() const {
         painter.fillRect(rect(), QColor(0, 0, 0, 70));
         const QPixmap over = sheet->grab();
         const QSize size = over.deviceIndependentSize().toSize();
-        painter.drawPixmap((width() - size.width()) / 2, std::max(24, (height() - size.height()) / 3), over);
+        const QPoint corner((width() - size.width()) / 2, std::max(24, (height() - size.height()) / 3));
+        painter.drawPixmap(corner, over);
+        painter.setPen(Appearance::outline(palette()));  // in place of the shadow that a screen shows
+        painter.drawRect(QRect(corner, size).adjusted(-1, -1, 0, 0));
     }
     return pixmap.toImage();
 }

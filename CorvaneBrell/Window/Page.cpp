@@ -57,23 +57,18 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
 
     auto* column = new QWidget;
     column->setMaximumWidth(widestColumn);
-    auto* rows = new QVBoxLayout(column);
-    rows->setContentsMargins(margin, 4, margin, margin);
-    rows->setSpacing(0);
-    // The scroll bar takes its room from the margin, so that rows and tools end at the same place.
-    connect(scroll_->verticalScrollBar(), &QScrollBar::rangeChanged, rows, [this, rows](int, int most) {
-        const int bar = most > 0 ? scroll_->verticalScrollBar()->sizeHint().width() : 0;
-        rows->setContentsMargins(margin, 4, margin - std::min(bar, margin), margin);
-    });
+    rows_ = new QVBoxLayout(column);
+    rows_->setContentsMargins(margin, 4, margin, margin);
+    rows_->setSpacing(0);
     content_->setSpacing(14);
-    rows->addWidget(empty_);
-    rows->addLayout(content_);
-    rows->addStretch(1);
+    rows_->addWidget(empty_);
+    rows_->addLayout(content_);
+    rows_->addStretch(1);
 
     auto* holder = new ScrolledContent;
-    auto* line = new QHBoxLayout(holder);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->addWidget(column);
+    line_ = new QHBoxLayout(holder);
+    line_->setContentsMargins(0, 0, 0, 0);
+    line_->addWidget(column);
     holder->setAutoFillBackground(false);
     scroll_->setWidget(holder);
     holder->setAutoFillBackground(false);
@@ -89,6 +84,22 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     all->addLayout(headLine);
     all->addWidget(scroll_, 1);
     new TabOrder(this, holder);
+    connect(scroll_->verticalScrollBar(), &QScrollBar::rangeChanged, this, [this] { alignColumn(); });
+}
+
+// Rows and tools begin and end at the same places: the scroll bar takes its room from the margin where the
+// column is as wide as the page, and has a counterpart at the left where the column stands in the middle.
+void Page::alignColumn() {
+    const QScrollBar* bar = scroll_->verticalScrollBar();
+    const int taken = bar->maximum() > 0 ? bar->sizeHint().width() : 0;
+    const bool isInTheMiddle = scroll_->width() >= widestColumn + taken;
+    rows_->setContentsMargins(margin, 4, isInTheMiddle ? margin : margin - std::min(taken, margin), margin);
+    line_->setContentsMargins(isInTheMiddle ? taken : 0, 0, 0, 0);
+}
+
+void Page::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    alignColumn();
 }
 
 void Page::setTitle(const QString& title) {

@@ -38,11 +38,17 @@ protected:
     void setEmptyState(const QString& sentence);
     QPushButton* addEmptyAction(const QString& text);
 
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void alignColumn();
+
     Paragraph* title_;
     QHBoxLayout* tools_;
     QVBoxLayout* content_;
     QScrollArea* scroll_;
+    QVBoxLayout* rows_;
+    QHBoxLayout* line_;
     QWidget* empty_;
     Paragraph* emptyText_;
     QVBoxLayout* emptyColumn_;

@@ -9,6 +9,7 @@
 
 #include "CorvaneBrell/Window/Appearance.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/SearchField.h"
 #include "CorvaneBrell/Window/Symbol.h"
 
 namespace brell {
@@ -63,17 +64,6 @@ public:
     }
 };
 
-QLineEdit* searchField() {
-    auto* field = new QLineEdit;
-    field->setPlaceholderText(QLineEdit::tr("Search"));
-    field->setAccessibleName(QLineEdit::tr("Search settings and pages"));
-    field->setClearButtonEnabled(true);
-    field->addAction(symbolIcon("magnifyingglass"), QLineEdit::LeadingPosition)
-        ->setText(QLineEdit::tr("Search"));
-    field->setMinimumHeight(28);
-    return field;
-}
-
 QListWidget* pageList() {
     auto* list = new QListWidget;
     list->setAccessibleName(QListWidget::tr("Pages"));
@@ -99,7 +89,10 @@ QString spoken(const QString& title, std::size_t count) {
 }  // namespace
 
 Sidebar::Sidebar(AppModel& model, QWidget* parent)
-    : QWidget(parent), model_(model), search_(searchField()), pages_(pageList()) {
+    : QWidget(parent),
+      model_(model),
+      search_(searchField(tr("Search"), tr("Search settings and pages"))),
+      pages_(pageList()) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(10, 14, 6, 10);
     column->setSpacing(10);
