@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 
 namespace brell {
@@ -68,16 +69,6 @@ std::optional<StoredValue> originalOf(const PrefKey& key, const JournalEntry* ac
     return std::nullopt;
 }
 
-std::string leadsTo(const JournalEntry& entry) {
-    if (entry.writes.size() == 1) return entry.writes.front().original.rendered();
-    std::string text;
-    for (const JournaledWrite& write : entry.writes) {
-        if (!text.empty()) text += ", ";
-        text += write.key.name + " " + write.original.rendered();
-    }
-    return text;
-}
-
 std::optional<StoredValue> valueAt(const std::vector<StoredValue>& values, std::size_t i) {
     return i < values.size() ? std::optional(values[i]) : std::nullopt;
 }
@@ -114,7 +105,8 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
     row.confirmed = (tweak.isConfirmed(major) ? "Confirmed on macOS " : "Not confirmed on macOS ") +
                     std::to_string(major);
     if (active)
-        row.undo = RowUndo{active->id, leadsTo(*active), madeOnAnotherMacOS(*active, model.macOSVersion())};
+        row.undo = RowUndo{active->id, JournalWords::wayBack(*active),
+                           madeOnAnotherMacOS(*active, model.macOSVersion())};
     if (!status) {
         const auto error = state.statusErrors.find(tweak.id);
         row.reason = error != state.statusErrors.end() ? error->second : "Not offered on this macOS.";

@@ -114,6 +114,59 @@ TEST_F(WindowTest, SearchLeadsBackToThePageAtItsPlace) {
     EXPECT_EQ(bar->value(), place);
 }
 
+TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
+    openWindow();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QLineEdit& field = window->sidebar().search();
+    const auto isSearching = [&] { return qobject_cast<SearchPage*>(window->currentPage()) != nullptr; };
+    field.setFocus();
+    QTest::keyClicks(&field, "hidden");
+    QTest::keyClick(&field, Qt::Key_Down);
+    ASSERT_TRUE(isSearching());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    settle();
+    EXPECT_FALSE(isSearching());
+
+    field.setFocus();
+    QTest::keyClicks(&field, "hidden");
+    ASSERT_TRUE(isSearching());
+    window->sidebar().pages().setFocus();
+    QTest::keyClick(&window->sidebar().pages(), Qt::Key_Down);
+    settle();
+    EXPECT_FALSE(isSearching());
+    EXPECT_EQ(model->state().screen, Screen::dock);
+    EXPECT_EQ(field.text(), "");
+}
+
+// Qt's own action would show the other state and ask nobody.
+TEST_F(WindowTest, ASwitchToggledByAssistiveTechnologyChangesTheSetting) {
+    openWindow();
+    auto* toggle = static_cast<Switch*>(row("finder.show_hidden").control());
+    QAccessibleInterface* at = QAccessible::queryAccessibleInterface(toggle);
+    ASSERT_TRUE(at->actionInterface());
+    at->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_FALSE(toggle->isChecked()) << "it shows what is so";
+    settle();
+    EXPECT_EQ(stored(showHidden), StoredValue(true));
+    EXPECT_TRUE(at->state().checked);
+}
+
+TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
+    openWindow();
+    model->apply("dock.autohide");
+    model->apply("finder.show_hidden");
+    window->close();
+    EXPECT_TRUE(window->isVisible()) << "the changes are finished first";
+    settle();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(stored(autohide), StoredValue(true));
+    EXPECT_EQ(stored(showHidden), StoredValue(true));
+    openWindow();
+    EXPECT_EQ(model->state().pendingEffects,
+              (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
+}
+
 TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
     haveAPast();
     openWindow();
