@@ -9,7 +9,7 @@ namespace brell {
 RequestSheet::RequestSheet(AppModel& model, QWidget* window, const QString& title, const QString& explanation,
                            void (AppModel::*cancel)())
     : Sheet(title, explanation, window), model_(model) {
-    connect(this, &QDialog::rejected, this, [this, cancel] { (model_.*cancel)(); });
+    connect(this, &QDialog::rejected, this, [&model, cancel] { (model.*cancel)(); });
 }
 
 QPushButton* RequestSheet::addAnswers(const QString& confirmText, std::function<void()> confirm,

@@ -206,7 +206,7 @@ constexpr double quickEnough = 0.6;  // watched, everything takes several times 
 constexpr double quickEnough = 0.1;
 #endif
 
-TEST_F(WindowTest, NoTurnOfTheMainThreadTakesLongAlsoWithHundredsOfAgentsAndARestoreOfEverything) {
+TEST_F(WindowTest, NoTurnOfTheEventLoopTakesLongAlsoWithHundredsOfAgentsAndARestoreOfEverything) {
     haveAPast();
     for (int i = 0; i < 400; ++i) {
         const std::string label = "com.example.helper" + std::to_string(i);
