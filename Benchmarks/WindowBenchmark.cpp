@@ -9,7 +9,7 @@
 int main() try {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const brell::bare::ScratchFolder folder;
-    const std::string mac = folder.path + "/mac";
+    const std::string mac = (folder.path / "mac").string();
     brell::PairReport report;
     report.compare(
         {.name = "first paint of the window, whole process", .limit = 2.5},

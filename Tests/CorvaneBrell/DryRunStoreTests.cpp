@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "CorvaneBrell/DryRunStore.h"
 
 #include <sstream>

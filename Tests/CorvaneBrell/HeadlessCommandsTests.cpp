@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "CorvaneBrell/HeadlessCommands.h"
 
 #include <unistd.h>

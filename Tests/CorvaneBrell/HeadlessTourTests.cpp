@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "CorvaneBrell/HeadlessTour.h"
 
 #include <sstream>

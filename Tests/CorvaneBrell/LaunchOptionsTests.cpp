@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "CorvaneBrell/LaunchOptions.h"
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "CorvaneBrell/SampleMac/SamplePast.h"
 
 #include <algorithm>

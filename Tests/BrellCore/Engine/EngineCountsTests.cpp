@@ -1,5 +1,7 @@
 // What an operation costs, in system calls: a change is durable with the fewest flushes there can be.
 
+#include <gtest/gtest.h>
+
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/SystemCalls.h"
 

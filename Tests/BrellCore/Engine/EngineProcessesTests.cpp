@@ -1,5 +1,7 @@
 // Several programs and threads over one journal and one preferences folder.
 
+#include <gtest/gtest.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -1,5 +1,7 @@
 // What the engine will not do: each refusal has its words and leaves everything as it was.
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <functional>
 

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "BrellCore/Engine/Report.h"
 
 #include "Tests/Support/EngineFixture.h"

@@ -1,5 +1,7 @@
 // The restore script undoes everything when the program itself is gone.
 
+#include <gtest/gtest.h>
+
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Shell.h"
 

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "BrellCore/Engine/TweakEngine.h"
 
 #include <cerrno>

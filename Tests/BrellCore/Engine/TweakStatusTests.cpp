@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "BrellCore/Engine/TweakStatus.h"
 
 #include "Tests/Support/EngineFixture.h"

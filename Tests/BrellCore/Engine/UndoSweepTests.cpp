@@ -1,6 +1,8 @@
 // Whatever goes wrong, and whenever: afterwards everything is as it was, or an active entry says how to get
 // there.
 
+#include <gtest/gtest.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
 

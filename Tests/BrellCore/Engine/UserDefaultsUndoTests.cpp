@@ -1,4 +1,6 @@
 // The whole catalog over user defaults, with originals as awkward as they can be.
+#include <gtest/gtest.h>
+
 #include "BrellCore/Preferences/CFPreferencesStore.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/MemoryFolder.h"

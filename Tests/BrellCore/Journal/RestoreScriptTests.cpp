@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "BrellCore/Journal/RestoreScript.h"
 
 #include <unistd.h>

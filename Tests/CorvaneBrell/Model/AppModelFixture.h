@@ -1,6 +1,8 @@
 // A model over a sample Mac of the test's own, with the test in place of the user and the main loop.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <memory>
 #include <sstream>

@@ -1,5 +1,7 @@
 // Login items, volumes, relaunches, presets and the other pages, over the sample Mac.
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"

@@ -1,5 +1,7 @@
 // Whole stories, driven as a user would and judged by the files.
 
+#include <gtest/gtest.h>
+
 #include <thread>
 
 #include "BrellCore/Support/FileContents.h"

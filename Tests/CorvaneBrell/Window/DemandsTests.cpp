@@ -1,5 +1,7 @@
 // What holds for every page, whatever it shows.
 
+#include <gtest/gtest.h>
+
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QComboBox>

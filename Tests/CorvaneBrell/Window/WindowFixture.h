@@ -1,6 +1,8 @@
 // The real window over a model on a sample Mac of the test's own, driven as a user drives it.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <QAccessible>
 #include <QAction>
 #include <QLineEdit>
