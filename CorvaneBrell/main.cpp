@@ -20,14 +20,13 @@ namespace {
 namespace fs = std::filesystem;
 using namespace brell;
 
-void introduce(QApplication& app) {
+void introduce() {
     QApplication::setApplicationName("Corvane Brell");
     QApplication::setApplicationVersion(qt(version));
     QApplication::setWindowIcon(QIcon(":/symbols/application.svg"));
 #ifndef Q_OS_MACOS
-    app.setPalette(Appearance::light());  // macOS brings its own, and changes it while the program runs
-#else
-    (void)app;
+    QApplication::setPalette(
+        Appearance::light());  // macOS brings its own, and changes it while the program runs
 #endif
 }
 
@@ -43,7 +42,7 @@ std::unique_ptr<RunningApplications> applicationsFor(const LaunchOptions& option
     return systemApplications();
 }
 
-int runWindow(QApplication& app, const LaunchOptions& options) {
+int runWindow(const LaunchOptions& options) {
     prepareSample(options);
     QtMainLoop loop;
     const auto applications = applicationsFor(options, loop);
@@ -56,7 +55,7 @@ int runWindow(QApplication& app, const LaunchOptions& options) {
             std::cerr << "error: The picture could not be written to " << file.string() << ".\n";
             status = ExitStatus::failure;
         },
-        [&] { app.exit(status); });
+        [&] { QApplication::exit(status); });
     window.show();
     return QApplication::exec();
 }
@@ -68,10 +67,10 @@ int main(int argc, char** argv) {
     if (start.ended) return *start.ended;
     // Qt looks for words of its own in argv; what it leaves was read above.
     int noWords = 1;
-    QApplication app(noWords, argv);
-    introduce(app);
+    const QApplication app(noWords, argv);
+    introduce();
     try {
-        return ended(runWindow(app, start.options));
+        return ended(runWindow(start.options));
     } catch (const std::exception& error) {
         std::cerr << "error: " << error.what() << '\n';
         return ExitStatus::cannotStart;
