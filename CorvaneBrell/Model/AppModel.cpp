@@ -5,6 +5,7 @@
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/DryRunStore.h"
+#include "CorvaneBrell/Model/EntryText.h"
 #include "CorvaneBrell/SafetyCheck.h"
 
 namespace fs = std::filesystem;
@@ -152,9 +153,7 @@ void AppModel::showEverything(Refresh refresh) {
 }
 
 std::string AppModel::nameOf(const JournalEntry& entry) const {
-    if (entry.agent) return entry.agent->label;
-    const Tweak* tweak = catalog().tweak(entry.tweakID);
-    return tweak ? tweak->title : entry.tweakID;
+    return entryTitle(entry, catalog());
 }
 
 std::vector<std::string> AppModel::changedTweaks() const {

@@ -31,7 +31,6 @@ QScrollArea* plainScrollArea() {
 
 Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     : QWidget(parent),
-      title_(new Paragraph(title, Paragraph::Look::title)),
       tools_(new QHBoxLayout),
       content_(new QVBoxLayout),
       scroll_(plainScrollArea()),
@@ -41,7 +40,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     setAccessibleName(title);
     auto* titles = new QVBoxLayout;
     titles->setSpacing(2);
-    titles->addWidget(title_);
+    titles->addWidget(new Paragraph(title, Paragraph::Look::title));
     titles->addWidget(new Paragraph(purpose, Paragraph::Look::secondary));
     auto* head = new QHBoxLayout;
     head->setContentsMargins(margin, 16, margin, 10);
@@ -100,10 +99,6 @@ void Page::alignColumn() {
 void Page::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     alignColumn();
-}
-
-void Page::setTitle(const QString& title) {
-    title_->setText(title);
 }
 
 void Page::setEmptyState(const QString& sentence) {

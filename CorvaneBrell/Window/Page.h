@@ -25,13 +25,10 @@ public:
     virtual void refresh(const Changes& changed) = 0;
 
     QScrollArea* scrollArea() const { return scroll_; }
-    // Scrolls so far that this widget, one of the content's, can be seen.
-    void reveal(QWidget* widget) { scroll_->ensureWidgetVisible(widget, 0, 60); }
 
 protected:
     QHBoxLayout* tools() { return tools_; }
     QVBoxLayout* content() { return content_; }
-    void setTitle(const QString& title);
 
     // Shows this sentence, with its reason, instead of content; an empty one hides it. The button is shown
     // with the sentence and only then; its text says what it does. Call it before the first setEmptyState.
@@ -43,7 +40,6 @@ protected:
 private:
     void alignColumn();
 
-    Paragraph* title_;
     QHBoxLayout* tools_;
     QVBoxLayout* content_;
     QScrollArea* scroll_;
