@@ -1,4 +1,4 @@
-// BrellTrust [--sample N] [--jobs N] [KIND...]
+// BrellTrust [--sample N] [--jobs N] [--seconds N] [--seed N] [KIND...]
 //
 // Tries whether a Brell that is stopped or let down anywhere loses anything; script/trust says more.
 
@@ -9,11 +9,14 @@
 #include <array>
 #include <iostream>
 #include <limits>
+#include <optional>
+#include <random>
 #include <thread>
 
 #include "BrellCore/Support/Text.h"
 #include "Tests/Support/MemoryFolder.h"
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Trust/ManyAtOnce.h"
 #include "Tests/Trust/Trial.h"
 
 using namespace brell;
@@ -31,10 +34,15 @@ constexpr std::array kinds{Kind{"crashes", "crash points", tryCrashes},
                            Kind{"file-faults", "file faults", tryFileFaults},
                            Kind{"command-faults", "command faults", tryCommandFaults}};
 
+// The one kind that is no matter of points.
+constexpr const char* manyAtOnce = "many-at-once";
+constexpr std::chrono::seconds timeInASample{4};
+
 struct Options {
     std::size_t sample = std::numeric_limits<std::size_t>::max();  // points of each kind
     std::size_t jobs = std::max(1u, std::thread::hardware_concurrency());
     std::vector<Kind> kinds;
+    std::optional<Crowd> crowd;
 };
 
 struct Tally {
@@ -117,43 +125,71 @@ std::size_t numberIn(const std::string& word) {
     return number;
 }
 
+const Kind& kindNamed(const std::string& word) {
+    const auto kind =
+        std::find_if(kinds.begin(), kinds.end(), [&](const Kind& known) { return word == known.word; });
+    if (kind == kinds.end()) throw std::runtime_error("unknown word " + word + ".");
+    return *kind;
+}
+
 Options optionsFrom(const std::vector<std::string>& words) {
     Options options;
+    std::optional<std::size_t> seconds;
+    Crowd crowd;
+    crowd.seed = std::random_device()() % 1'000'000;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const auto value = [&] { return numberIn(i + 1 < words.size() ? words[++i] : std::string()); };
         if (words[i] == "--sample") {
             options.sample = value();
+            crowd.time = timeInASample;
         } else if (words[i] == "--jobs") {
             options.jobs = value();
+        } else if (words[i] == "--seconds") {
+            seconds = value();
+        } else if (words[i] == "--seed") {
+            crowd.seed = value();
+        } else if (words[i] == manyAtOnce) {
+            options.crowd = crowd;
         } else {
-            const auto kind = std::find_if(kinds.begin(), kinds.end(),
-                                           [&](const Kind& known) { return words[i] == known.word; });
-            if (kind == kinds.end()) throw std::runtime_error("unknown word " + words[i] + ".");
-            options.kinds.push_back(*kind);
+            options.kinds.push_back(kindNamed(words[i]));
         }
     }
-    if (options.kinds.empty()) options.kinds.assign(kinds.begin(), kinds.end());
+    if (seconds) crowd.time = std::chrono::seconds(*seconds);
+    const bool isEverything = options.kinds.empty() && !options.crowd;
+    if (isEverything) options.kinds.assign(kinds.begin(), kinds.end());
+    if (isEverything || options.crowd) options.crowd = crowd;
     return options;
+}
+
+bool tryPoints(const Kind& kind, const Options& options) {
+    const testing::TemporaryFolder folder;
+    const std::size_t points = pointsOf(kind, folder.path);
+    const Tally tally = tryAll(kind, options, points);
+    printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points + " tried, " +
+              std::to_string(tally.failed) + " failed");
+    return tally.failed == 0 && tally.tried > 0;
+}
+
+bool tryCrowd(const Crowd& crowd) {
+    const testing::TemporaryFolder folder;
+    const CrowdReport report = tryManyAtOnce(folder.path, crowd);
+    for (const std::string& fault : report.faults) printLine("FAILED many at once: " + oneLine(fault));
+    printLine(report.summary + ", " + std::to_string(report.faults.size()) + " failed");
+    return report.faults.empty();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) try {
     const Options options = optionsFrom({argv + 1, argv + argc});
-    if (!testing::systemCallsAreWatched()) {
+    if (!options.kinds.empty() && !testing::systemCallsAreWatched()) {
         std::cerr << "File system calls can't be watched on this system.\n";
         return 2;
     }
     testing::keepFoldersInMemory();
     bool isWell = true;
-    for (const Kind& kind : options.kinds) {
-        const testing::TemporaryFolder folder;
-        const std::size_t points = pointsOf(kind, folder.path);
-        const Tally tally = tryAll(kind, options, points);
-        printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points +
-                  " tried, " + std::to_string(tally.failed) + " failed");
-        isWell = isWell && tally.failed == 0 && tally.tried > 0;
-    }
+    for (const Kind& kind : options.kinds) isWell &= tryPoints(kind, options);
+    if (options.crowd) isWell &= tryCrowd(*options.crowd);
     return isWell ? 0 : 1;
 } catch (const std::exception& error) {
     std::cerr << "BrellTrust: " << error.what() << '\n';

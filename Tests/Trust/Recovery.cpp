@@ -21,12 +21,7 @@ bool contains(const std::string& text, std::string_view part) {
 
 // Whether a user can tell from it what could not be done to which thing.
 bool isClear(const std::string& sentence, const Stage& stage) {
-    for (const char* raw : {"filesystem error", "std::", "basic_", "terminate", "bad_"})
-        if (contains(sentence, raw)) return false;
-    // A tool's own words come last in these.
-    const bool quotesTool = sentence.starts_with("launchctl refused: ") ||
-                            sentence.starts_with("After the change, launchd reports something else: ");
-    if (!sentence.ends_with('.') && !quotesTool) return false;
+    if (!isWhole(sentence)) return false;
     std::vector<std::string> names{stage.world().string(), "The change journal", "com.apple.",
                                    "NSGlobalDomain", "/bin/launchctl "};
     for (const auto& [label, state] : stage.setting().original.agents) names.push_back(label);
@@ -84,6 +79,15 @@ Faults tryAgain(const Stage& stage, const Scene& scene, Rig& rig, bool troubleLa
 }
 
 }  // namespace
+
+bool isWhole(const std::string& sentence) {
+    for (const char* raw : {"filesystem error", "std::", "basic_", "terminate", "bad_"})
+        if (contains(sentence, raw)) return false;
+    // A tool's own words come last in these.
+    const bool quotesTool = sentence.starts_with("launchctl refused: ") ||
+                            sentence.starts_with("After the change, launchd reports something else: ");
+    return sentence.ends_with('.') || quotesTool;
+}
 
 Goal goalOf(const Stage& stage, const Scene& scene) {
     stage.reset();

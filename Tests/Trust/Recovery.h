@@ -19,6 +19,9 @@ struct Goal {
 };
 Goal goalOf(const Stage& stage, const Scene& scene);
 
+// Whether it is for a user to read: a whole sentence, with no word of the program's inside in it.
+bool isWhole(const std::string& sentence);
+
 // How one try ended.
 struct Attempt {
     std::vector<std::string> sentences;       // in which failures were reported

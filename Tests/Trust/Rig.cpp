@@ -12,15 +12,29 @@ fs::path launchdFile(const fs::path& folder) {
     return SimulatedLaunchd::stateFile(folder);
 }
 
-// Later than everything in the journal.
-TimeStamp timeOfRun(const fs::path& journalDirectory) {
-    const auto runs = static_cast<int>(Journal::open(journalDirectory)->all().size());
-    return parseIso8601("2026-11-15T20:23:13Z").value() + std::chrono::hours(runs);
+// Later than everything in the journal, and a second later whenever it is asked.
+Clock steppingClock(const fs::path& folder) {
+    const auto journal = Journal::open(Journal::defaultDirectory(SampleMac(folder).home()));
+    const auto runs = static_cast<int>(journal->all().size());
+    const auto now =
+        std::make_shared<TimeStamp>(parseIso8601("2026-11-15T20:23:13Z").value() + std::chrono::hours(runs));
+    return [now] { return *now += std::chrono::seconds(1); };
+}
+
+Waiting waitingWithoutTime() {
+    const auto time = std::make_shared<testing::FakeTime>();
+    return {[time] { return time->waiting().now(); },
+            [time](std::chrono::milliseconds duration) { time->waiting().sleep(duration); }};
 }
 
 }  // namespace
 
-Rig::Rig(const fs::path& folder) : mac(folder), now_(timeOfRun(journalDirectory)) {
+Rig::Rig(const fs::path& folder) : Rig(folder, steppingClock(folder), waitingWithoutTime()) {}
+
+Rig::Rig(const fs::path& folder, const Clock& clock, Waiting waiting)
+    : mac(folder),
+      run_(*store, catalog, journalDirectory, clock),
+      toggle(*tools, engine, SampleMac::uid, mac.launchAgents(), std::move(waiting)) {
     engine.setAgentRestorer(&toggle);
     for (const auto& entry : fs::directory_iterator(mac.launchAgents())) {
         LaunchAgentPlist plist = LaunchAgentPlist::read(entry.path());

@@ -15,7 +15,10 @@ namespace brell::trust {
 // One run of the program over the Mac in this folder, which is furnished when it is not there yet.
 class Rig {
 public:
+    // Time passes only when it is asked for or slept through.
     explicit Rig(const std::filesystem::path& folder);
+    // Threads may share the rig when they may share these.
+    Rig(const std::filesystem::path& folder, const Clock& clock, Waiting waiting);
 
     const Tweak& tweak(std::string_view id) const { return *catalog.tweak(id); }
     // As listed when the program started.
@@ -33,15 +36,12 @@ public:
 
 private:
     std::map<std::string, LaunchAgentRecord> agents_;
-    TimeStamp now_;
-    const Clock clock_ = [this] { return now_ += std::chrono::seconds(1); };
-    testing::EngineRun run_{*store, catalog, journalDirectory, clock_};
-    testing::FakeTime time_;
+    testing::EngineRun run_;
 
 public:
     Journal& journal = *run_.journal;
     TweakEngine& engine = run_.engine;
-    AgentToggle toggle{*tools, engine, SampleMac::uid, mac.launchAgents(), time_.waiting()};
+    AgentToggle toggle;
 };
 
 // What a user would notice of a Mac: every preference, and of every agent whether it is disabled and loaded.
