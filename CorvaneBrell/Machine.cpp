@@ -82,8 +82,11 @@ Machine sampleMachine(const LaunchOptions& options) {
 
 }  // namespace
 
-Machine machineFor(const LaunchOptions& options) {
+Machine machineFor(const LaunchOptions& options) try {
     return options.sampleMac ? sampleMachine(options) : thisMachine(options);
+} catch (const fs::filesystem_error& error) {
+    throw std::runtime_error("The folder " + error.path1().string() +
+                             " could not be used: " + error.code().message() + ".");
 }
 
 }  // namespace brell

@@ -37,8 +37,10 @@ std::string encoded(TimeStamp at, const JournalEntry& entry) {
 }
 
 UniqueFd openForAppending(const fs::path& file) {
+    // Never through a link: somebody may have planted it under a name that is known in advance.
     const auto open = [&] {
-        return ::open(file.c_str(), O_RDWR | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0600);
+        return ::open(file.c_str(),
+                      O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
     };
     int descriptor = open();
     if (descriptor < 0 && errno == ENOENT) {

@@ -91,7 +91,9 @@ void checkNoLinkAt(const fs::path& file) {
 
 void checkExcludes(const FileLock& lock) try {
     if (!lock.stillExcludes()) throw cannotWrite("its lock file was removed meanwhile");
-} catch (const std::system_error& error) {
+} catch (const JournalError&) {
+    throw;
+} catch (const std::runtime_error& error) {
     throw cannotWrite(error.what());
 }
 
@@ -185,7 +187,9 @@ Journal::Exclusive Journal::exclusive() try {
         throw cannotWrite(
             fmt::format("another Brell has been busy with it for {} seconds", patience.count()));
     return Exclusive(std::move(*lock));
-} catch (const std::system_error& error) {
+} catch (const JournalError&) {
+    throw;
+} catch (const std::runtime_error& error) {
     throw cannotWrite(error.what());
 }
 

@@ -32,6 +32,10 @@ ReadError systemError(const fs::path& path) {
     return ReadError({path, systemMessage(code), code});
 }
 
+ReadError notOrdinary(const fs::path& path) {
+    return ReadError({path, "it is not an ordinary file", 0});
+}
+
 // Appends what the file holds, stopping one byte beyond most: enough to see that it is too much.
 bool readAll(const UniqueFd& file, std::string& bytes, std::size_t most) {
     for (;;) {
@@ -63,13 +67,14 @@ std::optional<FileIdentity> identityOf(const fs::path& path) {
 
 std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding) {
     // Without waiting: opening a named pipe would otherwise last until somebody writes to it.
-    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file && (errno == ENOENT || errno == ENOTDIR)) return std::nullopt;
+    if (!file && errno == ENXIO) throw notOrdinary(path);  // a socket, or a device that is not there
     if (!file) throw systemError(path);
 
     struct stat status;
     if (::fstat(file.get(), &status) != 0) throw systemError(path);
-    if (!S_ISREG(status.st_mode)) throw ReadError({path, "it is not an ordinary file", 0});
+    if (!S_ISREG(status.st_mode)) throw notOrdinary(path);
     const ReadError tooLarge({path, "it holds more than " + std::to_string(mostBytes) + " bytes", 0});
     FileContents contents{{}, identityFrom(status)};
     if (contents.identity.size > mostBytes) throw tooLarge;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <stdexcept>
 #include <system_error>
 #include <thread>
 
@@ -21,11 +22,25 @@ std::system_error failure(const fs::path& file) {
     return std::system_error(errno, std::generic_category(), file.string());
 }
 
+std::runtime_error notOrdinary(const fs::path& file) {
+    return std::runtime_error(file.string() + ": it is not an ordinary file");
+}
+
+// Why it could not be opened: never through a link, which somebody may have planted.
+[[noreturn]] void throwWhyNotOpened(const fs::path& file) {
+    const std::system_error error = failure(file);
+    std::error_code unknown;
+    if (fs::is_symlink(file, unknown)) throw std::runtime_error(file.string() + ": it is a symbolic link");
+    if (error.code() == std::errc::no_such_device_or_address) throw notOrdinary(file);  // a socket
+    throw error;
+}
+
 UniqueFd openLockFile(const fs::path& file) {
     const auto open = [&] {
         int opened;
         do {
-            opened = ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+            opened =
+                ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
         } while (opened < 0 && errno == EINTR);
         return opened;
     };
@@ -35,7 +50,7 @@ UniqueFd openLockFile(const fs::path& file) {
             throw std::system_error(failed, file.parent_path().string());
         descriptor = open();
     }
-    if (descriptor < 0) throw failure(file);
+    if (descriptor < 0) throwWhyNotOpened(file);
     return UniqueFd(descriptor);
 }
 
@@ -44,6 +59,7 @@ UniqueFd openLockFile(const fs::path& file) {
 bool isStillAt(const fs::path& file, const UniqueFd& descriptor) {
     struct stat opened, named;
     if (::fstat(descriptor.get(), &opened) != 0) throw failure(file);
+    if (!S_ISREG(opened.st_mode)) throw notOrdinary(file);
     if (::stat(file.c_str(), &named) != 0) {
         if (errno == ENOENT || errno == ENOTDIR) return false;
         throw failure(file);

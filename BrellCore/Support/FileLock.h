@@ -13,13 +13,14 @@ namespace brell {
 class FileLock {
 public:
     // Takes the lock on this file, creating it and the folders above it when absent, and waits up to patience
-    // while another holder has it. Nothing when the time is up. Throws std::system_error when the file can't
-    // be made or locked. Not re-entrant: a holder that asks again waits for itself.
+    // while another holder has it. Nothing when the time is up. Throws std::runtime_error, its text without a
+    // final stop, when the file can't be made or locked or is no ordinary one. Not re-entrant: a holder that
+    // asks again waits for itself.
     static std::optional<FileLock> acquire(const std::filesystem::path& file,
                                            std::chrono::milliseconds patience);
 
     // False when somebody removed the file since: another one may be locked in its place. Throws
-    // std::system_error when the system can't say.
+    // std::runtime_error when the system can't say.
     bool stillExcludes() const;
 
 private:
