@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <iostream>
 
+#include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/HeadlessCommands.h"
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
@@ -52,7 +53,7 @@ int runWindow(const LaunchOptions& options) {
     model.scheduleSnapshot(
         [&](const fs::path& file) {
             if (window.picture().save(qt(file.string()))) return;
-            std::cerr << "error: The picture could not be written to " << file.string() << ".\n";
+            printLine(std::cerr, "error: The picture could not be written to " + file.string() + ".");
             status = ExitStatus::failure;
         },
         [&] { QApplication::exit(status); });
@@ -72,7 +73,7 @@ int main(int argc, char** argv) {
     try {
         return ended(runWindow(start.options));
     } catch (const std::exception& error) {
-        std::cerr << "error: " << error.what() << '\n';
+        printLine(std::cerr, std::string("error: ") + error.what());
         return ExitStatus::cannotStart;
     }
 }

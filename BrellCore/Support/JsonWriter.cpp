@@ -1,11 +1,30 @@
 #include "BrellCore/Support/JsonWriter.h"
 
+#include <utf8proc.h>
+
+#include <algorithm>
 #include <cmath>
 
 #include "BrellCore/Support/Numbers.h"
+#include "BrellCore/Support/TerminalText.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
+
+namespace {
+
+bool needsNoLook(char c) {
+    return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';
+}
+
+std::string escaped(std::int32_t codePoint) {
+    constexpr char hex[] = "0123456789abcdef";
+    std::string text = "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) text += hex[codePoint >> shift & 15];
+    return text;
+}
+
+}  // namespace
 
 JsonWriteError::~JsonWriteError() = default;
 
@@ -73,25 +92,32 @@ void JsonWriter::newLine() {
     text_.append(static_cast<std::size_t>(depth_) * 2, ' ');
 }
 
+// What could steer the terminal of somebody who prints the file is written as an escape.
 void JsonWriter::quoted(std::string_view text) {
-    constexpr char hex[] = "0123456789abcdef";
     text_ += '"';
-    for (const char c : text) {
-        switch (c) {
+    while (!text.empty()) {
+        const auto plain = std::find_if_not(text.begin(), text.end(), needsNoLook);
+        const auto run = static_cast<std::size_t>(plain - text.begin());
+        text_.append(text, 0, run);
+        text.remove_prefix(run);
+        if (text.empty()) break;
+        std::int32_t codePoint = -1;
+        const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                             static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+        const std::size_t bytes = length > 0 ? static_cast<std::size_t>(length) : 1;
+        switch (codePoint) {
             case '"': text_ += "\\\""; break;
             case '\\': text_ += "\\\\"; break;
             case '\n': text_ += "\\n"; break;
             case '\r': text_ += "\\r"; break;
             case '\t': text_ += "\\t"; break;
             default:
-                if (static_cast<unsigned char>(c) >= 0x20) {
-                    text_ += c;
-                } else {
-                    text_ += "\\u00";
-                    text_ += hex[c >> 4];
-                    text_ += hex[c & 15];
-                }
+                if (length > 0 && steersATerminal(codePoint))
+                    text_ += escaped(codePoint);
+                else
+                    text_.append(text, 0, bytes);
         }
+        text.remove_prefix(bytes);
     }
     text_ += '"';
 }

@@ -2,6 +2,8 @@
 
 #include <utf8proc.h>
 
+#include "BrellCore/Support/TerminalText.h"
+
 namespace brell {
 
 namespace {
@@ -40,11 +42,6 @@ SlugClass slugClass(std::int32_t codePoint) {
     }
 }
 
-bool breaksALine(std::int32_t codePoint) {
-    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028 ||
-           codePoint == 0x2029;
-}
-
 }  // namespace
 
 bool isUtf8(std::string_view bytes) {
@@ -75,7 +72,7 @@ std::string oneLine(std::string_view text) {
         const std::int32_t codePoint = nextCodePoint(text);
         if (codePoint < 0)
             line += replacement;
-        else if (breaksALine(codePoint))
+        else if (steersATerminal(codePoint))
             line += ' ';
         else
             line += before.substr(0, before.size() - text.size());

@@ -45,6 +45,7 @@ TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
                 {"\x1B[31mred\x7F", " [31mred "},
                 {"next\u0085line\u2028sep\u2029par\u009F", "next line sep par "},
                 {"\u00A0\u00E9\U0001F600", "\u00A0\u00E9\U0001F600"},
+                {"txt.\u202Eexe\u202C \u2066x\u2069", "txt. exe   x "},
                 {"\xC2\nbroken\xFF", "\uFFFD broken\uFFFD"}};
     for (const auto& row : rows) EXPECT_EQ(oneLine(row.text), row.line);
 }
@@ -97,7 +98,7 @@ TEST(JsonWriterTest, LaysOutAndEscapes) {
         json.endObject();
         return json.take();
     };
-    const std::string text = "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0000\\u001f\x7F\u2028\u00E9\"";
+    const std::string text = "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0000\\u001f\\u007f\\u2028\u00E9\"";
 
     EXPECT_EQ(written(JsonWriter(JsonWriter::Layout::compact)),
               R"({"\"a\"":[],"b":[-9223372036854775808,1000000000.0,false,{},null],"c":)" + text + "}");
