@@ -1,5 +1,8 @@
 #include "CorvaneBrell/StartUp.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <iostream>
 
@@ -7,7 +10,19 @@
 
 namespace brell {
 
+namespace {
+
+// A file that is opened where the standard output was closed would get what is printed. Nothing can be
+// written to what takes its place, so that printing fails as before.
+void occupyStandardDescriptors() {
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor)
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) != descriptor) return;
+}
+
+}  // namespace
+
 StartUp startUp(int argc, const char* const* argv) {
+    occupyStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away must not end a change half way
     const CommandLine commandLine = readCommandLine(argc, argv);
     if (const auto& end = commandLine.earlyEnd) {
