@@ -34,6 +34,13 @@ std::optional<std::string> warningAboutPreferences(const fs::path& file, uid_t u
     return std::nullopt;
 }
 
+// Where others can replace what they did not make.
+bool isOpenToAll(const fs::path& folder) {
+    struct stat status;
+    return ::stat(folder.c_str(), &status) == 0 && (status.st_mode & S_IWOTH) != 0 &&
+           (status.st_mode & S_ISVTX) == 0;
+}
+
 // Why no file can be made in this folder, or in the one that would hold it; 0 when one can.
 int obstacleTo(const fs::path& folder) {
     const auto status = statusOf(folder);
@@ -53,6 +60,10 @@ std::vector<std::string> safetyWarnings(const Machine& machine, uid_t user) {
         warnings.push_back("The journal folder " + machine.journalDirectory.string() +
                            " cannot be written, so that nothing can be changed: " + systemMessage(obstacle) +
                            ".");
+    if (isOpenToAll(machine.journalDirectory))
+        warnings.push_back("The journal folder " + machine.journalDirectory.string() +
+                           " can be written by every user of this Mac, so that others could choose what an "
+                           "undo puts back.");
     return warnings;
 }
 

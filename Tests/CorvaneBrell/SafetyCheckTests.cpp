@@ -72,6 +72,16 @@ TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamedWithTheReason) {
                                                    "Not a directory."});
 }
 
+TEST_F(SafetyCheckTest, AJournalFolderThatOthersCanChangeIsNamed) {
+    fs::create_directories(journalDirectory);
+    fs::permissions(journalDirectory, fs::perms::all);
+    EXPECT_EQ(warnings(), std::vector<std::string>{"The journal folder " + journalDirectory.string() +
+                                                   " can be written by every user of this Mac, so that "
+                                                   "others could choose what an undo puts back."});
+    fs::permissions(journalDirectory, fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_EQ(warnings(), std::vector<std::string>());
+}
+
 TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults) {
     fs::permissions(fileOf("com.apple.finder"), fs::perms::owner_read);
     const auto saidBy = [&](void (*request)(LaunchOptions&)) {
