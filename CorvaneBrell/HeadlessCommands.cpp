@@ -34,25 +34,27 @@ struct StatusRow {
     std::vector<StoredValue> effective;
 };
 
-StatusRow statusRow(TweakEngine& engine, const Tweak& tweak) try {
-    TweakStatus status = engine.status(tweak);
-    return {describe(status.state), std::move(status.effective)};
-} catch (const std::exception& error) {
-    return {std::string("error: ") + error.what(), {}};
+StatusRow statusRow(const StatusReading& reading) {
+    if (const auto* failure = std::get_if<StatusFailure>(&reading))
+        return {"error: " + brell::describe(*failure), {}};
+    const auto& status = std::get<TweakStatus>(reading);
+    return {describe(status.state), status.effective};
 }
 
 void printStatusJSON(Dependencies& deps, std::ostream& out) {
     JsonWriter json(JsonWriter::Layout::pretty);
     json.beginArray();
-    for (const Tweak* tweak : deps.catalog.available(deps.macOSMajor())) {
-        const StatusRow row = statusRow(deps.engine, *tweak);
+    const std::vector<const Tweak*> tweaks = deps.catalog.available(deps.macOSMajor());
+    const std::vector<StatusReading> readings = deps.engine.statuses(tweaks);
+    for (std::size_t i = 0; i < tweaks.size(); ++i) {
+        const StatusRow row = statusRow(readings[i]);
         json.beginObject();
         json.key("effective");
         json.beginArray();
         for (const StoredValue& value : row.effective) json.string(repairedUtf8(value.rendered()));
         json.endArray();
         json.key("id");
-        json.string(tweak->id);
+        json.string(tweaks[i]->id);
         json.key("state");
         json.string(repairedUtf8(row.state));
         json.endObject();

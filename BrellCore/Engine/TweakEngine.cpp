@@ -149,8 +149,9 @@ RestoreAllOutcome TweakEngine::restoreEntries(const std::function<std::vector<Jo
 
 std::vector<JournalEntry> TweakEngine::driftedEntries() {
     std::vector<JournalEntry> drifted;
+    const auto preferences = store_.reader();
     for (JournalEntry& entry : journal_.entries(EntryStatus::applied))
-        if (entry.kind == EntryKind::preference && hasDrifted(entry, store_))
+        if (entry.kind == EntryKind::preference && hasDrifted(entry, *preferences))
             drifted.push_back(std::move(entry));
     return drifted;
 }

@@ -68,6 +68,9 @@ public:
 
     Journal& journal() { return journal_; }
     TweakStatus status(const Tweak& tweak) { return readStatus(tweak, store_, journal_); }
+    std::vector<StatusReading> statuses(const std::vector<const Tweak*>& tweaks) {
+        return readStatuses(tweaks, store_, journal_);
+    }
 
     // Sets the tweak's own targets, or these values: one for each write, of the write's type.
     JournalEntry apply(const Tweak& tweak, std::optional<std::vector<PrefValue>> values = std::nullopt,

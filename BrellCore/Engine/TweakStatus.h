@@ -60,12 +60,20 @@ struct TweakStatus {
     bool operator==(const TweakStatus&) const = default;
 };
 
-// Reads only. May be called from any thread. Raises StoreError and JournalError for what can't be read,
-// except for a value of an unsupported type, which is a state.
+// Why there is no status: what can't be read, except for a value of an unsupported type, which is a state.
+using StatusFailure = std::variant<StoreFailure, JournalFailure>;
+std::string describe(const StatusFailure& failure);
+using StatusReading = std::variant<TweakStatus, StatusFailure>;
+
+// Reads only, looking at each preference file and at the journal once; one reading for each tweak, in their
+// order. May be called from any thread.
+std::vector<StatusReading> readStatuses(const std::vector<const Tweak*>& tweaks, PreferenceStore& store,
+                                        Journal& journal);
+// The same for one tweak; raises StoreError and JournalError.
 TweakStatus readStatus(const Tweak& tweak, PreferenceStore& store, Journal& journal);
 
 // Whether some key of the entry no longer holds what the entry wrote; a key that can't be read counts as
 // such.
-bool hasDrifted(const JournalEntry& entry, PreferenceStore& store);
+bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences);
 
 }  // namespace brell

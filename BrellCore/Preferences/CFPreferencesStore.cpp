@@ -28,14 +28,37 @@ bool isOfType(const DefaultsObject& object, std::string_view typeName) {
 
 }  // namespace
 
+// Asking the platform what others have saved is the costly part of a reading.
+class CFPreferencesStore::OneLook final : public PreferenceReader {
+public:
+    explicit OneLook(CFPreferencesStore store) : store_(std::move(store)) {}
+
+    StoredValue exactValue(const PrefKey& key) override { return store_.exactValue(key, &seen_); }
+    StoredValue effectiveValue(const PrefKey& key) override { return store_.effectiveValue(key); }
+    bool hasByHostValue(const PrefKey& key) override { return store_.hasByHostValue(key, &seen_); }
+    bool isForced(const PrefKey& key) override { return store_.isForced(key); }
+
+private:
+    CFPreferencesStore store_;
+    Seen seen_;
+};
+
 UserDefaultsCalls::~UserDefaultsCalls() = default;
 
 CFPreferencesStore::CFPreferencesStore(DomainSet allowedDomains, bool forcedCheck,
                                        std::shared_ptr<UserDefaultsCalls> calls)
     : allowedDomains_(std::move(allowedDomains)), forcedCheck_(forcedCheck), calls_(std::move(calls)) {}
 
+std::unique_ptr<PreferenceReader> CFPreferencesStore::reader() {
+    return std::make_unique<OneLook>(*this);
+}
+
 StoredValue CFPreferencesStore::exactValue(const PrefKey& key) {
-    return classified(freshValue(key, HostScope::any), key);
+    return exactValue(key, nullptr);
+}
+
+StoredValue CFPreferencesStore::exactValue(const PrefKey& key, Seen* seen) const {
+    return classified(freshValue(key, HostScope::any, seen), key);
 }
 
 StoredValue CFPreferencesStore::effectiveValue(const PrefKey& key) {
@@ -43,7 +66,11 @@ StoredValue CFPreferencesStore::effectiveValue(const PrefKey& key) {
 }
 
 bool CFPreferencesStore::hasByHostValue(const PrefKey& key) {
-    return freshValue(key, HostScope::current).has_value();
+    return hasByHostValue(key, nullptr);
+}
+
+bool CFPreferencesStore::hasByHostValue(const PrefKey& key, Seen* seen) const {
+    return freshValue(key, HostScope::current, seen).has_value();
 }
 
 bool CFPreferencesStore::isForced(const PrefKey& key) {
@@ -70,12 +97,13 @@ void CFPreferencesStore::synchronize(const std::string& domain) {
         throw StoreError(SynchronizeFailed{domain});
 }
 
-// Includes what others have saved since the last time.
-std::optional<DefaultsObject> CFPreferencesStore::freshValue(const PrefKey& key, HostScope hosts) const {
+// Includes what others have saved since the last time, or since the domain was first seen.
+std::optional<DefaultsObject> CFPreferencesStore::freshValue(const PrefKey& key, HostScope hosts,
+                                                             Seen* seen) const {
     const DefaultsApplication application = applicationOf(key.domain);
     // Nothing of ours waits to be saved here, or its own synchronize has already said that it can't be: the
     // answer tells nothing new.
-    (void)calls_->synchronize(application, hosts);
+    if (!seen || seen->emplace(key.domain, hosts).second) (void)calls_->synchronize(application, hosts);
     return calls_->copyValue(key.name, application, hosts);
 }
 

@@ -3,7 +3,9 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Preferences/UserDefaultsCalls.h"
@@ -26,9 +28,15 @@ public:
     void write(const PrefValue& value, const PrefKey& key) override;
     void remove(const PrefKey& key) override;
     void synchronize(const std::string& domain) override;
+    std::unique_ptr<PreferenceReader> reader() override;
 
 private:
-    std::optional<DefaultsObject> freshValue(const PrefKey& key, HostScope hosts) const;
+    class OneLook;
+    using Seen = std::set<std::pair<std::string, HostScope>>;  // domains known to be fresh
+
+    StoredValue exactValue(const PrefKey& key, Seen* seen) const;
+    bool hasByHostValue(const PrefKey& key, Seen* seen) const;
+    std::optional<DefaultsObject> freshValue(const PrefKey& key, HostScope hosts, Seen* seen) const;
     DefaultsApplication applicationOf(const std::string& domain) const;
 
     DomainSet allowedDomains_;

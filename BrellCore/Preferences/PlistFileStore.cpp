@@ -34,6 +34,28 @@ std::variant<PlistFileStore::Values, StoreFailure> parse(const std::string& doma
 
 }  // namespace
 
+class PlistFileStore::OneLook final : public PreferenceReader {
+public:
+    explicit OneLook(PlistFileStore& store) : store_(store) {}
+
+    StoredValue exactValue(const PrefKey& key) override {
+        store_.checkAllowed(key.domain);
+        const std::lock_guard lock(store_.mutex_);
+        return store_.exactValueLocked(key, &seen_);
+    }
+    StoredValue effectiveValue(const PrefKey& key) override {
+        store_.checkAllowed(key.domain);
+        const std::lock_guard lock(store_.mutex_);
+        return store_.effectiveValueLocked(key, &seen_);
+    }
+    bool hasByHostValue(const PrefKey& key) override { return store_.hasByHostValue(key); }
+    bool isForced(const PrefKey& key) override { return store_.isForced(key); }
+
+private:
+    PlistFileStore& store_;
+    Seen seen_;
+};
+
 PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains)
     : directory_(std::move(directory)), allowedDomains_(std::move(allowedDomains)) {
     fs::create_directories(directory_);
@@ -48,10 +70,7 @@ StoredValue PlistFileStore::exactValue(const PrefKey& key) {
 StoredValue PlistFileStore::effectiveValue(const PrefKey& key) {
     checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);
-    const StoredValue exact = exactValueLocked(key);
-    if (!exact.isAbsent()) return exact;
-    const auto systemDefault = systemDefaults_.find(key);
-    return systemDefault == systemDefaults_.end() ? StoredValue() : StoredValue(systemDefault->second);
+    return effectiveValueLocked(key);
 }
 
 bool PlistFileStore::hasByHostValue(const PrefKey& key) {
@@ -86,6 +105,10 @@ void PlistFileStore::remove(const PrefKey& key) {
 
 void PlistFileStore::synchronize(const std::string& domain) {
     checkAllowed(domain);
+}
+
+std::unique_ptr<PreferenceReader> PlistFileStore::reader() {
+    return std::make_unique<OneLook>(*this);
 }
 
 std::map<std::string, PlistFileStore::Values> PlistFileStore::snapshot() {
@@ -126,17 +149,25 @@ void PlistFileStore::ignoreWrites(const PrefKey& key) {
     ignoredKeys_.insert(key);
 }
 
-StoredValue PlistFileStore::exactValueLocked(const PrefKey& key) {
+StoredValue PlistFileStore::exactValueLocked(const PrefKey& key, Seen* seen) {
     if (unsupportedKeys_.contains(key)) throw StoreError(UnsupportedType{key, "dictionary"});
-    const Values& values = valuesLocked(key.domain);
+    const Values& values = valuesLocked(key.domain, seen);
     const auto found = values.find(key.name);
     return found == values.end() ? StoredValue() : StoredValue(found->second);
 }
 
+StoredValue PlistFileStore::effectiveValueLocked(const PrefKey& key, Seen* seen) {
+    const StoredValue exact = exactValueLocked(key, seen);
+    if (!exact.isAbsent()) return exact;
+    const auto systemDefault = systemDefaults_.find(key);
+    return systemDefault == systemDefaults_.end() ? StoredValue() : StoredValue(systemDefault->second);
+}
+
 // What the domain's file holds; parsed again only when the file is no longer the one that was parsed.
-const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain) try {
+const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain, Seen* seen) try {
+    const bool isSeen = seen && !seen->insert(domain).second;
     auto known = domains_.find(domain);
-    if (known == domains_.end() || known->second.identity != identityOf(known->second.file)) {
+    if (known == domains_.end() || (!isSeen && known->second.identity != identityOf(known->second.file))) {
         Domain fresh{fileOf(directory_, domain), std::nullopt, Values()};
         if (const auto contents = readFile(fresh.file, mostBytes)) {
             fresh.identity = contents->identity;

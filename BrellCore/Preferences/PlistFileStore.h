@@ -36,6 +36,7 @@ public:
     void write(const PrefValue& value, const PrefKey& key) override;
     void remove(const PrefKey& key) override;
     void synchronize(const std::string& domain) override;  // every write is already in its file
+    std::unique_ptr<PreferenceReader> reader() override;
 
     // The allowed domains that hold anything, with all their keys.
     std::map<std::string, Values> snapshot();
@@ -55,8 +56,12 @@ private:
         std::variant<Values, StoreFailure> contents;
     };
 
-    StoredValue exactValueLocked(const PrefKey& key);
-    const Values& valuesLocked(const std::string& domain);
+    class OneLook;
+    using Seen = std::set<std::string, std::less<>>;  // domains whose file needs no second look
+
+    StoredValue exactValueLocked(const PrefKey& key, Seen* seen = nullptr);
+    StoredValue effectiveValueLocked(const PrefKey& key, Seen* seen = nullptr);
+    const Values& valuesLocked(const std::string& domain, Seen* seen = nullptr);
     void saveLocked(const std::string& domain, const Values& values);
 
     const std::filesystem::path directory_;

@@ -17,6 +17,20 @@ struct StoreFailureText {
     std::string operator()(const StoreIo& failure) const { return failure.message; }
 };
 
+// For a store that looks anew at every reading.
+class ReadsOneByOne final : public PreferenceReader {
+public:
+    explicit ReadsOneByOne(PreferenceReader& store) : store_(store) {}
+
+    StoredValue exactValue(const PrefKey& key) override { return store_.exactValue(key); }
+    StoredValue effectiveValue(const PrefKey& key) override { return store_.effectiveValue(key); }
+    bool hasByHostValue(const PrefKey& key) override { return store_.hasByHostValue(key); }
+    bool isForced(const PrefKey& key) override { return store_.isForced(key); }
+
+private:
+    PreferenceReader& store_;
+};
+
 }  // namespace
 
 std::string describe(const StoreFailure& failure) {
@@ -25,7 +39,11 @@ std::string describe(const StoreFailure& failure) {
 
 StoreError::~StoreError() = default;
 
-PreferenceStore::~PreferenceStore() = default;
+PreferenceReader::~PreferenceReader() = default;
+
+std::unique_ptr<PreferenceReader> PreferenceStore::reader() {
+    return std::make_unique<ReadsOneByOne>(*this);
+}
 
 void PreferenceStore::checkAllowed(const std::string& domain) const {
     if (!allowedDomains().contains(domain)) throw StoreError(DomainNotAllowed{domain});

@@ -1,6 +1,7 @@
 // The one way to read and write preferences: user defaults, property-list files, or a dry run's record.
 #pragma once
 
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -52,14 +53,11 @@ public:
 
 using DomainSet = std::set<std::string, std::less<>>;
 
-// Every operation may be called from any thread, refuses a domain outside allowedDomains before anything else
-// and raises StoreError only. A reading of a value that is not one of the PrefValue kinds raises
-// UnsupportedType; such a value is never changed.
-class PreferenceStore {
+// Every reading refuses a domain outside the store's allowed ones before anything else and raises StoreError
+// only; a value that is not one of the PrefValue kinds raises UnsupportedType.
+class PreferenceReader {
 public:
-    virtual ~PreferenceStore();
-
-    virtual const DomainSet& allowedDomains() const = 0;
+    virtual ~PreferenceReader();
 
     // What is stored for the current user on any host in exactly this domain: no global domain, no managed
     // and no per-host values.
@@ -70,11 +68,23 @@ public:
     virtual bool hasByHostValue(const PrefKey& key) = 0;
     // A managed profile forces the key.
     virtual bool isForced(const PrefKey& key) = 0;
+};
+
+// Every operation may be called from any thread, refuses a domain outside allowedDomains before anything else
+// and raises StoreError only. Its readings see what anybody has saved before; a value of an unsupported type
+// is never changed.
+class PreferenceStore : public PreferenceReader {
+public:
+    virtual const DomainSet& allowedDomains() const = 0;
 
     virtual void write(const PrefValue& value, const PrefKey& key) = 0;
     virtual void remove(const PrefKey& key) = 0;  // a key that is not stored is no error
     // Flushes what was written to the domain; SynchronizeFailed when the platform does not confirm it.
     virtual void synchronize(const std::string& domain) = 0;
+
+    // For reading many keys at once, on one thread: each domain is looked at once, when its first key is
+    // read, and changes that others make to it afterwards may or may not be seen. Must not outlive the store.
+    virtual std::unique_ptr<PreferenceReader> reader();
 
     // Raises DomainNotAllowed for a domain outside allowedDomains.
     void checkAllowed(const std::string& domain) const;

@@ -33,9 +33,9 @@ std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
     return entries;
 }
 
-bool isDrifted(const JournalEntry& entry, PreferenceStore& store) {
+bool isDrifted(const JournalEntry& entry, PreferenceReader& preferences) {
     return entry.kind == EntryKind::preference && entry.status == EntryStatus::applied &&
-           hasDrifted(entry, store);
+           hasDrifted(entry, preferences);
 }
 
 }  // namespace
@@ -119,17 +119,19 @@ void AppModel::refreshAll() {
 AppModel::Refresh AppModel::readEverything() const {
     Refresh refresh;
     refresh.changesFinished = changesFinished_;
-    for (const Tweak* tweak : catalog().available(deps_->macOSMajor())) {
-        try {
-            refresh.statuses.emplace(tweak->id, deps_->engine.status(*tweak));
-        } catch (const std::exception& error) {
-            refresh.statusErrors.emplace(tweak->id, error.what());
-        }
+    const auto tweaks = catalog().available(deps_->macOSMajor());
+    std::vector<StatusReading> readings = deps_->engine.statuses(tweaks);
+    for (std::size_t i = 0; i < tweaks.size(); ++i) {
+        if (const auto* failure = std::get_if<StatusFailure>(&readings[i]))
+            refresh.statusErrors.emplace(tweaks[i]->id, describe(*failure));
+        else
+            refresh.statuses.emplace(tweaks[i]->id, std::get<TweakStatus>(std::move(readings[i])));
     }
     try {
         refresh.entries = latestOnTop(deps_->journal->all());
+        const auto preferences = deps_->store.reader();
         for (const JournalEntry& entry : refresh.entries)
-            if (isDrifted(entry, deps_->store)) refresh.drifted.push_back(driftedEntry(entry, deps_->store));
+            if (isDrifted(entry, *preferences)) refresh.drifted.push_back(driftedEntry(entry, deps_->store));
     } catch (const JournalError& error) {
         refresh.error = error.what();
     }

@@ -108,6 +108,23 @@ TEST_F(CFPreferencesStoreTest, WhatOthersSavedIsSeenAndWhatIsOfNoKnownKindIsName
               StoreFailure(UnsupportedType{autohide, "CFNull"}));
 }
 
+TEST_F(CFPreferencesStoreTest, AReaderAsksOnceADomainWhatOthersSaved) {
+    defaults->saveElsewhere(tileSize, PlistValue{std::int64_t{64}});
+    const Calls asked = callsOf([&] {
+        const auto reader = store.reader();
+        EXPECT_EQ(reader->exactValue(tileSize), StoredValue(64));
+        EXPECT_FALSE(reader->hasByHostValue(tileSize));
+        EXPECT_EQ(reader->exactValue(autohide), StoredValue::absent());
+        EXPECT_FALSE(reader->hasByHostValue(autohide));
+        EXPECT_EQ(reader->exactValue(delay), StoredValue::absent());
+        EXPECT_EQ(failureOf([&] { reader->exactValue(stranger); }),
+                  StoreFailure(DomainNotAllowed{stranger.domain}));
+    });
+    EXPECT_EQ(asked, (Calls{"synchronize com.apple.dock", "synchronize (any application)"}));
+    defaults->saveElsewhere(tileSize, PlistValue{std::int64_t{48}});
+    EXPECT_EQ(store.reader()->exactValue(tileSize), StoredValue(48));
+}
+
 TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsStillRead) {
     defaults->saveElsewhere(tileSize, PlistValue{48.0});
     EXPECT_EQ(store.exactValue(tileSize), StoredValue(48.0));
