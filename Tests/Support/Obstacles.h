@@ -81,7 +81,8 @@ inline void place(Obstacle obstacle, const std::filesystem::path& at,
         case Obstacle::linkToItself: return fs::create_symlink(at, at);
         case Obstacle::linkToFolder: return fs::create_symlink(elsewhere, at);
         case Obstacle::linkToZeros: return fs::create_symlink("/dev/zero", at);
-        case Obstacle::linkToFull: return fs::create_symlink("/dev/full", at);
+        case Obstacle::linkToFull:  // macOS has no such device
+            return fs::create_symlink(fs::exists("/dev/full") ? "/dev/full" : "/dev/null", at);
         case Obstacle::linkToTerminal: return fs::create_symlink("/dev/ptmx", at);
         case Obstacle::pipe:
             if (::mkfifo(at.c_str(), 0600) != 0) throw std::runtime_error("no pipe");
