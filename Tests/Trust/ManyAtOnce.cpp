@@ -103,10 +103,17 @@ private:
     void killOne() {
         if (running_.empty()) return;
         const auto one = running_.begin() + static_cast<std::ptrdiff_t>(random_() % running_.size());
+        int status = 0;
         ::kill(*one, SIGKILL);
-        ::waitpid(*one, nullptr, 0);
+        ::waitpid(*one, &status, 0);
         running_.erase(one);
+        if (!WIFSIGNALED(status)) noteEnd(status);  // it was faster
         ++killed;
+    }
+
+    void noteEnd(int status) {
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+            faults.push_back("a program ended with status " + std::to_string(status));
     }
 
     // Those that ended by themselves.
@@ -114,8 +121,7 @@ private:
         std::erase_if(running_, [&](pid_t program) {
             int status = 0;
             if (::waitpid(program, &status, WNOHANG) != program) return false;
-            if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-                faults.push_back("a program ended with status " + std::to_string(status));
+            noteEnd(status);
             return true;
         });
     }
