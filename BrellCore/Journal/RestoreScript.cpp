@@ -79,12 +79,13 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
 
 std::string quote(std::string_view text) {
     std::string word = "'";
-    for (const char c : text)
-        if (c == '\'')
-            word += R"('\'')";
-        else
-            word += c;
-    return word + "'";
+    for (;;) {
+        const std::size_t plain = std::min(text.find('\''), text.size());
+        word += text.substr(0, plain);
+        if (plain == text.size()) return word + "'";
+        word += R"('\'')";
+        text.remove_prefix(plain + 1);
+    }
 }
 
 std::string valueArgs(const PrefValue& value) {

@@ -12,6 +12,11 @@ constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
 // One code point cut from the front of text, or -1 and one byte cut when they are not UTF-8.
 std::int32_t nextCodePoint(std::string_view& text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first < 0x80) {  // nearly everything is
+        text.remove_prefix(1);
+        return first;
+    }
     utf8proc_int32_t codePoint = -1;
     const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
                                          static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
@@ -46,10 +51,7 @@ SlugClass slugClass(std::int32_t codePoint) {
 
 bool isUtf8(std::string_view bytes) {
     while (!bytes.empty())
-        if (static_cast<unsigned char>(bytes[0]) < 0x80)
-            bytes.remove_prefix(1);
-        else if (nextCodePoint(bytes) < 0)
-            return false;
+        if (nextCodePoint(bytes) < 0) return false;
     return true;
 }
 

@@ -1,6 +1,6 @@
 #include "BrellCore/Support/TimeStamp.h"
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 #include <ctime>
 
@@ -38,7 +38,7 @@ std::string iso8601(TimeStamp time) {
     const auto day = chr::floor<chr::days>(time);
     const chr::year_month_day date(day);
     const chr::hh_mm_ss clock(time - day);
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(date.year()),
+    return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z"), static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                        clock.hours().count(), clock.minutes().count(), clock.seconds().count());
 }
