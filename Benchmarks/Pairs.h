@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -25,14 +26,20 @@ struct PairPlan {
 struct PairFigures {
     double ours = 0;  // medians, in microseconds a call
     double bare = 0;
-    double ratio = 0;  // median of the ratios within the pairs
+    double ratio = 0;                   // median of the ratios within the pairs
+    double ratioFrom = 0, ratioTo = 0;  // where that median lies with 95 % confidence
     bool operator==(const PairFigures&) const = default;
 };
 
-inline double medianOf(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+inline double medianOf(const std::vector<double>& sorted) {
+    return sorted[sorted.size() / 2];
+}
+
+// How many places the bounds of the median's 95 % interval lie from the middle of so many sorted values: half
+// of them fall on either side of the true median, as coins do.
+inline std::size_t intervalReach(std::size_t count) {
+    const auto reach = static_cast<std::size_t>(std::ceil(1.96 * std::sqrt(static_cast<double>(count)) / 2));
+    return std::min(reach, count / 2);
 }
 
 template <typename Callable>
@@ -67,26 +74,38 @@ PairFigures measurePairs(const PairPlan& plan, Ours ours, Bare bare) {
         if (!oursFirst) takeOurs();
         ratios.push_back(oursTimes.back() / bareTimes.back());
     }
-    return {medianOf(oursTimes), medianOf(bareTimes), medianOf(ratios)};
+    for (auto* values : {&oursTimes, &bareTimes, &ratios}) std::sort(values->begin(), values->end());
+    const std::size_t middle = ratios.size() / 2, reach = intervalReach(ratios.size());
+    return {medianOf(oursTimes), medianOf(bareTimes), medianOf(ratios), ratios[middle - reach],
+            ratios[middle + reach]};
 }
 
-// The comparisons of one program; its main returns exitStatus().
+inline std::string readable(double microseconds) {
+    const bool isLong = microseconds >= 1000;
+    char text[32];
+    std::snprintf(text, sizeof text, isLong ? "%.2f ms" : "%.2f us",
+                  isLong ? microseconds / 1000 : microseconds);
+    return text;
+}
+
+// The comparisons of one program, a line of script/bench's table each; its main returns exitStatus().
 class PairReport {
 public:
     template <typename Ours, typename Bare>
     void compare(const PairPlan& plan, Ours ours, Bare bare) {
         const PairFigures figures = measurePairs(plan, std::move(ours), std::move(bare));
-        std::printf("%-44s ratio %6.2f (limit %5.2f)  ours %10.2f us  bare %10.2f us\n", plan.name.c_str(),
-                    figures.ratio, plan.limit, figures.ours, figures.bare);
+        const bool isMissed = figures.ratioFrom > plan.limit;
+        std::printf("%-42s %6.2f  %5.2f to %5.2f  %7.2f  %10s  %10s%s\n", plan.name.c_str(), figures.ratio,
+                    figures.ratioFrom, figures.ratioTo, plan.limit, readable(figures.ours).c_str(),
+                    readable(figures.bare).c_str(), isMissed ? "  MISSED" : "");
         std::fflush(stdout);
-        if (figures.ratio > plan.limit * noiseAllowance) missed_ = true;
+        missed_ = missed_ || isMissed;
     }
 
-    // 1 when a ratio missed its limit by more than two runs on one machine differ.
+    // 1 when a ratio missed its limit by more than noise: its whole interval lies above.
     int exitStatus() const { return missed_ ? 1 : 0; }
 
 private:
-    static constexpr double noiseAllowance = 1.10;
     bool missed_ = false;
 };
 
