@@ -2,6 +2,9 @@
 
 #include <stdexcept>
 
+#include "BrellCore/Support/JsonReader.h"
+#include "BrellCore/Support/Text.h"
+
 namespace brell {
 
 namespace json = simdjson::ondemand;
@@ -26,7 +29,7 @@ PrefValue readPayload(std::string_view type, json::value value) {
     if (type == "int") return PrefValue(value.get_int64().value());
     if (type == "double") return PrefValue(value.get_double().value());
     if (type == "string") return PrefValue(std::string(value.get_string().value()));
-    if (type != "stringArray") throw std::runtime_error("unknown PrefValue type " + std::string(type));
+    if (type != "stringArray") throw std::runtime_error("unknown PrefValue type " + excerpt(type));
     PrefValue::StringArray strings;
     for (auto element : value.get_array()) strings.emplace_back(element.get_string().value());
     return PrefValue(std::move(strings));
@@ -67,15 +70,22 @@ StoredValue readStoredValue(json::object object) {
         const std::string_view key = field.unescaped_key();
         if ((key == "absent" && absent) || (key == "type" && type) || (key == "value" && ++values > 1))
             throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
-        if (key == "absent") absent = field.value().get_bool().value();
-        if (key == "type") type = field.value().get_string().value();
-        if (key == "value" && type) value = readPayload(*type, field.value());
+        if (key == "absent")
+            absent = field.value().get_bool().value();
+        else if (key == "type")
+            type = field.value().get_string().value();
+        else if (key != "value")
+            checkWellFormed(field.value());
+        else if (type)
+            value = readPayload(*type, field.value());
     }
-    if (absent.value_or(false)) return {};
+    const bool isAbsent = absent.value_or(false);
+    if (isAbsent && (value || values == 0)) return {};
     if (value) return *std::move(value);
     object.reset();  // the value stands before its type, or one of them is missing
-    if (!type) return readPrefValue(object);
-    return readPayload(*type, object["value"].value());
+    if (!isAbsent) return type ? readPayload(*type, object["value"].value()) : readPrefValue(object);
+    checkWellFormed(object["value"].value());
+    return {};
 }
 
 }  // namespace brell

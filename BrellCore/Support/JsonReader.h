@@ -1,4 +1,4 @@
-// The two steps around reading a JSON text with simdjson on demand.
+// The steps around reading a JSON text with simdjson on demand.
 #pragma once
 
 #include <simdjson.h>
@@ -13,6 +13,10 @@ inline simdjson::ondemand::document startReading(simdjson::ondemand::parser& par
                                                  const std::string& padded) {
     return parser.iterate(simdjson::padded_string_view(padded.data(), padded.size(), padded.capacity()));
 }
+
+// Reads a value that nobody wants. What is passed over unread may be no JSON at all. Raises simdjson_error,
+// and std::runtime_error for more levels than anybody needs.
+void checkWellFormed(simdjson::ondemand::value value, int levels = 64);
 
 // True when nothing but white space follows the value that was read to its end.
 inline bool isAtEnd(simdjson::ondemand::document& document) {

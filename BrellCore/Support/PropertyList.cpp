@@ -100,11 +100,6 @@ std::size_t firstNonXml(std::string_view text) {
     return std::string_view::npos;
 }
 
-std::string excerpt(std::string_view text) {
-    constexpr std::size_t most = 200;
-    return oneLine(text.substr(0, most)) + (text.size() > most ? "..." : "");
-}
-
 }  // namespace plist
 
 }  // namespace brell

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "BrellCore/Support/PropertyList.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell::plist {
 
@@ -50,9 +51,6 @@ bool isXmlCharacter(std::uint32_t codePoint);
 
 // Where the first byte stands that is not part of an XML character in UTF-8; npos when there is none.
 std::size_t firstNonXml(std::string_view text);
-
-// A piece of a file for a message: on one line and of bounded length.
-std::string excerpt(std::string_view text);
 
 std::string_view withoutLeadingBlanks(std::string_view text);
 std::string lowerCaseAscii(std::string_view text);

@@ -82,6 +82,11 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
+std::string excerpt(std::string_view text) {
+    constexpr std::size_t most = 200;
+    return oneLine(text.substr(0, most)) + (text.size() > most ? "..." : "");
+}
+
 std::string lowerCaseSlug(std::string_view text) {
     std::string slug;
     bool inWord = false;

@@ -16,6 +16,9 @@ std::string repairedUtf8(std::string_view bytes);
 // paragraph separator becomes a blank. Bytes that are not UTF-8 become U+FFFD.
 std::string oneLine(std::string_view text);
 
+// A piece of outside text for a message: on one line and of bounded length.
+std::string excerpt(std::string_view text);
+
 // Lower-case letters of any script and digits, everything else a separator: pieces joined with "-". A letter
 // that is written as a base and combining marks stays whole. Empty when no letter or digit is in the text.
 std::string lowerCaseSlug(std::string_view text);

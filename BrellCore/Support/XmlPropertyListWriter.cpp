@@ -52,7 +52,7 @@ public:
     void operator()(const PlistArray& array);
     void operator()(const PlistDictionary& dictionary);
     void operator()(const PlistBigInteger& number) {
-        refuse("the integer {} does not fit into 64 bits", plist::excerpt(number.text));
+        refuse("the integer {} does not fit into 64 bits", excerpt(number.text));
     }
     void operator()(const PlistUid& uid) { refuse("the unique identifier {} has no XML form", uid.number); }
 
@@ -122,7 +122,7 @@ void XmlWriter::element(std::string_view name, std::string_view contents, int ex
 
 void XmlWriter::escaped(std::string_view contents) {
     if (!isXmlText(contents))
-        refuse("the text \"{}\" holds something that is no character of XML text", plist::excerpt(contents));
+        refuse("the text \"{}\" holds something that is no character of XML text", excerpt(contents));
     for (const char c : contents) switch (c) {
             case '&': xml += "&amp;"; break;
             case '<': xml += "&lt;"; break;

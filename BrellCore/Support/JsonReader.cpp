@@ -1,0 +1,30 @@
+#include "BrellCore/Support/JsonReader.h"
+
+#include <stdexcept>
+
+namespace brell {
+
+namespace json = simdjson::ondemand;
+
+void checkWellFormed(json::value value, int levels) {
+    if (levels == 0) throw std::runtime_error("a value nests too deeply");
+    switch (value.type()) {
+        case json::json_type::array:
+            for (auto element : value.get_array()) checkWellFormed(element.value(), levels - 1);
+            break;
+        case json::json_type::object:
+            for (auto field : value.get_object()) {
+                static_cast<void>(field.unescaped_key().value());
+                checkWellFormed(field.value(), levels - 1);
+            }
+            break;
+        case json::json_type::number: static_cast<void>(value.get_double().value()); break;
+        case json::json_type::string: static_cast<void>(value.get_string().value()); break;
+        case json::json_type::boolean: static_cast<void>(value.get_bool().value()); break;
+        case json::json_type::null:
+            if (!value.is_null()) throw std::runtime_error("a word is none of JSON's");
+            break;
+    }
+}
+
+}  // namespace brell
