@@ -5,9 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 
-#include "BrellCore/Journal/JournalJson.h"
+#include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/UniqueFd.h"
@@ -16,25 +15,10 @@ namespace fs = std::filesystem;
 
 namespace brell {
 
-namespace json = simdjson::ondemand;
-
 namespace {
 
 constexpr std::string_view extension = ".jsonl";
 constexpr std::size_t mostBytes = 256 * 1024 * 1024;  // of one day
-
-std::string encoded(TimeStamp at, const JournalEntry& entry) {
-    JsonWriter line(JsonWriter::Layout::compact);
-    line.beginObject();
-    line.key("at");
-    line.string(iso8601(at));
-    line.key("entry");
-    writeJson(line, entry);
-    line.key("event");
-    line.string(rawValue(entry.status));
-    line.endObject();
-    return line.take() + '\n';
-}
 
 UniqueFd openForAppending(const fs::path& file) {
     // Never through a link: somebody may have planted it under a name that is known in advance.
@@ -55,51 +39,6 @@ UniqueFd openForAppending(const fs::path& file) {
 bool endsInsideALine(const UniqueFd& file, off_t size) {
     char last = '\n';
     return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
-}
-
-// Reads into the line's place in the list: moving so large a record once more is dear.
-void readLine(json::object object, HistoryLine& line) {
-    bool hasAt = false, hasEvent = false, hasEntry = false;
-    for (auto field : object) {
-        const std::string_view key = field.unescaped_key();
-        if (key == "at") {
-            line.at = readTimeStamp(field.value());
-            hasAt = true;
-        } else if (key == "entry") {
-            line.entry = readJournalEntry(field.value().get_object());
-            hasEntry = true;
-        } else if (key == "event") {
-            line.event = readEnum<EntryStatus>(field.value(), key);
-            hasEvent = true;
-        }
-    }
-    if (!hasAt || !hasEvent || !hasEntry) throw std::runtime_error("a key is missing");
-}
-
-// False for a line that is corrupt: it is passed over, and the others still tell their story.
-bool tryReadLine(json::parser& parser, simdjson::padded_string_view text, HistoryLine& line) try {
-    json::document document = parser.iterate(text);
-    readLine(document.get_object(), line);
-    return isAtEnd(document);
-} catch (const std::exception&) {
-    return false;
-}
-
-// bytes has simdjson's padding behind it.
-void readLines(json::parser& parser, const std::string& bytes, std::optional<TimeStamp> cutOff,
-               std::vector<HistoryLine>& lines) {
-    const char* const end = bytes.data() + bytes.size();
-    for (const char* at = bytes.data(); at < end;) {
-        const auto* lineEnd =
-            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
-        if (!lineEnd) lineEnd = end;
-        const auto length = static_cast<std::size_t>(lineEnd - at);
-        const auto room = static_cast<std::size_t>(end - at) + simdjson::SIMDJSON_PADDING;
-        HistoryLine& line = lines.emplace_back();
-        const bool isRead = tryReadLine(parser, simdjson::padded_string_view(at, length, room), line);
-        if (!isRead || (cutOff && line.at < *cutOff)) lines.pop_back();
-        at = lineEnd + 1;
-    }
 }
 
 struct HistoryFile {
@@ -143,7 +82,7 @@ bool appendHistoryLine(const fs::path& directory, TimeStamp at, const JournalEnt
     const UniqueFd file = openForAppending(directory / (localDay(at) + std::string(extension)));
     struct stat status;
     if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-    std::string line = encoded(at, entry);
+    std::string line = historyLineText(at, entry);
     if (endsInsideALine(file, status.st_size)) line.insert(line.begin(), '\n');
     // One call, so that lines of several processes never mix.
     return ::write(file.get(), line.data(), line.size()) == static_cast<ssize_t>(line.size());
@@ -152,13 +91,12 @@ bool appendHistoryLine(const fs::path& directory, TimeStamp at, const JournalEnt
 std::vector<HistoryLine> readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff) {
     const std::vector<HistoryFile> files = filesOf(directory);
     std::vector<HistoryLine> lines;
-    json::parser parser;
     for (const HistoryFile& file : files) {
         try {
             const auto contents = readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING);
             if (!contents) continue;
             const bool isFirst = lines.empty();
-            readLines(parser, contents->bytes, cutOff, lines);
+            readHistoryLines(contents->bytes, cutOff, lines);
             if (isFirst && !lines.empty())
                 lines.reserve(expectedLines(files, lines.size(), contents->bytes.size()));
         } catch (const ReadError&) {

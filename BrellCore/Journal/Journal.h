@@ -12,25 +12,12 @@
 
 #include "BrellCore/Journal/History.h"
 #include "BrellCore/Journal/JournalEntry.h"
-#include "BrellCore/Support/Failure.h"
+#include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Journal/JournalText.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/FileLock.h"
 
 namespace brell {
-
-struct JournalFailure {
-    enum class Kind { cannotWrite, cannotRead };
-    Kind kind;
-    std::string text;  // what happened, without a final stop
-    bool operator==(const JournalFailure&) const = default;
-};
-std::string describe(const JournalFailure& failure);
-
-class JournalError final : public FailureError<JournalFailure> {
-public:
-    using FailureError::FailureError;
-    ~JournalError() override;
-};
 
 // One shared instance a journal directory and process; several processes may use the same directory. Any
 // thread may call it. Every operation first reads the file again when it is no longer the one last read or
@@ -39,8 +26,6 @@ public:
 // Order of locks: the engine's mutex, then the advisory lock (Exclusive), then this object's own mutex.
 class Journal {
 public:
-    static constexpr std::int64_t formatVersion = 1;  // written, and the highest that is read
-
     // While it lives no other process and no other thread can save an entry.
     class Exclusive {
         friend class Journal;
@@ -81,19 +66,6 @@ public:
     std::vector<HistoryLine> history(std::optional<int> days = std::nullopt) const;
 
 private:
-    // Where an entry's JSON text stands in text_.
-    struct Span {
-        std::size_t begin;
-        std::size_t length;
-    };
-    struct Contents {
-        std::vector<JournalEntry> entries;
-        std::vector<Span> spans;  // one for each entry
-        std::string text;         // the file's
-        std::optional<FileIdentity> identity;
-    };
-
-    static Contents parsed(const std::string& text);  // all but text and identity
     void refreshLocked();
     void saveLocked(const JournalEntry& entry);
 
@@ -101,8 +73,9 @@ private:
     const std::filesystem::path historyDirectory_;
     const Clock clock_;
 
-    std::mutex mutex_;  // guards contents_ and every use of the file
-    Contents contents_;
+    std::mutex mutex_;  // guards the two below and every use of the file
+    JournalText text_;
+    std::optional<FileIdentity> identity_;  // of the file that text_ was read from or saved to
 };
 
 }  // namespace brell

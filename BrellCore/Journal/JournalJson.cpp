@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "BrellCore/Preferences/PrefValueJson.h"
+#include "BrellCore/Support/JsonReader.h"
 
 namespace brell {
 
@@ -19,13 +20,16 @@ public:
     constexpr KnownKeys(const std::array<std::string_view, count>& keys, std::size_t required)
         : keys_(keys), required_(required) {}
 
-    void met(std::string_view key) {
+    // Whether it is one of them.
+    bool met(std::string_view key) {
         for (std::size_t i = 0; i < count; ++i) {
             if (keys_[i] != key) continue;
             if ((met_ & 1u << i) != 0)
                 throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
             met_ |= 1u << i;
+            return true;
         }
+        return false;
     }
     void checkAllMet() const {
         for (std::size_t i = 0; i < required_; ++i)
@@ -54,7 +58,7 @@ std::string readText(json::value value) {
 Uuid readUuid(json::value value) {
     const std::string_view text = value.get_string();
     if (const auto id = Uuid::parse(text)) return *id;
-    throw std::runtime_error("\"" + std::string(text) + "\" is not an entry's identifier");
+    throw std::runtime_error("\"" + excerpt(text) + "\" is not an entry's identifier");
 }
 
 AgentCapture readAgent(json::object object) {
@@ -62,7 +66,7 @@ AgentCapture readAgent(json::object object) {
     KnownKeys known(agentKeys, agentKeys.size());
     for (auto field : object) {
         const std::string_view key = field.unescaped_key();
-        known.met(key);
+        if (!known.met(key)) checkWellFormed(field.value());
         if (key == "label") agent.label = readText(field.value());
         if (key == "override") agent.override = readEnum<AgentOverride>(field.value(), key);
         if (key == "plistPath") agent.plistPath = readText(field.value());
@@ -77,7 +81,7 @@ JournaledWrite readWrite(json::object object) {
     KnownKeys known(writeKeys, writeKeys.size());
     for (auto field : object) {
         const std::string_view key = field.unescaped_key();
-        known.met(key);
+        if (!known.met(key)) checkWellFormed(field.value());
         if (key == "domain") write.key.domain = readText(field.value());
         if (key == "key") write.key.name = readText(field.value());
         if (key == "original") write.original = readStoredValue(field.value().get_object());
@@ -155,7 +159,7 @@ JournalEntry readJournalEntry(json::object object) {
     KnownKeys known(entryKeys, requiredEntryKeys);
     for (auto field : object) {
         const std::string_view key = field.unescaped_key();
-        known.met(key);
+        if (!known.met(key)) checkWellFormed(field.value());
         if (key == "agent") entry.agent = readAgent(field.value().get_object());
         if (key == "appliedAt") entry.appliedAt = readTimeStamp(field.value());
         if (key == "choiceID") entry.choiceID = readText(field.value());
@@ -178,7 +182,7 @@ JournalEntry readJournalEntry(json::object object) {
 TimeStamp readTimeStamp(json::value value) {
     const std::string_view text = value.get_string();
     if (const auto time = parseIso8601(text)) return *time;
-    throw std::runtime_error("\"" + std::string(text) + "\" is not a date");
+    throw std::runtime_error("\"" + excerpt(text) + "\" is not a date");
 }
 
 }  // namespace brell

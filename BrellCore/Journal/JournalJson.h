@@ -5,6 +5,7 @@
 
 #include "BrellCore/Journal/JournalEntry.h"
 #include "BrellCore/Support/JsonWriter.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
@@ -23,7 +24,7 @@ template <class Enum>
 Enum readEnum(simdjson::ondemand::value value, std::string_view key) {
     const std::string_view text = value.get_string();
     if (const auto known = fromRawValue<Enum>(text)) return *known;
-    throw std::runtime_error("unknown " + std::string(key) + " \"" + std::string(text) + "\"");
+    throw std::runtime_error("unknown " + std::string(key) + " \"" + excerpt(text) + "\"");
 }
 
 }  // namespace brell

@@ -103,7 +103,8 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
     setContents(day, "\n\r\n" + with("restored\"}", "undone\"}") + with("\"event\"", "\"evens\"") + good +
                          "x\n" + good + good + "\n" + with("launchd", "\xFF") +
                          with("Z\",\"entry", "\",\"entry") + std::string(300, '{') + "\n" +
-                         std::string(5000, '\0') + "\n" + good + "\r\n" + good);
+                         std::string(5000, '\0') + "\n" + with("{\"at\"", "{\"later\":[1,,2],\"at\"") + good +
+                         "\r\n" + good);
     EXPECT_EQ(all(), (Lines{line, line}));
 }
 

@@ -33,6 +33,7 @@ protected:
         if (!error) return {};
         EXPECT_EQ(error->failure().kind, JournalFailure::Kind::cannotRead);
         EXPECT_EQ(error->what(), "The change journal could not be read: " + error->failure().text + ".");
+        EXPECT_TRUE(!error->failure().text.ends_with('.') || error->failure().text.ends_with("xxx..."));
         return error->failure().text;
     }
     std::string sampleWith(std::string_view from, std::string_view to) const {
@@ -184,6 +185,37 @@ TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {
         const std::string reason = refusalOf(sampleWith(row.from, row.to));
         EXPECT_TRUE(reason.starts_with(file.string() + ": ")) << row.from << " -> " << row.to;
         EXPECT_TRUE(reason.ends_with(row.reason)) << reason;
+    }
+}
+
+TEST_F(JournalReadingTest, DamageInWhatIsPassedOverIsRefusedToo) {
+    const std::string places[] = {"\"entries\"", "\"choiceID\"", "\"domain\"",
+                                  "\"label\"",   "\"type\"",     "\"absent\""};
+    for (const std::string& place : places) {
+        const auto withLater = [&](std::string_view later) {
+            return sampleWith(place, "\"later\" : " + std::string(later) + ", " + place);
+        };
+        for (const char* later : {"{\"a\" : }", "[1,,2]", "[1 2]", "[}", "nul", "trux", "01", "1e",
+                                  "{\"\\x\" : 1}", "{1 : 1}", "\"\\ud800\"", "\"\\q\"", "{\"a\" : 1,}"})
+            EXPECT_NE(refusalOf(withLater(later)), "") << place << " after " << later;
+        EXPECT_NE(refusalOf(withLater(std::string(100'000, '[') + std::string(100'000, ']'))), "") << place;
+        EXPECT_EQ(opened(withLater(R"([null, {"": [-1.5e3, true, 18446744073709551616]}, "\u00e9"])"))->all(),
+                  sampleEntries());
+    }
+    EXPECT_NE(refusalOf(sampleWith("\"absent\" : true", "\"absent\" : true, \"value\" : [,]")), "");
+    EXPECT_EQ(opened(sampleWith("\"absent\" : true", "\"absent\" : true, \"value\" : [\"a\"]"))->all(),
+              sampleEntries());
+}
+
+TEST_F(JournalReadingTest, AReasonStaysShortAndOnItsLine) {
+    EXPECT_TRUE(
+        refusalOf(sampleWith("\"applied\"", R"("a\n\u001b[2Jb")")).ends_with("unknown status \"a  [2Jb\""));
+    for (const std::string value :
+         {"applied", "bool", "on", "2026-11-15T20:23:13Z", "01234567-89AB-CDEF-0123-456789ABCDEF"}) {
+        const std::string reason =
+            refusalOf(sampleWith('"' + value + '"', '"' + std::string(100'000, 'x') + '"'));
+        EXPECT_LT(reason.size(), file.string().size() + 300) << value;
+        EXPECT_NE(reason.find("xxx..."), std::string::npos) << value;
     }
 }
 

@@ -1,0 +1,24 @@
+// Why the journal could not be read or saved.
+#pragma once
+
+#include <string>
+
+#include "BrellCore/Support/Failure.h"
+
+namespace brell {
+
+struct JournalFailure {
+    enum class Kind { cannotWrite, cannotRead };
+    Kind kind;
+    std::string text;  // what happened, without a final stop
+    bool operator==(const JournalFailure&) const = default;
+};
+std::string describe(const JournalFailure& failure);
+
+class JournalError final : public FailureError<JournalFailure> {
+public:
+    using FailureError::FailureError;
+    ~JournalError() override;
+};
+
+}  // namespace brell

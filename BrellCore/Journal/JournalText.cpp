@@ -1,0 +1,147 @@
+#include "BrellCore/Journal/JournalText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Journal/JournalJson.h"
+#include "BrellCore/Support/JsonReader.h"
+#include "BrellCore/Support/Text.h"
+
+namespace brell {
+
+namespace json = simdjson::ondemand;
+
+namespace {
+
+constexpr std::string_view beforeEntries = "{\n  \"entries\" : [\n    ";
+constexpr std::string_view betweenEntries = ",\n    ";
+constexpr std::string_view afterEntries = "\n  ],\n  \"format\" : 1\n}\n";
+constexpr int entryDepth = 2;
+
+JournalError newerFormat(std::int64_t format) {
+    return JournalError({JournalFailure::Kind::cannotRead,
+                         fmt::format("the journal was written by a newer Brell (format {}); update Brell "
+                                     "before changing anything",
+                                     format)});
+}
+
+// The file's format when it is one that this version does not know; looked for even in a file of another
+// shape.
+std::optional<std::int64_t> newerFormatOf(const std::string& text) try {
+    json::parser parser;
+    json::document document = startReading(parser, text);
+    const std::int64_t format = document["format"].get_int64();
+    return format > JournalText::formatVersion ? std::optional(format) : std::nullopt;
+} catch (const simdjson::simdjson_error&) {
+    return std::nullopt;
+}
+
+// What is found by its identifier must be the only one.
+void checkUnique(const std::vector<JournalEntry>& entries) {
+    std::vector<Uuid> ids;
+    ids.reserve(entries.size());
+    for (const JournalEntry& entry : entries) ids.push_back(entry.id);
+    std::sort(ids.begin(), ids.end());
+    const auto twin = std::adjacent_find(ids.begin(), ids.end());
+    if (twin != ids.end()) throw std::runtime_error("the entry " + twin->text() + " stands twice");
+}
+
+// Most of simdjson's reasons are sentences. An excerpt's three stops stay.
+std::string withoutFinalStop(std::string_view reason) {
+    reason = trimmed(reason);
+    if (reason.ends_with('.') && !reason.ends_with("...")) reason.remove_suffix(1);
+    return std::string(reason);
+}
+
+std::string encoded(const JournalEntry& entry) {
+    JsonWriter json(JsonWriter::Layout::pretty, entryDepth);
+    writeJson(json, entry);
+    return json.take();
+}
+
+}  // namespace
+
+JournalText JournalText::read(std::string text) {
+    JournalText journal;
+    journal.text_ = std::move(text);
+    try {
+        journal.parse();
+    } catch (const JournalError&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (const auto format = newerFormatOf(journal.text_)) throw newerFormat(*format);
+        throw std::runtime_error(withoutFinalStop(error.what()));
+    }
+    return journal;
+}
+
+std::string_view JournalText::textOf(std::size_t index) const {
+    return std::string_view(text_).substr(spans_[index].begin, spans_[index].length);
+}
+
+// Only the changed entry is encoded.
+JournalText::Change JournalText::changed(const JournalEntry& entry) const {
+    const auto place = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const JournalEntry& known) { return known.id == entry.id; });
+    Change change{{}, {}, static_cast<std::size_t>(place - entries_.begin()), entry};
+    const std::string own = encoded(entry);
+    change.text.reserve(text_.size() + own.size() + 256);
+    change.spans.reserve(spans_.size() + 1);
+    change.text += beforeEntries;
+    for (std::size_t i = 0; i < std::max(spans_.size(), change.index + 1); ++i) {
+        if (i > 0) change.text += betweenEntries;
+        const std::size_t begin = change.text.size();
+        change.text += i == change.index ? std::string_view(own) : textOf(i);
+        change.spans.push_back({begin, change.text.size() - begin});
+    }
+    change.text += afterEntries;
+    return change;
+}
+
+void JournalText::take(Change change) {
+    if (change.index == entries_.size())
+        entries_.push_back(std::move(change.entry));
+    else
+        entries_[change.index] = std::move(change.entry);
+    spans_ = std::move(change.spans);
+    text_ = std::move(change.text);
+}
+
+void JournalText::parse() {
+    std::optional<std::int64_t> format;
+    bool hasEntries = false;
+    json::parser parser;
+    json::document document = startReading(parser, text_);
+    for (auto field : document.get_object()) {
+        const std::string_view key = field.unescaped_key();
+        if ((key == "format" && format) || (key == "entries" && hasEntries))
+            throw std::runtime_error(fmt::format("the key \"{}\" stands twice", key));
+        if (key == "format") {
+            format = field.value().get_int64();
+        } else if (key == "entries") {
+            hasEntries = true;
+            for (auto element : field.value().get_array()) {
+                json::object object = element.get_object();
+                const std::string_view raw = trimmed(object.raw_json().value());
+                object.reset();
+                entries_.push_back(readJournalEntry(object));
+                spans_.push_back({static_cast<std::size_t>(raw.data() - text_.data()), raw.size()});
+            }
+        } else {
+            checkWellFormed(field.value());
+        }
+    }
+    checkUnique(entries_);
+    if (!isAtEnd(document)) throw std::runtime_error("something follows after its end");
+    if (!hasEntries) throw std::runtime_error("the key \"entries\" is missing");
+    if (!format) throw std::runtime_error("the key \"format\" is missing");
+    if (*format > formatVersion) throw newerFormat(*format);
+    if (*format < 0) throw std::runtime_error(fmt::format("there is no format {}", *format));
+}
+
+}  // namespace brell
