@@ -85,5 +85,10 @@ buildPreset() {
     )
 }
 
+# Newer kernels scatter memory more widely than the sanitizers of these compilers allow for.
+withoutScatter() {
+    if setarch "$(uname -m)" -R true 2>/dev/null; then setarch "$(uname -m)" -R "$@"; else "$@"; fi
+}
+
 # The fuzz targets that were built, by name.
 fuzzTargets() { find "$root/build/fuzz/Fuzz" -maxdepth 1 -type f -perm -u+x -exec basename {} \; | sort; }
