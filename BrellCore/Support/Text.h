@@ -12,8 +12,9 @@ bool isUtf8(std::string_view bytes);
 // The same text with every invalid sequence replaced by U+FFFD.
 std::string repairedUtf8(std::string_view bytes);
 
-// The text on one line, safe for a terminal, a comment or a table cell: each control character and line or
-// paragraph separator becomes a blank. Bytes that are not UTF-8 become U+FFFD.
+// The text on one line, safe for a terminal, a comment or a table cell: each control character, line or
+// paragraph separator and mark that turns the text's direction becomes a blank. Bytes that are not UTF-8
+// become U+FFFD.
 std::string oneLine(std::string_view text);
 
 // A piece of outside text for a message: on one line and of bounded length.
