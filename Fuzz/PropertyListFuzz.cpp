@@ -1,11 +1,11 @@
 // Any bytes either are refused or give a value; and a value that can be written reads back the same.
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "BrellCore/Support/PropertyList.h"
+#include "Fuzz/Checks.h"
 
 namespace {
 
@@ -32,10 +32,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::optional<PlistValue> value;
     try {
         value = readPropertyList({reinterpret_cast<const char*>(data), size});
-    } catch (const PlistError&) {
+    } catch (const PlistError& error) {
+        fuzz::require(fuzz::isReason(error.failure().reason));
         return 0;
     }
-    if (const auto text = written(*value))
-        if (!isSame(*value, readPropertyList(*text), *text)) std::abort();
+    if (const auto text = written(*value)) fuzz::require(isSame(*value, readPropertyList(*text), *text));
     return 0;
 }
