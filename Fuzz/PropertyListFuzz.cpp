@@ -1,10 +1,12 @@
-// Any bytes either are refused or give a value; and a value that can be written reads back the same.
+// Any bytes either are refused with a reason or give a value; and the value, written in either form, reads
+// back the same.
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "BrellCore/Support/PropertyList.h"
+#include "Fuzz/BinaryPropertyList.h"
 #include "Fuzz/Checks.h"
 
 namespace {
@@ -25,6 +27,29 @@ std::optional<std::string> written(const PlistValue& value) {
     }
 }
 
+// Whether the value has no integer beyond 64 bits, whose text the binary form can't hold as it stands, and no
+// more values than are soon written; a small file may hold many.
+bool isSoonWritten(const PlistValue& value, std::size_t& left) {
+    if (left == 0 || value.as<PlistBigInteger>()) return false;
+    --left;
+    if (const auto* array = value.as<PlistArray>())
+        for (const PlistValue& element : *array)
+            if (!isSoonWritten(element, left)) return false;
+    if (const auto* dictionary = value.as<PlistDictionary>())
+        for (const PlistEntry& entry : dictionary->entries)
+            if (!isSoonWritten(entry.value, left)) return false;
+    return true;
+}
+
+void checkBinary(const PlistValue& value) {
+    std::size_t most = 1000;
+    if (!isSoonWritten(value, most)) return;
+    const std::string bytes = fuzz::BinaryWriter::written(value);
+    const PlistValue back = readPropertyList(bytes);
+    fuzz::require(back == value || value != value);
+    fuzz::require(fuzz::BinaryWriter::written(back) == bytes);
+}
+
 }  // namespace
 
 // A refusal of what was written escapes, and is a finding too.
@@ -37,5 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     if (const auto text = written(*value)) fuzz::require(isSame(*value, readPropertyList(*text), *text));
+    checkBinary(*value);
     return 0;
 }
