@@ -58,14 +58,20 @@ AgentSteps::AgentSteps(CommandRunning& runner, Waiting waiting, std::string doma
     : runner_(runner), waiting_(std::move(waiting)), domain_(std::move(domain)), label_(std::move(label)) {}
 
 AgentState AgentSteps::currentState() {
+    return currentState(overrides());
+}
+
+AgentOverrides AgentSteps::overrides() {
     const AllowedCommand askOverrides = AllowedCommand::launchctlPrintDisabled(domain_);
     const CommandResult answer = run(askOverrides);
     if (!answer.succeeded()) throw commandError(askOverrides, answer.output());
     // Even without any override the real one names the list.
     if (isBlank(answer)) throw commandError(askOverrides, "it answered nothing");
-    const AgentOverrides overrides = LaunchctlParser::parsePrintDisabled(answer.stdoutText);
-    const auto override = overrides.find(label_);
+    return LaunchctlParser::parsePrintDisabled(answer.stdoutText);
+}
 
+AgentState AgentSteps::currentState(const AgentOverrides& overrides) {
+    const auto override = overrides.find(label_);
     const CommandResult job = run(AllowedCommand::launchctlPrint(domain_ + "/" + label_));
     const LoadedState loaded = LaunchctlParser::parsePrint(job);
     if (loaded.isUnknown() || isBlank(job))

@@ -38,6 +38,8 @@ public:
 
     // What launchd says now. Raises when it can't be asked.
     AgentState currentState();
+    AgentState currentState(const AgentOverrides& known);
+    AgentOverrides overrides();  // of every label
     // The same, once a job that was told to end is gone; at most five seconds later.
     AgentState settledState();
 

@@ -88,6 +88,14 @@ AgentState AgentToggle::currentState(const std::string& label) const {
     return stepsFor(label).currentState();
 }
 
+AgentOverrides AgentToggle::overrides() const {
+    return stepsFor({}).overrides();
+}
+
+AgentState AgentToggle::currentState(const std::string& label, const AgentOverrides& known) const {
+    return stepsFor(label).currentState(known);
+}
+
 std::vector<std::string> AgentToggle::previewOff(const LaunchAgentRecord& record) const {
     return preview(record, Direction::off);
 }

@@ -33,6 +33,9 @@ public:
     // All of these raise AgentToggleError.
     Validated validate(const LaunchAgentRecord& record) const;
     AgentState currentState(const std::string& label) const;
+    // The overrides of every label. Where many are looked at, they need to be asked for only once.
+    AgentOverrides overrides() const;
+    AgentState currentState(const std::string& label, const AgentOverrides& known) const;
 
     // The rendered commands that a change would run; those of the restore where it would undo an applied one.
     std::vector<std::string> previewOff(const LaunchAgentRecord& record) const;

@@ -111,17 +111,15 @@ RestoreAllOutcome TweakEngine::restoreAll(const std::set<Uuid>& confirmedDrift) 
 
 RestoreAllOutcome TweakEngine::restoreSelected(const std::vector<Uuid>& entryIDs,
                                                const std::set<Uuid>& confirmedDrift, const Progress& goOn) {
-    const auto selected = [&] {
-        std::vector<JournalEntry> entries;
-        for (const Uuid& id : entryIDs)
-            if (auto entry = journal_.entry(id)) entries.push_back(std::move(*entry));
-        return newestFirst(std::move(entries));
-    };
-    return restoreEntries(selected, confirmedDrift, goOn);
+    return restoreEntries([&] { return newestFirst(journal_.entries(entryIDs)); }, confirmedDrift, goOn);
 }
 
 RestoreAllOutcome TweakEngine::recoverInterrupted() {
-    return restoreEntries([this] { return interruptedEntries(); }, {}, always);
+    return recoverInterrupted(always);
+}
+
+RestoreAllOutcome TweakEngine::recoverInterrupted(const Progress& goOn) {
+    return restoreEntries([this] { return interruptedEntries(); }, {}, goOn);
 }
 
 // Restores what is wanted: asked for before the lock's file is made, so that nothing to do leaves nothing

@@ -92,6 +92,7 @@ public:
                                       const Progress& goOn);
     // Undo every interrupted entry, in the journal's order.
     RestoreAllOutcome recoverInterrupted();
+    RestoreAllOutcome recoverInterrupted(const Progress& goOn);
 
     std::vector<JournalEntry> driftedEntries();
     std::vector<JournalEntry> interruptedEntries() { return journal_.entries(EntryStatus::capturing); }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/JsonReader.h"
@@ -116,6 +117,20 @@ std::optional<JournalEntry> Journal::entry(const Uuid& id) {
     for (const JournalEntry& entry : text_.entries())
         if (entry.id == id) return entry;
     return std::nullopt;
+}
+
+// One look at every entry, however many are asked for.
+std::vector<JournalEntry> Journal::entries(const std::vector<Uuid>& ids) {
+    const std::lock_guard lock(mutex_);
+    refreshLocked();
+    std::map<Uuid, const JournalEntry*> wanted;
+    for (const Uuid& id : ids) wanted.emplace(id, nullptr);
+    for (const JournalEntry& entry : text_.entries())
+        if (const auto place = wanted.find(entry.id); place != wanted.end()) place->second = &entry;
+    std::vector<JournalEntry> found;
+    for (const Uuid& id : ids)
+        if (const JournalEntry* entry = wanted.at(id)) found.push_back(*entry);
+    return found;
 }
 
 std::optional<JournalEntry> Journal::activeEntry(std::string_view tweakID) {

@@ -50,6 +50,7 @@ public:
     std::vector<JournalEntry> active();
     std::vector<JournalEntry> entries(EntryStatus status);
     std::optional<JournalEntry> entry(const Uuid& id);
+    std::vector<JournalEntry> entries(const std::vector<Uuid>& ids);  // in this order; none for an unknown id
     std::optional<JournalEntry> activeEntry(std::string_view tweakID);
 
     // Waits for other holders, half a minute at most; then, and when the lock can't be taken, JournalError

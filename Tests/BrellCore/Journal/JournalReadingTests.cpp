@@ -54,6 +54,8 @@ TEST_F(JournalReadingTest, TheSampleFileIsReadAndWrittenToTheByte) {
     EXPECT_EQ(contentsOf(fresh->fileURL()), sample);
 
     const auto known = opened(sample);
+    const Entries both = sampleEntries();
+    EXPECT_EQ(known->entries({both[1].id, Uuid::random(), both[0].id}), (Entries{both[1], both[0]}));
     for (const JournalEntry& entry : {sampleEntries()[1], sampleEntries()[0], sampleEntries()[1]}) {
         known->upsert(entry);
         EXPECT_EQ(contentsOf(file), sample);
