@@ -1,5 +1,6 @@
 #include "Tests/Trust/Worker.h"
 
+#include <array>
 #include <numeric>
 
 #include "BrellCore/Catalog/Presets.h"
@@ -30,6 +31,17 @@ struct IsOfOthers {
     bool operator()(const VerifyFailed&) const { return false; }
     bool operator()(const NoAgentRestorer&) const { return false; }
 };
+
+bool isOfOthers(const AgentToggleFailure& failure) {
+    switch (failure.problem) {
+        case AgentToggleProblem::refused: return true;
+        case AgentToggleProblem::engine:  // not what is said of a file
+            return isBusy(failure.text) || failure.text.find("could not be") == std::string::npos;
+        case AgentToggleProblem::command:
+        case AgentToggleProblem::verifyFailed: break;
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -82,9 +94,7 @@ void Worker::perform(const Deed& deed) {
         if (const auto* drift = std::get_if<Drift>(&error.failure())) diary_.foundDrifted(drift->entry);
         refused(error.what(), std::visit(IsOfOthers(), error.failure()));
     } catch (const AgentToggleError& error) {
-        const bool isRefusal = error.failure().problem == AgentToggleProblem::refused ||
-                               error.failure().problem == AgentToggleProblem::engine;
-        refused(error.what(), isRefusal);
+        refused(error.what(), isOfOthers(error.failure()));
     } catch (const JournalError& error) {
         refused(error.what(), isBusy(error.what()));
     } catch (const std::exception& error) {
