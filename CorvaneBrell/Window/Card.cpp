@@ -14,9 +14,8 @@ constexpr int lineInset = 16;
 
 }  // namespace
 
-Card::Card(QWidget* parent) : QFrame(parent), rows_(new QVBoxLayout(this)) {
+Card::Card(QWidget* parent) : QFrame(parent), rows_(new RowStack(this)) {
     rows_->setContentsMargins(1, 1, 1, 1);
-    rows_->setSpacing(0);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
 }
 

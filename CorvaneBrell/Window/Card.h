@@ -2,7 +2,8 @@
 #pragma once
 
 #include <QFrame>
-#include <QVBoxLayout>
+
+#include "CorvaneBrell/Window/RowStack.h"
 
 namespace brell {
 
@@ -23,7 +24,7 @@ protected:
     bool eventFilter(QObject* row, QEvent* event) override;
 
 private:
-    QVBoxLayout* rows_;
+    RowStack* rows_;
 };
 
 }  // namespace brell

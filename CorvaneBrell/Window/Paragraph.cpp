@@ -64,14 +64,24 @@ Paragraph::Paragraph(const QString& text, Look look, QWidget* parent) : QLabel(t
     setSizePolicy(policy);
 }
 
-int Paragraph::heightForWidth(int width) const {
+QSizeF Paragraph::measured(int width) const {
+    if (measuredText_ != text() || measuredFont_ != font()) {
+        sizes_.clear();
+        measuredText_ = text();
+        measuredFont_ = font();
+    }
+    const auto known = sizes_.find(width);
+    if (known != sizes_.end()) return known->second;
     QTextLayout layout(onLines(text()), font());
-    return static_cast<int>(std::ceil(laidOut(layout, std::max(width, 1)).height()));
+    return sizes_[width] = laidOut(layout, width);
+}
+
+int Paragraph::heightForWidth(int width) const {
+    return static_cast<int>(std::ceil(measured(std::max(width, 1)).height()));
 }
 
 QSize Paragraph::sizeHint() const {
-    QTextLayout layout(onLines(text()), font());
-    const QSizeF size = laidOut(layout, comfortableWidth);
+    const QSizeF size = measured(comfortableWidth);
     return {static_cast<int>(std::ceil(size.width())) + 1, static_cast<int>(std::ceil(size.height()))};
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QLabel>
+#include <map>
 
 namespace brell {
 
@@ -21,7 +22,13 @@ protected:
     void paintEvent(QPaintEvent*) override;
 
 private:
+    QSizeF measured(int width) const;
+
     Look look_;
+    // By width, of this text in this font: a layout asks again and again.
+    mutable std::map<int, QSizeF> sizes_;
+    mutable QString measuredText_;
+    mutable QFont measuredFont_;
 };
 
 }  // namespace brell

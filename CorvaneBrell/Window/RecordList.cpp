@@ -4,8 +4,8 @@
 
 namespace brell {
 
-RowColumn::RowColumn(const QString& heading, QWidget* parent)
-    : QWidget(parent), card_(new Card), more_(actionButton({})) {
+RowColumn::RowColumn(const QString& heading, std::size_t batch, QWidget* parent)
+    : QWidget(parent), batch_(batch), card_(new Card), more_(actionButton({})) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(7);
@@ -15,9 +15,18 @@ RowColumn::RowColumn(const QString& heading, QWidget* parent)
     setAccessibleName(heading);
     hide();
     connect(more_, &QPushButton::clicked, this, [this] {
-        limit_ += batch;
+        limit_ += batch_;
         emit moreWanted();
     });
+}
+
+RowColumn::Rearrangement::Rearrangement(RowColumn& column) : rows_(*column.card_->layout()) {
+    rows_.setEnabled(false);
+}
+
+RowColumn::Rearrangement::~Rearrangement() {
+    rows_.setEnabled(true);
+    rows_.invalidate();
 }
 
 void RowColumn::put(int place, QWidget* row) {
@@ -26,18 +35,24 @@ void RowColumn::put(int place, QWidget* row) {
     if (there && there->widget() == row) return;
     rows->removeWidget(row);
     card_->insert(place, row);
+    row->show();  // else that waits until the rows are laid out again
+}
+
+void RowColumn::hideAway(QWidget* row) {
+    card_->layout()->removeWidget(row);
+    row->hide();
+    row->setObjectName({});  // it is found by its record's name no more
 }
 
 void RowColumn::takeOut(QWidget* row) {
-    card_->layout()->removeWidget(row);
-    row->hide();
+    hideAway(row);
     row->deleteLater();  // it may be the one whose click is being handled
 }
 
 void RowColumn::setCounts(std::size_t shown, std::size_t all) {
     setVisible(shown > 0);
     more_->setVisible(shown < all);
-    more_->setText(tr("Show %1 More").arg(std::min(batch, all - std::min(shown, all))));
+    more_->setText(tr("Show %1 More").arg(std::min(batch_, all - std::min(shown, all))));
 }
 
 }  // namespace brell

@@ -25,7 +25,7 @@ SelectableText::SelectableText(const QString& name, Look look, QWidget* parent) 
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
-    connect(this, &QTextEdit::textChanged, this, [this] { updateGeometry(); });
+    connect(this, &QTextEdit::textChanged, this, &SelectableText::measureAgain);
 }
 
 void SelectableText::setLines(const QStringList& lines) {
@@ -40,10 +40,21 @@ void SelectableText::setLines(const QStringList& lines) {
     cursor.setBlockFormat(format);
 }
 
+void SelectableText::measureAgain() {
+    heights_.clear();
+    updateGeometry();
+}
+
+void SelectableText::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) measureAgain();
+    QTextEdit::changeEvent(event);
+}
+
 int SelectableText::heightForWidth(int width) const {
+    if (const auto known = heights_.find(width); known != heights_.end()) return known->second;
     const std::unique_ptr<QTextDocument> copy(document()->clone());
     copy->setTextWidth(width);
-    return static_cast<int>(std::ceil(copy->size().height()));
+    return heights_[width] = static_cast<int>(std::ceil(copy->size().height()));
 }
 
 QSize SelectableText::sizeHint() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QTextEdit>
+#include <map>
 
 namespace brell {
 
@@ -23,6 +24,12 @@ public:
 
 protected:
     void wheelEvent(QWheelEvent* event) override;  // belongs to the page around it
+    void changeEvent(QEvent* event) override;
+
+private:
+    void measureAgain();
+
+    mutable std::map<int, int> heights_;  // by width: a layout asks again and again
 };
 
 }  // namespace brell
