@@ -2,12 +2,12 @@
 
 #include <QScrollArea>
 
-#include "CorvaneBrell/Window/Card.h"
+#include "CorvaneBrell/Window/GrowingCard.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/ScrolledContent.h"
-#include "CorvaneBrell/Window/SelectableText.h"
+#include "CorvaneBrell/Window/TabOrder.h"
 
 namespace brell {
 
@@ -64,6 +64,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     holder->setAutoFillBackground(false);
     scroll->viewport()->setAutoFillBackground(false);
     column->addWidget(scroll, 1);
+    new TabOrder(this, holder);
 
     buttons_->setSpacing(8);
     buttons_->addStretch(1);
@@ -91,15 +92,7 @@ void Sheet::addFootnote(const QString& text, const QString& symbol, Tone tone) {
 }
 
 void Sheet::addLines(const QString& name, const QStringList& lines) {
-    auto* text = new SelectableText(name, SelectableText::Look::monospace);
-    text->setLines(lines);
-    auto* card = new Card;
-    auto* padding = new QWidget;
-    auto* box = new QVBoxLayout(padding);
-    box->setContentsMargins(12, 8, 12, 8);
-    box->addWidget(text);
-    card->add(padding);
-    content_->addWidget(card);
+    content_->addWidget(lineCard(name, lines, this));
 }
 
 }  // namespace brell

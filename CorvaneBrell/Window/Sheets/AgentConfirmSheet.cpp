@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
 
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
 
 namespace brell {
 
@@ -20,8 +21,10 @@ QString explanation(const AgentConfirmRequest& request) {
 AgentConfirmSheet::AgentConfirmSheet(AppModel& model, QWidget* window, const AgentConfirmRequest& request)
     : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelAgents) {
     addLines(tr("Commands"), qt(request.commands));
-    for (const std::string& refusal : request.refusals)
-        addNote("minus.circle", Tone::caution, tr("Left out: %1").arg(qt(refusal)));
+    addCard(request.refusals.size(), [refusals = request.refusals](std::size_t place) {
+        return sheetRow({symbolLine("minus.circle", Tone::caution,
+                                    tr("Left out: %1").arg(qt(refusals[place])), nullptr)});
+    });
     addFootnote(tr("The journal keeps how it was, so that it can be put back."));
     addAnswers(request.turningOn ? tr("Turn On") : tr("Turn Off"), [this] { this->model().confirmAgents(); });
 }

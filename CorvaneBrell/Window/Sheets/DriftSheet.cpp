@@ -20,9 +20,8 @@ QString whatElse(const DriftRequest& request) {
 
 DriftSheet::DriftSheet(AppModel& model, QWidget* window, const DriftRequest& request)
     : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift) {
-    std::vector<QWidget*> rows;
-    for (const DriftedEntry& drifted : request.entries) rows.push_back(entryRow(drifted));
-    addCard(rows);
+    addCard(request.entries.size(),
+            [this, entries = request.entries](std::size_t place) { return entryRow(entries[place]); });
     addFootnote(whatElse(request));
     if (const auto& pending = model.state().pendingAfterDrift)
         addNote("info.circle", Tone::plain,
@@ -32,9 +31,13 @@ DriftSheet::DriftSheet(AppModel& model, QWidget* window, const DriftRequest& req
     QPushButton* restore = addAnswers(single ? tr("Restore") : tr("Restore Ticked"),
                                       [this] { this->model().confirmDrift(ticked()); });
     if (!request.others.empty() || !restore->isEnabled()) return;
-    const auto enable = [this, restore] { restore->setEnabled(!ticked().empty()); };
-    for (const auto& [id, tick] : ticks_) connect(tick, &QCheckBox::toggled, restore, enable);
-    enable();
+    restore_ = restore;
+    enableRestore();
+}
+
+// Where nothing else is restored there is nothing to do until something is ticked.
+void DriftSheet::enableRestore() {
+    if (restore_) restore_->setEnabled(!ticked().empty());
 }
 
 QWidget* DriftSheet::entryRow(const DriftedEntry& drifted) {
@@ -42,6 +45,7 @@ QWidget* DriftSheet::entryRow(const DriftedEntry& drifted) {
     auto* tick = new TickBox(title, Paragraph::Look::heading);
     tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
     ticks_.emplace_back(drifted.entry.id, tick);
+    connect(tick, &QCheckBox::toggled, this, &DriftSheet::enableRestore);
     return sheetRow({tick, keyLines(tr("Keys of %1").arg(title), drifted.lines)});
 }
 

@@ -14,10 +14,12 @@ public:
     DriftSheet(AppModel& model, QWidget* window, const DriftRequest& request);
 
 private:
+    void enableRestore();
     QWidget* entryRow(const DriftedEntry& drifted);
     std::set<Uuid> ticked() const;
 
-    std::vector<std::pair<Uuid, TickBox*>> ticks_;
+    QPushButton* restore_ = nullptr;                // while it waits for a tick
+    std::vector<std::pair<Uuid, TickBox*>> ticks_;  // of the rows that are shown
 };
 
 }  // namespace brell

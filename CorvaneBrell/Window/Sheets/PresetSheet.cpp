@@ -52,9 +52,7 @@ PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& 
     : RequestSheet(model, window, tr("Apply %1?").arg(qt(request.plan.preset.name)),
                    explanation(request.plan), &AppModel::cancelPreset) {
     const PresetPlan& plan = request.plan;
-    std::vector<QWidget*> rows;
-    for (const PresetStep& step : plan.steps) rows.push_back(stepRow(step));
-    if (!rows.empty()) addCard(rows);
+    addCard(plan.steps.size(), [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
     if (!plan.experimental.empty())
         addNote("minus.circle", Tone::caution,
                 tr("Left out, because experimental tweaks are never applied by a preset: %1.")

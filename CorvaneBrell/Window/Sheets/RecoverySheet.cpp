@@ -28,11 +28,13 @@ RecoverySheet::RecoverySheet(AppModel& model, QWidget* window, const RecoveryReq
     : RequestSheet(model, window, tr("Brell was interrupted while changing a setting"),
                    tr("The original values were saved before the change started. Restoring puts them back."),
                    &AppModel::deferRecovery) {
-    for (const std::string& failure : request.failures)
-        addNote("exclamationmark.triangle", Tone::critical, qt(failure));
-    std::vector<QWidget*> rows;
-    for (const JournalEntry& entry : request.entries) rows.push_back(entryRow(entry, model.catalog()));
-    addCard(rows);
+    addCard(request.failures.size(), [failures = request.failures](std::size_t place) {
+        return sheetRow(
+            {symbolLine("exclamationmark.triangle", Tone::critical, qt(failures[place]), nullptr)});
+    });
+    addCard(request.entries.size(), [&model, entries = request.entries](std::size_t place) {
+        return entryRow(entries[place], model.catalog());
+    });
     addFootnote(tr("The entries stay in the journal and Brell asks again at the next launch."));
     addAnswers(
         tr("Restore"), [this] { this->model().recover(); }, tr("Later"));

@@ -21,16 +21,14 @@ RelaunchSheet::RelaunchSheet(AppModel& model, QWidget* window, const RelaunchReq
                    tr("Brell sends the same quit request as ⌘Q and then reopens the app. It never forces a "
                       "quit."),
                    &AppModel::cancelRelaunch) {
-    std::vector<QWidget*> rows;
-    for (const Relauncher::Target target : request.targets) {
-        const Relauncher::TargetFacts& app = Relauncher::facts(target);
+    addCard(request.targets.size(), [&model, targets = request.targets](std::size_t place) {
+        const Relauncher::TargetFacts& app = Relauncher::facts(targets[place]);
         std::vector<QWidget*> parts{
             new Paragraph(tr("What waits for %1").arg(qt(app.name)), Paragraph::Look::heading)};
         for (const std::string& waiting : waitingTitles(model.state(), model.catalog(), app.effectClass))
             parts.push_back(new Paragraph(qt(waiting)));
-        rows.push_back(sheetRow(parts));
-    }
-    addCard(rows);
+        return sheetRow(parts);
+    });
     addAnswers(tr("Relaunch"), [this] { this->model().confirmRelaunch(); });
 }
 

@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/Sheets/RequestSheet.h"
 
+#include "CorvaneBrell/Window/GrowingCard.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/SelectableText.h"
@@ -28,10 +29,8 @@ void RequestSheet::addNote(const QString& symbol, Tone tone, const QString& text
     content()->addWidget(symbolLine(symbol, tone, text, this));
 }
 
-void RequestSheet::addCard(const std::vector<QWidget*>& rows) {
-    auto* card = new Card;
-    for (QWidget* row : rows) card->add(row);
-    content()->addWidget(card);
+void RequestSheet::addCard(std::size_t all, const std::function<QWidget*(std::size_t)>& makeRow) {
+    if (all > 0) content()->addWidget(rowCard(all, makeRow, this));
 }
 
 QWidget* sheetRow(const std::vector<QWidget*>& parts) {

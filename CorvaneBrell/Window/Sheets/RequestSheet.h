@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/Window/Card.h"
 #include "CorvaneBrell/Window/Sheet.h"
 
 namespace brell {
@@ -26,8 +25,8 @@ protected:
 
     // A line of plain text with its symbol.
     void addNote(const QString& symbol, Tone tone, const QString& text);
-    // A card with a row for each of these.
-    void addCard(const std::vector<QWidget*>& rows);
+    // A card with a row for each of so many, made when it is shown.
+    void addCard(std::size_t all, const std::function<QWidget*(std::size_t)>& makeRow);
 
 private:
     AppModel& model_;
