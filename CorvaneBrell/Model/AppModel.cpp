@@ -42,7 +42,12 @@ bool isDrifted(const JournalEntry& entry, PreferenceReader& preferences) {
 
 AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplications& applications,
                    std::ostream& out)
-    : loop_(loop), applications_(applications), changes_(loop), refreshes_(loop), readings_(loop) {
+    : loop_(loop),
+      applications_(applications),
+      changes_(loop),
+      refreshes_(loop),
+      readings_(loop),
+      questions_(loop) {
     try {
         deps_ = std::make_unique<Dependencies>(options, out);
     } catch (const JournalError& error) {
@@ -71,6 +76,7 @@ AppModel::~AppModel() {
     changes_.end();
     refreshes_.end();
     readings_.end();
+    questions_.end();
 }
 
 std::optional<std::string> AppModel::whyNothingReal() const {
@@ -100,8 +106,8 @@ void AppModel::refreshAll() {
     // One that has not begun will see everything that this one would.
     if (refreshWaits_) return;
     refreshWaits_ = true;
-    runCounted(
-        refreshes_, refreshesUnderWay_,
+    look(
+        "Reading the settings and the journal",
         [this] {
             refreshes_.report([this] { refreshWaits_ = false; });
             return readEverything();
@@ -145,6 +151,7 @@ void AppModel::showEverything(Refresh refresh) {
     std::vector<JournalEntry> interrupted;
     std::copy_if(refresh.entries.rbegin(), refresh.entries.rend(), std::back_inserter(interrupted),
                  [](const JournalEntry& entry) { return entry.status == EntryStatus::capturing; });
+    countChanges(refresh.entries);
     set(&AppState::entries, std::move(refresh.entries), Property::entries);
     set(&AppState::drifted, std::move(refresh.drifted), Property::drifted);
     if (changesUnderWay_ == 0) {  // else a change of ours looks interrupted, and an undo half done
@@ -168,21 +175,23 @@ std::vector<std::string> AppModel::changedTweaks() const {
     return changed;
 }
 
-std::size_t AppModel::changedCount(Screen screen) const {
-    const auto shown = group(screen);
-    return static_cast<std::size_t>(
-        std::count_if(state_.entries.begin(), state_.entries.end(), [&](const JournalEntry& entry) {
-            if (!entry.isActive()) return false;
-            if (screen == Screen::journal) return true;
-            if (screen == Screen::loginItems) return entry.kind == EntryKind::launchAgent;
-            const Tweak* tweak = catalog().tweak(entry.tweakID);
-            return tweak && shown && tweak->group == *shown;
-        }));
+// Once for all pages, each of which asks often.
+void AppModel::countChanges(const std::vector<JournalEntry>& entries) {
+    changedCounts_.fill(0);
+    const auto count = [this](Screen screen) { ++changedCounts_[static_cast<std::size_t>(screen)]; };
+    for (const JournalEntry& entry : entries) {
+        if (!entry.isActive()) continue;
+        count(Screen::journal);
+        if (entry.kind == EntryKind::launchAgent)
+            count(Screen::loginItems);
+        else if (const Tweak* tweak = catalog().tweak(entry.tweakID))
+            count(screenOf(tweak->group));
+    }
 }
 
 void AppModel::saveBeside(const fs::path& file, std::function<std::string()> contents) {
-    runCounted(
-        refreshes_, refreshesUnderWay_,
+    look(
+        "Saving " + file.filename().string(),
         [file = fs::absolute(file), contents = std::move(contents)] {
             replaceFile(file, contents(), Durability::powerCut, 0666);
             return true;
@@ -192,11 +201,13 @@ void AppModel::saveBeside(const fs::path& file, std::function<std::string()> con
         });
 }
 
-std::string AppModel::restoreScriptText() try {
-    return deps_->engine.restoreScriptText();
-} catch (const std::exception& error) {
-    fail(error.what());
-    return {};
+void AppModel::makeRestoreScript(std::function<void(const std::string&)> show) {
+    runCounted(
+        questions_, questionsUnderWay_, [this] { return deps_->engine.restoreScriptText(); },
+        [this, show = std::move(show)](const JobResult<std::string>& script) {
+            if (!script.value) return fail(script.error);
+            show(*script.value);
+        });
 }
 
 void AppModel::saveRestoreScript(const fs::path& file) {
@@ -216,10 +227,15 @@ void AppModel::exportPreset(const Preset& preset, const fs::path& file) {
 
 void AppModel::loadHistory(std::optional<int> days) {
     historyDays_ = days;
-    runCounted(
-        refreshes_, refreshesUnderWay_, [this, days] { return deps_->journal->history(days); },
-        [this](JobResult<std::vector<HistoryLine>> result) {
-            if (result.value) set(&AppState::history, std::move(*result.value), Property::history);
+    using History = std::shared_ptr<const std::vector<ToldLine>>;
+    look(
+        "Reading the history",
+        [this, days, shown = state_.history]() -> History {
+            auto told = JournalWords::told(deps_->journal->history(days), catalog());
+            return told == *shown ? shown : std::make_shared<const std::vector<ToldLine>>(std::move(told));
+        },
+        [this](const JobResult<History>& result) {
+            if (result.value) set(&AppState::history, *result.value, Property::history);
         });
 }
 

@@ -1,9 +1,11 @@
 // The one object behind the window: all state that the screens show, and every action of the user.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -18,6 +20,7 @@
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppState.h"
 #include "CorvaneBrell/Model/BackgroundLane.h"
+#include "CorvaneBrell/Model/NewsPace.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
 #include "CorvaneBrell/Model/PendingRelaunches.h"
 #include "CorvaneBrell/Model/TweakSearch.h"
@@ -61,7 +64,9 @@ public:
     // What every changing action would come to instead of a real change; nothing when changes are real.
     std::optional<std::string> whyNothingReal() const;
     // Something runs beside the main thread: the state may be about to change.
-    bool isBusy() const { return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ > 0; }
+    bool isBusy() const {
+        return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ + questionsUnderWay_ > 0;
+    }
     // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
     bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
 
@@ -102,8 +107,6 @@ public:
     void askAgents(const std::vector<std::string>& rowIDs, bool turnOn);
     void confirmAgents();
     void cancelAgents();
-    // Nothing when the agent can be switched; else a whole sentence. Reads its job file.
-    std::optional<std::string> whyNotSwitched(const LaunchAgentRecord& agent) const;
 
     void loadLoginItems();
     void loadAgentDrift();  // only that; loadLoginItems does it, too
@@ -123,7 +126,8 @@ public:
 
     void saveRestoreScript(const std::filesystem::path& file);
     void saveReport(const std::filesystem::path& file);
-    std::string restoreScriptText();
+    // Gives it to show once it is made; a failure becomes the error message instead.
+    void makeRestoreScript(std::function<void(const std::string&)> show);
 
     void markReviewed(std::string_view cardID);
     std::optional<TimeStamp> reviewedDate(std::string_view cardID) const;
@@ -133,7 +137,7 @@ public:
 
     // The tweaks with an active change, drifted ones among them, and how many active changes each page has.
     std::vector<std::string> changedTweaks() const;
-    std::size_t changedCount(Screen screen) const;
+    std::size_t changedCount(Screen screen) const { return changedCounts_[static_cast<std::size_t>(screen)]; }
 
     // How the window was left; nothing when it never was open.
     std::optional<WindowPlace> windowPlace() const;
@@ -154,7 +158,10 @@ private:
         std::string name;  // of what was done, for undoing it
         std::vector<JournalEntry> made;
         std::vector<JournalEntry> restored;
-        std::vector<Uuid> drifted;  // left alone: they are asked for
+        std::vector<Uuid> drifted;                                 // left alone: they are asked for
+        std::vector<DriftedEntry> driftedNow;                      // the same with what their keys hold
+        std::vector<Uuid> others;                                  // wait for the answer, too
+        DriftRequest::Mode driftMode = DriftRequest::Mode::tweak;  // of one that drifted
         std::vector<std::string> failures;
         std::vector<std::string> report;                           // of a preset
         std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
@@ -178,8 +185,9 @@ private:
         int changesFinished = 0;  // when the reading began
     };
     struct LoginItems {
-        std::vector<LaunchAgentRecord> user, system;
-        std::optional<BTMDump> dump;
+        std::vector<LoginItemRow> rows;
+        std::map<std::string, std::string> refusals;
+        bool hasDatabase = false;
         std::optional<std::string> error;  // launchd could not be asked for the user's own
     };
 
@@ -197,6 +205,25 @@ private:
         return {catalog(), deps_->macOSMajor(), state_.statuses, state_.statusErrors, state_.entries};
     }
 
+    // A job of the refreshes, shown as what is being done.
+    template <class Work, class Done>
+    void look(std::string what, Work work, Done done) {
+        if (!state_.lookActivity) set(&AppState::lookActivity, Activity{what}, Property::lookActivity);
+        runCounted(
+            refreshes_, refreshesUnderWay_,
+            [this, what = std::move(what), work = std::move(work)]() mutable {
+                refreshes_.report([this, activity = Activity{std::move(what)}] {
+                    set(&AppState::lookActivity, activity, Property::lookActivity);
+                });
+                return work();
+            },
+            [this, done = std::move(done)](auto result) {
+                if (refreshesUnderWay_ == 0)
+                    set(&AppState::lookActivity, std::nullopt, Property::lookActivity);
+                done(std::move(result));
+            });
+    }
+
     // One job on a lane, counted as under way until its result is back.
     template <class Work, class Done>
     void runCounted(BackgroundLane& lane, int& underWay, Work work, Done done) {
@@ -209,6 +236,7 @@ private:
 
     Refresh readEverything() const;
     void showEverything(Refresh refresh);
+    void countChanges(const std::vector<JournalEntry>& entries);
     void saveBeside(const std::filesystem::path& file, std::function<std::string()> contents);
 
     void change(std::string what, std::vector<std::string> tweakIDs, Job job,
@@ -216,6 +244,7 @@ private:
     void changeTo(const PendingApply& wish, std::string what);
     std::optional<JournalEntry> carryOut(const PendingApply& wish);
     Change carriedOut(const Job& job) const;
+    void readDrift(Change& change) const;
     void finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted);
     void dropInterrupted(const std::vector<JournalEntry>& restored);
     void showProof(const Change& change);
@@ -227,15 +256,20 @@ private:
     void redoEntry(Change& change, const Uuid& id);
     void pruneUndo();
 
-    void openDrift(DriftRequest::Mode mode, const std::vector<Uuid>& drifted, std::vector<Uuid> others,
-                   const std::optional<PendingApply>& pending, bool isUndo);
+    void openDrift(const Change& change, const std::optional<PendingApply>& pending);
     void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
-    void restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
+    bool asksForDrift(const JournalEntry& entry) const;
+    void restoreBeside(std::vector<Uuid> ids, std::set<Uuid> confirmed,
                        const std::optional<PendingApply>& then, Undo undo);
+    Change restored(const std::string& what, const std::vector<JournalEntry>& entries,
+                    std::set<Uuid> confirmed);
 
-    LoginItems readLoginItems();
+    LoginItems readLoginItems(bool showsSoFar);
+    std::map<std::string, std::string> readRefusals(const std::vector<LaunchAgentRecord>& agents) const;
     std::vector<AgentDrift> readAgentDrift();
-    void showLoginItems(const LoginItems& items);
+    void showLoginItems(std::vector<LoginItemRow> rows, std::map<std::string, std::string> refusals);
+    AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) const;
+    void openAgentConfirm(AgentConfirmRequest request);
     void showReading(std::string what, std::size_t done = 0, std::size_t total = 0);  // from a job
     void endReading();
 
@@ -254,13 +288,14 @@ private:
     PreferenceStore* ownStore_ = nullptr;
     std::unique_ptr<OwnPreferences> own_;
     std::unique_ptr<TweakSearch> search_;
-    std::optional<BTMDump> lastDump_;  // shown until the next one is read
+    std::array<std::size_t, enumTexts<Screen>.size()> changedCounts_{};  // by screen
     std::optional<int> historyDays_;
+    NewsPace changePace_, readingPace_;     // of the lanes
     std::multiset<std::string> changing_;   // tweaks with a change under way
     bool driftIsUndo_ = false;              // the open drift request comes from an undo
     bool refreshWaits_ = false;             // a refresh is asked for and has not begun
     std::atomic<int> changesFinished_ = 0;  // read by the lanes
-    int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0;
+    int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0, questionsUnderWay_ = 0;
     Relauncher::Handle relaunch_;                                 // while one is under way
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // watched by what the main loop still holds
 
@@ -268,6 +303,7 @@ private:
     BackgroundLane changes_;
     BackgroundLane refreshes_;  // of preferences and journal; saves files, too
     BackgroundLane readings_;   // with the system's tools
+    BackgroundLane questions_;  // what the user waits for: short, and behind nothing that is long
 };
 
 }  // namespace brell

@@ -10,53 +10,76 @@ namespace brell {
 // the task database, which takes seconds.
 void AppModel::loadLoginItems() {
     runCounted(
-        readings_, readingsUnderWay_, [this] { return readLoginItems(); },
-        [this](const JobResult<LoginItems>& result) {
+        readings_, readingsUnderWay_,
+        [this, isFirst = !state_.loginItemsLoaded] { return readLoginItems(isFirst); },
+        [this](JobResult<LoginItems> result) {
             endReading();
             if (!result.value) return fail(result.error);
-            const LoginItems& items = *result.value;
+            LoginItems& items = *result.value;
             if (items.error) fail("launchd could not be asked for the login items: " + *items.error);
-            lastDump_ = items.dump;
             // What was shown before is then still the best that is known.
-            if (!items.error || !state_.loginItemsLoaded) showLoginItems(items);
-            set(&AppState::btmUnavailable, !lastDump_, Property::btmUnavailable);
+            if (!items.error || !state_.loginItemsLoaded)
+                showLoginItems(std::move(items.rows), std::move(items.refusals));
+            set(&AppState::btmUnavailable, !items.hasDatabase, Property::btmUnavailable);
             set(&AppState::loginItemsLoaded, true, Property::loginItemsLoaded);
         });
     loadAgentDrift();
 }
 
-AppModel::LoginItems AppModel::readLoginItems() {
+// On the lane.
+AppModel::LoginItems AppModel::readLoginItems(bool showsSoFar) {
     showReading("Reading the LaunchAgents");
     LoginItems items;
-    items.system = deps_->reader.systemAgents();
+    std::vector<LaunchAgentRecord> user;
+    const std::vector<LaunchAgentRecord> system = deps_->reader.systemAgents();
     try {
-        items.user = deps_->reader.listUserAgents();
+        user = deps_->reader.listUserAgents();
     } catch (const std::exception& error) {
         items.error = error.what();  // the others are shown all the same
     }
-    const auto showSoFar = [this, &items] {
-        readings_.report([this, soFar = items] {
-            LoginItems shown = soFar;
-            shown.dump = lastDump_;
-            if (!state_.loginItemsLoaded) showLoginItems(shown);
+    const auto merge = [&](const std::optional<BTMDump>& dump) {
+        items.rows = LoginItemsMerger::merge(user, system, dump, deps_->machine.uid);
+        items.hasDatabase = dump.has_value();
+    };
+    const auto showSoFar = [&] {
+        if (!showsSoFar) return;
+        merge(std::nullopt);
+        readings_.report([this, rows = std::move(items.rows), refusals = items.refusals] {
+            if (!state_.loginItemsLoaded) showLoginItems(rows, refusals);
         });
     };
+    items.refusals = readRefusals(user);
     showSoFar();
-    for (std::size_t i = 0; i < items.user.size() && !readings_.isEnding(); ++i) {
-        showReading("Asking launchd about each LaunchAgent", i, items.user.size());
-        if (const auto& label = items.user[i].label())
-            items.user[i].loaded = deps_->reader.loadedState(*label);
+    for (std::size_t i = 0; i < user.size() && !readings_.isEnding(); ++i) {
+        showReading("Asking launchd about each LaunchAgent", i, user.size());
+        if (const auto& label = user[i].label()) user[i].loaded = deps_->reader.loadedState(*label);
     }
     showSoFar();
     showReading("Reading the background task database");
-    if (!readings_.isEnding()) items.dump = deps_->btmReader.dump();
+    merge(readings_.isEnding() ? std::nullopt : deps_->btmReader.dump());
     return items;
 }
 
-void AppModel::showLoginItems(const LoginItems& items) {
-    set(&AppState::loginItems,
-        LoginItemsMerger::merge(items.user, items.system, items.dump, deps_->machine.uid),
-        Property::loginItems);
+// On the lane: why some of these can't be switched, by their ids.
+std::map<std::string, std::string> AppModel::readRefusals(
+    const std::vector<LaunchAgentRecord>& agents) const {
+    std::map<std::string, std::string> refusals;
+    for (const LaunchAgentRecord& agent : agents) {
+        if (readings_.isEnding()) break;
+        try {
+            deps_->toggle.validate(agent);
+        } catch (const std::exception& error) {
+            refusals.emplace(agent.id(), error.what());
+        }
+    }
+    return refusals;
+}
+
+void AppModel::showLoginItems(std::vector<LoginItemRow> rows, std::map<std::string, std::string> refusals) {
+    if (state_.loginItems == rows && state_.switchRefusals == refusals) return;
+    state_.loginItems = std::move(rows);
+    state_.switchRefusals = std::move(refusals);
+    announce(Property::loginItems);
 }
 
 void AppModel::loadAgentDrift() {
@@ -69,13 +92,18 @@ void AppModel::loadAgentDrift() {
         });
 }
 
+// The overrides are asked for once: each answer tells those of every agent.
 std::vector<AgentDrift> AppModel::readAgentDrift() {
     std::vector<AgentDrift> drifted;
-    for (const JournalEntry& entry : deps_->journal->entries(EntryStatus::applied)) {
-        if (!entry.agent || readings_.isEnding()) continue;
+    std::vector<JournalEntry> switched = deps_->journal->entries(EntryStatus::applied);
+    std::erase_if(switched, [](const JournalEntry& entry) { return !entry.agent; });
+    if (switched.empty()) return drifted;
+    const AgentOverrides overrides = deps_->toggle.overrides();
+    for (std::size_t i = 0; i < switched.size() && !readings_.isEnding(); ++i) {
+        showReading("Asking launchd about what Brell switched", i, switched.size());
         try {
-            if (auto drift = agentDrift(entry, deps_->toggle.currentState(entry.agent->label)))
-                drifted.push_back(std::move(*drift));
+            const AgentState now = deps_->toggle.currentState(switched[i].agent->label, overrides);
+            if (auto drift = agentDrift(switched[i], now)) drifted.push_back(std::move(*drift));
         } catch (const std::exception&) {
             // Not known to have drifted; the page shows what launchd says of the others.
         }
@@ -83,7 +111,9 @@ std::vector<AgentDrift> AppModel::readAgentDrift() {
     return drifted;
 }
 
+// On the lane.
 void AppModel::showReading(std::string what, std::size_t done, std::size_t total) {
+    if (!readingPace_.isDue(what)) return;
     readings_.report([this, activity = Activity{std::move(what), done, total}] {
         set(&AppState::readingActivity, activity, Property::readingActivity);
     });
@@ -120,33 +150,45 @@ void AppModel::loadVolumes() {
 }
 
 void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
+    const std::set<std::string> asked(rowIDs.begin(), rowIDs.end());
+    std::vector<LaunchAgentRecord> agents;
+    for (const LoginItemRow& row : state_.loginItems)
+        if (row.record && asked.contains(row.id)) agents.push_back(*row.record);
+    runCounted(
+        questions_, questionsUnderWay_,
+        [this, agents = std::move(agents), turnOn] { return agentConfirm(agents, turnOn); },
+        [this](JobResult<AgentConfirmRequest> request) {
+            if (!request.value) return fail(request.error);
+            openAgentConfirm(std::move(*request.value));
+        });
+}
+
+// On the lane: reads the agents' job files.
+AgentConfirmRequest AppModel::agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) const {
     AgentConfirmRequest request{Uuid::random(), AgentConfirmRequest::Mode::single, "", {}, {}, {}, turnOn};
-    for (const LoginItemRow& row : state_.loginItems) {
-        if (!row.record || std::find(rowIDs.begin(), rowIDs.end(), row.id) == rowIDs.end()) continue;
+    for (const LaunchAgentRecord& agent : agents) {
+        if (questions_.isEnding()) break;
         try {
             const std::vector<std::string> commands =
-                turnOn ? deps_->toggle.previewOn(*row.record) : deps_->toggle.previewOff(*row.record);
+                turnOn ? deps_->toggle.previewOn(agent) : deps_->toggle.previewOff(agent);
             request.commands.insert(request.commands.end(), commands.begin(), commands.end());
-            request.agents.push_back(*row.record);
+            request.agents.push_back(agent);
         } catch (const std::exception& error) {
             request.refusals.push_back(error.what());
         }
     }
+    return request;
+}
+
+void AppModel::openAgentConfirm(AgentConfirmRequest request) {
     if (request.agents.empty())
         return fail(request.refusals.empty() ? "This item cannot be changed here."
                                              : request.refusals.front());
     if (request.agents.size() > 1) request.mode = AgentConfirmRequest::Mode::all;
-    request.title = std::string(turnOn ? "Turn on " : "Turn off ") +
+    request.title = std::string(request.turningOn ? "Turn on " : "Turn off ") +
                     (request.agents.size() == 1 ? request.agents.front().label().value_or("")
                                                 : std::to_string(request.agents.size()) + " items");
     set(&AppState::agentConfirm, std::move(request), Property::agentConfirm);
-}
-
-std::optional<std::string> AppModel::whyNotSwitched(const LaunchAgentRecord& agent) const try {
-    deps_->toggle.validate(agent);
-    return std::nullopt;
-} catch (const std::exception& error) {
-    return error.what();
 }
 
 void AppModel::cancelAgents() {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 
 namespace brell {
@@ -29,14 +29,19 @@ std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
 UndoProof proofOf(const std::vector<JournalEntry>& restored, const std::vector<JournalEntry>& made,
                   PreferenceStore& store) {
     UndoProof proof;
+    std::set<std::string_view> changedAnew;
+    for (const JournalEntry& entry : made) changedAnew.insert(entry.tweakID);
     for (const JournalEntry& entry : restored) {
-        const bool changedAnew = std::any_of(made.begin(), made.end(), [&](const JournalEntry& other) {
-            return other.tweakID == entry.tweakID;
-        });
-        if (changedAnew) continue;
+        if (changedAnew.contains(entry.tweakID)) continue;
         for (KeyProof& key : proveUndo(entry, store)) proof.push_back(std::move(key));
     }
     return proof;
+}
+
+std::string alreadyBackText(const std::vector<std::string>& names) {
+    std::vector<std::string> sentences;
+    for (const std::string& name : names) sentences.push_back(name + " was already back as it was.");
+    return sentences.empty() ? std::string() : " " + firstOf(sentences, " ");
 }
 
 bool nothingIsStored(const Tweak& tweak, PreferenceStore& store) {
@@ -242,8 +247,8 @@ AppModel::Change AppModel::carriedOut(const Job& job) const {
     const UndoProof proof = proofOf(change.restored, change.made, deps_->store);
     if (!proof.empty()) change.proof = sentence(proof);
     change.isProved = std::all_of(proof.begin(), proof.end(), std::mem_fn(&KeyProof::isAsBefore));
-    for (const std::string& name : change.alreadyBack)
-        change.proof += " " + name + " was already back as it was.";
+    change.proof += alreadyBackText(change.alreadyBack);
+    readDrift(change);
     for (const auto* entries : {&change.restored, &change.made})
         for (const JournalEntry& entry : *entries)
             if (const Tweak* tweak = catalog().tweak(entry.tweakID))
@@ -252,7 +257,17 @@ AppModel::Change AppModel::carriedOut(const Job& job) const {
     return change;
 }
 
+// On the lane: what the keys hold that are asked for.
+void AppModel::readDrift(Change& change) const try {
+    if (change.drifted.empty()) return;
+    for (const JournalEntry& entry : deps_->journal->entries(change.drifted))
+        change.driftedNow.push_back(driftedEntry(entry, deps_->store));
+} catch (const JournalError& error) {
+    change.failures.push_back(error.what());
+}
+
 void AppModel::reportProgress(std::string what, std::size_t done, std::size_t total) {
+    if (!changePace_.isDue(what)) return;
     changes_.report([this, activity = Activity{std::move(what), done, total}] {
         set(&AppState::changeActivity, activity, Property::changeActivity);
     });
@@ -266,26 +281,23 @@ void AppModel::finishChange(const JobResult<Change>& result, const std::optional
         set(&AppState::recoveryFailures, *change.recoveryFailures, Property::recoveryFailures);
     if (changesUnderWay_ == 0) set(&AppState::changeActivity, std::nullopt, Property::changeActivity);
     if (!result.value) fail(result.error);
-    if (!change.failures.empty()) fail(join(change.failures, " "));
+    if (!change.failures.empty()) fail(firstOf(change.failures, " "));
     noteForUndo(change);
     notePendingRelaunches(change);
     showProof(change);
     if (!change.report.empty()) set(&AppState::presetReport, change.report, Property::presetReport);
     refreshAll();
     if (change.agentsTouched) loadLoginItems();
-    if (!change.drifted.empty())
-        openDrift(change.drifted.size() == 1 ? DriftRequest::Mode::tweak : DriftRequest::Mode::several,
-                  change.drifted, {}, ifDrifted, change.undo != Undo::none);
+    if (!change.driftedNow.empty()) openDrift(change, ifDrifted);
     if (change.undo == Undo::untilTheRest && change.failures.empty() && change.drifted.empty()) undoLast();
 }
 
 // What was put back is interrupted no more, and is not to be asked for until the next look at everything.
 void AppModel::dropInterrupted(const std::vector<JournalEntry>& restored) {
+    const std::vector<Uuid> ids = idsOf(restored);
+    const std::set<Uuid> back(ids.begin(), ids.end());
     std::vector<JournalEntry> left = state_.interrupted;
-    std::erase_if(left, [&](const JournalEntry& entry) {
-        return std::any_of(restored.begin(), restored.end(),
-                           [&](const JournalEntry& one) { return one.id == entry.id; });
-    });
+    std::erase_if(left, [&](const JournalEntry& entry) { return back.contains(entry.id); });
     set(&AppState::interrupted, std::move(left), Property::interrupted);
 }
 
@@ -300,9 +312,10 @@ void AppModel::showProof(const Change& change) {
 void AppModel::noteForUndo(const Change& change) {
     if (change.recoveryFailures) return;
     std::vector<SessionChange> stack = state_.undoStack;
+    const std::map<Uuid, Uuid> remade(change.remade.begin(), change.remade.end());
     for (SessionChange& action : stack)
-        for (const auto& [old, fresh] : change.remade)
-            std::replace(action.made.begin(), action.made.end(), old, fresh);
+        for (Uuid& id : action.made)
+            if (const auto fresh = remade.find(id); fresh != remade.end()) id = fresh->second;
     const bool isFinished = change.drifted.empty() && change.failures.empty();
     if (change.undo == Undo::whole && isFinished && !stack.empty()) stack.pop_back();
     if (change.undo == Undo::none && !(change.made.empty() && change.restored.empty()))

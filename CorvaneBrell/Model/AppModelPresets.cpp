@@ -1,5 +1,7 @@
 // Presets: shown with what each of their tweaks would change, then applied.
 
+#include <stdexcept>
+
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/AppModel.h"
@@ -23,15 +25,22 @@ void AppModel::askPreset(const Preset& preset) {
         Property::presetRequest);
 }
 
-void AppModel::importPreset(const fs::path& file) try {
-    const auto contents = readFile(file, mostPresetBytes);
-    if (!contents) return fail("There is no file " + file.string() + ".");
-    const DecodedPreset decoded = PresetFile::decode(contents->bytes, catalog());
-    PresetPlan plan = planPreset(decoded.preset, presetSurroundings());
-    plan.unknown.insert(plan.unknown.end(), decoded.unknown.begin(), decoded.unknown.end());
-    set(&AppState::presetRequest, PresetRequest{Uuid::random(), std::move(plan)}, Property::presetRequest);
-} catch (const std::exception& error) {
-    fail(error.what());
+void AppModel::importPreset(const fs::path& file) {
+    runCounted(
+        questions_, questionsUnderWay_,
+        [this, file] {
+            const auto contents = readFile(file, mostPresetBytes);
+            if (!contents) throw std::runtime_error("There is no file " + file.string() + ".");
+            return PresetFile::decode(contents->bytes, catalog());
+        },
+        [this](const JobResult<DecodedPreset>& decoded) {
+            if (!decoded.value) return fail(decoded.error);
+            PresetPlan plan = planPreset(decoded.value->preset, presetSurroundings());
+            plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(),
+                                decoded.value->unknown.end());
+            set(&AppState::presetRequest, PresetRequest{Uuid::random(), std::move(plan)},
+                Property::presetRequest);
+        });
 }
 
 void AppModel::cancelPreset() {

@@ -15,10 +15,13 @@ void append(const std::vector<std::string>& more, std::vector<std::string>& line
     lines.insert(lines.end(), more.begin(), more.end());
 }
 
-bool holdsAgent(const std::vector<JournalEntry>& entries, const std::vector<Uuid>& ids) {
-    return std::any_of(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
-        return entry.agent && std::find(ids.begin(), ids.end(), entry.id) != ids.end();
-    });
+std::string restoringText(std::size_t changes) {
+    return changes == 1 ? "Restoring a change" : "Restoring changes";
+}
+
+bool holdsAgent(const std::vector<JournalEntry>& entries) {
+    return std::any_of(entries.begin(), entries.end(),
+                       [](const JournalEntry& entry) { return entry.agent.has_value(); });
 }
 
 }  // namespace
@@ -80,31 +83,32 @@ void AppModel::confirmRestore() {
     if (!state_.restoreRequest) return;
     const std::vector<Uuid> asked = state_.restoreRequest->entries;
     cancelRestore();
-    std::vector<Uuid> drifted, others;
-    for (const JournalEntry& entry : state_.entries) {
-        if (std::find(asked.begin(), asked.end(), entry.id) == asked.end()) continue;
-        const bool asks = entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
-                          !isAlreadyBack(entry, deps_->store) && hasDrifted(entry, deps_->store);
-        (asks ? drifted : others).push_back(entry.id);
-    }
-    if (drifted.empty()) return restoreBeside(others, {}, std::nullopt, Undo::none);
-    openDrift(asked.size() == 1 ? DriftRequest::Mode::restoreEntry : DriftRequest::Mode::several, drifted,
-              others, std::nullopt, false);
+    const std::string what = restoringText(asked.size());
+    change(what, {}, [this, what, asked] {
+        const std::vector<JournalEntry> entries = deps_->journal->entries(asked);
+        Change made;
+        for (const JournalEntry& entry : entries)
+            (asksForDrift(entry) ? made.drifted : made.others).push_back(entry.id);
+        if (made.drifted.empty()) return restored(what, entries, {});
+        made.driftMode = asked.size() == 1 ? DriftRequest::Mode::restoreEntry : DriftRequest::Mode::several;
+        return made;
+    });
 }
 
-void AppModel::openDrift(DriftRequest::Mode mode, const std::vector<Uuid>& drifted, std::vector<Uuid> others,
-                         const std::optional<PendingApply>& pending, bool isUndo) try {
+bool AppModel::asksForDrift(const JournalEntry& entry) const {
+    return entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
+           !isAlreadyBack(entry, deps_->store) && hasDrifted(entry, deps_->store);
+}
+
+void AppModel::openDrift(const Change& change, const std::optional<PendingApply>& pending) {
     // The open request is answered first; what is asked for now can be asked for again.
-    if (state_.driftRequest) return fail(describe(EngineFailure(Drift{drifted.front()})));
-    DriftRequest request{Uuid::random(), mode, {}, std::move(others)};
-    for (const Uuid& id : drifted)
-        if (const auto entry = deps_->journal->entry(id))
-            request.entries.push_back(driftedEntry(*entry, deps_->store));
-    driftIsUndo_ = isUndo;
+    if (state_.driftRequest) return fail(describe(EngineFailure(Drift{change.drifted.front()})));
+    DriftRequest request{Uuid::random(),
+                         change.driftedNow.size() == 1 ? change.driftMode : DriftRequest::Mode::several,
+                         change.driftedNow, change.others};
+    driftIsUndo_ = change.undo != Undo::none;
     set(&AppState::pendingAfterDrift, pending, Property::pendingAfterDrift);
     set(&AppState::driftRequest, std::move(request), Property::driftRequest);
-} catch (const JournalError& error) {
-    fail(error.what());
 }
 
 void AppModel::cancelDrift() {
@@ -125,55 +129,60 @@ void AppModel::confirmDrift(const std::set<Uuid>& ticked) {
     if (!entries.empty()) restoreBeside(std::move(entries), ticked, pending, undo);
 }
 
-void AppModel::restoreBeside(std::vector<Uuid> entries, std::set<Uuid> confirmed,
+void AppModel::restoreBeside(std::vector<Uuid> ids, std::set<Uuid> confirmed,
                              const std::optional<PendingApply>& then, Undo undo) {
-    const std::string what = entries.size() == 1 ? "Restoring a change" : "Restoring changes";
-    const bool agents = holdsAgent(state_.entries, entries);
-    change(what, {},
-           [this, what, agents, entries = std::move(entries), confirmed = std::move(confirmed), then, undo] {
-               Change made;
-               made.name = then ? then->tweak.title : "restoring";
-               made.undo = undo;
-               made.leadsToOriginals = then.has_value();
-               made.agentsTouched = agents;
-               std::set<Uuid> overridden = confirmed;
-               for (const Uuid& id : entries) {
-                   const auto entry = deps_->journal->entry(id);
-                   if (!entry) continue;
-                   if (entries.size() == 1) made.name = nameOf(*entry);
-                   if (!isAlreadyBack(*entry, deps_->store)) continue;
-                   overridden.insert(id);
-                   made.alreadyBack.push_back(nameOf(*entry));
-               }
-               const RestoreAllOutcome outcome = deps_->engine.restoreSelected(
-                   entries, overridden, [&](std::size_t done, std::size_t total) {
-                       reportProgress(what, done, total);
-                       return !changes_.isEnding();
-                   });
-               for (const Uuid& id : outcome.restored)
-                   if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
-               for (const auto& [id, message] : outcome.failed) made.failures.push_back(message);
-               made.drifted = outcome.skippedDrifted;
-               if (!then || !made.failures.empty() || !made.drifted.empty()) return made;
-               try {
-                   if (auto entry = carryOut(*then)) made.made.push_back(*std::move(entry));
-               } catch (const EngineError& error) {
-                   made.failures.push_back(error.what());
-               }
-               return made;
-           });
+    const std::string what = restoringText(ids.size());
+    change(what, {}, [this, what, ids = std::move(ids), confirmed = std::move(confirmed), then, undo] {
+        Change made = restored(what, deps_->journal->entries(ids), confirmed);
+        if (then) made.name = then->tweak.title;
+        made.undo = undo;
+        made.leadsToOriginals = then.has_value();
+        if (!then || !made.failures.empty() || !made.drifted.empty()) return made;
+        try {
+            if (auto entry = carryOut(*then)) made.made.push_back(*std::move(entry));
+        } catch (const EngineError& error) {
+            made.failures.push_back(error.what());
+        }
+        return made;
+    });
+}
+
+// On the lane: restores these, those that drifted only when they are confirmed or already back.
+AppModel::Change AppModel::restored(const std::string& what, const std::vector<JournalEntry>& entries,
+                                    std::set<Uuid> confirmed) {
+    Change made;
+    made.name = entries.size() == 1 ? nameOf(entries.front()) : "restoring";
+    made.agentsTouched = holdsAgent(entries);
+    std::vector<Uuid> ids;
+    for (const JournalEntry& entry : entries) {
+        ids.push_back(entry.id);
+        if (!isAlreadyBack(entry, deps_->store)) continue;
+        confirmed.insert(entry.id);
+        made.alreadyBack.push_back(nameOf(entry));
+    }
+    const RestoreAllOutcome outcome =
+        deps_->engine.restoreSelected(ids, confirmed, [&](std::size_t done, std::size_t total) {
+            reportProgress(what, done, total);
+            return !changes_.isEnding();
+        });
+    made.restored = deps_->journal->entries(outcome.restored);
+    for (const auto& [id, message] : outcome.failed) made.failures.push_back(message);
+    made.drifted = outcome.skippedDrifted;
+    return made;
 }
 
 void AppModel::recover() {
-    const bool agents = std::any_of(state_.interrupted.begin(), state_.interrupted.end(),
-                                    [](const JournalEntry& entry) { return entry.agent.has_value(); });
-    change("Restoring interrupted changes", {}, [this, agents] {
+    const std::string what = "Restoring interrupted changes";
+    change(what, {}, [this, what, agents = holdsAgent(state_.interrupted)] {
         Change made;
         made.agentsTouched = agents;
         made.recoveryFailures.emplace();
-        const RestoreAllOutcome outcome = deps_->engine.recoverInterrupted();
-        for (const Uuid& id : outcome.restored)
-            if (auto entry = deps_->journal->entry(id)) made.restored.push_back(std::move(*entry));
+        const RestoreAllOutcome outcome =
+            deps_->engine.recoverInterrupted([&](std::size_t done, std::size_t total) {
+                reportProgress(what, done, total);
+                return !changes_.isEnding();
+            });
+        made.restored = deps_->journal->entries(outcome.restored);
         for (const auto& [id, message] : outcome.failed) made.recoveryFailures->push_back(message);
         return made;
     });

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -9,9 +11,9 @@
 
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Engine/TweakEngine.h"
-#include "BrellCore/Journal/History.h"
 #include "BrellCore/Review/Spotlight.h"
 #include "CorvaneBrell/Model/DriftLine.h"
+#include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Model/PresetPlan.h"
 #include "CorvaneBrell/Model/Relauncher.h"
 #include "CorvaneBrell/Model/Screen.h"
@@ -120,7 +122,7 @@ enum class Property {
     entries,
     drifted,
     history,
-    loginItems,
+    loginItems,  // and why some can't be switched
     loginItemsLoaded,
     btmUnavailable,
     agentConfirm,
@@ -134,6 +136,7 @@ enum class Property {
     undoStack,
     relaunchActivity,
     changeActivity,
+    lookActivity,
     readingActivity
 };
 
@@ -155,8 +158,10 @@ struct AppState {
     std::optional<DriftRequest> driftRequest;
     std::vector<JournalEntry> entries;  // newest first
     std::vector<DriftedEntry> drifted;  // active changes whose keys others changed since
-    std::vector<HistoryLine> history;   // oldest first
+    // What the history tells, newest first; the same object while that is the same. Never nullptr.
+    std::shared_ptr<const std::vector<ToldLine>> history = std::make_shared<std::vector<ToldLine>>();
     std::vector<LoginItemRow> loginItems;
+    std::map<std::string, std::string> switchRefusals;  // why the user's own can't be, by their records' ids
     bool loginItemsLoaded = false;
     bool btmUnavailable = false;
     std::optional<AgentConfirmRequest> agentConfirm;
@@ -171,7 +176,8 @@ struct AppState {
     std::vector<SessionChange> undoStack;   // the last one is undone first
     std::optional<Activity> relaunchActivity;
     std::optional<Activity> changeActivity;
-    std::optional<Activity> readingActivity;
+    std::optional<Activity> lookActivity;     // at preferences, journal and files; saving, too
+    std::optional<Activity> readingActivity;  // with the system's tools
 };
 
 }  // namespace brell

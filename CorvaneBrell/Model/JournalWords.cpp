@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "CorvaneBrell/Model/EntryText.h"
+
 namespace brell::JournalWords {
 
 namespace {
@@ -55,16 +57,16 @@ std::string event(const HistoryLine& line) {
     return "Restored";
 }
 
-std::vector<std::size_t> tellingLines(const std::vector<HistoryLine>& history) {
-    std::vector<std::size_t> places;
+std::vector<ToldLine> told(const std::vector<HistoryLine>& history, const TweakCatalog& catalog) {
+    std::vector<ToldLine> lines;
     std::map<Uuid, const HistoryLine*> next;
-    for (std::size_t place = history.size(); place-- > 0;) {
-        const HistoryLine& line = history[place];
-        const HistoryLine*& later = next[line.entry.id];
-        if (line.event != EntryStatus::capturing || isInterruption(line, later)) places.push_back(place);
-        later = &line;
+    for (auto line = history.rbegin(); line != history.rend(); ++line) {
+        const HistoryLine*& later = next[line->entry.id];
+        if (line->event != EntryStatus::capturing || isInterruption(*line, later))
+            lines.push_back({line->at, line->event, entryTitle(line->entry, catalog), event(*line)});
+        later = &*line;
     }
-    return places;
+    return lines;
 }
 
 }  // namespace brell::JournalWords

@@ -1,13 +1,22 @@
 // What the journal page says about changes: what was done, where the way back leads, what became of them.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Journal/History.h"
 
 namespace brell {
+
+// A line of the history, as far as it is told: there may be a hundred thousand.
+struct ToldLine {
+    TimeStamp at;
+    EntryStatus event;
+    std::string title;  // of what was changed
+    std::string words;  // what became of it
+    bool operator==(const ToldLine&) const = default;
+};
 
 namespace JournalWords {
 
@@ -20,9 +29,9 @@ std::string wayBack(const JournalEntry& entry);
 // "Applied", "Restored", "Failed: reason", "Interrupted".
 std::string event(const HistoryLine& line);
 
-// The places of the lines that tell something, newest first. The beginning of a change that came to its end
-// says nothing that its end does not.
-std::vector<std::size_t> tellingLines(const std::vector<HistoryLine>& history);
+// The lines that tell something, newest first. The beginning of a change that came to its end says nothing
+// that its end does not.
+std::vector<ToldLine> told(const std::vector<HistoryLine>& history, const TweakCatalog& catalog);
 
 }  // namespace JournalWords
 

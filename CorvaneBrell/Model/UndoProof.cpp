@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "CorvaneBrell/Model/NoticeText.h"
+
 namespace brell {
 
 namespace {
@@ -36,9 +38,10 @@ std::string sentence(const UndoProof& proof) {
     std::string text = proof.size() == 1
                            ? fmt::format("{} of 1 key is exactly as before.", asBefore)
                            : fmt::format("{} of {} keys are exactly as before.", asBefore, proof.size());
+    std::vector<std::string> differences{std::move(text)};
     for (const KeyProof& key : proof)
-        if (!key.isAsBefore()) text += " " + difference(key);
-    return text;
+        if (!key.isAsBefore()) differences.push_back(difference(key));
+    return firstOf(differences, " ");
 }
 
 bool isAlreadyBack(const JournalEntry& entry, PreferenceStore& store) {

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QPlainTextEdit>
+#include <QPointer>
 
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/RestoreScript.h"
@@ -42,21 +43,8 @@ QPlainTextEdit* scriptView(const QString& script) {
     return view;
 }
 
-}  // namespace
-
-void FileActions::saveReport(AppModel& model, QWidget* over) {
-    askWhere(model, over, QObject::tr("Save Report"), Report::fileName, &AppModel::saveReport);
-}
-
-void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
-    askWhere(model, over, QObject::tr("Save Restore Script"), RestoreScript::exportName,
-             &AppModel::saveRestoreScript);
-}
-
-void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
-    const QString script = qt(model.restoreScriptText());
-    if (script.isEmpty()) return;  // the model says why
-    auto* window = new QDialog(over->window());
+void showScript(const QString& script, QWidget* over) {
+    auto* window = new QDialog(over);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowTitle(QObject::tr("Restore Script"));
     auto* column = new QVBoxLayout(window);
@@ -74,6 +62,24 @@ void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
     column->addLayout(buttons);
     window->resize(680, 480);
     window->show();
+}
+
+}  // namespace
+
+void FileActions::saveReport(AppModel& model, QWidget* over) {
+    askWhere(model, over, QObject::tr("Save Report"), Report::fileName, &AppModel::saveReport);
+}
+
+void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
+    askWhere(model, over, QObject::tr("Save Restore Script"), RestoreScript::exportName,
+             &AppModel::saveRestoreScript);
+}
+
+void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
+    const QPointer<QWidget> window = over->window();
+    model.makeRestoreScript([window](const std::string& script) {
+        if (window) showScript(qt(script), window);
+    });
 }
 
 }  // namespace brell

@@ -1,7 +1,5 @@
 #include "CorvaneBrell/Window/HistoryList.h"
 
-#include "CorvaneBrell/Model/EntryText.h"
-#include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -38,33 +36,25 @@ HistoryList::HistoryList(AppModel& model, QWidget* parent)
 }
 
 void HistoryList::refresh() {
-    telling_ = JournalWords::tellingLines(model_.state().history);
-    nothing_->setVisible(telling_.empty());
+    nothing_->setVisible(model_.state().history->empty());
     showFirst();
 }
 
 void HistoryList::showFirst() {
+    const std::vector<ToldLine>& history = *model_.state().history;
     std::vector<HistoryEvent> events;
     QString day;
-    const std::size_t shown = std::min(telling_.size(), events_->limit());
+    const std::size_t shown = std::min(history.size(), events_->limit());
     for (std::size_t i = 0; i < shown; ++i) {
-        const std::size_t place = telling_[i];
-        const QString itsDay = dayText(model_.state().history[place].at);
-        HistoryEvent event = eventAt(place);
-        if (itsDay != day) events.push_back({"day above " + event.key, itsDay, {}, {}, event.event});
+        const ToldLine& line = history[i];
+        const QString itsDay = dayText(line.at);
+        const std::string key = std::to_string(history.size() - i);  // the same when newer ones come
+        if (itsDay != day) events.push_back({"day above " + key, itsDay, {}, {}, line.event});
         day = itsDay;
-        events.push_back(std::move(event));
+        events.push_back(
+            {key, {}, clockText(line.at), tr("%1 · %2").arg(qt(line.title), qt(line.words)), line.event});
     }
-    events_->setRecords(events, events.size() + telling_.size() - shown);
-}
-
-HistoryEvent HistoryList::eventAt(std::size_t place) const {
-    const HistoryLine& line = model_.state().history[place];
-    return {std::to_string(place),
-            {},
-            clockText(line.at),
-            tr("%1 · %2").arg(qt(entryTitle(line.entry, model_.catalog())), qt(JournalWords::event(line))),
-            line.event};
+    events_->setRecords(events, events.size() + history.size() - shown);
 }
 
 }  // namespace brell

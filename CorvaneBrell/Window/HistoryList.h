@@ -17,13 +17,11 @@ public:
 
 private:
     void showFirst();
-    HistoryEvent eventAt(std::size_t place) const;
 
     AppModel& model_;
     ChoiceBox* range_;
     Paragraph* nothing_;
     RecordList<HistoryRow>* events_;
-    std::vector<std::size_t> telling_;  // places in the model's history, newest first
 };
 
 }  // namespace brell

@@ -40,6 +40,8 @@ HistoryRow::HistoryRow(QWidget* parent)
 }
 
 void HistoryRow::setRecord(const Record& record) {
+    if (record_ == record) return;
+    record_ = record;
     const bool isDay = !record.day.isEmpty();
     const Sign sign = signOf(record.event);
     symbol_->setSymbol(sign.symbol, sign.tone);

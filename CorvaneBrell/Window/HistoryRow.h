@@ -1,6 +1,8 @@
 // One line of the history, or the day that the lines below it belong to.
 #pragma once
 
+#include <optional>
+
 #include "BrellCore/Journal/History.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/Symbol.h"
@@ -13,6 +15,7 @@ struct HistoryEvent {
     QString clock;
     QString words;
     EntryStatus event;
+    bool operator==(const HistoryEvent&) const = default;
 };
 
 class HistoryRow final : public QWidget {
@@ -25,6 +28,7 @@ public:
     void setRecord(const Record& record);
 
 private:
+    std::optional<Record> record_;
     SymbolView* symbol_;
     Paragraph* clock_;
     Paragraph* day_;

@@ -12,6 +12,7 @@
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/HistoryList.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/ReadingLine.h"
 
 namespace brell {
 
@@ -24,13 +25,6 @@ bool concernsChanges(const Changes& changed) {
                        [&](Property property) { return changed.contains(property); });
 }
 
-std::vector<JournalEntry> activeOf(const std::vector<JournalEntry>& entries) {
-    std::vector<JournalEntry> active;
-    std::copy_if(entries.begin(), entries.end(), std::back_inserter(active),
-                 [](const JournalEntry& entry) { return entry.isActive(); });
-    return active;
-}
-
 }  // namespace
 
 JournalPage::JournalPage(AppModel& model, QWidget* parent)
@@ -38,6 +32,7 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
       model_(model),
       restoreAll_(actionButton(tr("Restore All"), "arrow.uturn.backward")),
       summary_(new Paragraph),
+      reading_(new ReadingLine),
       proof_(new QVBoxLayout),
       drifted_(new RecordList<DriftedChangeRow>({},
                                                 [this] {
@@ -58,6 +53,7 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
     connect(drifted_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
     tools()->addWidget(restoreAll_);
     content()->addWidget(summary_);
+    content()->addWidget(reading_);
     content()->addLayout(proof_);
     for (QWidget* part : std::initializer_list<QWidget*>{driftSection_, active_, files_, history_})
         content()->addWidget(part);
@@ -109,6 +105,7 @@ QWidget* JournalPage::fileActions() {
 void JournalPage::refresh(const Changes& changed) {
     if (!asked_) model_.loadAgentDrift();
     asked_ = true;
+    reading_->setActivity(model_.state().readingActivity);
     if (changed.contains(Property::undoProof)) showProof();
     if (concernsChanges(changed)) showChanges();
     if (changed.contains(Property::history)) history_->refresh();
@@ -126,13 +123,10 @@ void JournalPage::showProof() {
 }
 
 void JournalPage::showChanges() {
-    std::vector<DriftedChange> drifted = driftedChanges();
-    std::set<Uuid> driftedIDs;
-    for (const DriftedChange& change : drifted) driftedIDs.insert(change.entry.id);
     const bool isAnyActive = model_.changedCount(Screen::journal) > 0;
-    showDrifted(std::move(drifted));
-    showActive(driftedIDs);
-    showSummary(driftedIDs.size());
+    const std::set<Uuid> drifted = showDrifted();
+    showActive(drifted);
+    showSummary(drifted.size());
     restoreAll_->setEnabled(isAnyActive && !isLocked());
     copyCommands_->setEnabled(isAnyActive);
     // What a throw-away journal has to say is not asked for.
@@ -159,15 +153,18 @@ void JournalPage::showSummary(std::size_t drifted) {
 }
 
 // What is restored already stays in the list of drifted agents until they are read again.
-std::vector<DriftedChange> JournalPage::driftedChanges() const {
+std::vector<const AgentDrift*> JournalPage::driftedAgents() const {
     const AppState& state = model_.state();
-    std::vector<DriftedChange> changes;
-    for (const DriftedEntry& drifted : state.drifted)
-        changes.push_back(driftedChange(drifted.entry, drifted.lines));
+    std::vector<const AgentDrift*> drifted;
+    if (state.driftedAgents.empty()) return drifted;
+    std::map<Uuid, const JournalEntry*> active;
+    for (const JournalEntry& entry : state.entries)
+        if (entry.isActive()) active.emplace(entry.id, &entry);
     for (const AgentDrift& agent : state.driftedAgents)
-        if (std::find(state.entries.begin(), state.entries.end(), agent.entry) != state.entries.end())
-            changes.push_back(driftedChange(agent.entry, {agent.line}));
-    return changes;
+        if (const auto entry = active.find(agent.entry.id);
+            entry != active.end() && *entry->second == agent.entry)
+            drifted.push_back(&agent);
+    return drifted;
 }
 
 DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const {
@@ -175,27 +172,36 @@ DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<
             madeOnAnotherMacOS(entry, model_.macOSVersion()), isLocked()};
 }
 
-void JournalPage::showDrifted(std::vector<DriftedChange> drifted) {
-    const std::size_t all = drifted.size();
-    const std::size_t shown = std::min(all, drifted_->limit());
-    drifted.erase(drifted.begin() + static_cast<std::ptrdiff_t>(shown), drifted.end());
-    drifted_->setRecords(drifted, all);
-    driftSection_->setVisible(all > 0);
+// Gives the identifiers of all that drifted, also of those that are not shown yet.
+std::set<Uuid> JournalPage::showDrifted() {
+    std::set<Uuid> ids;
+    std::vector<DriftedChange> first;
+    const auto show = [&](const JournalEntry& entry, const std::vector<std::string>& lines) {
+        if (ids.insert(entry.id).second && ids.size() <= drifted_->limit())
+            first.push_back(driftedChange(entry, lines));
+    };
+    for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
+    for (const AgentDrift* agent : driftedAgents()) show(agent->entry, {agent->line});
+    drifted_->setRecords(first, ids.size());
+    driftSection_->setVisible(!ids.empty());
     showTicks();
+    return ids;
 }
 
 void JournalPage::showActive(const std::set<Uuid>& drifted) {
     const AppState& state = model_.state();
     std::set<Uuid> interrupted;
     for (const JournalEntry& entry : state.interrupted) interrupted.insert(entry.id);
-    const std::vector<JournalEntry> active = activeOf(state.entries);
     std::vector<ActiveChange> shown;
     std::size_t all = 0;
-    for (const JournalEntry& entry : active) {
-        if (drifted.contains(entry.id) || all++ >= active_->limit()) continue;
-        shown.push_back({entry, entryTitle(entry, model_.catalog()),
-                         madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
-                         entry.id == active.front().id, isLocked()});
+    bool isNewest = true;
+    for (const JournalEntry& entry : state.entries) {
+        if (!entry.isActive()) continue;
+        if (!drifted.contains(entry.id) && all++ < active_->limit())
+            shown.push_back({entry, entryTitle(entry, model_.catalog()),
+                             madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
+                             isNewest, isLocked()});
+        isNewest = false;
     }
     active_->setRecords(shown, all);
 }
@@ -215,8 +221,10 @@ void JournalPage::showTicks() {
 }
 
 QString JournalPage::terminalCommands() const {
-    std::vector<JournalEntry> oldestFirst = activeOf(model_.state().entries);
-    std::reverse(oldestFirst.begin(), oldestFirst.end());
+    std::vector<JournalEntry> oldestFirst;
+    const std::vector<JournalEntry>& entries = model_.state().entries;
+    std::copy_if(entries.rbegin(), entries.rend(), std::back_inserter(oldestFirst),
+                 [](const JournalEntry& entry) { return entry.isActive(); });
     return qt(TerminalCommands::making(oldestFirst, model_.catalog()));
 }
 

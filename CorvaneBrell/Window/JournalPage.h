@@ -11,6 +11,7 @@
 namespace brell {
 
 class HistoryList;
+class ReadingLine;
 
 class JournalPage final : public Page {
     Q_OBJECT
@@ -24,12 +25,12 @@ private:
     QWidget* fileActions();
     void showProof();
     void showChanges();
-    void showDrifted(std::vector<DriftedChange> drifted);
+    std::set<Uuid> showDrifted();
     void showActive(const std::set<Uuid>& drifted);
     void showSummary(std::size_t drifted);
     void showTicks();
     DriftedChange driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const;
-    std::vector<DriftedChange> driftedChanges() const;
+    std::vector<const AgentDrift*> driftedAgents() const;
     bool isLocked() const { return model_.state().startupError.has_value(); }  // nothing can be changed
     std::vector<Uuid> ticked() const;
     QString terminalCommands() const;
@@ -39,6 +40,7 @@ private:
     QPushButton* restoreAll_;
     QPushButton* copyCommands_ = nullptr;
     Paragraph* summary_;
+    ReadingLine* reading_;
     QVBoxLayout* proof_;
     QWidget* proofLine_ = nullptr;
     RecordList<DriftedChangeRow>* drifted_;

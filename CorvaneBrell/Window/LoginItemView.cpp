@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/LoginItemView.h"
 
+#include <QApplication>
 #include <QPushButton>
 
 #include "CorvaneBrell/Model/JournalWords.h"
@@ -41,6 +42,7 @@ std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
     if (row.explanation.isUpdater)
         notices.push_back(
             {QObject::tr("Updates or security: turning it off costs protection"), "lock", Tone::plain, {}});
+    if (item.refusal) notices.push_back({qt(*item.refusal), "lock", Tone::plain, {}});
     return notices;
 }
 
@@ -88,19 +90,21 @@ LoginItemView::LoginItemView(AppModel& model, QWidget* parent) : Row({}, parent)
 }
 
 void LoginItemView::setRecord(const Record& record) {
+    setObjectName(qt(record.row.id));
     if (record_ == record) return;
     record_ = record;
-    setObjectName(qt(record.row.id));
     setTitle(qt(record.row.title));
     setWhat(qt(record.row.subtitle));
     setBadges(badgesOf(record));
     const bool isOffered = record.row.badge == LoginItemBadge::toggleable;
-    const auto refusal = isOffered ? model_.whyNotSwitched(*record.row.record) : std::nullopt;
-    std::vector<RowBadge> notices = noticesOf(record);
-    if (refusal) notices.push_back({qt(*refusal), "lock", Tone::plain, {}});
-    setNotices(notices);
-    showSwitch(isOffered, !refusal && !record.isLocked);
+    setNotices(noticesOf(record));
+    showSwitch(isOffered, !record.refusal && !record.isLocked);
     if (detailsColumn_) fillDetails();
+}
+
+// Not what the user is at.
+bool LoginItemView::canShowAnother() const {
+    return !details() && !isAncestorOf(QApplication::focusWidget());
 }
 
 void LoginItemView::showSwitch(bool isOffered, bool canSwitch) {

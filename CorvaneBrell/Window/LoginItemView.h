@@ -16,6 +16,7 @@ struct ShownLoginItem {
     LoginItemRow row;
     std::optional<JournalEntry> change;  // ours, while it is active
     std::optional<std::string> drift;    // what somebody did to it since
+    std::optional<std::string> refusal;  // why it can't be switched
     bool isLocked;                       // nothing can be changed at all
     bool operator==(const ShownLoginItem&) const = default;
 };
@@ -29,6 +30,7 @@ public:
     explicit LoginItemView(AppModel& model, QWidget* parent = nullptr);
     static const std::string& keyOf(const Record& record) { return record.row.id; }
     void setRecord(const Record& record);
+    bool canShowAnother() const;
 
 private:
     void showSwitch(bool isOffered, bool canSwitch);

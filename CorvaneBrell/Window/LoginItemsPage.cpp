@@ -65,44 +65,61 @@ void LoginItemsPage::refresh(const Changes& changed) {
     asked_ = true;
     reading_->setActivity(model_.state().readingActivity);
     withoutDatabase_->setVisible(model_.state().btmUnavailable);
+    if (changed.contains(Property::loginItems)) collectTexts();
     if (concernsItems(changed)) showItems();
     showEmptyState();
 }
 
-void LoginItemsPage::showItems() {
-    changes_.clear();
+// Once for every reading: folding thousands of texts at each letter that is typed would be felt.
+void LoginItemsPage::collectTexts() {
+    texts_.clear();
+    for (const LoginItemRow& row : model_.state().loginItems) {
+        const std::string label = row.record ? row.record->label().value_or("") : std::string();
+        texts_.push_back(
+            qt(row.title + '\n' + row.subtitle + '\n' + label + '\n' + row.explanation.app).toCaseFolded());
+    }
+}
+
+LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
+    OwnChanges changes;
     for (const JournalEntry& entry : model_.state().entries)
-        if (entry.agent && entry.isActive()) changes_.push_back(entry);
+        if (entry.agent && entry.isActive()) changes.active.emplace(entry.tweakID, &entry);
+    for (const AgentDrift& drift : model_.state().driftedAgents)
+        changes.drifted.emplace(drift.entry.id, &drift.line);
+    return changes;
+}
+
+void LoginItemsPage::showItems() {
+    const std::vector<LoginItemRow>& items = model_.state().loginItems;
+    if (texts_.size() != items.size()) collectTexts();
+    const OwnChanges changes = ownChanges();
+    const QString wanted = filter_->text().trimmed().toCaseFolded();
     matching_ = 0;
     for (const auto& [badge, group] : groups_) {
         std::vector<ShownLoginItem> first;
         std::size_t all = 0;
-        for (const LoginItemRow& row : model_.state().loginItems)
-            if (row.badge == badge && matchesFilter(row) && all++ < group->limit())
-                first.push_back(shown(row));
+        for (std::size_t i = 0; i < items.size(); ++i)
+            if (items[i].badge == badge && texts_[i].contains(wanted) && all++ < group->limit())
+                first.push_back(shown(items[i], changes));
         group->setRecords(first, all);
         matching_ += all;
     }
     showEmptyState();
 }
 
-bool LoginItemsPage::matchesFilter(const LoginItemRow& row) const {
-    const QString wanted = filter_->text().trimmed();
-    const std::string label = row.record ? row.record->label().value_or("") : std::string();
-    for (const std::string* text : {&row.title, &row.subtitle, &label, &row.explanation.app})
-        if (qt(*text).contains(wanted, Qt::CaseInsensitive)) return true;
-    return false;
-}
-
-ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row) const {
-    ShownLoginItem item{row, std::nullopt, std::nullopt, model_.state().startupError.has_value()};
+ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& changes) const {
+    const AppState& state = model_.state();
+    ShownLoginItem item{row, std::nullopt, std::nullopt, std::nullopt, state.startupError.has_value()};
     // What is not the user's own may have the same label.
     if (!row.record || row.record->scope != AgentScope::user || !row.record->label()) return item;
-    const std::string id = agentTweakID(*row.record->label());
-    for (const JournalEntry& entry : changes_)
-        if (entry.tweakID == id) item.change = entry;
-    for (const AgentDrift& drift : model_.state().driftedAgents)
-        if (item.change && drift.entry.id == item.change->id) item.drift = drift.line;
+    if (const auto refusal = state.switchRefusals.find(row.record->id());
+        refusal != state.switchRefusals.end())
+        item.refusal = refusal->second;
+    const auto change = changes.active.find(agentTweakID(*row.record->label()));
+    if (change == changes.active.end()) return item;
+    item.change = *change->second;
+    if (const auto drift = changes.drifted.find(item.change->id); drift != changes.drifted.end())
+        item.drift = *drift->second;
     return item;
 }
 

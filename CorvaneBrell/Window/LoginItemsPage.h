@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QLineEdit>
+#include <map>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
@@ -24,9 +25,15 @@ private:
 
     void addTools();
     void addGroups();
+    // What Brell did to agents, by the journal's key, and what somebody did to them since, by the entry.
+    struct OwnChanges {
+        std::map<std::string_view, const JournalEntry*> active;
+        std::map<Uuid, const std::string*> drifted;
+    };
+    OwnChanges ownChanges() const;
+    void collectTexts();
     void showItems();
-    bool matchesFilter(const LoginItemRow& row) const;
-    ShownLoginItem shown(const LoginItemRow& row) const;
+    ShownLoginItem shown(const LoginItemRow& row, const OwnChanges& changes) const;
     void showEmptyState();
     void takeEmptyAction();
 
@@ -37,8 +44,8 @@ private:
     QWidget* withoutDatabase_;
     QPushButton* emptyAction_;
     std::vector<std::pair<LoginItemBadge, Group*>> groups_;
-    std::vector<JournalEntry> changes_;  // ours of agents that are active
-    std::size_t matching_ = 0;           // items that pass the filter
+    std::vector<QString> texts_;  // what the filter looks at, one for each item of the model
+    std::size_t matching_ = 0;    // items that pass the filter
 };
 
 }  // namespace brell

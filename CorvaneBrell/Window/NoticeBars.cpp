@@ -19,7 +19,8 @@ QString words(const std::optional<std::string>& text) {
 }
 
 const std::optional<Activity>& activityOf(const AppState& state) {
-    return state.changeActivity ? state.changeActivity : state.relaunchActivity;
+    if (state.changeActivity) return state.changeActivity;
+    return state.relaunchActivity ? state.relaunchActivity : state.lookActivity;
 }
 
 }  // namespace
@@ -92,7 +93,7 @@ void NoticeBars::refreshErrors() {
     dryRun_->setWords(state.startupError ? QString() : words(model_.whyNothingReal()));
     interrupted_->setWords(qt(interruptedText(state)));
     recover_->setEnabled(!state.changeActivity && !state.startupError);
-    recoveryFailures_->setWords(qt(state.recoveryFailures).join('\n'));
+    recoveryFailures_->setWords(qt(firstOf(state.recoveryFailures, "\n")));
     error_->setWords(words(state.errorMessage));
 }
 
@@ -104,16 +105,14 @@ void NoticeBars::refreshRelaunch() {
     relaunchReport_->setWords(readReport_ ? QString() : words(state.relaunchReport));
 }
 
-// Progress takes no new patience.
+// Progress takes no new patience; the look at everything that follows a change does.
 void NoticeBars::refreshActivity() {
     const std::optional<Activity>& activity = activityOf(model_.state());
-    if (!activity) {
+    if (!activity)
         patience_.stop();
-        isWaitedFor_ = false;
-    } else if (!isWaitedFor_) {
-        isWaitedFor_ = true;
+    else if (waitedFor_ != &activity)
         patience_.start(patience);
-    }
+    waitedFor_ = activity ? &activity : nullptr;
     activity_->setWords(activity && !patience_.isActive() ? qt(activityText(*activity)) : QString());
 }
 

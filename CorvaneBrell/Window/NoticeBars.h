@@ -48,8 +48,8 @@ private:
     NoticeBar* incompleteProof_;
     QPushButton* recover_;
     std::vector<NoticeBar*> bars_;
-    QTimer patience_;           // what is done sooner needs no words
-    bool isWaitedFor_ = false;  // what is being done began already
+    QTimer patience_;                                     // what is done sooner needs no words
+    const std::optional<Activity>* waitedFor_ = nullptr;  // in the state; what is being done began already
     std::optional<std::string> readReport_;
     std::optional<std::string> readProof_;
     bool isProofOld_ = false;

@@ -4,6 +4,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
+#include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
 
@@ -28,9 +29,7 @@ void tell(QWidget* window, const QString& title, const QString& text) {
 }
 
 QString leftOutText(const ActivePreset& active) {
-    QStringList lines;
-    for (const std::string& line : active.leftOut) lines << qt(line);
-    return lines.join('\n');
+    return qt(firstOf(active.leftOut, "\n"));
 }
 
 void chooseExportFile(AppModel& model, QWidget* window, const QString& name) {

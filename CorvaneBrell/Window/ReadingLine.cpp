@@ -15,11 +15,17 @@ ReadingLine::ReadingLine(QWidget* parent)
     line->addWidget(new SymbolView("clock", Tone::plain, 15));
     line->addWidget(words_, 1);
     hide();
+    patience_.setSingleShot(true);
+    patience_.setInterval(std::chrono::milliseconds(300));
+    connect(&patience_, &QTimer::timeout, this, &QWidget::show);
 }
 
 void ReadingLine::setActivity(const std::optional<Activity>& activity) {
-    setVisible(activity.has_value());
-    if (!activity) return;
+    if (!activity) {
+        patience_.stop();
+        return hide();
+    }
+    if (isHidden() && !patience_.isActive()) patience_.start();
     const QString what = qt(activity->what);
     words_->setText(activity->total == 0
                         ? tr("%1 …").arg(what)

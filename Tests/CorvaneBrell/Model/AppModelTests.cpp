@@ -204,6 +204,7 @@ TEST_F(AppModelTest, RestoreAllShowsEveryKeyAndRestoresWhatWasTickedAndWhatDidNo
 
     model->askRestoreAll();
     model->confirmRestore();
+    settle(*model);
     ASSERT_TRUE(model->state().driftRequest);
     EXPECT_EQ(model->state().driftRequest->title(), "Some settings were changed outside Brell");
     ASSERT_EQ(model->state().driftRequest->entries.size(), 2u);

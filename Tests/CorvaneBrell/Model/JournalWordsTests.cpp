@@ -13,12 +13,20 @@ JournalEntry agentThatWas(AgentOverride override, bool loaded) {
     return entry;
 }
 
-// Lines of entries that are told apart by one digit.
+// Lines of entries that are told apart by one digit, which is what they are called, too.
 HistoryLine line(unsigned char entry, EntryStatus event) {
     HistoryLine line{};
     line.event = event;
     line.entry.id.bytes[0] = entry;
+    line.entry.tweakID = std::to_string(entry);
     return line;
+}
+
+std::vector<std::string> told(const std::vector<HistoryLine>& history) {
+    std::vector<std::string> texts;
+    for (const ToldLine& line : JournalWords::told(history, TweakCatalog("/Users/sam")))
+        texts.push_back(line.title + " " + line.words);
+    return texts;
 }
 
 TEST(JournalWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
@@ -45,16 +53,13 @@ TEST(JournalWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
                                            line(2, capturing), line(3, capturing), line(1, restored),
                                            line(2, restored),  line(4, capturing), line(4, failed)};
     // The second of entry 2, which a recovery ended; that of 3, which nothing ended.
-    EXPECT_EQ(JournalWords::tellingLines(history), (std::vector<std::size_t>{8, 6, 5, 4, 3, 1}));
-    EXPECT_TRUE(JournalWords::tellingLines({}).empty());
-
-    EXPECT_EQ(JournalWords::event(history[1]), "Applied");
-    EXPECT_EQ(JournalWords::event(history[5]), "Restored");
-    EXPECT_EQ(JournalWords::event(history[4]), "Interrupted");
-    HistoryLine failure = history[8];
-    EXPECT_EQ(JournalWords::event(failure), "Failed: no reason was recorded.");
+    EXPECT_EQ(told(history),
+              (std::vector<std::string>{"4 Failed: no reason was recorded.", "2 Restored", "1 Restored",
+                                        "3 Interrupted", "2 Interrupted", "1 Applied"}));
+    EXPECT_TRUE(told({}).empty());
+    HistoryLine failure = history.back();
     failure.entry.failure = "The disk is full.";
-    EXPECT_EQ(JournalWords::event(failure), "Failed: The disk is full.");
+    EXPECT_EQ(told({failure}), std::vector<std::string>{"4 Failed: The disk is full."});
 }
 
 }  // namespace

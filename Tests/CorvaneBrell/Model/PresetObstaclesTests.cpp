@@ -36,6 +36,7 @@ TEST_F(AppModelTest, APresetIsReadAndSavedOnlyAsAnOrdinaryFile) {
         place(obstacle, file, elsewhere);
         const auto before = everythingIn(elsewhere);
         model->importPreset(file);
+        settle(*model);
         const std::string said = model->state().errorMessage.value_or("");
         EXPECT_EQ(model->state().presetRequest.has_value(), obstacle == Obstacle::linkToFile);
         EXPECT_NE(said.find(reasonFor(obstacle)), std::string::npos) << said;

@@ -127,6 +127,7 @@ TEST_F(PagesTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
     EXPECT_TRUE(toggle->isChecked());
 
     QTest::mouseClick(toggle, Qt::LeftButton);
+    settle();
     model->confirmAgents();
     EXPECT_TRUE(toggle->isChecked()) << "nothing has changed yet";
     settle();
@@ -309,7 +310,7 @@ TEST_F(PagesTest, TheHistoryIsToldByDayAsFarBackAsIsWanted) {
     EXPECT_EQ(everything.count("Interrupted"), 1) << "the beginnings of finished changes are not told";
     EXPECT_EQ(everything.count("Magnify icons under the pointer · Restored"), 1);
     EXPECT_EQ(everything.count("Magnify icons under the pointer · Applied"), 1);
-    EXPECT_EQ(everything.count(dayText(model->state().history.back().at)), 1);
+    EXPECT_EQ(everything.count(dayText(model->state().history->front().at)), 1);
 
     auto* range = page().findChild<ChoiceBox*>();
     range->setCurrentIndex(0);
