@@ -27,18 +27,14 @@ const PrefKey screenshots{"com.apple.screencapture", "location"};
 
 class HeadlessCommandsTest : public ::testing::Test {
 protected:
-    LaunchOptions asking(void (*request)(LaunchOptions&)) const {
-        LaunchOptions options;
+    Finished run(std::vector<const char*> words) const {
+        words.insert(words.begin(), "corvane-brell");
+        LaunchOptions options = readCommandLine(static_cast<int>(words.size()), words.data()).options;
         options.sampleMac = folder.path / "mac";
-        request(options);
-        return options;
-    }
-    Finished run(const LaunchOptions& options) const {
         std::ostringstream out;
         const auto status = HeadlessCommands::runIfRequested(options, out);
         return {status.value_or(-1), out.str()};
     }
-    Finished run(void (*request)(LaunchOptions&)) const { return run(asking(request)); }
     // The program itself with these words.
     Finished runProgram(const std::string& words) const {
         return runLine("'" BRELL_PROGRAM "' --sample-mac '" + (folder.path / "mac").string() + "' " + words);
@@ -65,20 +61,19 @@ protected:
 
 TEST_F(HeadlessCommandsTest, WithoutARequestNothingHappens) {
     const auto before = everythingIn(folder.path);
-    EXPECT_EQ(run([](LaunchOptions& options) { options.dryRun = true; }), (Finished{-1, ""}));
-    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }), (Finished{0, ""}));
+    EXPECT_EQ(run({"--dry-run"}), (Finished{-1, ""}));
+    EXPECT_EQ(run({"--restore-all"}), (Finished{0, ""}));
     EXPECT_EQ(everythingIn(folder.path), before);
 }
 
 TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
-    EXPECT_EQ(run([](LaunchOptions& options) { options.applyAll = true; }),
-              (Finished{0, linesForEach("applied ")}));
+    EXPECT_EQ(run({"--apply-all"}), (Finished{0, linesForEach("applied ")}));
     const fs::path fixture = journalDirectory / "screenshots-fixture";
     EXPECT_TRUE(fs::is_directory(fixture));
     EXPECT_EQ(mac.openPreferences()->exactValue(screenshots), StoredValue(fixture.string()));
     EXPECT_NE(preferences(), original);
 
-    const Finished again = run([](LaunchOptions& options) { options.applyAll = true; });
+    const Finished again = run({"--apply-all"});
     EXPECT_EQ(again.status, 1);
     EXPECT_TRUE(
         again.output.starts_with("refused finder.show_hidden: Show hidden files already has an active "
@@ -91,7 +86,7 @@ TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
         return one.appliedAt > other.appliedAt;
     });
     for (const JournalEntry& entry : entries) restored += "restored " + entry.id.text() + "\n";
-    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }),
+    EXPECT_EQ(run({"--restore-all"}),
               (Finished{0, restored + "pending: dockRelaunch, finderRelaunch, immediate, nextAppLaunch\n"}));
     EXPECT_EQ(preferences(), original);
 }
@@ -103,7 +98,7 @@ TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
     entry.status = EntryStatus::applied;
     entry.writes = {{{"org.example.editor", "autosave"}, {}, PrefValue(true)}};
     Journal(journalFile(), journalDirectory / "history").upsert(entry);
-    EXPECT_EQ(run([](LaunchOptions& options) { options.restoreAll = true; }),
+    EXPECT_EQ(run({"--restore-all"}),
               (Finished{1, "drifted entries confirmed for restore: 1\nfailed " + entry.id.text() +
                                ": The domain org.example.editor is not one Brell may change.\n"
                                "still active: 1\n"}));
@@ -111,9 +106,8 @@ TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
 
 TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
     const auto preferencesBefore = everythingIn(mac.preferences());
-    LaunchOptions options = asking([](LaunchOptions& asked) { asked.dryRun = asked.applyAll = true; });
-    options.journalDirectory = folder.path / "dry";
-    const Finished dry = run(options);
+    const std::string dryJournal = folder.path / "dry";
+    const Finished dry = run({"--dry-run", "--apply-all", "--journal-directory", dryJournal.c_str()});
     EXPECT_EQ(dry.status, 0);
     std::string expected;
     for (const Tweak& tweak : catalog.all()) {
@@ -131,10 +125,8 @@ TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
     EXPECT_TRUE(fs::exists(folder.path / "dry" / "journal.json"));
 
     // Among real entries its own would be false ones, and its restores would end theirs.
-    options.applyAll = false;
-    options.restoreAll = true;
     const auto whole = everythingIn(folder.path);
-    const Finished refused = run(options);
+    const Finished refused = run({"--dry-run", "--restore-all", "--journal-directory", dryJournal.c_str()});
     EXPECT_EQ(refused.status, 2);
     EXPECT_NE(refused.output.find("a dry run takes no journal that has entries"), std::string::npos);
     EXPECT_EQ(everythingIn(folder.path), whole);
@@ -142,10 +134,8 @@ TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
 
 TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing) {
     const auto before = everythingIn(folder.path);
-    const Finished finished = run([](LaunchOptions& options) {
-        options.statusJSON = options.applyAll = options.restoreAll = true;
-        options.quitAfterCapture = "dock.size";
-    });
+    const Finished finished =
+        run({"--status-json", "--apply-all", "--restore-all", "--quit-after-capture", "dock.size"});
     EXPECT_EQ(finished.status, 0);
     EXPECT_EQ(everythingIn(folder.path), before);
     EXPECT_TRUE(
@@ -155,7 +145,7 @@ TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing
     EXPECT_TRUE(finished.output.ends_with("\n]\n"));
 
     setContents(mac.preferences() / "com.apple.dock.plist", "damaged");
-    const Finished damaged = run([](LaunchOptions& options) { options.statusJSON = true; });
+    const Finished damaged = run({"--status-json"});
     EXPECT_EQ(damaged.status, 0);
     EXPECT_NE(damaged.output.find(
                   "{\n    \"effective\" : [],\n    \"id\" : \"dock.size\",\n    \"state\" : \"error: "
@@ -182,12 +172,8 @@ TEST_F(HeadlessCommandsTest, StatesAreDescribedForScripts) {
 
 TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
     const std::string refused = "refused org.example.nobody: no such user LaunchAgent\n";
-    EXPECT_EQ(run([](LaunchOptions& options) { options.toggleAgent = "org.example.nobody"; }),
-              (Finished{1, refused}));
-    const Finished both = run([](LaunchOptions& options) {
-        options.applyAll = options.restoreAll = true;
-        options.toggleAgent = "org.example.nobody";
-    });
+    EXPECT_EQ(run({"--toggle-agent", "org.example.nobody"}), (Finished{1, refused}));
+    const Finished both = run({"--apply-all", "--restore-all", "--toggle-agent", "org.example.nobody"});
     EXPECT_EQ(both.status, 1);
     EXPECT_TRUE(both.output.starts_with(linesForEach("applied ") + refused + "restored ")) << both.output;
     EXPECT_EQ(preferences(), original);
@@ -197,11 +183,9 @@ TEST_F(HeadlessCommandsTest, AJournalThatIsNewerOrDamagedIsLeftAsItIs) {
     for (const char* contents : {"{\"entries\": [], \"format\": 2}", "{\"entries\": [", ""}) {
         setContents(journalFile(), contents);
         const auto before = everythingIn(folder.path);
-        for (const auto request : {+[](LaunchOptions& options) { options.applyAll = true; },
-                                   +[](LaunchOptions& options) { options.restoreAll = true; },
-                                   +[](LaunchOptions& options) { options.statusJSON = true; },
-                                   +[](LaunchOptions& options) { options.quitAfterCapture = "dock.size"; }}) {
-            const Finished finished = run(request);
+        for (const char* request :
+             {"--apply-all", "--restore-all", "--status-json", "--quit-after-capture=dock.size"}) {
+            const Finished finished = run({request});
             EXPECT_EQ(finished.status, 2);
             EXPECT_TRUE(finished.output.starts_with("error: The change journal could not be read: "));
             EXPECT_EQ(finished.output.find('\n'), finished.output.size() - 1);
@@ -234,14 +218,6 @@ TEST_F(HeadlessProgramTest, EndsAfterTheCaptureAndTheNextRunPutsItBack) {
     EXPECT_EQ(runProgram("--restore-all"),
               (Finished{0, "restored " + entry.id.text() + "\npending: dockRelaunch\n"}));
     EXPECT_EQ(preferences(), original);
-}
-
-TEST_F(HeadlessProgramTest, AppliesInOneProcessAndRestoresInAnother) {
-    EXPECT_EQ(runProgram("--apply-all"), (Finished{0, linesForEach("applied ")}));
-    EXPECT_NE(runProgram("--status-json").output.find("onByBrell("), std::string::npos);
-    EXPECT_EQ(runProgram("--restore-all").status, 0);
-    EXPECT_EQ(preferences(), original);
-    EXPECT_EQ(runProgram("--restore-all"), (Finished{0, ""}));
 }
 
 TEST_F(HeadlessProgramTest, SaysWhatItDoesNotUnderstand) {
