@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
+#include "Tests/Support/BigHome.h"
 
 namespace brell {
 
@@ -37,6 +38,7 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     ASSERT_TRUE(row->isOn);
 
     model->askAgents({row->id}, false);
+    settle(*model);
     ASSERT_TRUE(model->state().agentConfirm);
     EXPECT_EQ(model->state().agentConfirm->title, "Turn off com.halverson.duskwatch");
     EXPECT_EQ(model->state().agentConfirm->commands,
@@ -48,6 +50,7 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_EQ(changedSince(whole), std::vector<std::string>());
 
     model->askAgents({row->id}, false);
+    settle(*model);
     model->confirmAgents();
     settle(*model);
     ASSERT_TRUE(rowOf(*model, "com.halverson.duskwatch"));
@@ -76,10 +79,26 @@ TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
     settle(*model);
     const LoginItemRow* row = rowOf(*model, "com.apple.cleanup-helper");
     ASSERT_TRUE(row);
+    const std::string refusal = "com.apple.cleanup-helper is an Apple or Brell item; it is never changed.";
+    EXPECT_EQ(model->state().switchRefusals.at(row->record->id()), refusal);
     model->askAgents({row->id}, false);
+    settle(*model);
     EXPECT_FALSE(model->state().agentConfirm);
-    EXPECT_EQ(model->state().errorMessage,
-              "com.apple.cleanup-helper is an Apple or Brell item; it is never changed.");
+    EXPECT_EQ(model->state().errorMessage, refusal);
+}
+
+TEST_F(AppModelTest, ManyAgentsAreReadWithFewNews) {
+    writeSampleAgents(sample.home(), 300);
+    const auto model = openModel();
+    announced.clear();
+    const auto began = std::chrono::steady_clock::now();
+    model->loadLoginItems();
+    settle(*model);
+    const auto tenths = (std::chrono::steady_clock::now() - began) / std::chrono::milliseconds(100);
+    EXPECT_GE(model->state().loginItems.size(), 300u);
+    EXPECT_LE(announced[Property::readingActivity], 8 + tenths);
+    EXPECT_LE(announced[Property::loginItems], 3)
+        << "from the files, with launchd's answers, with the database";
 }
 
 TEST_F(AppModelTest, WhatLaunchdCannotBeAskedHidesNothingElse) {
@@ -148,6 +167,7 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
     settle(*model);
 
     model->importPreset(file);
+    settle(*model);
     ASSERT_TRUE(model->state().presetRequest);
     const PresetPlan& plan = model->state().presetRequest->plan;
     EXPECT_EQ(plan.unknown, std::vector<std::string>{"dock.unheard_of"});
@@ -159,6 +179,7 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
     EXPECT_EQ(changedSince(whole), std::vector<std::string>());
 
     model->importPreset(file);
+    settle(*model);
     model->confirmPreset();
     settle(*model);
     EXPECT_EQ(model->changedTweaks(), (std::vector<std::string>{"dock.autohide", "dock.no_bounce"}));
@@ -166,9 +187,11 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
     EXPECT_EQ(model->state().presetReport.front(), "1 of 1 changes were made.");
 
     model->importPreset(folder.path / "none.corvanepreset");
+    settle(*model);
     EXPECT_TRUE(model->state().errorMessage);
     setContents(file, "{}");
     model->importPreset(file);
+    settle(*model);
     EXPECT_EQ(model->state().errorMessage, "This is not a preset file Brell can read.");
 }
 
@@ -178,9 +201,14 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     settle(*model);
     model->saveRestoreScript(folder.path / "saved.sh");
     model->saveReport(folder.path / "saved.md");
+    EXPECT_TRUE(model->state().lookActivity) << "what takes long says what it is";
     model->exportPreset(Presets::shipped().front(), folder.path / "saved.corvanepreset");
     settle(*model);
-    EXPECT_EQ(contentsOf(folder.path / "saved.sh"), model->restoreScriptText());
+    std::string script;
+    model->makeRestoreScript([&](const std::string& made) { script = made; });
+    settle(*model);
+    EXPECT_EQ(contentsOf(folder.path / "saved.sh"), script);
+    EXPECT_FALSE(model->state().lookActivity);
     EXPECT_NE(contentsOf(folder.path / "saved.md").find("Hide the Dock automatically"), std::string::npos);
     EXPECT_EQ(contentsOf(folder.path / "saved.corvanepreset"),
               PresetFile::encode(Presets::shipped().front()));

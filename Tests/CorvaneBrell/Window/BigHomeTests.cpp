@@ -1,0 +1,149 @@
+// A home with more of everything than a page shows at once: rows come in batches, and nothing stalls.
+
+#include "Tests/Support/BigHome.h"
+
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/Window/ActiveChangeRow.h"
+#include "CorvaneBrell/Window/DriftedChangeRow.h"
+#include "CorvaneBrell/Window/HistoryRow.h"
+#include "CorvaneBrell/Window/LoginItemView.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+#include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
+#include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
+#include "CorvaneBrell/Window/Switch.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace brell::testing {
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr double quickEnough = 0.6;  // watched, everything takes several times as long
+#else
+constexpr double quickEnough = 0.1;
+#endif
+
+constexpr std::size_t batch = 100;
+constexpr std::size_t agents = 250;  // each one switched by Brell, and unknown to launchd since: drifted
+constexpr std::size_t items = 1200;  // of which a tenth are those agents
+
+class BigHomeTest : public WindowTest {
+protected:
+    void furnish(EntryStatus ofSwitches) {
+        std::vector<JournalEntry> journal = sampleJournal(1000, agents, sample.home());
+        for (JournalEntry& entry : journal)
+            if (entry.isActive()) entry.status = ofSwitches;
+        writeJournal(*options.journalDirectory / "journal.json", journal);
+        writeSampleHistory(*options.journalDirectory / "history", 4, 500);
+        writeSampleAgents(sample.home(), agents);
+        setContents(SampleFurniture::taskDumpFile(sample.systemRoot()),
+                    sampleDump(items, agents - items / 10, sample.home()));
+    }
+
+    template <class Kind>
+    std::size_t rows() const {
+        return visible<Kind>(*window->currentPage()).size();
+    }
+
+    // Presses the button with this text below the widget; false when there is none.
+    bool press(const QWidget& in, const QString& text) {
+        for (QPushButton* button : visible<QPushButton>(in))
+            if (button->text() == text) {
+                button->click();
+                settle();
+                return true;
+            }
+        return false;
+    }
+
+    std::size_t linesIn(const QWidget& sheet) const {
+        std::size_t lines = 0;
+        for (const SelectableText* text : visible<SelectableText>(sheet))
+            lines += static_cast<std::size_t>(text->document()->blockCount());
+        return lines;
+    }
+};
+
+TEST_F(BigHomeTest, ThePagesShowABatchAtATimeAndNoTurnTakesLong) {
+    furnish(EntryStatus::applied);
+    openWindow();
+    longestTurn = 0;
+    go(Screen::journal);
+    ASSERT_EQ(model->state().driftedAgents.size(), agents);
+    EXPECT_EQ(rows<DriftedChangeRow>(), batch);
+    EXPECT_EQ(rows<ActiveChangeRow>(), 0u) << "every one drifted";
+    EXPECT_GE(rows<HistoryRow>(), batch);
+    EXPECT_LE(rows<HistoryRow>(), 2 * batch) << "with a heading a day";
+    EXPECT_TRUE(press(*window->currentPage(), "Show 100 More"));
+    EXPECT_TRUE(press(*window->currentPage(), "Show 50 More"));
+    EXPECT_EQ(rows<DriftedChangeRow>(), agents);
+
+    go(Screen::loginItems);
+    EXPECT_LE(rows<LoginItemView>(), 3 * batch);
+    auto* filter = window->currentPage()->findChild<QLineEdit*>();
+    for (const char* typed : {"h", "helper", "helper2", "helper24", "helper249", "no such item", ""}) {
+        filter->setText(typed);
+        settle();
+        EXPECT_LE(rows<LoginItemView>(), 3 * batch);
+    }
+    EXPECT_LT(longestTurn, quickEnough);
+}
+
+// A row that the filter leaves over may become that of another item, which must not inherit anything.
+TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
+    furnish(EntryStatus::applied);
+    openWindow();
+    go(Screen::loginItems);
+    auto* filter = window->currentPage()->findChild<QLineEdit*>();
+    const auto first = [&] { return visible<LoginItemView>(*window->currentPage()).front(); };
+    const QPointer<LoginItemView> opened = first();
+    opened->setOpen(true);
+    filter->setText("helper249");
+    settle();
+    for (const LoginItemView* row : visible<LoginItemView>(*window->currentPage())) {
+        EXPECT_FALSE(row->isOpen());
+        EXPECT_TRUE(row->accessibleName().contains("249")) << utf8(row->accessibleName());
+        EXPECT_TRUE(row->findChild<Switch*>()->accessibleName().contains("249"));
+    }
+    filter->clear();
+    settle();
+    EXPECT_FALSE(first()->isOpen()) << "its details went with it";
+}
+
+TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
+    furnish(EntryStatus::capturing);
+    openWindow();
+    auto* recovery = qobject_cast<RecoverySheet*>(window->sheets().current());
+    ASSERT_TRUE(recovery);
+    const auto headings = [&] {
+        std::size_t named = 0;
+        for (const Paragraph* text : visible<Paragraph>(*recovery)) named += text->text().contains("helper");
+        return named;
+    };
+    EXPECT_EQ(headings(), batch);
+    longestTurn = 0;
+    EXPECT_TRUE(press(*recovery, "Show 100 More"));
+    EXPECT_EQ(headings(), 2 * batch);
+    model->deferRecovery();
+    settle();
+
+    model->askRestoreAll();
+    settle();
+    auto* restore = qobject_cast<RestoreSheet*>(window->sheets().current());
+    ASSERT_TRUE(restore);
+    const std::size_t all = model->state().restoreRequest->lines.size();
+    ASSERT_EQ(all, 2 * agents);
+    EXPECT_EQ(linesIn(*restore), 300u);
+    EXPECT_TRUE(press(*restore, "Show 200 More"));
+    EXPECT_EQ(linesIn(*restore), all);
+    EXPECT_LT(longestTurn, quickEnough);
+}
+
+}  // namespace
+
+}  // namespace brell::testing

@@ -1,0 +1,152 @@
+// A home such as years of use leave behind: a long journal and history, many LaunchAgents, a large database
+// of background tasks. For tests and benchmarks of how time and memory grow.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Journal/JournalJson.h"
+#include "BrellCore/Support/DurableFile.h"
+
+namespace brell {
+
+inline const std::filesystem::path sampleHome = "/Users/jo";
+
+inline std::string sampleLabel(std::size_t number) {
+    return "org.example" + std::to_string(number % 97) + ".helper" + std::to_string(number);
+}
+
+inline std::filesystem::path sampleJobFile(const std::filesystem::path& home, std::size_t number) {
+    return home / "Library/LaunchAgents" / (sampleLabel(number) + ".plist");
+}
+
+// A change that is over.
+inline JournalEntry sampleEntry(std::size_t number) {
+    constexpr std::size_t kinds = 7;
+    const TimeStamp appliedAt = TimeStamp(std::chrono::seconds(1'700'000'000 + 3600 * number));
+    JournalEntry entry{};
+    entry.id = Uuid::random();
+    entry.tweakID = "sample.tweak_" + std::to_string(number);
+    entry.status = EntryStatus::restored;
+    entry.appliedAt = appliedAt;
+    entry.restoredAt = appliedAt + std::chrono::hours(5);
+    entry.macOSVersion = "26.1.0";
+    entry.writes = {{{"com.apple.dock", "autohide"}, StoredValue(), PrefValue(true)},
+                    {{"com.apple.dock", "autohide-delay"}, PrefValue(0.5), PrefValue(0.05)}};
+    if (number % kinds == 1) entry.choiceID = "small";
+    if (number % kinds == 2) {
+        entry.status = EntryStatus::failed;
+        entry.restoredAt = std::nullopt;
+        entry.failure = "macOS did not confirm the write to com.apple.dock.";
+    }
+    if (number % kinds == 3) {
+        const std::string label = sampleLabel(number);
+        entry.kind = EntryKind::launchAgent;
+        entry.tweakID = agentTweakID(label);
+        entry.writes.clear();
+        entry.agent = {label, sampleJobFile(sampleHome, number).string(), true, AgentOverride::absent};
+    }
+    return entry;
+}
+
+// An agent of this home that Brell turned off.
+inline JournalEntry sampleSwitch(const std::filesystem::path& home, std::size_t number) {
+    JournalEntry entry = sampleEntry(number);
+    entry.kind = EntryKind::launchAgent;
+    entry.tweakID = agentTweakID(sampleLabel(number));
+    entry.writes.clear();
+    entry.status = EntryStatus::applied;
+    entry.restoredAt = std::nullopt;
+    entry.failure = std::nullopt;
+    entry.choiceID = std::nullopt;
+    entry.agent = {sampleLabel(number), sampleJobFile(home, number).string(), true, AgentOverride::absent};
+    return entry;
+}
+
+// So many entries that are over, with one for each of the first agents of this home among the last of them.
+inline std::vector<JournalEntry> sampleJournal(std::size_t entries, std::size_t switches = 0,
+                                               const std::filesystem::path& home = sampleHome) {
+    std::vector<JournalEntry> journal;
+    journal.reserve(entries);
+    for (std::size_t i = 0; i < entries; ++i)
+        journal.push_back(i < entries - switches ? sampleEntry(i)
+                                                 : sampleSwitch(home, i - (entries - switches)));
+    return journal;
+}
+
+// A journal file with these, laid out as the journal itself does it.
+inline void writeJournal(const std::filesystem::path& file, const std::vector<JournalEntry>& entries) {
+    JsonWriter json(JsonWriter::Layout::pretty);
+    json.beginObject();
+    json.key("entries");
+    json.beginArray();
+    for (const JournalEntry& entry : entries) writeJson(json, entry);
+    json.endArray();
+    json.key("format");
+    json.integer(1);
+    json.endObject();
+    replaceFile(file, json.take() + "\n", Durability::readersOnly);
+}
+
+inline void writeSampleJournal(const std::filesystem::path& file, std::size_t entries) {
+    writeJournal(file, sampleJournal(entries));
+}
+
+// History files of so many days with so many lines each.
+inline void writeSampleHistory(const std::filesystem::path& directory, std::size_t days,
+                               std::size_t linesPerDay) {
+    for (std::size_t day = 0; day < days; ++day) {
+        std::string lines;
+        for (std::size_t i = 0; i < linesPerDay; ++i) {
+            const JournalEntry entry = sampleEntry(day * linesPerDay + i);
+            JsonWriter json(JsonWriter::Layout::compact);
+            json.beginObject();
+            json.key("at");
+            json.string(iso8601(entry.appliedAt));
+            json.key("entry");
+            writeJson(json, entry);
+            json.key("event");
+            json.string(rawValue(entry.status));
+            json.endObject();
+            lines += json.take() + "\n";
+        }
+        replaceFile(directory / ("day" + std::to_string(1000 + day) + ".jsonl"), lines,
+                    Durability::readersOnly);
+    }
+}
+
+// The job files of so many agents of the user's own.
+inline void writeSampleAgents(const std::filesystem::path& home, std::size_t agents) {
+    for (std::size_t i = 0; i < agents; ++i)
+        replaceFile(sampleJobFile(home, i),
+                    "<plist version=\"1.0\"><dict><key>Label</key><string>" + sampleLabel(i) +
+                        "</string><key>Program</key><string>/Applications/Example " + std::to_string(i) +
+                        ".app/Contents/MacOS/helper</string><key>RunAtLoad</key><true/></dict></plist>\n",
+                    Durability::readersOnly);
+}
+
+// What the database of background tasks prints about so many agents of this home, numbered from first.
+inline std::string sampleDump(std::size_t items, std::size_t first = 1,
+                              const std::filesystem::path& home = sampleHome) {
+    std::string text =
+        "========================\n Records for UID 501 : 0011\n========================\n\n Items:\n\n";
+    for (std::size_t number = first; number < first + items; ++number) {
+        const std::string index = std::to_string(number);
+        text += " #" + std::to_string(number - first + 1) +
+                ":\n                 UUID: 6B5D2C34-0A1B-4C5D-8E9F-001122334455\n" +
+                "                 Name: Helper " + index + "\n       Developer Name: Example Works " + index +
+                "\n      Team Identifier: AB12CD34EF\n                 Type: legacy agent (0x10008)\n" +
+                "                Flags: [ legacy ] (0x1)\n" +
+                "          Disposition: [enabled, allowed, notified] (0xb)\n           Identifier: 8." +
+                sampleLabel(number) + "\n                  URL: file://" +
+                sampleJobFile(home, number).string() + "\n" +
+                "      Executable Path: /Applications/Example.app/Contents/MacOS/helper\n" +
+                "           Generation: 1\n    Parent Identifier: Example Works " + index + "\n\n";
+    }
+    return text;
+}
+
+}  // namespace brell
