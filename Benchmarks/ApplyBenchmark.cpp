@@ -7,9 +7,9 @@
 
 #include "Benchmarks/Bare.h"
 #include "Benchmarks/Pairs.h"
-#include "Benchmarks/SampleEntries.h"
 #include "BrellCore/Engine/TweakEngine.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/BigHome.h"
 
 namespace {
 

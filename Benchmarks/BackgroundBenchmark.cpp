@@ -10,6 +10,7 @@
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Background/RunProcess.h"
+#include "Tests/Support/BigHome.h"
 
 namespace {
 
@@ -20,30 +21,6 @@ using namespace brell;
 constexpr std::size_t few = 1'000, many = 10'000;
 constexpr int tenfold = 10;
 constexpr std::uint32_t uid = 501;
-
-std::string labelOf(std::size_t number) {
-    return "org.example" + std::to_string(number % 97) + ".helper" + std::to_string(number);
-}
-
-std::string itemText(std::size_t number) {
-    const std::string index = std::to_string(number), label = labelOf(number);
-    return " #" + index + ":\n                 UUID: 6B5D2C34-0A1B-4C5D-8E9F-001122334455\n" +
-           "                 Name: Helper " + index + "\n       Developer Name: Example Works " + index +
-           "\n      Team Identifier: AB12CD34EF\n                 Type: legacy agent (0x10008)\n" +
-           "                Flags: [ legacy ] (0x1)\n" +
-           "          Disposition: [enabled, allowed, notified] (0xb)\n           Identifier: 8." + label +
-           "\n                  URL: file:///Users/jo/Library/LaunchAgents/" + label + ".plist\n" +
-           "      Executable Path: /Applications/Example.app/Contents/MacOS/helper\n           Generation: "
-           "1\n" +
-           "    Parent Identifier: Example Works " + index + "\n\n";
-}
-
-std::string sampleDump(std::size_t items) {
-    std::string text =
-        "========================\n Records for UID 501 : 0011\n========================\n\n Items:\n\n";
-    for (std::size_t i = 1; i <= items; ++i) text += itemText(i);
-    return text;
-}
 
 BTMDump parsed(const std::string& text, std::size_t items) {
     auto dump = BTMDumpParser::parse(text);
@@ -82,8 +59,8 @@ std::vector<LaunchAgentRecord> sampleRecords(std::size_t count) {
     std::vector<LaunchAgentRecord> records;
     for (std::size_t i = 0; i < count; ++i) {
         LaunchAgentRecord record{};
-        const std::string label = labelOf(count / 2 + i);
-        record.plist.path = "/Users/jo/Library/LaunchAgents/" + label + ".plist";
+        const std::string label = sampleLabel(count / 2 + i);
+        record.plist.path = sampleJobFile(sampleHome, count / 2 + i).string();
         record.plist.label = label;
         record.plist.program = "/Applications/Example.app/Contents/MacOS/helper";
         record.plist.runAtLoad = true;

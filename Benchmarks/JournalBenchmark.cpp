@@ -6,8 +6,8 @@
 
 #include "Benchmarks/Bare.h"
 #include "Benchmarks/Pairs.h"
-#include "Benchmarks/SampleEntries.h"
 #include "BrellCore/Journal/Journal.h"
+#include "Tests/Support/BigHome.h"
 
 namespace fs = std::filesystem;
 
