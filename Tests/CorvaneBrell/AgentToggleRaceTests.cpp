@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "BrellCore/Support/FileLock.h"
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 
@@ -87,28 +85,6 @@ TEST_F(AgentToggleRaceTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
                                       " is not loaded, expected loaded");
     EXPECT_EQ(messageOf(restore), mismatch);
     EXPECT_EQ(stateOf(foreign), "absent, not loaded");
-}
-
-TEST_F(AgentToggleRaceTest, OfTwoTogglesOverOneJournalOneSwitchesAndTheOtherRefuses) {
-    const LaunchAgentRecord record = agent(plain);
-    const auto turnOff = [&](std::string& message) {
-        const auto ownTools = mac.openTools();
-        testing::FakeTime ownTime;
-        testing::EngineRun own = anotherRun();
-        AgentToggle other(*ownTools, own.engine, SampleMac::uid, mac.launchAgents(), ownTime.waiting());
-        message = messageOf([&] { other.turnOff(record); });
-    };
-    std::array<std::string, 2> messages;
-    std::thread first(turnOff, std::ref(messages[0]));
-    std::thread second(turnOff, std::ref(messages[1]));
-    first.join();
-    second.join();
-
-    EXPECT_NE(messages[0].empty(), messages[1].empty()) << messages[0] << messages[1];
-    EXPECT_EQ(journal.all().size(), 1u);
-    EXPECT_EQ(stateOf(plain), "disabled, not loaded");
-    EXPECT_EQ(toggle.turnOn(record).status, EntryStatus::restored);  // a third one undoes it
-    EXPECT_EQ(stateOf(plain), "enabled, loaded");
 }
 
 }  // namespace

@@ -192,20 +192,6 @@ TEST_F(AgentToggleTest, TurnsOnWhatWasOffAndOffAgain) {
     EXPECT_EQ(stateOf(label), "disabled, not loaded");
 }
 
-TEST_F(AgentToggleTest, RestoresTheUnusualStatesExactly) {
-    const std::string notLoaded = "org.fernwright.notes";
-    toggle.turnOff(agent(notLoaded));
-    EXPECT_EQ(stateOf(notLoaded), "disabled, not loaded");
-
-    const std::string disabledButLoaded = "com.tallowgate.agent";
-    toggle.turnOff(agent(disabledButLoaded));
-    EXPECT_EQ(stateOf(disabledButLoaded), "disabled, not loaded");
-
-    EXPECT_EQ(engine.restoreAll({}).restored.size(), 2u);
-    EXPECT_EQ(stateOf(notLoaded), "enabled, not loaded");
-    EXPECT_EQ(stateOf(disabledButLoaded), "disabled, loaded");
-}
-
 TEST_F(AgentToggleTest, WaitsFiveSecondsForAJobToGo) {
     tools->launchd().setManner(plain, {200, 0, 37, {}});
     const auto error = thrownBy<AgentToggleError>([&] { toggle.turnOff(agent(plain)); });
@@ -219,6 +205,8 @@ TEST_F(AgentToggleTest, WaitsFiveSecondsForAJobToGo) {
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->status, EntryStatus::capturing);
     EXPECT_TRUE(entry->failure->starts_with(error->what())) << *entry->failure;
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
+              plain + " has an interrupted change; restore it from the Journal first.");
 
     const std::string other = "com.lumenfold.sync";
     tools->launchd().setManner(other, {200, 0, 37, {}});
@@ -261,20 +249,6 @@ TEST_F(AgentToggleTest, JudgesABootstrapByWhatLaunchdThenShows) {
         EXPECT_EQ(journal.all().back().status, failures == 1 ? EntryStatus::failed : EntryStatus::capturing);
         EXPECT_EQ(stateOf(plain), failures == 1 ? "enabled, loaded" : "enabled, not loaded");
     }
-}
-
-TEST_F(AgentToggleTest, AnInterruptedChangeIsRecoveredByTheNextRun) {
-    const std::string slow = "com.pebblewick.indexer";
-    const JournalEntry entry = interruptedTurningOff(slow);  // still leaving when the next run begins
-    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(slow)); }),
-              slow + " has an interrupted change; restore it from the Journal first.");
-
-    testing::EngineRun next = anotherRun();
-    AgentToggle nextToggle(*tools, next.engine, SampleMac::uid, mac.launchAgents(), time.waiting());
-    next.engine.setAgentRestorer(&nextToggle);
-    EXPECT_EQ(next.engine.recoverInterrupted().restored, std::vector{entry.id});
-    EXPECT_EQ(stateOf(slow), "enabled, loaded");
-    EXPECT_TRUE(journal.active().empty());
 }
 
 TEST_F(AgentToggleTest, RestoringSaysWhichFileIsGoneOrChangedAndGoesOn) {

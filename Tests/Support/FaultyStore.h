@@ -10,10 +10,9 @@
 namespace brell::testing {
 
 enum class Fault {
-    refuses,      // raises an error and does nothing
-    forgets,      // does what was asked, then raises an error all the same
-    ignores,      // says that it did what was asked, and did not; readings are not affected
-    endsProcess,  // the process ends there and then
+    refuses,  // raises an error and does nothing
+    forgets,  // does what was asked, then raises an error all the same
+    ignores,  // says that it did what was asked, and did not; readings are not affected
 };
 
 // For one thread.

@@ -23,6 +23,7 @@ TEST_F(EngineCountsTest, AChangeIsTwoSavesAndAScript) {
     const auto counted = [&](auto&& action) {
         const CountedCalls calls(folder.path);
         action();
+        EXPECT_EQ(calls.of(SystemCall::open, journal.fileURL()), 0u);
         EXPECT_EQ(calls.of(SystemCall::fsync, journalDirectory), calls.of(SystemCall::fsync) / 2);
         return std::vector<std::size_t>{calls.of(SystemCall::rename, journal.fileURL()),
                                         calls.of(SystemCall::rename, script()), calls.of(SystemCall::rename),

@@ -2,10 +2,7 @@
 
 #include "BrellCore/Engine/TweakEngine.h"
 
-#include <cerrno>
-
 #include "Tests/Support/EngineFixture.h"
-#include "Tests/Support/SystemCalls.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -159,21 +156,6 @@ TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
     EXPECT_EQ(script(), scriptBefore);
 }
 
-TEST_F(TweakEngineTest, AnUndoThatFailsHalfWayCanBeRunAgainWithoutAQuestion) {
-    const JournalEntry entry = engine.apply(tweak("finder.drives_on_desktop"));
-    const auto applied = files.snapshot();
-    store.goWrong(Fault::refuses, "write " + external.rendered(), 1, 1);
-    EXPECT_THROW(engine.restore(entry.id, false), EngineError);
-    EXPECT_EQ(files.snapshot(), applied);
-    if (systemCallsAreWatched()) {
-        const FailingCall failing(journalDirectory, SystemCall::rename, ENOSPC);
-        EXPECT_THROW(engine.restore(entry.id, false), EngineError);
-        EXPECT_EQ(files.snapshot(), applied);
-    }
-    EXPECT_EQ(engine.restore(entry.id, false).status, EntryStatus::restored);
-    EXPECT_EQ(files.snapshot(), original);
-}
-
 TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
     const JournalEntry entry = engine.apply(tweak("dock.size"));
     const std::string call = "exactValue " + tileSize.rendered();
@@ -184,20 +166,6 @@ TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
     store.heal();
     files.markUnsupported(tileSize);  // somebody put a dictionary there
     EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }), EngineFailure(Drift{entry.id}));
-}
-
-TEST_F(TweakEngineTest, AnInterruptedChangeIsRecoveredWithoutAQuestion) {
-    const JournalEntry entry = interrupt("finder.drives_on_desktop");
-    files.write(true, inner);  // some of it may have been written
-    EngineRun next = anotherRun();
-    EXPECT_EQ(next.engine.interruptedEntries(), std::vector{entry});
-    EXPECT_NE(script().find("finder.drives_on_desktop"), std::string::npos);
-
-    EXPECT_EQ(next.engine.recoverInterrupted(),
-              (RestoreAllOutcome{{entry.id}, {}, {}, {EffectClass::finderRelaunch}}));
-    EXPECT_EQ(files.snapshot(), original);
-    EXPECT_EQ(statuses(), std::vector{EntryStatus::restored});
-    EXPECT_EQ(next.engine.recoverInterrupted(), RestoreAllOutcome());
 }
 
 TEST_F(TweakEngineTest, ValuesSetBeforeUsAreResetWhenTurnedOffAndCanComeBack) {

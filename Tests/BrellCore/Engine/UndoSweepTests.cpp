@@ -1,24 +1,16 @@
-// Whatever goes wrong, and whenever: afterwards everything is as it was, or an active entry says how to get
-// there.
+// Whatever goes wrong with the preferences, and whenever: everything comes back to what it was.
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <functional>
 
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/MemoryFolder.h"
-#include "Tests/Support/SystemCalls.h"
 
 using namespace brell;
 using namespace brell::testing;
 
 namespace {
-
-using Preferences = std::map<std::string, PlistFileStore::Values>;
 
 constexpr const char* drives = "finder.drives_on_desktop";
 constexpr const char* magnify = "dock.magnify";
@@ -31,7 +23,7 @@ struct Lived : EngineFixture {
         files.write(true, {"com.apple.dock", "autohide"});
         original = files.snapshot();
     }
-    Preferences original;
+    std::map<std::string, PlistFileStore::Values> original;
 };
 
 struct Operation {
@@ -58,35 +50,9 @@ std::vector<Operation> operations() {
     };
 }
 
-StoredValue valueIn(const Preferences& preferences, const PrefKey& key) {
-    const auto domain = preferences.find(key.domain);
-    if (domain == preferences.end()) return {};
-    const auto value = domain->second.find(key.name);
-    return value == domain->second.end() ? StoredValue() : StoredValue(value->second);
-}
-
-// Whether the active entries alone bring these preferences back to the original ones.
-::testing::AssertionResult leadsBack(Lived& brell, const std::vector<JournalEntry>& entries) {
-    Preferences now = brell.files.snapshot();
-    for (const JournalEntry& entry : entries) {
-        for (const JournaledWrite& write : entry.writes) {
-            if (!entry.isActive()) continue;
-            if (write.original != valueIn(brell.original, write.key))
-                return ::testing::AssertionFailure() << write.key.rendered() << " has a wrong original";
-            PlistFileStore::Values& values = now[write.key.domain];
-            values.erase(write.key.name);
-            if (write.original.value) values.emplace(write.key.name, *write.original.value);
-        }
-    }
-    std::erase_if(now, [](const auto& domain) { return domain.second.empty(); });
-    if (now == brell.original) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "a changed key is in no active entry";
-}
-
 // What a user does after it: starts the program anew, recovers, restores everything and confirms each drift.
 void expectTheWayBack(Lived& brell) {
     EngineRun next = brell.anotherRun();
-    EXPECT_TRUE(leadsBack(brell, next.journal->all()));
     EXPECT_EQ(next.engine.recoverInterrupted().failed.size(), 0u);
     std::set<Uuid> confirmed;
     for (const JournalEntry& entry : next.engine.driftedEntries()) confirmed.insert(entry.id);
@@ -127,51 +93,6 @@ TEST_F(UndoSweepTest, EveryFailingStoreCallLeavesAWayBack) {
         for (const bool onlyOnce : {true, false}) sweep(operation, Fault::refuses, onlyOnce);
         sweep(operation, Fault::forgets, true);
         sweep(operation, Fault::ignores, false);
-    }
-}
-
-TEST_F(UndoSweepTest, AProcessThatEndsAtAnyStoreCallLeavesAWayBack) {
-    for (const Operation& operation : operations()) {
-        for (int n = 1;; ++n) {
-            SCOPED_TRACE(operation.name + ", ends at call " + std::to_string(n));
-            Lived brell;
-            operation.prepare(brell);
-            const pid_t child = ::fork();
-            if (child == 0) {
-                brell.store.goWrong(Fault::endsProcess, "", n);
-                operation.perform(brell);
-                std::_Exit(1);  // n is past the last call
-            }
-            int status = 0;
-            ASSERT_EQ(::waitpid(child, &status, 0), child);
-            expectTheWayBack(brell);
-            if (HasFailure() || (WIFEXITED(status) && WEXITSTATUS(status) == 1)) break;
-            ASSERT_TRUE(WIFEXITED(status) && n < 200);
-        }
-    }
-}
-
-TEST_F(UndoSweepTest, EveryFailingSystemCallLeavesAWayBack) {
-    if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be made to fail here";
-    for (const Operation& operation : operations()) {
-        for (const SystemCall call : {SystemCall::open, SystemCall::write, SystemCall::fsync,
-                                      SystemCall::rename, SystemCall::close, SystemCall::read}) {
-            for (int n = 1; n < 200; ++n) {
-                SCOPED_TRACE(operation.name + ", call " + std::to_string(static_cast<int>(call)) +
-                             ", number " + std::to_string(n));
-                Lived brell;
-                operation.prepare(brell);
-                bool hasFailed = false;
-                {
-                    const FailingCall failing(brell.folder.path, call, EIO, n);
-                    engineFailure([&] { operation.perform(brell); });
-                    hasFailed = failing.hasFailed();
-                }
-                expectTheWayBack(brell);
-                if (HasFailure()) return;
-                if (!hasFailed) break;
-            }
-        }
     }
 }
 

@@ -58,18 +58,6 @@ TEST_F(FileLockTest, ExcludesEveryOtherHolderUntilItGoes) {
     EXPECT_TRUE(acquired());
 }
 
-TEST_F(FileLockTest, IsReleasedWhenItsProcessDies) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const auto held = acquired();
-        ::_exit(held ? 0 : 1);  // without destructors
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-    EXPECT_TRUE(acquired());
-}
-
 TEST_F(FileLockTest, HoldsOnlyWhileItsFileIsTheNamedOne) {
     const auto lost = acquired();
     fs::remove(file);
