@@ -110,6 +110,7 @@ void MainWindow::refreshNow() {
     Changes& changes = stale_.at(shown);
     if (!changes.empty()) shown->refresh(std::exchange(changes, {}));
     sheets_->refresh();
+    if (model_.state().driftRequest) closesWhenDone_ = false;  // what was asked for has a question first
     if (closesWhenDone_ && !model_.state().changeActivity) close();
 }
 

@@ -169,6 +169,22 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
               (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
 }
 
+TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
+    haveAPast();
+    openWindow();
+    model->deferRecovery();
+    model->askRestoreAll();
+    model->confirmRestore();
+    window->close();
+    settle();
+    EXPECT_TRUE(window->isVisible());
+    ASSERT_TRUE(model->state().driftRequest);
+    model->cancelDrift();
+    window->close();
+    settle();
+    EXPECT_FALSE(window->isVisible());
+}
+
 TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
     haveAPast();
     openWindow();
