@@ -94,43 +94,19 @@ TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
 
 TEST_F(PresetsTest, WhatIsNotAWholePresetIsUnreadable) {
     const std::string nested = std::string(5000, '[') + std::string(5000, ']');
-    for (const std::string& bytes :
-         std::vector<std::string>{"",
-                                  " ",
-                                  "null",
-                                  "1",
-                                  "\"format\"",
-                                  "[]",
-                                  "{}",
-                                  R"([{"format": 1, "name": "A", "tweaks": []}])",
-                                  R"({"name": "A", "tweaks": []})",
-                                  R"({"Format": 1, "name": "A", "tweaks": []})",
-                                  R"({"format": true, "name": "A", "tweaks": []})",
-                                  R"({"format": "1", "name": "A", "tweaks": []})",
-                                  R"({"format": 1.0, "name": "A", "tweaks": []})",
-                                  R"({"format": null, "name": "A", "tweaks": []})",
-                                  R"({"format": 9223372036854775808, "name": "A", "tweaks": []})",
-                                  R"({"format": 1, "format": 1, "name": "A", "tweaks": []})",
-                                  R"({"format": 1, "format": 2, "name": "A", "tweaks": []})",
-                                  R"({"format": 1})",
-                                  R"({"format": 1, "tweaks": []})",
-                                  R"({"format": 1, "name": null, "tweaks": []})",
-                                  R"({"format": 1, "name": 5, "tweaks": []})",
-                                  R"({"format": 1, "name": "A", "name": "B", "tweaks": []})",
-                                  R"({"format": 1, "name": "A"})",
-                                  R"({"format": 1, "name": "A", "tweaks": null})",
-                                  R"({"format": 1, "name": "A", "tweaks": "dock.autohide"})",
-                                  R"({"format": 1, "name": "A", "tweaks": {"dock.autohide": true}})",
-                                  R"({"format": 1, "name": "A", "tweaks": ["dock.autohide", 1]})",
-                                  R"({"format": 1, "name": "A", "tweaks": [["dock.autohide"]]})",
-                                  R"({"format": 1, "name": "A", "tweaks": [],})",
-                                  R"({"format": 1, "name": "A", "tweaks": []} {})",
-                                  R"({"format": 1, "name": "A", "tweaks": []}x)",
-                                  R"({"format": 2} x)",
-                                  R"({"format": 1, "name": "\ud800", "tweaks": []})",
-                                  "{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}",
-                                  "{\"format\": 1, \"name\": \"A\nB\", \"tweaks\": []}",
-                                  R"({"format": 1, "name": "A", "tweaks": [], "deep": )" + nested + "}"})
+    for (const std::string& bytes : std::vector<std::string>{
+             "", "[]", R"({"name": "A", "tweaks": []})", R"({"format": true, "name": "A", "tweaks": []})",
+             R"({"format": 1.0, "name": "A", "tweaks": []})",
+             R"({"format": 9223372036854775808, "name": "A", "tweaks": []})",
+             R"({"format": 1, "format": 1, "name": "A", "tweaks": []})",
+             R"({"format": 1, "format": 2, "name": "A", "tweaks": []})", R"({"format": 1, "tweaks": []})",
+             R"({"format": 1, "name": 5, "tweaks": []})",
+             R"({"format": 1, "name": "A", "name": "B", "tweaks": []})", R"({"format": 1, "name": "A"})",
+             R"({"format": 1, "name": "A", "tweaks": {"dock.autohide": true}})",
+             R"({"format": 1, "name": "A", "tweaks": ["dock.autohide", 1]})",
+             R"({"format": 1, "name": "A", "tweaks": []}x)", R"({"format": 2} x)",
+             "{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}",
+             R"({"format": 1, "name": "A", "tweaks": [], "deep": )" + nested + "}"})
         EXPECT_EQ(refusalOf(bytes), PresetFileFailure(UnreadablePreset())) << bytes.substr(0, 100);
     EXPECT_EQ(describe(PresetFileFailure(UnreadablePreset())), "This is not a preset file Brell can read.");
 }

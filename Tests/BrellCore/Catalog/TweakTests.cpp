@@ -56,17 +56,6 @@ TEST(ExplanationTest, UndoEndsWithWhatTheEffectLeavesToDo) {
     }
 }
 
-TEST(TweakTest, AnswersFromItsWritesInTheirOrder) {
-    Tweak tweak{};
-    tweak.writes = {twoNumbers[1], twoNumbers[0], oneSwitch[0]};
-
-    EXPECT_EQ(tweak.domains(), (std::set<std::string>{"NSGlobalDomain", "com.apple.dock"}));
-    EXPECT_EQ(tweak.targets(), (std::vector<PrefValue>{80, 0.0, true}));
-    EXPECT_EQ(
-        tweak.renderedWrites(),
-        "NSGlobalDomain largesize = 80; com.apple.dock autohide-delay = 0.0; com.apple.dock autohide = true");
-}
-
 TEST(TweakTest, IsAvailableEverywhereUnlessItSaysWhere) {
     Tweak tweak{};
     EXPECT_TRUE(tweak.isAvailable(0));

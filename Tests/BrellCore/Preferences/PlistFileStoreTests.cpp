@@ -175,10 +175,6 @@ TEST_F(PlistFileStoreTest, FilesThatCannotBeReadAreNamedAndLeftAlone) {
     setContents(file, writeXmlPropertyList({PlistArray{{std::string("a")}}}));
     EXPECT_EQ(messageOf([&] { store.remove(autohide); }), sentence + "it does not hold a dictionary.");
 
-    fs::remove(file);
-    fs::create_directory(file);
-    EXPECT_EQ(messageOf([&] { store.exactValue(autohide); }), sentence + "it is not an ordinary file.");
-
     setContents(folder.path / "plain", "");
     EXPECT_TRUE(thrownBy<fs::filesystem_error>([&] { PlistFileStore(folder.path / "plain" / "x", {}); }));
 }
@@ -199,20 +195,6 @@ TEST_F(PlistFileStoreTest, AFailedSaveLeavesTheFileAndTheReadings) {
     EXPECT_EQ(contentsOf(file), before);
     EXPECT_EQ(store.exactValue(autohide), StoredValue(1));
     EXPECT_EQ(namesIn(directory), std::set<std::string>{"com.apple.dock.plist"});
-}
-
-TEST_F(PlistFileStoreTest, AnUnchangedFileIsOpenedOnce) {
-    if (!systemCallsAreWatched()) GTEST_SKIP();
-    setFile({{{"autohide", {true}}}});
-    const CountedCalls calls(directory);
-    for (int i = 0; i < 25; ++i) {
-        store.exactValue(autohide);
-        store.effectiveValue(tileSize);
-        store.exactValue({"NSGlobalDomain", "missing"});
-    }
-    EXPECT_EQ(calls.of(SystemCall::open, file), 1u);
-    EXPECT_LE(calls.of(SystemCall::open), 2u);
-    EXPECT_EQ(calls.of(SystemCall::write) + calls.of(SystemCall::rename), 0u);
 }
 
 TEST_F(PlistFileStoreConcurrencyTest, WritersOfOneDomainKeepEachOthersKeys) {

@@ -37,10 +37,4 @@ TEST_F(OwnPreferencesTest, KeepsNumbersAndReadsNothingElse) {
     EXPECT_TRUE(thrownBy<StoreError>([&] { own.setNumber("width", 1); }));
 }
 
-TEST_F(OwnPreferencesTest, KeepsTheReviewedDates) {
-    const TimeStamp day = parseIso8601("2026-11-15T20:23:13Z").value();
-    ReviewedDates{own}.markReviewed("camera", day);
-    EXPECT_EQ(ReviewedDates{own}.date("camera"), day);
-}
-
 }  // namespace

@@ -87,20 +87,6 @@ TEST_F(PresetPlanTest, RefusesInTheWordsOfTheEngine) {
     EXPECT_EQ(plan({"dock.position", "dock.size"}).toApply(), std::vector<std::string>());
 }
 
-TEST_F(PresetPlanTest, TheShippedPresetsChangeWhatTheyPlan) {
-    for (const Preset& preset : Presets::shipped()) {
-        const PresetPlan before = plan(preset.tweakIDs);
-        EXPECT_EQ(before.experimental, std::vector<std::string>());
-        for (const std::string& id : before.toApply()) engine.apply(tweak(id));
-        EXPECT_EQ(plan(preset.tweakIDs).toApply(), std::vector<std::string>()) << preset.id;
-        for (const PresetStep& step : before.steps) {
-            const auto* change = std::get_if<WouldChange>(&step.outcome);
-            if (!change) continue;
-            for (const KeyChange& key : change->keys) EXPECT_EQ(files.exactValue(key.key), key.to);
-        }
-    }
-}
-
 TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeavesOut) {
     engine.apply(tweak("text.no_smart_quotes"));
     engine.apply(tweak("dock.autohide"));

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <thread>
-
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "Tests/Support/FakeMainLoop.h"
 
@@ -172,28 +169,6 @@ TEST(RelauncherTargetTest, TheDockComesFirstAndOnlyUnfinishedOutcomesStayPending
         "in.");
     EXPECT_EQ(line(Target::dock, Outcome::dryRun), "The Dock would be relaunched (dry run).");
     EXPECT_EQ(line(Target::finder, Outcome::openedNotRunning), "Finder was not running; it has been opened.");
-}
-
-TEST(FakeMainLoopTest, KeepsTheOrderOfPostsFromOtherThreadsAndOfDueActions) {
-    FakeMainLoop loop;
-    std::string order;
-    loop.callAfter(20ms, [&] { order += 'd'; });
-    loop.callAfter(10ms, [&] {
-        order += 'b';
-        loop.callAfter(5ms, [&] { order += 'c'; });
-    });
-    loop.post([&] { order += 'a'; });
-    loop.advance(20ms);
-    EXPECT_EQ(order, "abcd");
-
-    std::vector<int> received;
-    std::thread other([&] {
-        for (int i = 0; i < 100; ++i) loop.post([&received, i] { received.push_back(i); });
-    });
-    EXPECT_TRUE(loop.waitFor([&] { return received.size() == 100; }));
-    other.join();
-    EXPECT_TRUE(std::is_sorted(received.begin(), received.end()));
-    EXPECT_FALSE(loop.waitFor([] { return false; }, 20ms));
 }
 
 }  // namespace
