@@ -65,8 +65,8 @@ using StatusFailure = std::variant<StoreFailure, JournalFailure>;
 std::string describe(const StatusFailure& failure);
 using StatusReading = std::variant<TweakStatus, StatusFailure>;
 
-// Reads only, looking at each preference file and at the journal once; one reading for each tweak, in their
-// order. May be called from any thread.
+// Reads only. Looks at the journal once, at each preference file once before and, for active changes, once
+// after it. One reading for each tweak, in their order. May be called from any thread.
 std::vector<StatusReading> readStatuses(const std::vector<const Tweak*>& tweaks, PreferenceStore& store,
                                         Journal& journal);
 // The same for one tweak; raises StoreError and JournalError.

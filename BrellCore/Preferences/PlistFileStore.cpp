@@ -165,7 +165,7 @@ StoredValue PlistFileStore::effectiveValueLocked(const PrefKey& key, Seen* seen)
 
 // What the domain's file holds; parsed again only when the file is no longer the one that was parsed.
 const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain, Seen* seen) try {
-    const bool isSeen = seen && !seen->insert(domain).second;
+    const bool isSeen = seen && seen->contains(domain);
     auto known = domains_.find(domain);
     if (known == domains_.end() || (!isSeen && known->second.identity != identityOf(known->second.file))) {
         Domain fresh{fileOf(directory_, domain), std::nullopt, Values()};
@@ -175,6 +175,7 @@ const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& do
         }
         known = domains_.insert_or_assign(domain, std::move(fresh)).first;
     }
+    if (seen && !isSeen) seen->insert(domain);  // only now: a look that failed is no look
     const auto& contents = known->second.contents;
     if (const auto* failure = std::get_if<StoreFailure>(&contents)) throw StoreError(*failure);
     return std::get<Values>(contents);

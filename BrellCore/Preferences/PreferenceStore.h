@@ -82,8 +82,9 @@ public:
     // Flushes what was written to the domain; SynchronizeFailed when the platform does not confirm it.
     virtual void synchronize(const std::string& domain) = 0;
 
-    // For reading many keys at once, on one thread: each domain is looked at once, when its first key is
-    // read, and changes that others make to it afterwards may or may not be seen. Must not outlive the store.
+    // For reading many keys at once, on one thread. A store for which looking is dear looks at each domain
+    // once, when its first key is read; changes that others make to it afterwards may or may not be seen.
+    // Must not outlive the store.
     virtual std::unique_ptr<PreferenceReader> reader();
 
     // Raises DomainNotAllowed for a domain outside allowedDomains.

@@ -175,6 +175,14 @@ TEST_F(PlistFileStoreTest, FilesThatCannotBeReadAreNamedAndLeftAlone) {
     setContents(file, writeXmlPropertyList({PlistArray{{std::string("a")}}}));
     EXPECT_EQ(messageOf([&] { store.remove(autohide); }), sentence + "it does not hold a dictionary.");
 
+    fs::remove(file);
+    store.write(1, autohide);
+    fs::remove(file);
+    fs::create_directory(file);
+    const auto reader = store.reader();
+    for (const PrefKey& key : {autohide, tileSize, autohide})
+        EXPECT_EQ(messageOf([&] { reader->exactValue(key); }), sentence + "it is not an ordinary file.");
+
     setContents(folder.path / "plain", "");
     EXPECT_TRUE(thrownBy<fs::filesystem_error>([&] { PlistFileStore(folder.path / "plain" / "x", {}); }));
 }
