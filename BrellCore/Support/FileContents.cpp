@@ -69,7 +69,8 @@ std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes
     // Without waiting: opening a named pipe would otherwise last until somebody writes to it.
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file && (errno == ENOENT || errno == ENOTDIR)) return std::nullopt;
-    if (!file && errno == ENXIO) throw notOrdinary(path);  // a socket, or a device that is not there
+    // A socket, on Linux and on macOS, or a device that is not there.
+    if (!file && (errno == ENXIO || errno == EOPNOTSUPP)) throw notOrdinary(path);
     if (!file) throw systemError(path);
 
     struct stat status;

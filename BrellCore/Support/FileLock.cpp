@@ -31,7 +31,8 @@ std::runtime_error notOrdinary(const fs::path& file) {
     const std::system_error error = failure(file);
     std::error_code unknown;
     if (fs::is_symlink(file, unknown)) throw std::runtime_error(file.string() + ": it is a symbolic link");
-    if (error.code() == std::errc::no_such_device_or_address) throw notOrdinary(file);  // a socket
+    for (const std::errc socket : {std::errc::no_such_device_or_address, std::errc::operation_not_supported})
+        if (error.code() == socket) throw notOrdinary(file);  // on Linux, on macOS
     throw error;
 }
 
