@@ -98,7 +98,12 @@ std::vector<AgentDrift> AppModel::readAgentDrift() {
     std::vector<JournalEntry> switched = deps_->journal->entries(EntryStatus::applied);
     std::erase_if(switched, [](const JournalEntry& entry) { return !entry.agent; });
     if (switched.empty()) return drifted;
-    const AgentOverrides overrides = deps_->toggle.overrides();
+    AgentOverrides overrides;
+    try {
+        overrides = deps_->toggle.overrides();
+    } catch (const std::exception&) {
+        return drifted;  // not known of any
+    }
     for (std::size_t i = 0; i < switched.size() && !readings_.isEnding(); ++i) {
         showReading("Asking launchd about what Brell switched", i, switched.size());
         try {
@@ -181,6 +186,7 @@ AgentConfirmRequest AppModel::agentConfirm(const std::vector<LaunchAgentRecord>&
 }
 
 void AppModel::openAgentConfirm(AgentConfirmRequest request) {
+    if (state_.agentConfirm) return;  // read while another was: the open one is answered first
     if (request.agents.empty())
         return fail(request.refusals.empty() ? "This item cannot be changed here."
                                              : request.refusals.front());

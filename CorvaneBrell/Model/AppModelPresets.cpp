@@ -35,6 +35,7 @@ void AppModel::importPreset(const fs::path& file) {
         },
         [this](const JobResult<DecodedPreset>& decoded) {
             if (!decoded.value) return fail(decoded.error);
+            if (state_.presetRequest) return;  // read while another was: the open one is answered first
             PresetPlan plan = planPreset(decoded.value->preset, presetSurroundings());
             plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(),
                                 decoded.value->unknown.end());
