@@ -138,6 +138,22 @@ TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
               contentsOf(SimulatedLaunchd::stateFile(SampleMac(folder.path / "new").systemRoot())));
 }
 
+TEST_F(SampleMacTest, GoesWrongOnRequest) {
+    const std::string label = "homebrew.mxcl.redis";
+    const auto disable = Command::launchctlDisable("gui/501", label);
+    const auto isDisabled = [&] {
+        return ask(Command::launchctlPrintDisabled("gui/501")).find("\"" + label + "\" => disabled") !=
+               std::string::npos;
+    };
+    tools->failNext(disable.kind, ToolFault::lying());
+    tools->failNext(disable.kind, ToolFault::hangingAfterwards());
+    EXPECT_TRUE(tools->run(disable).succeeded());
+    EXPECT_FALSE(isDisabled());
+    EXPECT_EQ(messageOf([&] { tools->run(disable); }),
+              "The command did not finish in time and was stopped: " + disable.rendered() + ".");
+    EXPECT_TRUE(isDisabled());
+}
+
 TEST_F(SampleMacTest, SaysThatItsStateIsDamagedAndKeepsIt) {
     const fs::path file = SimulatedLaunchd::stateFile(mac.systemRoot());
     const std::string whole = contentsOf(file);
