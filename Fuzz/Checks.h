@@ -29,11 +29,17 @@ inline bool isReason(std::string_view text) {
     return !text.empty() && oneLine(text) == text && (!text.ends_with('.') || text.ends_with("..."));
 }
 
-// By a reader that looks at every byte. A number of any size is one, but it knows only those of 64 bits.
+// By a reader that looks at every byte, but knows only numbers of 64 bits: long ones are shortened for it.
 inline bool isJson(std::string_view text) {
+    constexpr std::size_t mostDigits = 15;
+    std::string shortened;
+    std::size_t digits = 0;
+    for (const char c : text) {
+        digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+        if (digits <= mostDigits) shortened += c;
+    }
     thread_local simdjson::dom::parser parser;
-    const simdjson::error_code error = parser.parse(text.data(), text.size()).error();
-    return error == simdjson::SUCCESS || error == simdjson::NUMBER_ERROR;
+    return parser.parse(shortened).error() == simdjson::SUCCESS;
 }
 
 }  // namespace brell::fuzz
