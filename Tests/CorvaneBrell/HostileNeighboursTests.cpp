@@ -148,7 +148,7 @@ TEST_F(HostileNeighboursTest, InThePlaceOfTheHistoryTheScriptOrTheScreenshots) {
         withEach(at, [&](Obstacle obstacle) {
             EXPECT_EQ(run(applyAll).status, 0);
             const std::size_t lines = Journal::open(journalDirectory)->history().size();
-            const bool isTaken = at.parent_path() == history && obstacle != Obstacle::huge;
+            const bool isTaken = at.parent_path() == history;
             EXPECT_EQ(lines, isTaken ? 0 : 2 * TweakCatalog("/").all().size());
             EXPECT_EQ(run(restoreAll).status, 0);
             if (at.filename() == RestoreScript::fileName && obstacle != Obstacle::folder) {
