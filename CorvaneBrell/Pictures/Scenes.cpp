@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QLineEdit>
+#include <QPropertyAnimation>
+#include <algorithm>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -14,6 +16,14 @@ namespace brell {
 namespace {
 
 void nothing(MainWindow&) {}
+
+// A control that fades in or out, as the button that clears a search.
+bool isFading(const MainWindow& window) {
+    const auto animations = window.findChildren<QPropertyAnimation*>();
+    return std::any_of(animations.begin(), animations.end(), [](const QPropertyAnimation* one) {
+        return one->state() == QAbstractAnimation::Running;
+    });
+}
 
 Scene page(Screen screen) {
     return {std::string(rawValue(screen)), [screen](MainWindow& window) { window.model().show(screen); },
@@ -133,7 +143,7 @@ void settle(MainWindow& window) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         window.refreshNow();
-    } while (window.model().isBusy());
+    } while (window.model().isBusy() || isFading(window));
     QCoreApplication::processEvents();
 }
 
