@@ -91,7 +91,7 @@ void PlistFileStore::write(const PrefValue& value, const PrefKey& key) {
     if (failingKeys_.erase(key) > 0)
         throw StoreError(StoreIo{"simulated write failure for " + key.rendered()});
     if (ignoredKeys_.contains(key)) return;
-    Values values = valuesLocked(key.domain);
+    Values values = takenValuesLocked(key.domain);
     values.insert_or_assign(key.name, value);
     saveLocked(key.domain, values);
 }
@@ -99,8 +99,10 @@ void PlistFileStore::write(const PrefValue& value, const PrefKey& key) {
 void PlistFileStore::remove(const PrefKey& key) {
     checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);
-    Values values = valuesLocked(key.domain);
-    if (values.erase(key.name) > 0) saveLocked(key.domain, values);
+    if (!valuesLocked(key.domain).contains(key.name)) return;
+    Values values = takenValuesLocked(key.domain);
+    values.erase(key.name);
+    saveLocked(key.domain, values);
 }
 
 void PlistFileStore::synchronize(const std::string& domain) {
@@ -183,13 +185,21 @@ const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& do
     throw StoreError(unreadable(error.failure().path, error.failure().reason));
 }
 
+// To be changed and saved. The next reading looks at the file, which proves what really arrived in it.
+PlistFileStore::Values PlistFileStore::takenValuesLocked(const std::string& domain) {
+    valuesLocked(domain);
+    const auto known = domains_.find(domain);
+    Values values = std::get<Values>(std::move(known->second.contents));
+    domains_.erase(known);
+    return values;
+}
+
 void PlistFileStore::saveLocked(const std::string& domain, const Values& values) try {
     PlistDictionary dictionary;
     dictionary.entries.reserve(values.size());
     for (const auto& [key, value] : values) dictionary.entries.emplace_back(key, value.propertyListObject());
     replaceFile(fileOf(directory_, domain), writeXmlPropertyList({std::move(dictionary)}),
                 Durability::readersOnly);
-    domains_.erase(domain);  // the next reading proves what really arrived in the file
 } catch (const PlistError& error) {
     throw StoreError(StoreIo{"The preference file " + fileOf(directory_, domain).string() +
                              " could not be written: " + error.failure().reason + "."});

@@ -62,6 +62,7 @@ private:
     StoredValue exactValueLocked(const PrefKey& key, Seen* seen = nullptr);
     StoredValue effectiveValueLocked(const PrefKey& key, Seen* seen = nullptr);
     const Values& valuesLocked(const std::string& domain, Seen* seen = nullptr);
+    Values takenValuesLocked(const std::string& domain);
     void saveLocked(const std::string& domain, const Values& values);
 
     const std::filesystem::path directory_;

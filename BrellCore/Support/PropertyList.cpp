@@ -15,8 +15,10 @@ std::vector<const PlistEntry*> sortedByKey(const PlistDictionary& dictionary) {
     std::vector<const PlistEntry*> sorted;
     sorted.reserve(dictionary.entries.size());
     for (const PlistEntry& entry : dictionary.entries) sorted.push_back(&entry);
-    std::sort(sorted.begin(), sorted.end(),
-              [](const PlistEntry* one, const PlistEntry* other) { return one->key < other->key; });
+    const auto before = [](const PlistEntry* one, const PlistEntry* other) { return one->key < other->key; };
+    // What we have written is in order.
+    if (!std::is_sorted(sorted.begin(), sorted.end(), before))
+        std::sort(sorted.begin(), sorted.end(), before);
     return sorted;
 }
 
@@ -89,6 +91,10 @@ bool isXmlCharacter(std::uint32_t codePoint) {
 std::size_t firstNonXml(std::string_view text) {
     const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
     for (std::size_t at = 0; at < text.size();) {
+        if (bytes[at] >= 0x20 && bytes[at] < 0x80) {  // nearly everything is
+            ++at;
+            continue;
+        }
         utf8proc_int32_t codePoint = bytes[at];
         utf8proc_ssize_t length = 1;
         if (codePoint >= 0x80)
