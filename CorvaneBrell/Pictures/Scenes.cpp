@@ -1,10 +1,9 @@
 #include "CorvaneBrell/Pictures/Scenes.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QLineEdit>
-#include <QPropertyAnimation>
-#include <algorithm>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -17,12 +16,11 @@ namespace {
 
 void nothing(MainWindow&) {}
 
-// A control that fades in or out, as the button that clears a search.
-bool isFading(const MainWindow& window) {
-    const auto animations = window.findChildren<QPropertyAnimation*>();
-    return std::any_of(animations.begin(), animations.end(), [](const QPropertyAnimation* one) {
-        return one->state() == QAbstractAnimation::Running;
-    });
+// The button that clears a search fades out.
+void waitForFading() {
+    QElapsedTimer time;
+    time.start();
+    while (time.elapsed() < 500) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
 Scene page(Screen screen) {
@@ -32,7 +30,10 @@ Scene page(Screen screen) {
 
 Scene search(const QString& query) {
     return {"search", [query](MainWindow& window) { window.sidebar().search().setText(query); },
-            [](MainWindow& window) { window.sidebar().search().clear(); }};
+            [](MainWindow& window) {
+                window.sidebar().search().clear();
+                waitForFading();
+            }};
 }
 
 void setDetailsOpen(MainWindow& window, bool open) {
@@ -143,7 +144,7 @@ void settle(MainWindow& window) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         window.refreshNow();
-    } while (window.model().isBusy() || isFading(window));
+    } while (window.model().isBusy());
     QCoreApplication::processEvents();
 }
 
