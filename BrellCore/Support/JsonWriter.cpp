@@ -1,7 +1,5 @@
 #include "BrellCore/Support/JsonWriter.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <cmath>
 
@@ -101,10 +99,8 @@ void JsonWriter::quoted(std::string_view text) {
         text_.append(text, 0, run);
         text.remove_prefix(run);
         if (text.empty()) break;
-        std::int32_t codePoint = -1;
-        const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                             static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
-        const std::size_t bytes = length > 0 ? static_cast<std::size_t>(length) : 1;
+        const std::string_view before = text;
+        const std::int32_t codePoint = nextCodePoint(text);
         switch (codePoint) {
             case '"': text_ += "\\\""; break;
             case '\\': text_ += "\\\\"; break;
@@ -112,12 +108,11 @@ void JsonWriter::quoted(std::string_view text) {
             case '\r': text_ += "\\r"; break;
             case '\t': text_ += "\\t"; break;
             default:
-                if (length > 0 && steersATerminal(codePoint))
+                if (codePoint >= 0 && steersATerminal(codePoint))
                     text_ += escaped(codePoint);
                 else
-                    text_.append(text, 0, bytes);
+                    text_ += before.substr(0, before.size() - text.size());
         }
-        text.remove_prefix(bytes);
     }
     text_ += '"';
 }

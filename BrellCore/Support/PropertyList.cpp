@@ -89,21 +89,15 @@ bool isXmlCharacter(std::uint32_t codePoint) {
 }
 
 std::size_t firstNonXml(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    for (std::size_t at = 0; at < text.size();) {
-        if (bytes[at] >= 0x20 && bytes[at] < 0x80) {  // nearly everything is
-            ++at;
-            continue;
-        }
-        utf8proc_int32_t codePoint = bytes[at];
-        utf8proc_ssize_t length = 1;
-        if (codePoint >= 0x80)
-            length =
-                utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(text.size() - at), &codePoint);
-        if (length <= 0 || !isXmlCharacter(static_cast<std::uint32_t>(codePoint))) return at;
-        at += static_cast<std::size_t>(length);
+    const auto needsNoLook = [](char c) { return c >= 0x20 && c < 0x7F; };  // nearly everything
+    for (std::string_view rest = text;;) {
+        const auto look = std::find_if_not(rest.begin(), rest.end(), needsNoLook);
+        if (look == rest.end()) return std::string_view::npos;
+        rest.remove_prefix(static_cast<std::size_t>(look - rest.begin()));
+        const std::size_t at = text.size() - rest.size();
+        const std::int32_t codePoint = nextCodePoint(rest);
+        if (codePoint < 0 || !isXmlCharacter(static_cast<std::uint32_t>(codePoint))) return at;
     }
-    return std::string_view::npos;
 }
 
 }  // namespace plist

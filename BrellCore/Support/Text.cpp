@@ -10,20 +10,6 @@ namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
-// One code point cut from the front of text, or -1 and one byte cut when they are not UTF-8.
-std::int32_t nextCodePoint(std::string_view& text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    if (first < 0x80) {  // nearly everything is
-        text.remove_prefix(1);
-        return first;
-    }
-    utf8proc_int32_t codePoint = -1;
-    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
-    text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
-    return length > 0 ? codePoint : -1;
-}
-
 void append(std::string& text, std::int32_t codePoint) {
     utf8proc_uint8_t encoded[4];
     const auto length = utf8proc_encode_char(codePoint, encoded);
@@ -48,6 +34,19 @@ SlugClass slugClass(std::int32_t codePoint) {
 }
 
 }  // namespace
+
+std::int32_t nextCodePoint(std::string_view& text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first < 0x80) {  // nearly everything is
+        text.remove_prefix(1);
+        return first;
+    }
+    utf8proc_int32_t codePoint = -1;
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+    text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    return length > 0 ? codePoint : -1;
+}
 
 bool isUtf8(std::string_view bytes) {
     while (!bytes.empty())

@@ -1,11 +1,16 @@
 // UTF-8 text: checking it, and making it fit for one line.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace brell {
+
+// Cuts one code point from the front of a text that is not empty, and gives it; or cuts one byte and gives -1
+// when no whole UTF-8 sequence stands there.
+std::int32_t nextCodePoint(std::string_view& text);
 
 bool isUtf8(std::string_view bytes);
 
