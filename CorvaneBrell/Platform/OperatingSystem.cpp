@@ -10,6 +10,15 @@ namespace fs = std::filesystem;
 
 namespace brell {
 
+namespace {
+
+fs::path absoluteFolder(std::string path) {
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    return path.starts_with("/") ? fs::path(path) : fs::path();
+}
+
+}  // namespace
+
 std::string OperatingSystemVersion::text() const {
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
 }
@@ -25,12 +34,14 @@ OperatingSystemVersion releasedVersion(OperatingSystemVersion reported) {
     return reported;
 }
 
-fs::path homeFolder() {
-    std::string home;
-    if (const char* named = std::getenv("HOME")) home = named;
-    if (const passwd* user = home.starts_with("/") ? nullptr : ::getpwuid(::getuid())) home = user->pw_dir;
-    while (home.size() > 1 && home.ends_with('/')) home.pop_back();
-    return home;
+fs::path homeInEnvironment() {
+    const char* named = std::getenv("HOME");
+    return named ? absoluteFolder(named) : fs::path();
+}
+
+fs::path homeInUserDatabase() {
+    const passwd* user = ::getpwuid(::getuid());
+    return user ? absoluteFolder(user->pw_dir) : fs::path();
 }
 
 }  // namespace brell

@@ -25,7 +25,13 @@ OperatingSystemVersion parseOSVersion(const std::string& text);
 // are told that it is 16.
 OperatingSystemVersion releasedVersion(OperatingSystemVersion reported);
 
-// The user's home folder, an absolute path without a slash at its end.
+// The user's home folder, an absolute path without a slash at its end; empty when nothing names one. On macOS
+// the user database comes first, because preferences and launchd belong to the user, whatever HOME says;
+// elsewhere HOME does.
 std::filesystem::path homeFolder();
+
+// What each of the two names; empty when it names no absolute path.
+std::filesystem::path homeInEnvironment();
+std::filesystem::path homeInUserDatabase();
 
 }  // namespace brell

@@ -9,4 +9,9 @@ OperatingSystemVersion currentOSVersion() {
     return ::uname(&system) == 0 ? parseOSVersion(system.release) : OperatingSystemVersion();
 }
 
+std::filesystem::path homeFolder() {
+    const std::filesystem::path home = homeInEnvironment();
+    return home.empty() ? homeInUserDatabase() : home;
+}
+
 }  // namespace brell

@@ -14,4 +14,9 @@ OperatingSystemVersion currentOSVersion() {
     return releasedVersion(parseOSVersion(text.data()));
 }
 
+std::filesystem::path homeFolder() {
+    const std::filesystem::path home = homeInUserDatabase();
+    return home.empty() ? homeInEnvironment() : home;
+}
+
 }  // namespace brell
