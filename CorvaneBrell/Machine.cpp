@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Machine.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <stdexcept>
@@ -22,14 +23,9 @@ namespace {
 
 constexpr double commandSeconds = 10.0;
 
-// Each dry run starts from an empty journal of its own.
-fs::path throwAwayDirectory() {
-    return fs::temp_directory_path() / ("corvane-brell-dry-run-" + Uuid::random().text());
-}
-
 fs::path journalDirectoryFor(const LaunchOptions& options, const fs::path& home) {
     if (options.journalDirectory) return *options.journalDirectory;
-    if (options.dryRun) return throwAwayDirectory();
+    if (options.dryRun) return throwAwayDirectory("dry-run");  // each starts from an empty journal of its own
     return Journal::defaultDirectory(home);
 }
 
@@ -46,8 +42,7 @@ std::vector<fs::path> preferenceFiles(const std::function<fs::path(const std::st
 
 Machine thisMachine(const LaunchOptions& options) {
     const fs::path home = homeFolder();
-    if (!home.is_absolute())
-        throw std::runtime_error("Neither HOME nor the user database names a home folder.");
+    if (home.empty()) throw std::runtime_error("Neither HOME nor the user database names a home folder.");
     // A dry run reads what a real run would, although its journal lies elsewhere.
     const fs::path preferences =
         options.journalDirectory.value_or(Journal::defaultDirectory(home)) / "Preferences";
@@ -81,6 +76,15 @@ Machine sampleMachine(const LaunchOptions& options) {
 }
 
 }  // namespace
+
+fs::path throwAwayDirectory(std::string_view purpose) {
+    std::error_code failed;
+    const fs::path folder = fs::temp_directory_path(failed);
+    if (failed)
+        throw std::runtime_error(
+            "The folder for temporary files, TMPDIR, could not be used: " + failed.message() + ".");
+    return folder / fmt::format("corvane-brell-{}-{}", purpose, Uuid::random().text());
+}
 
 Machine machineFor(const LaunchOptions& options) try {
     return options.sampleMac ? sampleMachine(options) : thisMachine(options);

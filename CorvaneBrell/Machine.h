@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "BrellCore/Background/CommandRunning.h"
@@ -26,6 +27,10 @@ struct Machine {
     std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain
     std::unique_ptr<CommandRunning> runner;
 };
+
+// Where a journal can lie that nobody needs later: a name in the user's folder for temporary files, given to
+// no other run; nothing is made yet. Raises std::runtime_error when that folder can't be used.
+std::filesystem::path throwAwayDirectory(std::string_view purpose);
 
 // The machine that these options name. Raises std::exception when its folders can't be made.
 Machine machineFor(const LaunchOptions& options);
