@@ -1,11 +1,9 @@
 #include "CorvaneBrell/Window/ActiveChangeRow.h"
 
-#include <QPushButton>
-
 #include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Window/DayText.h"
-#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/WayBackButtons.h"
 
 namespace brell {
 
@@ -35,20 +33,8 @@ std::vector<RowBadge> noticesOf(const ActiveChange& change) {
 }  // namespace
 
 ActiveChangeRow::ActiveChangeRow(AppModel& model, QWidget* parent)
-    : Row({}, parent),
-      model_(model),
-      restore_(actionButton(tr("Restore"), "arrow.uturn.backward")),
-      undoSince_(actionButton(tr("Undo Everything Since"))) {
-    auto* buttons = new QWidget;
-    auto* column = new QVBoxLayout(buttons);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(6);
-    column->addWidget(restore_);
-    column->addWidget(undoSince_);
-    restore_->setMinimumWidth(undoSince_->sizeHint().width());  // also where it stands alone
-    setControl(buttons);
-    connect(restore_, &QPushButton::clicked, this, [this] { model_.askRestore(record_->entry.id); });
-    connect(undoSince_, &QPushButton::clicked, this, [this] { model_.askUndoSince(record_->entry.id); });
+    : Row({}, parent), wayBack_(new WayBackButtons(model)) {
+    setControl(wayBack_);
 }
 
 void ActiveChangeRow::setRecord(const Record& record) {
@@ -59,13 +45,7 @@ void ActiveChangeRow::setRecord(const Record& record) {
     setTitle(title);
     setWhat(whatOf(record.entry));
     setNotices(noticesOf(record));
-    restore_->setAccessibleName(tr("Restore %1").arg(title));
-    restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(JournalWords::wayBack(record.entry))));
-    restore_->setEnabled(!record.isLocked);
-    undoSince_->setAccessibleName(tr("Undo everything since %1").arg(title));
-    undoSince_->setAccessibleDescription(tr("Restores this change and every later one."));
-    undoSince_->setEnabled(!record.isLocked);
-    undoSince_->setVisible(!record.isNewest);  // where it would be the same as Restore
+    wayBack_->setEntry(record.entry, title, record.isNewest, record.isLocked);
 }
 
 }  // namespace brell

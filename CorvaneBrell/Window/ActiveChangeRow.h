@@ -6,9 +6,9 @@
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/Row.h"
 
-class QPushButton;
-
 namespace brell {
+
+class WayBackButtons;
 
 struct ActiveChange {
     JournalEntry entry;
@@ -31,10 +31,8 @@ public:
     void setRecord(const Record& record);
 
 private:
-    AppModel& model_;
     std::optional<Record> record_;
-    QPushButton* restore_;
-    QPushButton* undoSince_;
+    WayBackButtons* wayBack_;
 };
 
 }  // namespace brell

@@ -1,30 +1,18 @@
 #include "CorvaneBrell/Window/DriftedChangeRow.h"
 
-#include <QPushButton>
-
-#include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Window/DayText.h"
-#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/TickBox.h"
+#include "CorvaneBrell/Window/WayBackButtons.h"
 
 namespace brell {
 
 DriftedChangeRow::DriftedChangeRow(AppModel& model, QWidget* parent)
-    : Row({}, parent),
-      model_(model),
-      tick_(new TickBox(tr("Apply again"))),
-      restore_(actionButton(tr("Restore"), "arrow.uturn.backward")) {
+    : Row({}, parent), tick_(new TickBox(tr("Apply again"))), wayBack_(new WayBackButtons(model)) {
     tick_->setMinimumHeight(28);
-    auto* controls = new QWidget;
-    auto* column = new QVBoxLayout(controls);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(6);
-    column->addWidget(tick_);
-    column->addWidget(restore_);
-    setControl(controls);
+    wayBack_->addAbove(tick_);
+    setControl(wayBack_);
     connect(tick_, &QCheckBox::toggled, this, &DriftedChangeRow::ticked);
-    connect(restore_, &QPushButton::clicked, this, [this] { model_.askRestore(entryID()); });
 }
 
 void DriftedChangeRow::setRecord(const Record& record) {
@@ -41,9 +29,7 @@ void DriftedChangeRow::setRecord(const Record& record) {
     tick_->setAccessibleName(tr("Apply %1 again").arg(title));
     tick_->setAccessibleDescription(tr("Takes effect with the button below the list."));
     tick_->setEnabled(!record.isLocked);
-    restore_->setAccessibleName(tr("Restore %1").arg(title));
-    restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(JournalWords::wayBack(entry))));
-    restore_->setEnabled(!record.isLocked);
+    wayBack_->setEntry(entry, title, record.isNewest, record.isLocked);
 }
 
 }  // namespace brell

@@ -7,15 +7,16 @@
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/Row.h"
 
-class QPushButton;
-
 namespace brell {
+
+class WayBackButtons;
 
 struct DriftedChange {
     JournalEntry entry;
     std::string title;
     std::vector<std::string> lines;  // what is there now, what was written and the original
     std::optional<std::string> otherMacOS;
+    bool isNewest;
     bool isLocked;  // nothing can be changed at all
     bool operator==(const DriftedChange&) const = default;
 };
@@ -37,10 +38,9 @@ signals:
     void ticked();
 
 private:
-    AppModel& model_;
     std::optional<Record> record_;
     QCheckBox* tick_;
-    QPushButton* restore_;
+    WayBackButtons* wayBack_;
 };
 
 }  // namespace brell

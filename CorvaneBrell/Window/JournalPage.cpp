@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QPushButton>
 #include <algorithm>
+#include <functional>
 
 #include "CorvaneBrell/Model/EntryText.h"
 #include "CorvaneBrell/Model/JournalWords.h"
@@ -167,9 +168,20 @@ std::vector<const AgentDrift*> JournalPage::driftedAgents() const {
     return drifted;
 }
 
+// Of the active changes.
+bool JournalPage::isNewest(const JournalEntry& entry) const {
+    const std::vector<JournalEntry>& entries = model_.state().entries;
+    const auto newest = std::find_if(entries.begin(), entries.end(), std::mem_fn(&JournalEntry::isActive));
+    return newest != entries.end() && newest->id == entry.id;
+}
+
 DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const {
-    return {entry, entryTitle(entry, model_.catalog()), std::move(lines),
-            madeOnAnotherMacOS(entry, model_.macOSVersion()), isLocked()};
+    return {entry,
+            entryTitle(entry, model_.catalog()),
+            std::move(lines),
+            madeOnAnotherMacOS(entry, model_.macOSVersion()),
+            isNewest(entry),
+            isLocked()};
 }
 
 // Gives the identifiers of all that drifted, also of those that are not shown yet.
@@ -194,14 +206,12 @@ void JournalPage::showActive(const std::set<Uuid>& drifted) {
     for (const JournalEntry& entry : state.interrupted) interrupted.insert(entry.id);
     std::vector<ActiveChange> shown;
     std::size_t all = 0;
-    bool isNewest = true;
     for (const JournalEntry& entry : state.entries) {
-        if (!entry.isActive()) continue;
-        if (!drifted.contains(entry.id) && all++ < active_->limit())
+        if (!entry.isActive() || drifted.contains(entry.id)) continue;
+        if (all++ < active_->limit())
             shown.push_back({entry, entryTitle(entry, model_.catalog()),
                              madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
-                             isNewest, isLocked()});
-        isNewest = false;
+                             isNewest(entry), isLocked()});
     }
     active_->setRecords(shown, all);
 }

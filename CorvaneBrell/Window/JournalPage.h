@@ -31,6 +31,7 @@ private:
     void showTicks();
     DriftedChange driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const;
     std::vector<const AgentDrift*> driftedAgents() const;
+    bool isNewest(const JournalEntry& entry) const;
     bool isLocked() const { return model_.state().startupError.has_value(); }  // nothing can be changed
     std::vector<Uuid> ticked() const;
     QString terminalCommands() const;
