@@ -32,17 +32,22 @@ QString leftOutText(const ActivePreset& active) {
     return qt(firstOf(active.leftOut, "\n"));
 }
 
-void chooseExportFile(AppModel& model, QWidget* window, const QString& name) {
-    const ActivePreset active = model.activePreset(utf8(name));
+QFileDialog* openExportDialog(AppModel& model, QWidget* window, const Preset& preset) {
     QFileDialog* dialog = presetDialog(window, QMenu::tr("Export Preset"), QFileDialog::AcceptSave);
-    dialog->selectFile(qt(PresetFile::slug(active.preset.name) + std::string(PresetFile::extension)));
-    QObject::connect(
-        dialog, &QFileDialog::fileSelected, window, [&model, window, active](const QString& file) {
-            model.exportPreset(active.preset, utf8(file));
-            if (!active.leftOut.empty())
-                tell(window, QMenu::tr("The preset does not hold every change"), leftOutText(active));
-        });
+    dialog->selectFile(qt(PresetFile::slug(preset.name) + std::string(PresetFile::extension)));
+    QObject::connect(dialog, &QFileDialog::fileSelected, window,
+                     [&model, preset](const QString& file) { model.exportPreset(preset, utf8(file)); });
     dialog->open();
+    return dialog;
+}
+
+void exportActive(AppModel& model, QWidget* window, const QString& name) {
+    const ActivePreset active = model.activePreset(utf8(name));
+    QFileDialog* dialog = openExportDialog(model, window, active.preset);
+    if (active.leftOut.empty()) return;
+    QObject::connect(dialog, &QFileDialog::fileSelected, window, [window, active] {
+        tell(window, QMenu::tr("The preset does not hold every change"), leftOutText(active));
+    });
 }
 
 }  // namespace
@@ -55,10 +60,13 @@ PresetMenu::PresetMenu(AppModel& model, QWidget* parent) : QMenu(tr("Presets"), 
         connect(action, &QAction::triggered, this, [&model, &preset] { model.askPreset(preset); });
     }
     addSeparator();
-    addAction(tr("Import Preset..."), this,
-              [&model, this] { importPreset(model, parentWidget()->window()); });
-    addAction(tr("Export Preset..."), this,
-              [&model, this] { exportPreset(model, parentWidget()->window()); });
+    const auto ofTheJournal = [&](const QString& text, void (*act)(AppModel&, QWidget*)) {
+        QAction* action =
+            addAction(text, this, [&model, this, act] { act(model, parentWidget()->window()); });
+        action->setEnabled(!model.state().startupError);
+    };
+    ofTheJournal(tr("Import Preset..."), importPreset);
+    ofTheJournal(tr("Export Preset..."), exportActivePreset);
 }
 
 void importPreset(AppModel& model, QWidget* window) {
@@ -69,7 +77,11 @@ void importPreset(AppModel& model, QWidget* window) {
     dialog->open();
 }
 
-void exportPreset(AppModel& model, QWidget* window) {
+void exportPreset(AppModel& model, QWidget* window, const Preset& preset) {
+    openExportDialog(model, window, preset);
+}
+
+void exportActivePreset(AppModel& model, QWidget* window) {
     const ActivePreset active = model.activePreset("");
     if (active.preset.tweakIDs.empty())
         return tell(
@@ -82,8 +94,7 @@ void exportPreset(AppModel& model, QWidget* window) {
                            .arg(active.preset.tweakIDs.size()));
     name->setTextValue(QMenu::tr("My settings"));
     QObject::connect(name, &QInputDialog::textValueSelected, window, [&model, window](const QString& chosen) {
-        chooseExportFile(model, window,
-                         chosen.trimmed().isEmpty() ? QMenu::tr("My settings") : chosen.trimmed());
+        exportActive(model, window, chosen.trimmed().isEmpty() ? QMenu::tr("My settings") : chosen.trimmed());
     });
     name->open();
 }

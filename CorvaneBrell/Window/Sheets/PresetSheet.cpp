@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 
 #include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
 
@@ -61,6 +62,8 @@ PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& 
         addNote("questionmark.circle", Tone::caution,
                 tr("Left out, because this version of Brell does not know them: %1.")
                     .arg(qt(plan.unknown).join(", ")));
+    connect(addButton(tr("Export...")), &QPushButton::clicked, this,
+            [this, preset = plan.preset] { exportPreset(this->model(), this, preset); });
     QPushButton* apply = addAnswers(tr("Apply"), [this] { this->model().confirmPreset(); });
     if (plan.toApply().empty()) {
         apply->setEnabled(false);
