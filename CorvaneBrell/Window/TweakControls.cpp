@@ -101,14 +101,15 @@ TweakControl makeFolder(AppModel& model, const Tweak& tweak) {
         chooseFolder(model, tweak, QFileInfo(now).isDir() ? now : qt(model.catalog().home()), control);
     });
     QObject::connect(previous, &QPushButton::clicked, control, [&model, &tweak] { model.turnOff(tweak.id); });
-    return {
-        control, [&model, path, choose, previous](const TweakRowState& state) {
-            path->setText(state.folder.empty() ? QWidget::tr("macOS default") : shortened(qt(state.folder)));
-            path->setToolTip(qt(state.folder));
-            choose->setEnabled(state.canChange);
-            previous->setVisible(state.undo.has_value());
-            previous->setEnabled(!model.state().startupError);
-        }};
+    return {control, [&model, path, choose, previous](const TweakRowState& state) {
+                path->setText(state.nothingStored    ? QWidget::tr("macOS default")
+                              : state.folder.empty() ? QWidget::tr("Not known")
+                                                     : shortened(qt(state.folder)));
+                path->setToolTip(qt(state.folder));
+                choose->setEnabled(state.canChange);
+                previous->setVisible(state.undo.has_value());
+                previous->setEnabled(!model.state().startupError);
+            }};
 }
 
 }  // namespace
