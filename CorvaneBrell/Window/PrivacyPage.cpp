@@ -37,6 +37,7 @@ void PrivacyCardRow::refresh() {
         notices.push_back({tr("Link not confirmed on this macOS"), "info.circle", Tone::plain, {}});
     setNotices(notices);
     reviewed_->setAccessibleDescription(state);
+    reviewed_->setEnabled(!model_.state().startupError);
 }
 
 PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
