@@ -15,8 +15,7 @@ namespace brell {
 namespace {
 
 LaunchOptions fallbackFor(LaunchOptions options) {
-    options.journalDirectory =
-        fs::temp_directory_path() / ("corvane-brell-fallback-" + Uuid::random().text());
+    options.journalDirectory = throwAwayDirectory("fallback");
     options.dryRun = true;
     return options;
 }
@@ -50,8 +49,10 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
       questions_(loop) {
     try {
         deps_ = std::make_unique<Dependencies>(options, out);
+        journalDirectory_ = deps_->journalDirectory();
     } catch (const JournalError& error) {
         deps_ = std::make_unique<Dependencies>(fallbackFor(options), out);
+        journalDirectory_ = options.journalDirectory.value_or(Journal::defaultDirectory(deps_->machine.home));
         state_.startupError = std::string("The change journal could not be opened: ") + error.what() +
                               ". Nothing can be changed until this is fixed.";
     }
@@ -113,13 +114,19 @@ void AppModel::refreshAll() {
             return readEverything();
         },
         [this](JobResult<Refresh> result) {
-            refreshWaits_ = false;
             if (!result.value) return fail(result.error);
-            // Read before a change was finished; what was asked for after it sees more.
-            if (result.value->changesFinished != changesFinished_) return;
+            // Read before a change was finished, perhaps one that counted on this look to be still to come.
+            if (result.value->changesFinished != changesFinished_) return refreshAll();
             showEverything(std::move(*result.value));
         });
     loadHistory(historyDays_);
+}
+
+void AppModel::refreshShown() {
+    refreshAll();
+    if (state_.screen == Screen::loginItems) loadLoginItems();
+    if (state_.screen == Screen::journal) loadAgentDrift();
+    if (state_.screen == Screen::spotlight) loadVolumes();
 }
 
 AppModel::Refresh AppModel::readEverything() const {
@@ -190,6 +197,7 @@ void AppModel::countChanges(const std::vector<JournalEntry>& entries) {
 }
 
 void AppModel::saveBeside(const fs::path& file, std::function<std::string()> contents) {
+    ++savesUnderWay_;
     look(
         "Saving " + file.filename().string(),
         [file = fs::absolute(file), contents = std::move(contents)] {
@@ -197,6 +205,7 @@ void AppModel::saveBeside(const fs::path& file, std::function<std::string()> con
             return true;
         },
         [this](const JobResult<bool>& result) {
+            --savesUnderWay_;
             if (!result.value) fail(result.error);
         });
 }

@@ -56,7 +56,8 @@ public:
     const TweakCatalog& catalog() const { return deps_->catalog; }
     std::vector<const Tweak*> offeredTweaks() const { return catalog().available(deps_->macOSMajor()); }
     std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
-    std::filesystem::path journalDirectory() const { return deps_->journalDirectory(); }
+    // The one asked for, also while a throw-away journal takes its place.
+    const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
 
     // The observer is called on the main thread, after the property has its new value. It may call the model.
     void setObserver(std::function<void(Property)> observer) { observer_ = std::move(observer); }
@@ -67,11 +68,16 @@ public:
     bool isBusy() const {
         return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ + questionsUnderWay_ > 0;
     }
+    // Something that the user asked for is not finished: a change, a relaunch, or a file that is being saved.
+    bool isWorking() const {
+        return changesUnderWay_ + savesUnderWay_ > 0 || state_.relaunchActivity.has_value();
+    }
     // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
     bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
 
     void show(Screen screen);
     void refreshAll();
+    void refreshShown();  // that, and what only the shown screen needs from the system's tools
     void dismissError();
 
     // Tweaks. A tweak with an active change is restored first, and made again as it was when the new one
@@ -251,6 +257,7 @@ private:
     void noteForUndo(const Change& change);
     void reportProgress(std::string what, std::size_t done, std::size_t total);
     JournalEntry makeAgain(const JournalEntry& entry);
+    void addAgain(Change& change, const JournalEntry& entry);
     void restoreFirst(Change& change, const JournalEntry& active);
     void undoEntry(Change& change, const Uuid& id);
     void redoEntry(Change& change, const Uuid& id);
@@ -284,6 +291,7 @@ private:
     std::function<void(Property)> observer_;
     AppState state_;
     std::unique_ptr<Dependencies> deps_;
+    std::filesystem::path journalDirectory_;
     std::unique_ptr<PreferenceStore> dryRunOwnStore_;
     PreferenceStore* ownStore_ = nullptr;
     std::unique_ptr<OwnPreferences> own_;
@@ -296,6 +304,7 @@ private:
     bool refreshWaits_ = false;             // a refresh is asked for and has not begun
     std::atomic<int> changesFinished_ = 0;  // read by the lanes
     int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0, questionsUnderWay_ = 0;
+    int savesUnderWay_ = 0;                                       // of the refreshes
     Relauncher::Handle relaunch_;                                 // while one is under way
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // watched by what the main loop still holds
 

@@ -89,7 +89,7 @@ void AppModel::changeTo(const PendingApply& wish, std::string what) {
         } catch (const EngineError& error) {
             if (!active) throw;
             made.failures.push_back(error.what());
-            made.made.push_back(makeAgain(*active));  // the user still has what was there before
+            addAgain(made, *active);  // the user still has what was there before
         }
         return made;
     };
@@ -198,6 +198,13 @@ void AppModel::restoreFirst(Change& change, const JournalEntry& active) {
     change.agentsTouched = change.agentsTouched || active.agent;
     change.restored.push_back(deps_->engine.restore(active.id, alreadyBack));
     if (alreadyBack) change.alreadyBack.push_back(nameOf(active));
+}
+
+// On the lane. A failure is told behind those that led here.
+void AppModel::addAgain(Change& change, const JournalEntry& entry) try {
+    change.made.push_back(makeAgain(entry));
+} catch (const std::exception& error) {
+    change.failures.push_back(error.what());
 }
 
 // On the lane: makes what a restored entry had made.

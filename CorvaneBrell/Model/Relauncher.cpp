@@ -21,8 +21,7 @@ constexpr std::array<OutcomeFacts, 6> outcomeFacts{{
     {"relaunched.", true},
     {"was not running; it has been opened.", true},
     {"was not running and could not be opened within 10 seconds. Open it from the Finder's Go menu or log "
-     "out "
-     "and back in.",
+     "out and back in.",
      false},
     {"did not quit within 5 seconds. Brell never forces a quit; try again later or log out and back in.",
      false},

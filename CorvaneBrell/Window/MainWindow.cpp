@@ -39,6 +39,19 @@ Changes everything() {
     return all;
 }
 
+// A question, or news of something that went wrong: a window that is about to close stays for it.
+bool hasToBeSeen(const AppState& state, Property changed) {
+    switch (changed) {
+        case Property::errorMessage: return state.errorMessage.has_value();
+        case Property::driftRequest: return state.driftRequest.has_value();
+        case Property::recoveryFailures: return !state.recoveryFailures.empty();
+        case Property::presetReport: return state.presetReport.size() > 1;  // more than how many were made
+        case Property::undoProof: return !state.undoIsComplete;
+        case Property::relaunchReport: return state.relaunchReport && !state.pendingEffects.empty();
+        default: return false;
+    }
+}
+
 QString windowTitle(const AppModel& model) {
     if (model.options().sampleMac) return MainWindow::tr("Corvane Brell (sample Mac)");
     if (model.options().dryRun) return MainWindow::tr("Corvane Brell (dry run)");
@@ -94,6 +107,7 @@ Page* MainWindow::currentPage() const {
 }
 
 void MainWindow::modelChanged(Property property) {
+    if (hasToBeSeen(model_.state(), property)) closesWhenDone_ = false;
     for (auto& [page, changes] : stale_) changes.insert(property);
     if (!refresh_->isActive()) refresh_->start(0);
 }
@@ -110,8 +124,7 @@ void MainWindow::refreshNow() {
     Changes& changes = stale_.at(shown);
     if (!changes.empty()) shown->refresh(std::exchange(changes, {}));
     sheets_->refresh();
-    if (model_.state().driftRequest) closesWhenDone_ = false;  // what was asked for has a question first
-    if (closesWhenDone_ && !model_.state().changeActivity) close();
+    if (closesWhenDone_ && !model_.isWorking()) close();
 }
 
 void MainWindow::showScreen(Screen screen) {
@@ -191,9 +204,9 @@ void MainWindow::enterPage() {
     if (QWidget* first = firstControl(currentPage()->scrollArea())) first->setFocus(Qt::TabFocusReason);
 }
 
-// What the user asked for is finished first: the change under way, and those that wait for their turn.
+// What the user asked for is finished first: what is under way, and what waits for its turn.
 void MainWindow::closeEvent(QCloseEvent* event) {
-    closesWhenDone_ = model_.state().changeActivity.has_value();
+    closesWhenDone_ = model_.isWorking();
     if (closesWhenDone_) return event->ignore();
     model_.keepWindowPlace({width(), height(), model_.state().screen});
     event->accept();

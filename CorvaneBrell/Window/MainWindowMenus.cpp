@@ -47,7 +47,7 @@ void MainWindow::makeFileMenu() {
         ofTheJournal_.push_back(menu->addAction(text, keys, this, [this, act] { act(model_, this); }));
     };
     add(tr("Import Preset..."), QKeySequence(tr("Ctrl+O")), importPreset);
-    add(tr("Export Preset..."), QKeySequence(tr("Ctrl+E")), exportPreset);
+    add(tr("Export Preset..."), QKeySequence(tr("Ctrl+E")), exportActivePreset);
     menu->addSeparator();
     add(tr("Save Report..."), QKeySequence::Save, FileActions::saveReport);
     add(tr("Save Restore Script..."), QKeySequence(tr("Ctrl+Shift+S")), FileActions::saveRestoreScript);
@@ -78,7 +78,7 @@ void MainWindow::makeViewMenu() {
     changedOnlyAction_ = menu->addAction(tr("Changed Only"), QKeySequence(tr("Ctrl+Shift+C")));
     changedOnlyAction_->setCheckable(true);
     connect(changedOnlyAction_, &QAction::triggered, this, &MainWindow::setChangedOnly);
-    menu->addAction(tr("Refresh"), QKeySequence(tr("Ctrl+R")), this, [this] { model_.refreshAll(); });
+    menu->addAction(tr("Refresh"), QKeySequence(tr("Ctrl+R")), this, [this] { model_.refreshShown(); });
 }
 
 void MainWindow::makeOtherMenus() {

@@ -11,6 +11,8 @@
 #include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
+namespace fs = std::filesystem;
+
 namespace brell::testing {
 
 namespace {
@@ -167,6 +169,16 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     openWindow();
     EXPECT_EQ(model->state().pendingEffects,
               (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
+
+    model->saveReport(folder.path / "report.md");
+    model->askRelaunch();
+    model->confirmRelaunch();
+    window->close();
+    EXPECT_TRUE(window->isVisible())
+        << "an app that was asked to quit is opened again, and the file is saved";
+    QTRY_VERIFY_WITH_TIMEOUT(!window->isVisible(), 30'000);
+    EXPECT_TRUE(model->state().pendingEffects.empty());
+    EXPECT_TRUE(fs::exists(folder.path / "report.md"));
 }
 
 TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
@@ -180,8 +192,14 @@ TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
     EXPECT_TRUE(window->isVisible());
     ASSERT_TRUE(model->state().driftRequest);
     model->cancelDrift();
+    fs::remove(*options.journalDirectory / ".journal.lock");
+    fs::create_directory(*options.journalDirectory / ".journal.lock");
+    model->apply("shot.no_shadow");
     window->close();
     settle();
+    EXPECT_TRUE(window->isVisible()) << "the failure is to be read";
+    EXPECT_TRUE(model->state().errorMessage);
+    window->close();
     EXPECT_FALSE(window->isVisible());
 }
 
