@@ -124,6 +124,7 @@ void AppModel::refreshAll() {
 
 void AppModel::refreshShown() {
     refreshAll();
+    showPendingRelaunches(notedRelaunches());
     if (state_.screen == Screen::loginItems) loadLoginItems();
     if (state_.screen == Screen::journal) loadAgentDrift();
     if (state_.screen == Screen::spotlight) loadVolumes();

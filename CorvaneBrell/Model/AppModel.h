@@ -171,11 +171,11 @@ private:
         std::vector<std::string> failures;
         std::vector<std::string> report;                           // of a preset
         std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
-        std::vector<std::string> alreadyBack;       // names of entries that somebody had put back before
-        std::string proof;                          // what the restored keys read as now
-        bool isProved = true;                       // every one of them as before
-        KeptRelaunches touched;                     // by tweak: what its keys hold now
-        std::vector<std::pair<Uuid, Uuid>> remade;  // entries made again, and what they are now
+        std::vector<std::string> alreadyBack;        // names of entries that somebody had put back before
+        std::string proof;                           // what the restored keys read as now
+        bool isProved = true;                        // every one of them as before
+        std::map<std::string, std::string> touched;  // by tweak: what its keys hold now
+        std::vector<std::pair<Uuid, Uuid>> remade;   // entries made again, and what they are now
         Undo undo = Undo::none;
         bool leadsToOriginals = false;  // undoing it does not make again what it restored
         bool agentsTouched = false;
@@ -280,6 +280,8 @@ private:
     void showReading(std::string what, std::size_t done = 0, std::size_t total = 0);  // from a job
     void endReading();
 
+    std::int64_t processNow(EffectClass effect) const;
+    KeptRelaunches notedRelaunches() const;
     void loadPendingRelaunches();
     void notePendingRelaunches(const Change& change);
     void showPendingRelaunches(const KeptRelaunches& pending);

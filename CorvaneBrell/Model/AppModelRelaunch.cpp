@@ -20,19 +20,41 @@ std::string rendered(const JournalEntry& entry, StoredValue JournaledWrite::*val
 
 KeptRelaunches kept(const std::vector<PendingRelaunch>& pending) {
     KeptRelaunches kept;
-    for (const PendingRelaunch& one : pending) kept.emplace(one.tweakID, one.before);
+    for (const PendingRelaunch& one : pending)
+        kept.emplace(one.tweakID, KeptRelaunch{one.before, one.process});
     return kept;
 }
 
 }  // namespace
 
-// What another run of the program noted counts too; what is back as the app knows it does not wait any more.
-void AppModel::loadPendingRelaunches() {
+// The number of the app that shows such a change; 0 while it does not run.
+std::int64_t AppModel::processNow(EffectClass effect) const {
+    for (const Relauncher::Target target : Relauncher::targetsFor({effect}))
+        for (const auto instance :
+             applications_.running(std::string(Relauncher::facts(target).bundleIdentifier)))
+            return applications_.processNumber(instance);
+    return 0;
+}
+
+// What was noted, also by another run of the program, without what an app that was started anew since shows
+// already: the user has logged out and in, or it was relaunched in another way.
+KeptRelaunches AppModel::notedRelaunches() const {
     KeptRelaunches pending = readPendingRelaunches(*ownStore_);
+    std::erase_if(pending, [&](const auto& one) {
+        const Tweak* tweak = catalog().tweak(one.first);
+        const std::int64_t process = tweak ? processNow(tweak->effect) : 0;
+        return process != 0 && one.second.process != 0 && process != one.second.process;
+    });
+    return pending;
+}
+
+// What is back as the app knows it does not wait any more.
+void AppModel::loadPendingRelaunches() {
+    KeptRelaunches pending = notedRelaunches();
     std::erase_if(pending, [&](const auto& one) {
         const auto status = state_.statuses.find(one.first);
         if (state_.statusErrors.contains(one.first)) return false;
-        return status == state_.statuses.end() || renderedTogether(status->second.exact) == one.second;
+        return status == state_.statuses.end() || renderedTogether(status->second.exact) == one.second.before;
     });
     showPendingRelaunches(pending);
 }
@@ -40,16 +62,17 @@ void AppModel::loadPendingRelaunches() {
 // A change asks for a relaunch until its keys hold again what they held when the app was last started.
 void AppModel::notePendingRelaunches(const Change& change) {
     if (change.touched.empty()) return;
-    KeptRelaunches pending = readPendingRelaunches(*ownStore_);
+    KeptRelaunches pending = notedRelaunches();
     const auto note = [&](const JournalEntry& entry, StoredValue JournaledWrite::*before) {
         const Tweak* tweak = catalog().tweak(entry.tweakID);
-        if (tweak && needsRelaunch(tweak->effect)) pending.emplace(entry.tweakID, rendered(entry, before));
+        if (tweak && needsRelaunch(tweak->effect))
+            pending.emplace(entry.tweakID, KeptRelaunch{rendered(entry, before), processNow(tweak->effect)});
     };
     for (const JournalEntry& entry : change.restored) note(entry, &JournaledWrite::written);
     for (const JournalEntry& entry : change.made) note(entry, &JournaledWrite::original);
     std::erase_if(pending, [&](const auto& one) {
         const auto now = change.touched.find(one.first);
-        return now != change.touched.end() && now->second == one.second;
+        return now != change.touched.end() && now->second == one.second.before;
     });
     showPendingRelaunches(pending);
 }
@@ -57,10 +80,10 @@ void AppModel::notePendingRelaunches(const Change& change) {
 void AppModel::showPendingRelaunches(const KeptRelaunches& pending) {
     std::vector<PendingRelaunch> waiting;
     std::set<EffectClass> effects;
-    for (const auto& [tweakID, before] : pending) {
+    for (const auto& [tweakID, kept] : pending) {
         const Tweak* tweak = catalog().tweak(tweakID);
         if (!tweak) continue;
-        waiting.push_back({tweakID, tweak->effect, before});
+        waiting.push_back({tweakID, tweak->effect, kept.before, kept.process});
         effects.insert(tweak->effect);
     }
     try {
@@ -113,7 +136,7 @@ void AppModel::relaunchNext(std::vector<Relauncher::Target> targets, const std::
 }
 
 void AppModel::dropPendingRelaunches(EffectClass effect) {
-    KeptRelaunches pending = readPendingRelaunches(*ownStore_);
+    KeptRelaunches pending = notedRelaunches();
     std::erase_if(pending, [&](const auto& one) {
         const Tweak* tweak = catalog().tweak(one.first);
         return tweak && tweak->effect == effect;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -99,7 +100,8 @@ struct SessionChange {
 struct PendingRelaunch {
     std::string tweakID;
     EffectClass effect;
-    std::string before;  // what the keys held then, rendered
+    std::string before;    // what the keys held then, rendered
+    std::int64_t process;  // of the app then; 0 when it is not known
     bool operator==(const PendingRelaunch&) const = default;
 };
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
+
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Support/Text.h"
 
@@ -9,7 +11,7 @@ namespace brell {
 
 namespace {
 
-// One text a tweak: "dock.autohide=false". No tweak's id holds the sign.
+// One text a tweak: "dock.autohide@312=false". No tweak's id holds the signs.
 PrefKey pendingKey() {
     return {std::string(NeverTouch::ownLabel), "relaunch.pending"};
 }
@@ -27,9 +29,12 @@ KeptRelaunches readPendingRelaunches(PreferenceStore& ownStore) try {
     const StoredValue stored = ownStore.exactValue(pendingKey());
     const auto* texts = stored.value ? stored.value->as<PrefValue::StringArray>() : nullptr;
     if (!texts) return {};
-    for (const std::string& text : *texts)
-        if (const std::size_t sign = text.find('='); sign != std::string::npos)
-            pending.emplace(text.substr(0, sign), text.substr(sign + 1));
+    for (const std::string& text : *texts) {
+        const std::size_t at = text.find('@'), sign = text.find('=', at);
+        if (sign == std::string::npos) continue;
+        const std::int64_t process = std::strtoll(text.c_str() + at + 1, nullptr, 10);
+        pending.emplace(text.substr(0, at), KeptRelaunch{text.substr(sign + 1), process});
+    }
     return pending;
 } catch (const StoreError&) {
     return {};
@@ -38,7 +43,8 @@ KeptRelaunches readPendingRelaunches(PreferenceStore& ownStore) try {
 void writePendingRelaunches(const KeptRelaunches& pending, PreferenceStore& ownStore) {
     if (pending == readPendingRelaunches(ownStore)) return;
     PrefValue::StringArray texts;
-    for (const auto& [tweakID, before] : pending) texts.push_back(fmt::format("{}={}", tweakID, before));
+    for (const auto& [tweakID, kept] : pending)
+        texts.push_back(fmt::format("{}@{}={}", tweakID, kept.process, kept.before));
     ownStore.put(texts.empty() ? StoredValue::absent() : StoredValue(std::move(texts)), pendingKey());
     ownStore.synchronize(pendingKey().domain);
 }

@@ -2,6 +2,7 @@
 // they survive quitting it.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,8 +11,12 @@
 
 namespace brell {
 
-// By tweak id: what the tweak's keys held when the app was last started, rendered.
-using KeptRelaunches = std::map<std::string, std::string>;
+struct KeptRelaunch {
+    std::string before;    // what the tweak's keys held when the app was last started, rendered
+    std::int64_t process;  // the app's number then; 0 when it is not known
+    bool operator==(const KeptRelaunch&) const = default;
+};
+using KeptRelaunches = std::map<std::string, KeptRelaunch>;  // by tweak id
 
 // What the keys of one tweak hold, in the form that is kept and compared.
 std::string renderedTogether(const std::vector<StoredValue>& values);

@@ -20,6 +20,9 @@ public:
     // The ordinary quit request, the one behind the Quit menu item. Never a forced end.
     virtual void requestQuit(Instance instance) = 0;
     virtual bool hasTerminated(Instance instance) = 0;
+    // The system's number of it, the same in every run of this program while the instance runs; 0 of one that
+    // does not.
+    virtual std::int64_t processNumber(Instance instance) = 0;
     // Asks for the application at this path. answered is called once, on the main thread, when the platform
     // has answered, whatever it said; it may come before open returns. It may be let go of on another thread.
     virtual void open(const std::string& path, std::function<void()> answered) = 0;

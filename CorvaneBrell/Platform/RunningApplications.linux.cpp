@@ -9,6 +9,7 @@ public:
     std::vector<Instance> running(const std::string&) override { return {}; }
     void requestQuit(Instance) override {}
     bool hasTerminated(Instance) override { return true; }
+    std::int64_t processNumber(Instance) override { return 0; }
     void open(const std::string&, std::function<void()> answered) override { answered(); }
 };
 

@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <algorithm>
 #include <map>
 
 namespace brell {
@@ -31,6 +32,12 @@ public:
     bool hasTerminated(Instance instance) override {
         const auto found = known_.find(instance);
         return found == known_.end() || found->second.terminated;
+    }
+
+    std::int64_t processNumber(Instance instance) override {
+        const auto found = known_.find(instance);
+        if (found == known_.end()) return 0;
+        return std::max<std::int64_t>(found->second.processIdentifier, 0);  // -1 of one that has gone
     }
 
     void open(const std::string& path, std::function<void()> answered) override {

@@ -25,6 +25,7 @@ public:
     std::vector<Instance> running(const std::string& bundleIdentifier) override;
     void requestQuit(Instance instance) override;
     bool hasTerminated(Instance instance) override;
+    std::int64_t processNumber(Instance instance) override { return hasTerminated(instance) ? 0 : instance; }
     // A path of no application is answered like any other, and nothing appears.
     void open(const std::string& path, std::function<void()> answered) override;
 

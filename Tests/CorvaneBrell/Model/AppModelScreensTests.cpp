@@ -156,6 +156,14 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
               "in. Finder relaunched.");
     EXPECT_EQ(model->state().pendingEffects, std::set{EffectClass::dockRelaunch});
     EXPECT_EQ(openModel()->state().pendingEffects, std::set{EffectClass::dockRelaunch});
+
+    applications.endAll("com.apple.dock");
+    EXPECT_EQ(openModel()->state().pendingEffects, std::set{EffectClass::dockRelaunch});
+    applications.launchAnother("com.apple.dock");
+    model->refreshShown();
+    EXPECT_TRUE(model->state().pendingEffects.empty()) << "it was started anew in another way";
+    settle(*model);
+    EXPECT_TRUE(openModel()->state().pendingEffects.empty());
 }
 
 TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
@@ -207,7 +215,8 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     std::string script;
     model->makeRestoreScript([&](const std::string& made) { script = made; });
     settle(*model);
-    EXPECT_EQ(contentsOf(folder.path / "saved.sh"), script);
+    const auto behindTheDate = [](const std::string& text) { return text.substr(text.find("\n# Run it")); };
+    EXPECT_EQ(behindTheDate(contentsOf(folder.path / "saved.sh")), behindTheDate(script));
     EXPECT_FALSE(model->state().lookActivity);
     EXPECT_NE(contentsOf(folder.path / "saved.md").find("Hide the Dock automatically"), std::string::npos);
     EXPECT_EQ(contentsOf(folder.path / "saved.corvanepreset"),

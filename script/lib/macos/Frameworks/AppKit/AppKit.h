@@ -73,6 +73,7 @@ typedef struct {
 @interface NSRunningApplication : NSObject
 + (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)identifier;
 @property(readonly, getter=isTerminated) BOOL terminated;
+@property(readonly) pid_t processIdentifier;
 - (BOOL)terminate;
 @end
 
