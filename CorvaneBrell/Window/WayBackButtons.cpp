@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/WayBackButtons.h"
 
 #include <QPushButton>
+#include <algorithm>
 
 #include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Window/Page.h"
@@ -17,7 +18,8 @@ WayBackButtons::WayBackButtons(AppModel& model, QWidget* parent)
     column_->setSpacing(6);
     column_->addWidget(restore_);
     column_->addWidget(undoSince_);
-    restore_->setMinimumWidth(undoSince_->sizeHint().width());  // also where it stands alone
+    // As wide as the other, also where it stands alone.
+    restore_->setMinimumWidth(std::max(undoSince_->sizeHint().width(), undoSince_->minimumWidth()));
     connect(restore_, &QPushButton::clicked, this, [this, &model] { model.askRestore(*entry_); });
     connect(undoSince_, &QPushButton::clicked, this, [this, &model] { model.askUndoSince(*entry_); });
 }
