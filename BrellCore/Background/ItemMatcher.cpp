@@ -63,7 +63,7 @@ const BTMItem* ItemMatcher::take(const LaunchAgentRecord& record) {
     const auto consider = [&](Index& index, std::string_view key) {
         first = std::min(first, index.firstLeft(key, taken_));
     };
-    if (record.label()) {
+    if (record.label() && !record.label()->empty()) {
         consider(byIdentifier_, *record.label());
         consider(byBundle_, *record.label());
     }

@@ -61,10 +61,15 @@ std::vector<const BTMItem*> shownItems(const std::optional<BTMDump>& btm, std::u
     return items;
 }
 
+// An empty text names nothing.
+std::optional<std::string> nonEmpty(const std::optional<std::string>& text) {
+    return text && !text->empty() ? text : std::nullopt;
+}
+
 LoginItemBadge badgeOf(const LaunchAgentRecord& record) {
     if (record.scope != AgentScope::user) return LoginItemBadge::adminOnly;
     // Without a label launchd can't address it.
-    return record.label() ? LoginItemBadge::toggleable : LoginItemBadge::appManaged;
+    return nonEmpty(record.label()) ? LoginItemBadge::toggleable : LoginItemBadge::appManaged;
 }
 
 bool isOn(const LaunchAgentRecord& record, const BTMItem* item) {
@@ -76,7 +81,7 @@ LoginItemRow rowOf(const LaunchAgentRecord& record, const BTMItem* item) {
     AgentExplanation explanation = AgentExplainer::explain(
         record.label().value_or(""), item ? item->teamID : std::nullopt, record.plist.executable());
     const std::string name =
-        record.label().value_or(std::filesystem::path(record.plist.path).filename().string());
+        nonEmpty(record.label()).value_or(std::filesystem::path(record.plist.path).filename().string());
     return {std::string(rawValue(record.scope)) + ":" + record.plist.path,
             explanation.app,
             name + std::string(separator) + record.plist.trigger(),
@@ -105,8 +110,9 @@ LoginItemRow rowOf(const BTMItem& item) {
     const std::string identifier(item.strippedIdentifier());
     AgentExplanation explanation = AgentExplainer::explain(identifier, item.teamID, executableOf(item));
     return {"btm:" + item.id,
-            item.name.value_or(explanation.app),
-            item.developer.value_or(identifier) + std::string(separator) + std::string(kindText(item.type)),
+            nonEmpty(item.name).value_or(explanation.app),
+            nonEmpty(item.developer).value_or(identifier) + std::string(separator) +
+                std::string(kindText(item.type)),
             isInstalledByAdministrator(item) ? LoginItemBadge::adminOnly : LoginItemBadge::appManaged,
             std::nullopt,
             item,

@@ -75,6 +75,7 @@ TEST(LoginItemsMerger, MatchesByIdentifierFileOrBundle) {
         {jo, item("x", agentType, {}, "com.example.a"), true},
         {record({}, file), item("x", agentType, file), true},
         {record({}, file), item("", agentType, {}, ""), false},
+        {record("", file), item("12.", agentType, {}, ""), false},
         {daemon, item("x", BTMItemType::legacyDaemon, daemonFile), true},
     };
     for (const Row& row : rows) {
@@ -140,16 +141,20 @@ TEST(LoginItemsMerger, TellsAboutARecord) {
     EXPECT_EQ(row.badge, LoginItemBadge::adminOnly);
     EXPECT_FALSE(row.isOn);
 
-    const LoginItemRow alone =
-        LoginItemsMerger::merge({record({}, "/Users/jo/Library/LaunchAgents/y.plist")}, {}, {}, uid).front();
-    EXPECT_EQ(alone.badge, LoginItemBadge::appManaged);
-    EXPECT_EQ(alone.subtitle, "y.plist · on demand");
-    EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
-    EXPECT_TRUE(alone.isOn);
+    for (const std::optional<std::string>& noLabel :
+         {std::optional<std::string>(), std::optional<std::string>("")}) {
+        const LaunchAgentRecord unlabelled = record(noLabel, "/Users/jo/Library/LaunchAgents/y.plist");
+        const LoginItemRow alone = LoginItemsMerger::merge({unlabelled}, {}, {}, uid).front();
+        EXPECT_EQ(alone.badge, LoginItemBadge::appManaged);
+        EXPECT_EQ(alone.subtitle, "y.plist · on demand");
+        EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
+        EXPECT_TRUE(alone.isOn);
+    }
 }
 
 TEST(LoginItemsMerger, TellsAboutAnItemThatLaunchdDoesNotKnow) {
     BTMItem app = item("2.com.example.app", BTMItemType::loginItem, "file:///Applications/Ex%20ample.app/");
+    app.name = app.developer = app.bundleID = "";  // as good as not told
     BTMItem helper =
         item("8.com.example.helper", BTMItemType::legacyDaemon, "/Library/LaunchDaemons/h.plist");
     helper.name = "Helper";
