@@ -25,7 +25,7 @@ AgentToggleError error(AgentToggleProblem problem, std::string text) {
 }
 
 AgentToggleError commandError(const AllowedCommand& command, const std::string& output) {
-    return error(AgentToggleProblem::command, command.rendered() + ": " + output);
+    return error(AgentToggleProblem::command, command.rendered() + ": " + std::string(stripped(output)));
 }
 
 bool isBlank(const CommandResult& result) {

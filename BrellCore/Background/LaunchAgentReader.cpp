@@ -4,6 +4,8 @@
 #include <exception>
 #include <system_error>
 
+#include "BrellCore/Background/Lines.h"
+
 namespace fs = std::filesystem;
 
 namespace brell {
@@ -28,7 +30,7 @@ AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& o
 }  // namespace
 
 std::string describe(const LaunchctlFailure& failure) {
-    return "launchctl " + failure.word + ": " + failure.output;
+    return "launchctl " + failure.word + ": " + std::string(stripped(failure.output));
 }
 
 LaunchctlError::~LaunchctlError() = default;

@@ -226,7 +226,7 @@ TEST_F(AgentToggleTest, AJobThatIsStillLeavingIsNotTakenForPutBack) {
     tools->launchd().setManner(plain, {200, 0, 37, {}});
     tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
     EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(plain)); }),
-              "launchctl refused: /bin/launchctl disable gui/501/" + plain + ": \nno");
+              "launchctl refused: /bin/launchctl disable gui/501/" + plain + ": no");
     ASSERT_TRUE(journal.activeEntry("agent:" + plain));
     EXPECT_EQ(stateOf(plain), "enabled, not loaded");
     EXPECT_EQ(engine.recoverInterrupted().restored.size(), 1u);

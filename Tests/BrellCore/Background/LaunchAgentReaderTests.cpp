@@ -135,8 +135,8 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
 
 TEST_F(LaunchAgentReaderTest, FailsOnlyWhenTheOverridesCannotBeRead) {
     runner.answer(Command::launchctlPrintDisabled("gui/501"),
-                  CommandResult{125, "", "Domain does not exist"});
-    EXPECT_EQ(messageOf([&] { reader.userAgents(); }), "launchctl print-disabled: \nDomain does not exist");
+                  CommandResult{125, "", "Domain does not exist\n"});
+    EXPECT_EQ(messageOf([&] { reader.userAgents(); }), "launchctl print-disabled: Domain does not exist");
     runner.fail(Command::launchctlPrintDisabled("gui/501"));
     EXPECT_EQ(messageOf([&] { reader.userAgents(); }),
               "The command did not finish in time and was stopped: /bin/launchctl print-disabled gui/501.");
