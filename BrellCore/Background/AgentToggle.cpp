@@ -253,7 +253,7 @@ void AgentToggle::checkLoadable(const AgentCapture& capture) const {
 }
 
 bool AgentToggle::isDirectlyInside(const fs::path& resolved) const {
-    return resolved.parent_path() == directory_ && resolved.extension() == ".plist";
+    return resolved.parent_path() == directory_ && resolved.filename().native().ends_with(".plist");
 }
 
 }  // namespace brell

@@ -109,6 +109,12 @@ TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
     EXPECT_EQ(stateOf(plain), "absent, loaded");
 }
 
+TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
+    setContents(mac.launchAgents() / ".plist", jobFile("com.example.dot"));
+    toggle.turnOff(record(".plist"));
+    EXPECT_EQ(stateOf("com.example.dot"), "disabled, not loaded");
+}
+
 TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
     const std::string service = "gui/501/" + plain;
     const std::string enable = "/bin/launchctl enable " + service;
