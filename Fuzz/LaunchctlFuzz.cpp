@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "BrellCore/Background/LaunchctlParser.h"
+#include "BrellCore/Background/Lines.h"
 
 namespace {
 
@@ -21,8 +22,8 @@ void checkOverrides(std::string_view text) {
 
 void checkState(const std::string& text) {
     const LoadedState state = LaunchctlParser::parsePrint({0, text, {}});
-    require(!state.isUnknown());
-    require(state.isLoaded() || state == LoadedState::notLoaded());
+    require(state.isUnknown() == stripped(text).empty());
+    require(state.isUnknown() || state.isLoaded() || state == LoadedState::notLoaded());
     require(LaunchctlParser::parsePrint({0, text, {}}) == state);
 }
 

@@ -28,10 +28,6 @@ AgentToggleError commandError(const AllowedCommand& command, const std::string& 
     return error(AgentToggleProblem::command, command.rendered() + ": " + std::string(stripped(output)));
 }
 
-bool isBlank(const CommandResult& result) {
-    return stripped(result.output()).empty();
-}
-
 bool saysNotLoaded(const CommandResult& result) {
     const std::string output = result.output();
     return std::find(notLoadedCodes.begin(), notLoadedCodes.end(), result.exitCode) != notLoadedCodes.end() ||
@@ -66,15 +62,15 @@ AgentOverrides AgentSteps::overrides() {
     const CommandResult answer = run(askOverrides);
     if (!answer.succeeded()) throw commandError(askOverrides, answer.output());
     // Even without any override the real one names the list.
-    if (isBlank(answer)) throw commandError(askOverrides, "it answered nothing");
+    if (stripped(answer.output()).empty()) throw commandError(askOverrides, "it answered nothing");
     return LaunchctlParser::parsePrintDisabled(answer.stdoutText);
 }
 
 AgentState AgentSteps::currentState(const AgentOverrides& overrides) {
     const auto override = overrides.find(label_);
-    const CommandResult job = run(AllowedCommand::launchctlPrint(domain_ + "/" + label_));
-    const LoadedState loaded = LaunchctlParser::parsePrint(job);
-    if (loaded.isUnknown() || isBlank(job))
+    const LoadedState loaded =
+        LaunchctlParser::parsePrint(run(AllowedCommand::launchctlPrint(domain_ + "/" + label_)));
+    if (loaded.isUnknown())
         throw error(AgentToggleProblem::refused,
                     "launchd could not be asked whether " + label_ + " is loaded.");
     return {override == overrides.end() ? AgentOverride::absent : override->second, loaded};

@@ -124,6 +124,9 @@ LoadedState LaunchctlParser::parsePrint(const CommandResult& result) {
     if (!result.succeeded())
         return contains(result.stdoutText, notFound) ? LoadedState::notLoaded() : LoadedState::unknown();
 
+    // Of a job that is loaded, print tells much.
+    if (stripped(result.stdoutText).empty()) return LoadedState::unknown();
+
     OwnLines lines;
     JobFields fields;
     bool found = true;

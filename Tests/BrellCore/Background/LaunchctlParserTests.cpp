@@ -91,7 +91,6 @@ TEST(ParsePrint, ReadsUnindentedAndUnreadableValues) {
     EXPECT_EQ(parsed("state = waiting\r\nruns = 0\r\npid = many\r\nnested = {\r\nstate = x\r\n}\r\nlast exit "
                      "code = 0"),
               loaded("waiting", 0, 0, std::nullopt));
-    EXPECT_EQ(parsed(""), loaded("", std::nullopt, std::nullopt, std::nullopt));
     EXPECT_EQ(parsed("x = {\n\truns = 99999999999999999999\n"),
               loaded("", std::nullopt, std::nullopt, std::nullopt));
 }
@@ -103,6 +102,7 @@ TEST(ParsePrint, TellsNotLoadedFromUnknown) {
     EXPECT_EQ(LaunchctlParser::parsePrint({0, words, ""}), LoadedState::notLoaded());
     EXPECT_EQ(LaunchctlParser::parsePrint({0, "state = running", words}), LoadedState::notLoaded());
     EXPECT_EQ(LaunchctlParser::parsePrint({1, "state = running", ""}), LoadedState::unknown());
+    EXPECT_EQ(LaunchctlParser::parsePrint({0, " \n", ""}), LoadedState::unknown());
 }
 
 TEST(LoadedState, CrashLoopingNeedsAFailureAndARestart) {
