@@ -35,6 +35,14 @@ void checkStillLabelled(const fs::path& file, const std::string& label) {
         throw refused("The plist's Label (" + found.value_or("none") + ") does not match " + label + ".");
 }
 
+// launchctl is given a path without links, and only one in a folder of this name.
+void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
+    AllowedCommand::launchctlBootstrap(domain, file.string()).validate();
+} catch (const CommandError&) {
+    throw refused(file.string() + " could not be loaded again: your LaunchAgents folder is a link to " +
+                  file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
+}
+
 // The path without links; what does not exist stays as it is named.
 fs::path resolved(const fs::path& path) {
     std::error_code failed;
@@ -81,6 +89,7 @@ AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) co
     if (!isDirectlyInside(file))
         throw refused(file.string() + " is not a file directly inside your LaunchAgents folder.");
     checkStillLabelled(file, label);
+    checkLoadablePlace(domain(), file);
     return {label, file.string()};
 }
 

@@ -109,6 +109,25 @@ TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
     EXPECT_EQ(stateOf(plain), "absent, loaded");
 }
 
+TEST_F(AgentToggleTest, RefusesWhatItCouldNotLoadAgainFromBehindALink) {
+    const fs::path elsewhere = mac.home() / "Dotfiles" / "agents";
+    fs::rename(mac.launchAgents(), elsewhere);
+    fs::create_symlink(elsewhere, mac.launchAgents());
+    AgentToggle linked(*tools, engine, SampleMac::uid, mac.launchAgents(), time.waiting());
+    const LaunchAgentRecord on = agent(plain);
+    const LaunchAgentRecord off = agent("com.spotify.client.startuphelper");
+    const auto message = [&](const LaunchAgentRecord& record) {
+        return (elsewhere / (*record.label() + ".plist")).string() +
+               " could not be loaded again: your LaunchAgents folder is a link to " + elsewhere.string() +
+               ", which is no folder Library/LaunchAgents.";
+    };
+    EXPECT_EQ(messageOf([&] { linked.previewOff(on); }), message(on));
+    EXPECT_EQ(messageOf([&] { linked.turnOff(on); }), message(on));
+    EXPECT_EQ(messageOf([&] { linked.turnOn(off); }), message(off));
+    EXPECT_EQ(stateOf(plain), "absent, loaded");
+    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+}
+
 TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
     setContents(mac.launchAgents() / ".plist", jobFile("com.example.dot"));
     toggle.turnOff(record(".plist"));
