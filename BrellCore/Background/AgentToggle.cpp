@@ -57,6 +57,12 @@ bool isAsCaptured(const AgentState& state, const AgentCapture& capture) {
            state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded);
 }
 
+// The override tells afterwards which way a change went.
+void checkTurns(const std::string& label, AgentOverride before, bool off) {
+    const bool isOff = before == AgentOverride::disabled;
+    if (isOff == off) throw refused(label + (off ? " is already turned off." : " is not turned off."));
+}
+
 void switchOff(AgentSteps& steps) {
     steps.bootout();
     steps.disable();
@@ -168,7 +174,7 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
     const std::string label = validate(record).label;
     if (const auto entry = restorableEntry(label, direction)) return engine_.restore(*entry, false);
 
-    AgentChange change = engine_.beginAgentChange(label, [&] { return captured(record); });
+    AgentChange change = engine_.beginAgentChange(label, [&] { return captured(record, direction); });
     const AgentCapture capture = change.entry.agent.value();
     AgentSteps steps = stepsFor(label);
     try {
@@ -190,9 +196,10 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
 }
 
 // What the change starts from. Validates once more: the journal's lock may have been waited for.
-AgentCapture AgentToggle::captured(const LaunchAgentRecord& record) const {
+AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction direction) const {
     const Validated agent = validate(record);
     const AgentState before = stepsFor(agent.label).settledState();
+    checkTurns(agent.label, before.override, direction == Direction::off);
     if (isLeaving(before.loaded)) throw refused(agent.label + " is about to end; try again when it has.");
     return {agent.label, agent.plistPath, before.loaded.isLoaded(), before.override};
 }

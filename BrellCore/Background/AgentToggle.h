@@ -43,7 +43,7 @@ public:
     std::vector<std::string> previewRestore(const AgentCapture& capture) const;
 
     // Give the entry of the change, or the restored one. After an error the agent is as it was captured, or
-    // its entry is still active and says why.
+    // its entry is still active and says why. One that is turned that way already is refused.
     JournalEntry turnOff(const LaunchAgentRecord& record);
     JournalEntry turnOn(const LaunchAgentRecord& record);
 
@@ -68,7 +68,7 @@ private:
     AgentSteps stepsFor(const std::string& label) const;
     std::vector<std::string> preview(const LaunchAgentRecord& record, Direction direction) const;
     JournalEntry toggle(const LaunchAgentRecord& record, Direction direction);
-    AgentCapture captured(const LaunchAgentRecord& record) const;
+    AgentCapture captured(const LaunchAgentRecord& record, Direction direction) const;
     void putBack(AgentSteps& steps, const AgentCapture& capture) const;
     Ending undone(AgentSteps& steps, const AgentCapture& capture, std::string reason) const;
     std::optional<Uuid> restorableEntry(const std::string& label, Direction direction) const;

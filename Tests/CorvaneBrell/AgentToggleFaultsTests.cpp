@@ -120,8 +120,9 @@ TEST_P(AgentFaultsTest, ARestoreThatGoesWrongCanBeRunAgain) {
 INSTANTIATE_TEST_SUITE_P(
     Agents, AgentFaultsTest,
     ::testing::Values(Scenario{"org.fernwright.notes", true, "absent, not loaded", "enabled, not loaded"},
-                      Scenario{"com.tallowgate.agent", true, "disabled, loaded", "disabled, loaded"},
-                      Scenario{"org.fernwright.notes", false, "absent, not loaded", "enabled, not loaded"}));
+                      Scenario{"com.tallowgate.agent", false, "disabled, loaded", "disabled, loaded"},
+                      Scenario{"com.spotify.client.startuphelper", false, "disabled, not loaded",
+                               "disabled, not loaded"}));
 
 }  // namespace
 }  // namespace brell

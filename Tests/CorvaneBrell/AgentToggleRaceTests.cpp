@@ -51,11 +51,11 @@ TEST_F(AgentToggleRaceTest, TheCaptureIsMadeUnderTheLock) {
     tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
         if (std::exchange(asked, true)) return std::nullopt;
         EXPECT_FALSE(FileLock::acquire(journalDirectory / ".journal.lock", std::chrono::milliseconds(0)));
-        otherTools->run(AllowedCommand::launchctlDisable("gui/501", plain));  // somebody who knows no lock
+        otherTools->run(AllowedCommand::launchctlBootout("gui/501", plain));  // somebody who knows no lock
         return std::nullopt;
     });
     EXPECT_EQ(toggle.turnOff(record).agent,
-              (AgentCapture{plain, file.string(), true, AgentOverride::disabled}));
+              (AgentCapture{plain, file.string(), false, AgentOverride::absent}));
     EXPECT_TRUE(asked);
 }
 

@@ -109,6 +109,18 @@ TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
     EXPECT_EQ(stateOf(plain), "absent, loaded");
 }
 
+TEST_F(AgentToggleTest, RefusesASwitchThatStandsThatWayAlready) {
+    const std::string launchdBefore = contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot()));
+    for (const char* label : {"com.spotify.client.startuphelper", "com.tallowgate.agent"})
+        EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(label)); }),
+                  std::string(label) + " is already turned off.");
+    for (const char* label : {"homebrew.mxcl.redis", "us.zoom.updater", "org.fernwright.notes"})
+        EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(label)); }),
+                  std::string(label) + " is not turned off.");
+    EXPECT_EQ(contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())), launchdBefore);
+    EXPECT_TRUE(journal.all().empty());
+}
+
 TEST_F(AgentToggleTest, RefusesWhatItCouldNotLoadAgainFromBehindALink) {
     const fs::path elsewhere = mac.home() / "Dotfiles" / "agents";
     fs::rename(mac.launchAgents(), elsewhere);
