@@ -174,6 +174,7 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
     const std::string label = validate(record).label;
     if (const auto entry = restorableEntry(label, direction)) return engine_.restore(*entry, false);
 
+    captured(record, direction);  // before the lock's file is made, so that a refusal leaves nothing behind
     AgentChange change = engine_.beginAgentChange(label, [&] { return captured(record, direction); });
     const AgentCapture capture = change.entry.agent.value();
     AgentSteps steps = stepsFor(label);
@@ -195,7 +196,7 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
     throw AgentToggleError({AgentToggleProblem::engine, error.what()});
 }
 
-// What the change starts from. Validates once more: the journal's lock may have been waited for.
+// Refuses what may not be switched; otherwise what the change starts from.
 AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction direction) const {
     const Validated agent = validate(record);
     const AgentState before = stepsFor(agent.label).settledState();
