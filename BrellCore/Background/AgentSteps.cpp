@@ -4,6 +4,7 @@
 #include <array>
 #include <thread>
 
+#include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Background/Lines.h"
 
 namespace brell {
@@ -43,6 +44,10 @@ std::string words(bool loaded) {
 
 bool isLeaving(const LoadedState& loaded) {
     return loaded.isLoaded() && loaded.state.starts_with("SIG");  // the signal is its state: "SIGTERMed"
+}
+
+bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath) {
+    return loaded.isLoaded() && (!loaded.path || resolvedPath(*loaded.path) == resolvedPath(plistPath));
 }
 
 Waiting Waiting::real() {
@@ -116,9 +121,9 @@ void AgentSteps::bootstrap(const std::string& plistPath) {
     }
 }
 
-void AgentSteps::expect(AgentOverride override, bool loaded) {
+void AgentSteps::expect(AgentOverride override, const std::optional<std::string>& loadedFrom) {
     const auto deadline = waiting_.now() + patience;
-    while (const auto failure = mismatch(override, loaded)) {
+    while (const auto failure = mismatch(override, loadedFrom)) {
         if (waiting_.now() >= deadline) throw AgentToggleError(*failure);
         waiting_.sleep(pause);
     }
@@ -144,7 +149,9 @@ void AgentSteps::runStep(const AllowedCommand& command) {
 }
 
 // What launchd reports otherwise, or why it can't be asked; nothing when all is as expected.
-std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override, bool loaded) try {
+std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override,
+                                                       const std::optional<std::string>& loadedFrom) try {
+    const bool loaded = loadedFrom.has_value();
     const AgentState state = currentState();
     if (state.override != override)
         return AgentToggleFailure{AgentToggleProblem::verifyFailed,
@@ -153,6 +160,10 @@ std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override, b
     if (state.loaded.isLoaded() != loaded || (loaded && isLeaving(state.loaded)))
         return AgentToggleFailure{AgentToggleProblem::verifyFailed,
                                   label_ + " is " + words(!loaded) + ", expected " + words(loaded)};
+    if (loaded && !isLoadedFrom(state.loaded, *loadedFrom))
+        return AgentToggleFailure{
+            AgentToggleProblem::verifyFailed,
+            label_ + " is loaded from " + state.loaded.path.value_or("") + ", expected " + *loadedFrom};
     return std::nullopt;
 } catch (const AgentToggleError& failure) {
     return failure.failure();

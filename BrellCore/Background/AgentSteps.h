@@ -25,6 +25,9 @@ struct Waiting {
 // Told to end, and still listed until its process has ended.
 bool isLeaving(const LoadedState& loaded);
 
+// Loaded, and from this file as far as launchd tells.
+bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath);
+
 struct AgentState {
     AgentOverride override;
     LoadedState loaded;
@@ -48,8 +51,9 @@ public:
     void enable();
     void bootstrap(const std::string& plistPath);  // one that is loaded already is no error
 
-    // Waits up to five seconds for launchd to report this, then raises.
-    void expect(AgentOverride override, bool loaded);
+    // Waits up to five seconds for launchd to report this, then raises. loadedFrom is the agent's file;
+    // nothing for one that is not to be loaded.
+    void expect(AgentOverride override, const std::optional<std::string>& loadedFrom);
 
     // Whether a step was run that may have changed something, even if it failed.
     bool mayHaveChanged() const { return mayHaveChanged_; }
@@ -59,7 +63,8 @@ public:
 private:
     CommandResult run(const AllowedCommand& command);
     void runStep(const AllowedCommand& command);
-    std::optional<AgentToggleFailure> mismatch(AgentOverride override, bool loaded);
+    std::optional<AgentToggleFailure> mismatch(AgentOverride override,
+                                               const std::optional<std::string>& loadedFrom);
 
     CommandRunning& runner_;
     const Waiting waiting_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Preferences/NeverTouch.h"
 
 namespace fs = std::filesystem;
@@ -43,18 +44,20 @@ void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
                   file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
 }
 
-// The path without links; what does not exist stays as it is named.
-fs::path resolved(const fs::path& path) {
-    std::error_code failed;
-    fs::path found = fs::weakly_canonical(path, failed);
-    return failed ? path.lexically_normal() : found;
+// Two files may have the same label. What was loaded from another one could not be brought back from this
+// one.
+void checkSource(const LoadedState& loaded, const std::string& label, const std::string& plistPath) {
+    if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath))
+        throw refused(label + " is loaded from " + loaded.path.value_or("") + ", not from " + plistPath +
+                      "; it is not changed.");
 }
 
 // An override that was absent comes back as enabled, which is the same to launchd.
 bool isAsCaptured(const AgentState& state, const AgentCapture& capture) {
     const bool disabled = state.override == AgentOverride::disabled;
     return disabled == (capture.override == AgentOverride::disabled) &&
-           state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded);
+           state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded) &&
+           (!capture.wasLoaded || isLoadedFrom(state.loaded, capture.plistPath));
 }
 
 // The override tells afterwards which way a change went.
@@ -66,13 +69,13 @@ void checkTurns(const std::string& label, AgentOverride before, bool off) {
 void switchOff(AgentSteps& steps) {
     steps.bootout();
     steps.disable();
-    steps.expect(AgentOverride::disabled, false);
+    steps.expect(AgentOverride::disabled, std::nullopt);
 }
 
 void switchOn(AgentSteps& steps, const std::string& plistPath) {
     steps.enable();
     steps.bootstrap(plistPath);
-    steps.expect(AgentOverride::enabled, true);
+    steps.expect(AgentOverride::enabled, plistPath);
 }
 
 }  // namespace
@@ -82,7 +85,7 @@ AgentToggle::AgentToggle(CommandRunning& runner, TweakEngine& engine, std::uint3
     : runner_(runner),
       engine_(engine),
       uid_(uid),
-      directory_(resolved(launchAgentsDirectory)),
+      directory_(resolvedPath(launchAgentsDirectory)),
       waiting_(std::move(waiting)) {}
 
 AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) const {
@@ -91,7 +94,7 @@ AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) co
     const std::string label = record.plist.label.value_or("");
     if (label.empty()) throw refused("This plist has no Label, so launchd cannot address it.");
     checkLabel(label);
-    const fs::path file = resolved(record.plist.path);
+    const fs::path file = resolvedPath(record.plist.path);
     if (!isDirectlyInside(file))
         throw refused(file.string() + " is not a file directly inside your LaunchAgents folder.");
     checkStillLabelled(file, label);
@@ -202,6 +205,7 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction di
     const AgentState before = stepsFor(agent.label).settledState();
     checkTurns(agent.label, before.override, direction == Direction::off);
     if (isLeaving(before.loaded)) throw refused(agent.label + " is about to end; try again when it has.");
+    checkSource(before.loaded, agent.label, agent.plistPath);
     return {agent.label, agent.plistPath, before.loaded.isLoaded(), before.override};
 }
 
@@ -214,7 +218,8 @@ void AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const 
     if (missing) steps.bootstrap(capture.plistPath);
     if (!capture.wasLoaded) steps.bootout();
     if (wasDisabled) steps.disable();
-    steps.expect(wasDisabled ? AgentOverride::disabled : AgentOverride::enabled, capture.wasLoaded);
+    steps.expect(wasDisabled ? AgentOverride::disabled : AgentOverride::enabled,
+                 capture.wasLoaded ? std::optional(capture.plistPath) : std::nullopt);
 }
 
 // A failed entry is no longer active: before it becomes one, the agent has to be as it was, and to stay so.
@@ -240,6 +245,7 @@ std::optional<Uuid> AgentToggle::restorableEntry(const std::string& label, Direc
         throw refused(label + " was changed outside Brell since Brell " +
                       (turnedOn ? "turned it on" : "turned it off") + "; restore it from the Journal first.");
     const AgentState now = currentState(label);
+    checkSource(now.loaded, label, entry->agent->plistPath);
     if (now.override != (turnedOn ? AgentOverride::enabled : AgentOverride::disabled) ||
         now.loaded.isLoaded() != turnedOn)
         throw refused(label + " was changed outside Brell (launchd shows " +
@@ -253,7 +259,7 @@ std::optional<Uuid> AgentToggle::restorableEntry(const std::string& label, Direc
 // is checked again.
 void AgentToggle::checkOwn(const AgentCapture& capture) const {
     checkLabel(capture.label);
-    if (!isDirectlyInside(resolved(capture.plistPath)))
+    if (!isDirectlyInside(resolvedPath(capture.plistPath)))
         throw refused(capture.plistPath + " is outside your LaunchAgents folder.");
 }
 
@@ -261,7 +267,7 @@ void AgentToggle::checkOwn(const AgentCapture& capture) const {
 // waited for.
 void AgentToggle::checkLoadable(const AgentCapture& capture) const {
     checkOwn(capture);
-    const fs::path file = resolved(capture.plistPath);
+    const fs::path file = resolvedPath(capture.plistPath);
     std::error_code failed;
     if (fs::status(file, failed).type() == fs::file_type::not_found)
         throw refused("The file " + capture.plistPath + " is gone, so " + capture.label +

@@ -1,6 +1,6 @@
 #include "BrellCore/Background/JobPath.h"
 
-#include <filesystem>
+#include <system_error>
 
 namespace brell {
 
@@ -53,6 +53,12 @@ std::optional<std::string> pathOfItemUrl(std::string_view url) {
     const std::string_view path = rest.substr(slash);
     const auto decoded = percentDecoded(path.substr(0, path.find_first_of("?#")));
     return decoded ? std::optional(standardizedPath(*decoded)) : std::nullopt;
+}
+
+std::filesystem::path resolvedPath(const std::filesystem::path& path) {
+    std::error_code failed;
+    std::filesystem::path found = std::filesystem::weakly_canonical(path, failed);
+    return failed ? path.lexically_normal() : found;
 }
 
 }  // namespace brell

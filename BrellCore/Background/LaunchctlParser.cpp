@@ -69,8 +69,8 @@ std::optional<std::int64_t> numberBeforeColon(std::string_view value) {
     return parseInteger(stripped(value.substr(0, value.find(':'))));
 }
 
-// The state counts where it stands first. The numbers stand behind the raw arguments, so of several the last
-// is launchd's own.
+// The path and the state count where they stand first. The numbers stand behind the raw arguments, so of
+// several the last is launchd's own.
 class JobFields {
 public:
     void take(std::string_view line) {
@@ -80,6 +80,8 @@ public:
         if (key == "state" && !hasState_) {
             job.state = value;
             hasState_ = true;
+        } else if (key == "path" && !job.path) {
+            job.path = value;
         } else if (key == "pid") {
             job.pid = parseInteger(value);
         } else if (key == "runs") {

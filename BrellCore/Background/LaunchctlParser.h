@@ -27,6 +27,8 @@ struct LoadedState {
     std::optional<std::int64_t> runs;
     std::optional<std::int64_t> lastExitCode;
     std::optional<std::int64_t> pid;
+    // What it was loaded from: its job file, or words in parentheses for one that an app handed over.
+    std::optional<std::string> path = {};
 
     static LoadedState notLoaded() { return {Kind::notLoaded, {}, {}, {}, {}}; }
     static LoadedState unknown() { return {}; }

@@ -140,6 +140,40 @@ TEST_F(AgentToggleTest, RefusesWhatItCouldNotLoadAgainFromBehindALink) {
     EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
 }
 
+TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
+    const std::string file = fileOf(plain).string();
+    const std::string twin = (mac.launchAgents() / "twin.plist").string();
+    setContents(twin, jobFile(plain));
+    const auto loadTwin = [&, other = std::shared_ptr(mac.openTools())] {
+        other->run(AllowedCommand::launchctlEnable("gui/501", plain));
+        other->run(AllowedCommand::launchctlBootstrap("gui/501", twin));
+    };
+    const std::string expectedFile = "After the change, launchd reports something else: " + plain +
+                                     " is loaded from " + twin + ", expected " + file;
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(record("twin.plist")); }),
+              plain + " is loaded from " + file + ", not from " + twin + "; it is not changed.");
+    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+
+    const JournalEntry off = toggle.turnOff(agent(plain));
+    loadTwin();
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
+              plain + " is loaded from " + twin + ", not from " + file + "; it is not changed.");
+    EXPECT_EQ(messageOf([&] { engine.restore(off.id, false); }), expectedFile);
+    EXPECT_EQ(journal.active(), std::vector{off});
+    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    EXPECT_EQ(engine.restore(off.id, false).status, EntryStatus::restored);
+
+    // In the middle of a change, which then is not taken for put back either.
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind != AllowedCommand::Kind::launchctlDisable) return std::nullopt;
+        loadTwin();
+        return ToolFault::refusing(150, "no");
+    });
+    const std::string message = messageOf([&] { toggle.turnOff(agent(plain)); });
+    ASSERT_EQ(journal.active().size(), 1u) << message;
+    EXPECT_EQ(journal.active().front().failure, message + " " + expectedFile);
+}
+
 TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
     setContents(mac.launchAgents() / ".plist", jobFile("com.example.dot"));
     toggle.turnOff(record(".plist"));

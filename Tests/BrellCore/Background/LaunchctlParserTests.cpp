@@ -51,6 +51,7 @@ TEST(ParsePrint, ReadsTheJobsOwnLinesOnly) {
 		-c
 		echo
 state = in an argument
+	path = /in/an/argument.plist
 	pid = 7
 }
 		if Could not find service = {
@@ -76,7 +77,9 @@ state = in an argument
 	}
 }
 )";
-    EXPECT_EQ(parsed(text), loaded("running", 3, 78, 4711));
+    LoadedState expected = loaded("running", 3, 78, 4711);
+    expected.path = "/Users/jo/Library/LaunchAgents/com.example.agent.plist";
+    EXPECT_EQ(parsed(text), expected);
 }
 
 TEST(ParsePrint, AnArgumentThatImitatesTheEndOfTheArgumentsDoesNotHideTheJobsNumbers) {
