@@ -175,7 +175,9 @@ std::vector<std::string> AgentToggle::preview(const LaunchAgentRecord& record, D
 
 JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction direction) try {
     const std::string label = validate(record).label;
-    if (const auto entry = restorableEntry(label, direction)) return engine_.restore(*entry, false);
+    const auto entryToRestore = [&] { return restorableEntry(label, direction); };
+    // Again under the lock, which may have been waited for.
+    if (const auto entry = entryToRestore()) return engine_.restore(*entry, false, entryToRestore);
 
     captured(record, direction);  // before the lock's file is made, so that a refusal leaves nothing behind
     AgentChange change = engine_.beginAgentChange(label, [&] { return captured(record, direction); });

@@ -77,11 +77,14 @@ JournalEntry TweakEngine::resetToDefault(const Tweak& tweak) {
     return change(tweak, EntryDirection::resetToDefault, Values(tweak.writes.size()), std::nullopt);
 }
 
-JournalEntry TweakEngine::restore(const Uuid& entryID, bool overridingDrift) {
+JournalEntry TweakEngine::restore(const Uuid& entryID, bool overridingDrift,
+                                  const std::function<void()>& check) {
     const std::lock_guard lock(mutex_);
     return asEngineErrors([&] {
         activeEntry(entryID);  // before the lock's file is made, so that a refusal leaves nothing behind
-        return restoreLocked(entryID, overridingDrift, journal_.exclusive());
+        const Journal::Exclusive held = journal_.exclusive();
+        check();
+        return restoreLocked(entryID, overridingDrift, held);
     });
 }
 

@@ -78,8 +78,12 @@ public:
     // Removes the tweak's keys, so that the system's defaults take effect.
     JournalEntry resetToDefault(const Tweak& tweak);
     // Undoes one active entry and gives it as saved. A key that somebody changed since stops it with Drift,
-    // unless that is overridden.
-    JournalEntry restore(const Uuid& entryID, bool overridingDrift);
+    // unless that is overridden. check is called with the lock held, before anything is put back; what it
+    // raises leaves everything as it is.
+    JournalEntry restore(const Uuid& entryID, bool overridingDrift, const std::function<void()>& check);
+    JournalEntry restore(const Uuid& entryID, bool overridingDrift) {
+        return restore(entryID, overridingDrift, [] {});
+    }
     // Undoes whatever makes the tweak on: our entry, or values set before we came.
     JournalEntry turnOff(const Tweak& tweak, bool overridingDrift);
 

@@ -58,6 +58,23 @@ TEST_F(AgentToggleRaceTest, TheCaptureIsMadeUnderTheLock) {
               (AgentCapture{plain, file.string(), false, AgentOverride::absent}));
 }
 
+TEST_F(AgentToggleRaceTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwritten) {
+    const JournalEntry off = toggle.turnOff(agent(plain));
+    const LaunchAgentRecord record = agent(plain);
+    const auto otherTools = mac.openTools();
+    int asked = 0;
+    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
+        if (++asked == 3) otherTools->run(AllowedCommand::launchctlEnable("gui/501", plain));
+        return std::nullopt;
+    });
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(record); }),
+              plain +
+                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
+                  "Journal first.");
+    EXPECT_EQ(journal.active(), std::vector{off});
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+}
+
 TEST_F(AgentToggleRaceTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
     const LaunchAgentRecord record = agent(plain);
     const std::string mismatch = "The plist's Label (" + foreign + ") does not match " + plain + ".";
