@@ -47,7 +47,10 @@ bool isLeaving(const LoadedState& loaded) {
 }
 
 bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath) {
-    return loaded.isLoaded() && (!loaded.path || resolvedPath(*loaded.path) == resolvedPath(plistPath));
+    if (!loaded.isLoaded() || !loaded.path) return loaded.isLoaded();
+    std::error_code unknown;
+    return resolvedPath(*loaded.path) == resolvedPath(plistPath) ||
+           std::filesystem::equivalent(*loaded.path, plistPath, unknown);  // by way of another volume's path
 }
 
 Waiting Waiting::real() {

@@ -214,7 +214,9 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction di
 // A loaded agent that was disabled is loaded first: launchd loads none that is disabled.
 void AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
     const bool wasDisabled = capture.override == AgentOverride::disabled;
-    const bool missing = capture.wasLoaded && !steps.settledState().loaded.isLoaded();
+    const LoadedState now = steps.settledState().loaded;
+    checkSource(now, capture.label, capture.plistPath);
+    const bool missing = capture.wasLoaded && !now.isLoaded();
     if (missing) checkLoadable(capture);
     if (!wasDisabled || missing) steps.enable();
     if (missing) steps.bootstrap(capture.plistPath);

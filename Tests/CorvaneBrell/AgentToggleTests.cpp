@@ -148,17 +148,18 @@ TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
         other->run(AllowedCommand::launchctlEnable("gui/501", plain));
         other->run(AllowedCommand::launchctlBootstrap("gui/501", twin));
     };
-    const std::string expectedFile = "After the change, launchd reports something else: " + plain +
-                                     " is loaded from " + twin + ", expected " + file;
+    const std::string isTwin =
+        plain + " is loaded from " + twin + ", not from " + file + "; it is not changed.";
     EXPECT_EQ(messageOf([&] { toggle.turnOff(record("twin.plist")); }),
               plain + " is loaded from " + file + ", not from " + twin + "; it is not changed.");
     EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
 
     const JournalEntry off = toggle.turnOff(agent(plain));
     loadTwin();
-    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
-              plain + " is loaded from " + twin + ", not from " + file + "; it is not changed.");
-    EXPECT_EQ(messageOf([&] { engine.restore(off.id, false); }), expectedFile);
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }), isTwin);
+    EXPECT_EQ(messageOf([&] { engine.restore(off.id, false); }), isTwin);
+    EXPECT_EQ(messageOf([&] { toggle.restore({plain, file, false, AgentOverride::absent}); }), isTwin);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
     EXPECT_EQ(journal.active(), std::vector{off});
     tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
     EXPECT_EQ(engine.restore(off.id, false).status, EntryStatus::restored);
@@ -171,7 +172,7 @@ TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
     });
     const std::string message = messageOf([&] { toggle.turnOff(agent(plain)); });
     ASSERT_EQ(journal.active().size(), 1u) << message;
-    EXPECT_EQ(journal.active().front().failure, message + " " + expectedFile);
+    EXPECT_EQ(journal.active().front().failure, message + " " + isTwin);
 }
 
 TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
