@@ -7,22 +7,29 @@ namespace brell::trust {
 
 namespace {
 
+// Which commands go wrong.
+enum class Reach { one, laterChanges, allLater };
+
 struct Trouble {
     const char* name;
     ToolFault fault;
-    bool lasts;  // so do all later commands
+    Reach reach;
+    bool meets(const AllowedCommand& later) const {
+        return reach == Reach::allLater || (reach == Reach::laterChanges && later.isWrite());
+    }
 };
 const std::vector<Trouble>& troubles() {
     static const std::vector<Trouble> all{
-        {"refuses", ToolFault::refusing(5, "Input/output error"), false},
-        {"keeps refusing", ToolFault::refusing(150, "Operation not permitted"), true},
-        {"refuses after doing it", ToolFault::refusingAfterAll(1, "odd"), false},
-        {"hangs", ToolFault::hanging(), false},
-        {"keeps hanging", ToolFault::hanging(), true},
-        {"hangs after doing it", ToolFault::hangingAfterwards(), false},
-        {"keeps hanging after doing it", ToolFault::hangingAfterwards(), true},
-        {"lies", ToolFault::lying(), false},
-        {"keeps lying", ToolFault::lying(), true},
+        {"refuses", ToolFault::refusing(5, "Input/output error"), Reach::one},
+        {"keeps refusing", ToolFault::refusing(150, "Operation not permitted"), Reach::allLater},
+        {"keeps refusing changes", ToolFault::refusing(150, "Operation not permitted"), Reach::laterChanges},
+        {"refuses after doing it", ToolFault::refusingAfterAll(1, "odd"), Reach::one},
+        {"hangs", ToolFault::hanging(), Reach::one},
+        {"keeps hanging", ToolFault::hanging(), Reach::allLater},
+        {"hangs after doing it", ToolFault::hangingAfterwards(), Reach::one},
+        {"keeps hanging after doing it", ToolFault::hangingAfterwards(), Reach::allLater},
+        {"lies", ToolFault::lying(), Reach::one},
+        {"keeps lying", ToolFault::lying(), Reach::allLater},
     };
     return all;
 }
@@ -44,13 +51,14 @@ Faults tryTrouble(const Stage& stage, const Scene& scene, const Goal& goal, std:
     stage.reset();
     Rig rig(stage.world());
     std::size_t seen = 0;
-    rig.tools->interfere([&](const AllowedCommand&) {
+    rig.tools->interfere([&](const AllowedCommand& command) {
         const std::size_t number = seen++;
-        return number == n || (trouble.lasts && number > n) ? std::optional(trouble.fault) : std::nullopt;
+        return number == n || (number > n && trouble.meets(command)) ? std::optional(trouble.fault)
+                                                                     : std::nullopt;
     });
     const Attempt made = attempt(scene, rig);
     rig.tools->interfere({});
-    return judgeAttempt(stage, scene, rig, made, trouble.lasts, goal);
+    return judgeAttempt(stage, scene, rig, made, trouble.reach != Reach::one, goal);
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ void tryCrashes(const Stage& stage, const Scene& scene, Share& share, const Repo
         Faults faults;
         if (status != endedThere)
             faults.push_back("the process ended by itself, with status " + std::to_string(status));
-        for (std::string& fault : judge(stage, {})) faults.push_back(std::move(fault));
+        append(faults, judge(stage, {}));
         report(scene.name + ", ended at call " + std::to_string(n + 1) + " of " + std::to_string(calls),
                faults);
     }

@@ -76,8 +76,7 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
     if (!failed) return {"the call was never made"};
     Faults faults;
     if (failed != SystemCall::unlink) faults = checkNothingLeftBehind(rig, descriptors);
-    for (std::string& fault : judgeAttempt(stage, scene, rig, made, lasts, goal))
-        faults.push_back(std::move(fault));
+    append(faults, judgeAttempt(stage, scene, rig, made, lasts, goal));
     return faults;
 }
 

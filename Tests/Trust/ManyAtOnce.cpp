@@ -230,10 +230,6 @@ public:
     std::size_t torn = 0;
 };
 
-void append(Faults& faults, Faults more) {
-    std::move(more.begin(), more.end(), std::back_inserter(faults));
-}
-
 void expectAtMost(Faults& faults, std::size_t most, std::size_t found, const std::string& what) {
     if (found > most)
         faults.push_back(std::to_string(found) + " " + what + ", and only " + std::to_string(most) +

@@ -24,7 +24,8 @@ bool isClear(const std::string& sentence, const Stage& stage) {
     if (!isWhole(sentence)) return false;
     std::vector<std::string> names{stage.world().string(), "The change journal", "com.apple.",
                                    "NSGlobalDomain", "/bin/launchctl "};
-    for (const auto& [label, state] : stage.setting().original.agents) names.push_back(label);
+    for (const std::string& job : testing::namesIn(SampleMac(stage.world()).launchAgents()))
+        names.push_back(job.substr(0, job.rfind('.')));
     return std::any_of(names.begin(), names.end(),
                        [&](const std::string& name) { return contains(sentence, name); });
 }
@@ -113,14 +114,13 @@ Attempt attempt(const Scene& scene, Rig& rig) {
 Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
                     const Goal& goal) try {
     Faults faults = checkSentences(stage, made);
-    const auto append = [&](Faults more) { std::move(more.begin(), more.end(), std::back_inserter(faults)); };
-    append(checkRecorded(stage));
-    if (!made.succeeded()) append(tryAgain(stage, scene, rig, troubleLasted, goal));
+    append(faults, checkRecorded(stage));
+    if (!made.succeeded()) append(faults, tryAgain(stage, scene, rig, troubleLasted, goal));
     const Goal now = reached(stage.world());
-    append(differences(goal.condition, now.condition, {}));
+    append(faults, differences(goal.condition, now.condition, {}));
     if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");
     // A script that could not be written is written with the next change.
-    append(made.succeeded() ? judgeProgram(stage, {}) : judge(stage, {}));
+    append(faults, made.succeeded() ? judgeProgram(stage, {}) : judge(stage, {}));
     return faults;
 } catch (const std::exception& error) {
     return {std::string("afterwards: ") + error.what()};

@@ -11,6 +11,8 @@ constexpr const char* magnify = "dock.magnify";
 constexpr const char* plain = "homebrew.mxcl.redis";
 constexpr const char* slow = "com.pebblewick.indexer";
 constexpr const char* disabled = "com.spotify.client.startuphelper";
+constexpr const char* stillLoaded = "com.tallowgate.agent";  // and disabled
+constexpr const char* neverLoaded = "org.fernwright.notes";
 
 void nothing(Rig&) {}
 
@@ -40,6 +42,18 @@ Sentences recover(Rig& rig) {
     return reasonsOf(rig.engine.recoverInterrupted());
 }
 
+Sentences restoreAll(Rig& rig) {
+    return reasonsOf(rig.engine.restoreAll({}));
+}
+
+auto turningOff(const char* label) {
+    return raising([label](Rig& rig) { rig.toggle.turnOff(rig.agent(label)); });
+}
+
+auto turningOn(const char* label) {
+    return raising([label](Rig& rig) { rig.toggle.turnOn(rig.agent(label)); });
+}
+
 }  // namespace
 
 const std::vector<Scene>& scenes() {
@@ -57,12 +71,21 @@ const std::vector<Scene>& scenes() {
              some(rig);
              rig.toggle.turnOff(rig.agent(plain));
          },
-         [](Rig& rig) { return reasonsOf(rig.engine.restoreAll({})); }},
-        {"turn an agent off", some, raising([](Rig& rig) { rig.toggle.turnOff(rig.agent(plain)); })},
-        {"turn a slow agent off", nothing, raising([](Rig& rig) { rig.toggle.turnOff(rig.agent(slow)); })},
-        {"turn an agent on", nothing, raising([](Rig& rig) { rig.toggle.turnOn(rig.agent(disabled)); })},
-        {"turn an agent back on", [](Rig& rig) { rig.toggle.turnOff(rig.agent(plain)); },
-         raising([](Rig& rig) { rig.toggle.turnOn(rig.agent(plain)); })},
+         restoreAll},
+        {"turn an agent off", some, turningOff(plain)},
+        {"turn a slow agent off", nothing, turningOff(slow)},
+        {"turn off an agent that was never loaded", nothing, turningOff(neverLoaded)},
+        {"turn off a disabled agent that is still loaded", nothing, turningOff(stillLoaded)},
+        {"turn an agent on", nothing, turningOn(disabled)},
+        {"turn on an agent that was never loaded", nothing, turningOn(neverLoaded)},
+        {"turn an agent back on", turningOff(plain), turningOn(plain)},
+        {"restore agents that were half off",
+         [](Rig& rig) {
+             rig.toggle.turnOff(rig.agent(neverLoaded));
+             rig.toggle.turnOff(rig.agent(stillLoaded));
+         },
+         restoreAll},
+        {"restore an agent that was turned on", turningOn(neverLoaded), restoreAll},
         {"recover", [](Rig& rig) { rig.breakOff(drives); }, recover},
         {"recover an agent",
          [](Rig& rig) {

@@ -83,19 +83,22 @@ Faults recoverAndRestore(Rig& rig) {
     return faults;
 }
 
-void append(Faults& faults, Faults more, const std::string& prefix = {}) {
-    for (std::string& fault : more) faults.push_back(prefix + fault);
-}
-
-// The script can take no job away: one that was turned on is disabled again, and ends at the next logout.
+// The script can take no job away: one that was turned on ends at the next logout. And it can load none that
+// is disabled: one that was loaded all the same is gone as after a login.
 Condition asScriptLeavesIt(Condition original, const Condition& now) {
+    const std::set<std::pair<std::string, std::string>> allowed{{"disabled, not loaded", "disabled, loaded"},
+                                                                {"nothing", "enabled, loaded"},
+                                                                {"disabled, loaded", "disabled, not loaded"}};
     for (const auto& [label, state] : now.agents)
-        if (state == "disabled, loaded" && textIn(original.agents, label) == "disabled, not loaded")
-            original.agents[label] = state;
+        if (allowed.contains({textIn(original.agents, label), state})) original.agents[label] = state;
     return original;
 }
 
 }  // namespace
+
+void append(Faults& faults, Faults more, const std::string& prefix) {
+    for (std::string& fault : more) faults.push_back(prefix + fault);
+}
 
 Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except) {
     Faults faults;

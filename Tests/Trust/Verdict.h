@@ -11,6 +11,7 @@
 namespace brell::trust {
 
 using Faults = std::vector<std::string>;  // a line each; empty when all is well
+void append(Faults& faults, Faults more, const std::string& prefix = {});
 
 // What is asked of the Mac on the stage.
 struct Claim {
