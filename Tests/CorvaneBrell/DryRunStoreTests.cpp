@@ -6,7 +6,7 @@
 
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
-#include "Tests/Support/FolderContents.h"
+#include "Tests/Support/Testing.h"
 
 using namespace brell;
 using namespace brell::testing;

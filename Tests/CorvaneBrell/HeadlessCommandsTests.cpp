@@ -11,8 +11,7 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "Tests/Support/FolderContents.h"
-#include "Tests/Support/MemoryFolder.h"
+#include "Tests/Support/Testing.h"
 #include "Tests/Support/Shell.h"
 
 using namespace brell;

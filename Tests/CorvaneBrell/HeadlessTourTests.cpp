@@ -8,7 +8,6 @@
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/HeadlessCommands.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "Tests/Support/MemoryFolder.h"
 #include "Tests/Support/Testing.h"
 
 using namespace brell;

@@ -14,8 +14,7 @@
 #include "BrellCore/Support/JsonReader.h"
 #include "CorvaneBrell/HeadlessCommands.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "Tests/Support/FolderContents.h"
-#include "Tests/Support/MemoryFolder.h"
+#include "Tests/Support/Testing.h"
 #include "Tests/Support/Obstacles.h"
 #include "Tests/Support/Shell.h"
 

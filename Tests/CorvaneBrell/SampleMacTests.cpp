@@ -7,7 +7,7 @@
 #include "BrellCore/Background/BTMReader.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Review/Spotlight.h"
-#include "Tests/Support/FolderContents.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

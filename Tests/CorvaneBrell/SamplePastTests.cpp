@@ -10,7 +10,7 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/PropertyList.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
-#include "Tests/Support/FolderContents.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Journal/JournalJson.h"
 #include "BrellCore/Support/DurableFile.h"
+#include "Tests/Support/Entries.h"
 
 namespace brell {
 
@@ -23,46 +25,35 @@ inline std::filesystem::path sampleJobFile(const std::filesystem::path& home, st
     return home / "Library/LaunchAgents" / (sampleLabel(number) + ".plist");
 }
 
+inline TimeStamp sampleTime(std::size_t number) {
+    return TimeStamp(std::chrono::seconds(1'700'000'000 + 3600 * number));
+}
+
+// An agent of this home that Brell turned off.
+inline JournalEntry sampleSwitch(const std::filesystem::path& home, std::size_t number) {
+    return testing::agentEntry(
+        {sampleLabel(number), sampleJobFile(home, number).string(), true, AgentOverride::absent},
+        sampleTime(number));
+}
+
 // A change that is over.
 inline JournalEntry sampleEntry(std::size_t number) {
     constexpr std::size_t kinds = 7;
-    const TimeStamp appliedAt = TimeStamp(std::chrono::seconds(1'700'000'000 + 3600 * number));
-    JournalEntry entry{};
-    entry.id = Uuid::random();
-    entry.tweakID = "sample.tweak_" + std::to_string(number);
+    JournalEntry entry =
+        number % kinds == 3
+            ? sampleSwitch(sampleHome, number)
+            : testing::entryOf("sample.tweak_" + std::to_string(number),
+                               {{{"com.apple.dock", "autohide"}, StoredValue(), PrefValue(true)},
+                                {{"com.apple.dock", "autohide-delay"}, PrefValue(0.5), PrefValue(0.05)}},
+                               sampleTime(number));
     entry.status = EntryStatus::restored;
-    entry.appliedAt = appliedAt;
-    entry.restoredAt = appliedAt + std::chrono::hours(5);
-    entry.macOSVersion = "26.1.0";
-    entry.writes = {{{"com.apple.dock", "autohide"}, StoredValue(), PrefValue(true)},
-                    {{"com.apple.dock", "autohide-delay"}, PrefValue(0.5), PrefValue(0.05)}};
+    entry.restoredAt = entry.appliedAt + std::chrono::hours(5);
     if (number % kinds == 1) entry.choiceID = "small";
     if (number % kinds == 2) {
         entry.status = EntryStatus::failed;
         entry.restoredAt = std::nullopt;
         entry.failure = "macOS did not confirm the write to com.apple.dock.";
     }
-    if (number % kinds == 3) {
-        const std::string label = sampleLabel(number);
-        entry.kind = EntryKind::launchAgent;
-        entry.tweakID = agentTweakID(label);
-        entry.writes.clear();
-        entry.agent = {label, sampleJobFile(sampleHome, number).string(), true, AgentOverride::absent};
-    }
-    return entry;
-}
-
-// An agent of this home that Brell turned off.
-inline JournalEntry sampleSwitch(const std::filesystem::path& home, std::size_t number) {
-    JournalEntry entry = sampleEntry(number);
-    entry.kind = EntryKind::launchAgent;
-    entry.tweakID = agentTweakID(sampleLabel(number));
-    entry.writes.clear();
-    entry.status = EntryStatus::applied;
-    entry.restoredAt = std::nullopt;
-    entry.failure = std::nullopt;
-    entry.choiceID = std::nullopt;
-    entry.agent = {sampleLabel(number), sampleJobFile(home, number).string(), true, AgentOverride::absent};
     return entry;
 }
 
@@ -102,16 +93,7 @@ inline void writeSampleHistory(const std::filesystem::path& directory, std::size
         std::string lines;
         for (std::size_t i = 0; i < linesPerDay; ++i) {
             const JournalEntry entry = sampleEntry(day * linesPerDay + i);
-            JsonWriter json(JsonWriter::Layout::compact);
-            json.beginObject();
-            json.key("at");
-            json.string(iso8601(entry.appliedAt));
-            json.key("entry");
-            writeJson(json, entry);
-            json.key("event");
-            json.string(rawValue(entry.status));
-            json.endObject();
-            lines += json.take() + "\n";
+            lines += historyLineText(entry.appliedAt, entry);
         }
         replaceFile(directory / ("day" + std::to_string(1000 + day) + ".jsonl"), lines,
                     Durability::readersOnly);

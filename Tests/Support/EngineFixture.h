@@ -9,10 +9,13 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "Tests/Support/FaultyStore.h"
-#include "Tests/Support/FolderContents.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
+
+inline const PrefKey tileSize{"com.apple.dock", "tilesize"};
+inline const PrefKey magnification{"com.apple.dock", "magnification"},
+    largeSize{"com.apple.dock", "largesize"};
 
 // One run of the program: its own journal object and its own engine over the files of the fixture.
 struct EngineRun {
@@ -26,20 +29,24 @@ struct EngineRun {
     TweakEngine engine;
 };
 
+// Leaves the entry of this change as a crash right before its first write would.
+inline void breakOff(TweakEngine& engine, const Tweak& tweak) {
+    struct Crash {};
+    engine.setAfterCaptureHook([](const JournalEntry&) { throw Crash(); });
+    try {
+        engine.apply(tweak);
+    } catch (const Crash&) {
+    }
+    engine.setAfterCaptureHook(nullptr);
+}
+
 struct EngineFixture {
     const Tweak& tweak(std::string_view id) const { return *catalog.tweak(id); }
     EngineRun anotherRun() { return {store, catalog, journalDirectory, clock}; }
     std::string script() const { return contentsOf(journalDirectory / RestoreScript::fileName); }
 
-    // Leaves the entry of this tweak as a crash right before its first write would.
     JournalEntry interrupt(std::string_view id) {
-        struct Crash {};
-        engine.setAfterCaptureHook([](const JournalEntry&) { throw Crash(); });
-        try {
-            engine.apply(tweak(id));
-        } catch (const Crash&) {
-        }
-        engine.setAfterCaptureHook(nullptr);
+        breakOff(engine, tweak(id));
         return journal.activeEntry(id).value();
     }
 
@@ -58,8 +65,7 @@ struct EngineFixture {
 // The record inside the EngineError that the action throws; nothing when it throws none.
 template <class Action>
 std::optional<EngineFailure> engineFailure(Action&& action) {
-    const auto error = thrownBy<EngineError>(std::forward<Action>(action));
-    return error ? std::optional(error->failure()) : std::nullopt;
+    return failureOf<EngineError>(std::forward<Action>(action));
 }
 
 }  // namespace brell::testing

@@ -56,7 +56,10 @@ void FaultyStore::remove(const PrefKey& key) {
 }
 
 void FaultyStore::synchronize(const std::string& domain) {
-    changes.push_back("synchronize " + domain);
+    if (!changes.empty() && changes.back().find(" " + domain + " ") != std::string::npos)
+        changes.back() += ", synchronized";
+    else
+        changes.push_back("synchronize " + domain);
     changing("synchronize " + domain, [&] { base_.synchronize(domain); });
 }
 

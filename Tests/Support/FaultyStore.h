@@ -28,8 +28,8 @@ public:
     void heal() { goWrong(Fault::refuses, {}, forever, 0); }
     int counted() const { return counted_; }  // such calls since then
 
-    // The calls that change something, in their order: "write DOMAIN KEY = VALUE", "remove DOMAIN KEY",
-    // "synchronize DOMAIN".
+    // The calls that change something, in their order: "write DOMAIN KEY = VALUE", "remove DOMAIN KEY". One
+    // that is synchronized next ends in ", synchronized"; what else is, is a "synchronize DOMAIN" of its own.
     std::vector<std::string> changes;
 
     static StoreFailure simulated(const std::string& call) {

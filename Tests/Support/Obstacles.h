@@ -36,20 +36,19 @@ inline constexpr std::array obstacles{
     Obstacle::folder,         Obstacle::huge};
 
 inline const char* nameOf(Obstacle obstacle) {
-    switch (obstacle) {
-        case Obstacle::linkToFile: return "a link to a file";
-        case Obstacle::linkToNothing: return "a link to nothing";
-        case Obstacle::linkToItself: return "a link to itself";
-        case Obstacle::linkToFolder: return "a link to a folder";
-        case Obstacle::linkToZeros: return "a link to /dev/zero";
-        case Obstacle::linkToFull: return "a link to /dev/full";
-        case Obstacle::linkToTerminal: return "a link to a terminal";
-        case Obstacle::pipe: return "a named pipe";
-        case Obstacle::socket: return "a socket";
-        case Obstacle::folder: return "a folder";
-        case Obstacle::huge: return "a huge file";
-    }
-    return "";
+    constexpr const char* names[] = {"a link to a file",
+                                     "a link to nothing",
+                                     "a link to itself",
+                                     "a link to a folder",
+                                     "a link to /dev/zero",
+                                     "a link to /dev/full",
+                                     "a link to a terminal",
+                                     "a named pipe",
+                                     "a socket",
+                                     "a folder",
+                                     "a huge file"};
+    static_assert(std::size(names) == obstacles.size());
+    return names[static_cast<std::size_t>(obstacle)];
 }
 
 // A socket's address has little room for a path: it is made elsewhere under a short one and moved.

@@ -54,16 +54,10 @@ std::size_t CountedCalls::all() const {
     return calls_.size();
 }
 
-std::size_t CountedCalls::of(SystemCall call) const {
-    const std::lock_guard lock(observers().mutex);
-    return static_cast<std::size_t>(
-        std::count_if(calls_.begin(), calls_.end(), [&](const Call& made) { return made.call == call; }));
-}
-
-std::size_t CountedCalls::of(SystemCall call, const fs::path& path) const {
+std::size_t CountedCalls::of(SystemCall call, const fs::path& onlyAt) const {
     const std::lock_guard lock(observers().mutex);
     return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), [&](const Call& made) {
-        return made.call == call && made.path == path.string();
+        return made.call == call && (onlyAt.empty() || made.path == onlyAt.string());
     }));
 }
 

@@ -59,8 +59,7 @@ public:
     ~CountedCalls() override;
 
     std::size_t all() const;
-    std::size_t of(SystemCall call) const;
-    std::size_t of(SystemCall call, const std::filesystem::path& path) const;  // of exactly this path
+    std::size_t of(SystemCall call, const std::filesystem::path& onlyAt = {}) const;  // exactly this path
 
 private:
     struct Call {

@@ -1,5 +1,6 @@
 #include "Tests/Support/Testing.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -17,6 +18,10 @@ TemporaryFolder::TemporaryFolder()
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
     fs::remove_all(path, ignored);
+}
+
+void keepFoldersInMemory() {
+    if (fs::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
 }
 
 std::set<std::string> namesIn(const fs::path& folder) {
@@ -37,6 +42,23 @@ void setContents(const fs::path& file, std::string_view contents) {
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary)
         .write(contents.data(), static_cast<std::streamsize>(contents.size()));
+}
+
+std::map<std::string, std::string> everythingIn(const fs::path& folder) {
+    std::map<std::string, std::string> everything;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+        everything[entry.path().lexically_relative(folder).string()] =
+            entry.is_directory() ? "(folder)" : contentsOf(entry.path());
+    return everything;
+}
+
+std::vector<std::string> changesIn(const fs::path& folder, std::map<std::string, std::string> before) {
+    std::vector<std::string> changed;
+    for (const auto& [path, contents] : everythingIn(folder))
+        if (const auto known = before.extract(path); known.empty() || known.mapped() != contents)
+            changed.push_back(path);
+    for (const auto& [path, contents] : before) changed.push_back(path + " is gone");
+    return changed;
 }
 
 }  // namespace brell::testing

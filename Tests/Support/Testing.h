@@ -2,12 +2,17 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brell::testing {
+
+using Texts = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 // A folder of the test's own, removed with everything in it at the end.
 class TemporaryFolder {
@@ -20,11 +25,22 @@ public:
     const std::filesystem::path path;  // absolute, without symbolic links
 };
 
+// From now on TemporaryFolder makes its folders in memory, where the system has a place for that. For tests
+// with thousands of durable writes: flushing to a disk would take most of their time, and whether the bytes
+// reach one is not what they ask.
+void keepFoldersInMemory();
+
 // The names of a folder's entries, hidden ones included; empty when there is no such folder.
 std::set<std::string> namesIn(const std::filesystem::path& folder);
 
 std::string contentsOf(const std::filesystem::path& file);
 void setContents(const std::filesystem::path& file, std::string_view contents);  // makes the folders above
+
+// Everything in a folder by path within it, hidden names included: a file's bytes, "(folder)" for a folder.
+std::map<std::string, std::string> everythingIn(const std::filesystem::path& folder);
+// The paths below the folder that differ from what everythingIn gave before.
+std::vector<std::string> changesIn(const std::filesystem::path& folder,
+                                   std::map<std::string, std::string> before);
 
 // The error of this type that the action throws; nothing when it throws none. Other types pass through.
 template <class Error, class Action>
@@ -35,6 +51,13 @@ std::optional<Error> thrownBy(Action&& action) {
         return error;
     }
     return std::nullopt;
+}
+
+// The record inside the error of this type that the action throws; nothing when it throws none.
+template <class Error, class Action>
+auto failureOf(Action&& action) {
+    const auto error = thrownBy<Error>(std::forward<Action>(action));
+    return error ? std::optional(error->failure()) : std::nullopt;
 }
 
 // what() of whatever the action throws; empty when it throws nothing.

@@ -14,8 +14,8 @@
 #include <thread>
 
 #include "BrellCore/Support/Text.h"
-#include "Tests/Support/MemoryFolder.h"
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
 #include "Tests/Trust/ManyAtOnce.h"
 #include "Tests/Trust/Trial.h"
 

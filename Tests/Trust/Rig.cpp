@@ -45,16 +45,6 @@ Rig::Rig(const fs::path& folder, const Clock& clock, Waiting waiting)
     }
 }
 
-void Rig::breakOff(std::string_view tweakID) {
-    struct Crash {};
-    engine.setAfterCaptureHook([](const JournalEntry&) { throw Crash(); });
-    try {
-        engine.apply(tweak(tweakID));
-    } catch (const Crash&) {
-    }
-    engine.setAfterCaptureHook(nullptr);
-}
-
 void Rig::breakOffAgent(const std::string& label) {
     const AgentState state = toggle.currentState(label);
     const std::string file = (mac.launchAgents() / (label + ".plist")).string();

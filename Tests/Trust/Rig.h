@@ -25,7 +25,7 @@ public:
     const LaunchAgentRecord& agent(const std::string& label) const { return agents_.at(label); }
 
     // Leave the entry of a change as a crash between the durable capture and the first step would.
-    void breakOff(std::string_view tweakID);
+    void breakOff(std::string_view tweakID) { testing::breakOff(engine, tweak(tweakID)); }
     void breakOffAgent(const std::string& label);
 
     const SampleMac mac;

@@ -12,10 +12,7 @@ namespace brell {
 namespace {
 
 using Command = AllowedCommand;
-using testing::FakeCommandRunner;
-using testing::messageOf;
-using testing::setContents;
-using testing::TemporaryFolder;
+using namespace testing;
 
 struct LaunchAgentReaderTest : ::testing::Test {
     TemporaryFolder folder;

@@ -187,18 +187,8 @@ TEST(LoginItemsMerger, SortsByBadgeThenTitleWithoutCaseThenID) {
 }
 
 TEST(CollationKey, OrdersTextForPeople) {
-    const std::vector<std::string> ordered{"",
-                                           "a b",
-                                           "ab",
-                                           "ABc",
-                                           "ec",
-                                           "\xC3\xA9"
-                                           "clair",
-                                           "Eclipse",
-                                           "stra\xC3\x9F"
-                                           "e",
-                                           "Strasses",
-                                           "\xFF"};
+    const std::vector<std::string> ordered{"",        "a b",         "ab",       "ABc", "ec", "\u00E9clair",
+                                           "Eclipse", "stra\u00DFe", "Strasses", "\xFF"};
     for (std::size_t i = 1; i < ordered.size(); ++i)
         EXPECT_LT(collationKey(ordered[i - 1]), collationKey(ordered[i])) << ordered[i];
     EXPECT_EQ(collationKey("\xC3\x89T\xC3\x89"), collationKey("e\xCC\x81t\xC3\xA9"));

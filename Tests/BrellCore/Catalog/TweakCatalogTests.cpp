@@ -15,19 +15,14 @@ using Ids = std::set<std::string>;
 class TweakCatalogTest : public ::testing::Test {
 protected:
     const TweakCatalog catalog{"/Users/jo ann"};
-
-    template <class Predicate>
-    Ids idsWhere(Predicate predicate) const {
-        Ids ids;
-        for (const Tweak& tweak : catalog.all())
-            if (predicate(tweak)) ids.insert(tweak.id);
-        return ids;
-    }
 };
 
-bool isOnWithoutAnyKey(const Tweak& tweak) {
-    return std::all_of(tweak.writes.begin(), tweak.writes.end(),
-                       [](const Write& write) { return write.systemDefault == write.target; });
+const std::vector<Write> oneSwitch{{{"com.apple.dock", "autohide"}, true, false}};
+const std::vector<Write> twoNumbers{{{"com.apple.dock", "autohide-delay"}, 0.0, std::nullopt},
+                                    {{"NSGlobalDomain", "largesize"}, 80, std::nullopt}};
+
+std::string valueText(const std::vector<Write>& writes, const TweakKind& kind) {
+    return explain(writes, kind, EffectClass::immediate, Risk::low, "", "").value;
 }
 
 }  // namespace
@@ -86,15 +81,16 @@ TEST_F(TweakCatalogTest, EveryChoiceHasOneValueOfTheRightTypeForEachWrite) {
 }
 
 TEST_F(TweakCatalogTest, KnowsTheExceptions) {
-    EXPECT_EQ(idsWhere([](const Tweak& tweak) { return !tweak.isConfirmed(26); }),
+    Ids unconfirmed, experimental;
+    for (const Tweak& tweak : catalog.all()) {
+        if (!tweak.isConfirmed(26)) unconfirmed.insert(tweak.id);
+        if (tweak.risk == Risk::experimental) experimental.insert(tweak.id);
+    }
+    EXPECT_EQ(unconfirmed,
               (Ids{"finder.drives_on_desktop", "finder.no_extension_warning", "text.no_autocorrect",
                    "text.no_smart_dashes", "text.no_double_space_period", "misc.always_show_scrollbars"}));
-    EXPECT_EQ(idsWhere([](const Tweak& tweak) { return tweak.risk == Risk::experimental; }),
+    EXPECT_EQ(experimental,
               (Ids{"mc.fast_animation", "anim.no_window_animation", "priv.no_personalized_ads"}));
-    EXPECT_EQ(idsWhere(isOnWithoutAnyKey), (Ids{"dock.position", "shot.date_in_name"}));
-    EXPECT_EQ(idsWhere([](const Tweak& tweak) { return std::holds_alternative<FolderKind>(tweak.kind); }),
-              Ids{"shot.folder"});
-    EXPECT_EQ(catalog.tweak("misc.always_show_scrollbars")->effect, EffectClass::nextAppLaunch);
 }
 
 TEST_F(TweakCatalogTest, DerivesTheTextsOfATweakFromItsRow) {
@@ -107,6 +103,11 @@ TEST_F(TweakCatalogTest, DerivesTheTextsOfATweakFromItsRow) {
               "Medium. System files become visible and can be dragged to the Trash by mistake.");
     EXPECT_EQ(hidden.explanation.takesEffect,
               "After Finder is relaunched (Brell offers to do it; open Finder windows close and reopen)");
+    EXPECT_EQ(
+        hidden.explanation.undo,
+        "Turn it off (the switch, the \"macOS default\" choice, or \"Restore previous location\"): Brell "
+        "writes the original value it saved back, or removes the key when there was none. Brell offers to "
+        "relaunch Finder again so the change disappears.");
 }
 
 TEST(CatalogHomeTest, PathsStartAtTheHomeFolderHoweverItIsWritten) {
@@ -123,6 +124,29 @@ TEST(CatalogHomeTest, PathsStartAtTheHomeFolderHoweverItIsWritten) {
         EXPECT_EQ(catalog.tweak("shot.folder")->targets(), std::vector<PrefValue>{screenshots});
         EXPECT_EQ(catalog.tweak("finder.new_window_home")->targets(), (std::vector<PrefValue>{"PfHm", url}));
     }
+}
+
+TEST(ExplanationTest, NamesTheValuesAsTheKindOfControlOffersThem) {
+    EXPECT_EQ(valueText(oneSwitch, ToggleKind()), "true");
+    EXPECT_EQ(valueText(twoNumbers, ToggleKind()), "0.0, 80");
+    EXPECT_EQ(valueText(oneSwitch, FolderKind()), "the folder you pick");
+    EXPECT_EQ(
+        valueText(twoNumbers, ChoiceKind{{{"small", "Small", {0.5, 36}}, {"plain", "Plain", {"x", true}}}}),
+        "Small: 0.5, 36; Plain: \"x\", true; macOS default: the key is removed");
+}
+
+TEST(ExplanationTest, RiskAddsTheNoteAndWhatExperimentalMeans) {
+    const auto riskText = [](Risk risk, std::string_view note) {
+        return explain(oneSwitch, ToggleKind(), EffectClass::immediate, risk, "What.", note).risk;
+    };
+    const std::string experimental =
+        "Experimental: no visible effect has been confirmed on every macOS version yet; excluded from "
+        "presets";
+
+    EXPECT_EQ(riskText(Risk::low, ""), "Low");
+    EXPECT_EQ(riskText(Risk::medium, "Mind the gap."), "Medium. Mind the gap.");
+    EXPECT_EQ(riskText(Risk::experimental, ""), experimental);
+    EXPECT_EQ(riskText(Risk::experimental, "Mind the gap."), experimental + ". Mind the gap.");
 }
 
 }  // namespace brell

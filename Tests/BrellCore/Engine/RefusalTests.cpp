@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <thread>
 
 #include "Tests/Support/EngineFixture.h"
 
@@ -10,9 +11,6 @@ using namespace brell;
 using namespace brell::testing;
 
 namespace {
-
-const PrefKey magnification{"com.apple.dock", "magnification"};
-const PrefKey largeSize{"com.apple.dock", "largesize"};
 
 struct Refusal {
     std::string name;
@@ -41,6 +39,11 @@ std::function<void(EngineFixture&)> applyingInDomain(std::string domain) {
     };
 }
 
+Refused alreadyActive(const std::string& status) {
+    return {"Magnify icons under the pointer already has an active change (" + status +
+            "); turn it off first."};
+}
+
 std::vector<Refusal> refusals() {
     const Uuid unknown = Uuid::parse("0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9").value();
     return {
@@ -51,17 +54,12 @@ std::vector<Refusal> refusals() {
              brell.engine.apply(tweak);
          },
          Refused{"Magnify icons under the pointer is not offered on macOS 26."}},
-        {"applied already", applying("dock.magnify"), applying("dock.magnify"),
-         Refused{"Magnify icons under the pointer already has an active change (applied); turn it off "
-                 "first."}},
+        {"applied already", applying("dock.magnify"), applying("dock.magnify"), alreadyActive("applied")},
         {"reset of what is applied", applying("dock.magnify"),
          [](EngineFixture& brell) { brell.engine.resetToDefault(brell.tweak("dock.magnify")); },
-         Refused{"Magnify icons under the pointer already has an active change (applied); turn it off "
-                 "first."}},
+         alreadyActive("applied")},
         {"interrupted before", [](EngineFixture& brell) { brell.interrupt("dock.magnify"); },
-         applying("dock.magnify"),
-         Refused{"Magnify icons under the pointer already has an active change (capturing); turn it off "
-                 "first."}},
+         applying("dock.magnify"), alreadyActive("capturing")},
         {"protected domain", nothing, applyingInDomain("com.apple.security.agent"),
          Refused{"com.apple.security.agent is never changed."}},
         {"unknown domain", nothing, applyingInDomain("org.example.editor"),
@@ -105,7 +103,7 @@ TEST(RefusalTest, EachHasItsWordsAndLeavesEveryFileAsItWas) {
         const auto before = everythingIn(brell.folder.path);
         EXPECT_EQ(engineFailure([&] { refusal.attempt(brell); }), refusal.expected);
         EXPECT_EQ(everythingIn(brell.folder.path), before);
-        EXPECT_EQ(brell.store.changes, std::vector<std::string>{});
+        EXPECT_EQ(brell.store.changes, Texts{});
     }
 }
 
@@ -138,6 +136,39 @@ TEST(RefusalTest, ASecondChangeOfAnAgentIsRefusedToEveryRun) {
     EXPECT_EQ(messageOf([&] { other.engine.beginAgentChange(label, capture); }),
               "org.example.sync already has an active change; restore it from the Journal first.");
     EXPECT_EQ(brell.journal.active().size(), 1u);
+}
+
+// Several runs of the program over one journal and one preferences folder.
+class EngineConcurrencyTest : public ::testing::Test, protected EngineFixture {};
+
+TEST_F(EngineConcurrencyTest, WhatWasReadBeforeTheLockIsReadAgainUnderIt) {
+    JournalEntry theirs = engine.apply(tweak("dock.size"));
+    engine.restore(theirs.id, false);
+    theirs.id = Uuid::random();
+    EngineRun other = anotherRun();
+    // Performs the action, which reads and then waits for the lock, while this happens under the lock.
+    const auto failureWhile = [&](auto&& happening, auto&& action) {
+        auto held = std::make_optional(other.journal->exclusive());
+        std::optional<EngineFailure> failure;
+        std::thread waiting([&] { failure = engineFailure(action); });
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(100));  // if it does not wait by then, it has less to get wrong
+        happening(*held);
+        held.reset();
+        waiting.join();
+        return failure;
+    };
+    EXPECT_EQ(failureWhile([&](const auto& held) { other.journal->upsert(theirs, held); },
+                           [&] { engine.apply(tweak("dock.size")); }),
+              EngineFailure(Refused{"Icon size already has an active change (applied); turn it off first."}));
+
+    const PrefKey pathBar{"com.apple.finder", "ShowPathbar"};
+    files.write(true, pathBar);  // set before Brell, so turning off would remove it
+    EXPECT_EQ(failureWhile([&](const auto&) { files.write(false, pathBar); },
+                           [&] { engine.turnOff(tweak("finder.path_bar"), true); }),
+              EngineFailure(Refused{"Show the path bar is not on."}));
+    EXPECT_EQ(files.exactValue(pathBar), StoredValue(false));
+    EXPECT_TRUE(files.exactValue({"com.apple.dock", "tilesize"}).isAbsent());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "BrellCore/Engine/TweakEngine.h"
 
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Entries.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -13,7 +14,6 @@ namespace {
 const PrefKey inner{"com.apple.finder", "ShowHardDrivesOnDesktop"};
 const PrefKey external{"com.apple.finder", "ShowExternalHardDrivesOnDesktop"};
 const PrefKey removable{"com.apple.finder", "ShowRemovableMediaOnDesktop"};
-const PrefKey tileSize{"com.apple.dock", "tilesize"};
 const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
 
 class TweakEngineTest : public ::testing::Test, protected EngineFixture {
@@ -44,20 +44,12 @@ TEST_F(TweakEngineTest, AChangeIsJournaledWrittenVerifiedAndUndoneExactly) {
     });
     const JournalEntry entry = engine.apply(tweak("finder.drives_on_desktop"));
 
-    JournalEntry expected{entry.id,
-                          "finder.drives_on_desktop",
-                          EntryKind::preference,
-                          EntryDirection::on,
-                          {{inner, {}, PrefValue(true)},
-                           {external, PrefValue(false), PrefValue(true)},
-                           {removable, PrefValue(true), PrefValue(true)}},
-                          EntryStatus::applied,
-                          now,
-                          {},
-                          "26.1.0",
-                          {},
-                          {},
-                          {}};
+    JournalEntry expected = entryOf("finder.drives_on_desktop",
+                                    {{inner, {}, PrefValue(true)},
+                                     {external, PrefValue(false), PrefValue(true)},
+                                     {removable, PrefValue(true), PrefValue(true)}},
+                                    now);
+    expected.id = entry.id;
     EXPECT_EQ(entry, expected);
     EXPECT_EQ(journal.all(), std::vector<JournalEntry>{expected});
     expected.status = EntryStatus::capturing;
@@ -66,14 +58,10 @@ TEST_F(TweakEngineTest, AChangeIsJournaledWrittenVerifiedAndUndoneExactly) {
     EXPECT_EQ(script(), engine.restoreScriptText());
     EXPECT_NE(script().find("defaults delete 'com.apple.finder' 'ShowHardDrivesOnDesktop'"),
               std::string::npos);
-    EXPECT_EQ(store.changes, (std::vector<std::string>{
-                                 "write com.apple.finder ShowHardDrivesOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowRemovableMediaOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                             }));
+    EXPECT_EQ(store.changes,
+              (Texts{"write com.apple.finder ShowHardDrivesOnDesktop = true, synchronized",
+                     "write com.apple.finder ShowExternalHardDrivesOnDesktop = true, synchronized",
+                     "write com.apple.finder ShowRemovableMediaOnDesktop = true, synchronized"}));
 
     now += 1h;
     store.changes.clear();
@@ -82,14 +70,10 @@ TEST_F(TweakEngineTest, AChangeIsJournaledWrittenVerifiedAndUndoneExactly) {
     EXPECT_EQ(engine.restore(entry.id, false), expected);
     EXPECT_EQ(journal.all(), std::vector<JournalEntry>{expected});
     EXPECT_EQ(files.snapshot(), original);
-    EXPECT_EQ(store.changes, (std::vector<std::string>{
-                                 "remove com.apple.finder ShowHardDrivesOnDesktop",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = false",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowRemovableMediaOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                             }));
+    EXPECT_EQ(store.changes,
+              (Texts{"remove com.apple.finder ShowHardDrivesOnDesktop, synchronized",
+                     "write com.apple.finder ShowExternalHardDrivesOnDesktop = false, synchronized",
+                     "write com.apple.finder ShowRemovableMediaOnDesktop = true, synchronized"}));
     EXPECT_EQ(script(), RestoreScript::render({}, now));
 }
 
@@ -101,16 +85,11 @@ TEST_F(TweakEngineTest, AWriteThatDoesNotStickIsRolledBackNewestFirst) {
         describe(reason),
         "After writing com.apple.finder ShowExternalHardDrivesOnDesktop, macOS reports false instead of "
         "true. The keys written so far were put back.");
-    EXPECT_EQ(store.changes, (std::vector<std::string>{
-                                 "write com.apple.finder ShowHardDrivesOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = true",
-                                 "synchronize com.apple.finder",
-                                 "write com.apple.finder ShowExternalHardDrivesOnDesktop = false",
-                                 "synchronize com.apple.finder",
-                                 "remove com.apple.finder ShowHardDrivesOnDesktop",
-                                 "synchronize com.apple.finder",
-                             }));
+    EXPECT_EQ(store.changes,
+              (Texts{"write com.apple.finder ShowHardDrivesOnDesktop = true, synchronized",
+                     "write com.apple.finder ShowExternalHardDrivesOnDesktop = true, synchronized",
+                     "write com.apple.finder ShowExternalHardDrivesOnDesktop = false, synchronized",
+                     "remove com.apple.finder ShowHardDrivesOnDesktop, synchronized"}));
     EXPECT_EQ(files.snapshot(), original);
     const JournalEntry entry = journal.all().at(0);
     EXPECT_EQ(entry.status, EntryStatus::failed);
@@ -233,18 +212,9 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     EXPECT_EQ(journal.all(), std::vector<JournalEntry>{});
     AgentChange change = engine.beginAgentChange(capture.label, capture);
     const Uuid id = change.entry.id;
-    JournalEntry expected{id,
-                          "agent:org.example.sync",
-                          EntryKind::launchAgent,
-                          EntryDirection::on,
-                          {},
-                          EntryStatus::capturing,
-                          now,
-                          {},
-                          "26.1.0",
-                          capture,
-                          {},
-                          {}};
+    JournalEntry expected = agentEntry(capture, now);
+    expected.id = id;
+    expected.status = EntryStatus::capturing;
     EXPECT_EQ(journal.all(), std::vector{expected});
     EXPECT_NE(script().find("launchctl enable"), std::string::npos);
     expected.status = EntryStatus::applied;
@@ -266,10 +236,8 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     EXPECT_EQ(expected.failure, "boot-out \uFFFD failed");
     EXPECT_EQ(anotherRun().journal->entry(expected.id), expected);
 
-    JournalEntry bare = expected;
-    bare.id = Uuid::random();
+    JournalEntry bare = agentEntry(capture, now);
     bare.agent = std::nullopt;
-    bare.status = EntryStatus::applied;
     journal.upsert(bare);
     EXPECT_EQ(engineFailure([&] { engine.restore(bare.id, false); }),
               EngineFailure(Refused{"Entry " + bare.id.text() + " has no agent capture."}));

@@ -4,8 +4,9 @@
 
 #include <functional>
 
+#include "BrellCore/Preferences/CFPreferencesStore.h"
 #include "Tests/Support/EngineFixture.h"
-#include "Tests/Support/MemoryFolder.h"
+#include "Tests/Support/StandInDefaults.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -94,6 +95,33 @@ TEST_F(UndoSweepTest, EveryFailingStoreCallLeavesAWayBack) {
         sweep(operation, Fault::forgets, true);
         sweep(operation, Fault::ignores, false);
     }
+}
+
+// Equal to the value in number or in words, and of another type.
+PrefValue alikeOfAnotherType(const PrefValue& value) {
+    if (const auto* integer = value.as<std::int64_t>()) return static_cast<double>(*integer);
+    if (const auto* real = value.as<double>()) return static_cast<std::int64_t>(*real);
+    if (const auto* flag = value.as<bool>()) return *flag ? 1 : 0;
+    return PrefValue::StringArray{value.rendered()};
+}
+
+TEST_F(UndoSweepTest, EveryTweakOverUserDefaultsIsAppliedOverAnotherTypeAndUndoneExactly) {
+    EngineFixture brell;
+    const auto defaults = std::make_shared<StandInDefaults>();
+    CFPreferencesStore userDefaults{TweakCatalog::allowedDomains(), true, defaults};
+    EngineRun overDefaults{userDefaults, brell.catalog, brell.folder.path / "real journal", brell.clock};
+    for (const Tweak& each : brell.catalog.all())
+        for (const Write& write : each.writes)
+            defaults->saveElsewhere(write.key, alikeOfAnotherType(write.target).propertyListObject());
+    const auto original = defaults->saved;
+
+    for (const Tweak& each : brell.catalog.all()) {
+        overDefaults.engine.apply(each, each.targets());
+        for (const Write& write : each.writes)
+            EXPECT_EQ(userDefaults.exactValue(write.key), StoredValue(write.target)) << write.key.rendered();
+    }
+    EXPECT_EQ(overDefaults.engine.restoreAll({}).restored.size(), brell.catalog.all().size());
+    EXPECT_EQ(defaults->saved, original);
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ TEST_F(HistoryTest, EachLocalDayHasItsFileAndTheyAreReadInOrder) {
          {std::pair("EAST-14", "2026-11-16.jsonl"), {"WEST12", "2026-11-15.jsonl"}}) {
         const TimeZone other(zoneText);
         EXPECT_TRUE(appendHistoryLine(folder.path / zoneText, at("2026-11-15T20:23:13Z"), line.entry));
-        EXPECT_EQ(namesIn(folder.path / zoneText), std::set<std::string>{name});
+        EXPECT_EQ(namesIn(folder.path / zoneText), Names{name});
     }
     const std::vector<const char*> times{"2026-11-16T00:00:00Z", "2026-11-15T23:59:59Z",
                                          "2026-11-16T10:00:00Z", "2026-01-02T00:00:00Z"};
@@ -70,7 +70,7 @@ TEST_F(HistoryTest, EachLocalDayHasItsFileAndTheyAreReadInOrder) {
     setContents(history / "2026-01-01.txt", sample);
     std::vector<std::string> read;
     for (const HistoryLine& each : all()) read.push_back(iso8601(each.at));
-    EXPECT_EQ(read, (std::vector<std::string>{times[3], times[1], times[0], times[2]}));
+    EXPECT_EQ(read, (Texts{times[3], times[1], times[0], times[2]}));
 }
 
 TEST_F(HistoryTest, DaysAreCountedBackFromNowToTheSecond) {

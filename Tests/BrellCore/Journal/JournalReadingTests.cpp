@@ -29,7 +29,7 @@ protected:
     std::string refusalOf(const std::string& text) const {
         const auto error = thrownBy<JournalError>([&] { opened(text); });
         EXPECT_EQ(contentsOf(file), text);
-        EXPECT_EQ(namesIn(folder.path), std::set<std::string>{"journal.json"});
+        EXPECT_EQ(namesIn(folder.path), Names{"journal.json"});
         if (!error) return {};
         EXPECT_EQ(error->failure().kind, JournalFailure::Kind::cannotRead);
         EXPECT_EQ(error->what(), "The change journal could not be read: " + error->failure().text + ".");
@@ -135,9 +135,9 @@ TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
     EXPECT_EQ(contentsOf(real), sample);
 
     fs::remove(real);
-    const auto error = thrownBy<JournalError>([&] { Journal::open(folder.path); });
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->failure().text, file.string() + ": it is a link to a file that is not there");
+    EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
+              "The change journal could not be read: " + file.string() +
+                  ": it is a link to a file that is not there.");
 
     if (!systemCallsAreWatched()) return;
     fs::remove(file);
@@ -166,20 +166,15 @@ TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {
         {"\"writes\" : []", "\"writes\" : [1]", ""},
         {"\"absent\" : true", "\"absent\" : false", ""},
         {"\"format\" : 1", "\"format\" : \"1\"", ""},
-        {"\"format\" : 1", "\"format\" : 1.5", ""},
         {"\"format\" : 1", "\"format\" : -1", "there is no format -1"},
-        {"\"format\" : 1", "\"format\" : 99999999999999999999", ""},
         {"été", "\xE9t\xE9", ""},
         {"dock.sample", "dock\nsample", ""},
         {"launchd refused.", "\\ud800", ""},
         {"  \"format\"", "  ,\"format\"", ""},
         {"\"format\" : 1\n}", "\"format\" : 1\n}}", ""},
         {"\"format\" : 1\n}", "\"format\" : 1\n} {}", "something follows after its end"},
-        {"\"format\" : 1\n}", "\"format\" : 1\n}\nx", ""},
         {"\"format\" : 1\n}", "\"format\" : 1", ""},
         {sample, "[]", ""},
-        {sample, "null", ""},
-        {sample, "\n", ""},
         {sample, std::string(4096, '\0'), ""},
         {sample, std::string(100'000, '['), ""},
         {sample, "{\"entries\" : [" + std::string(100'000, '{'), ""}};

@@ -1,7 +1,6 @@
 // Saving entries: on disk or not at all, and side by side with others.
 #include <gtest/gtest.h>
 #include <cmath>
-#include <thread>
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Support/SystemMessage.h"
@@ -16,7 +15,6 @@ namespace {
 
 using namespace testing;
 using Entries = std::vector<JournalEntry>;
-using Names = std::set<std::string>;
 
 class JournalWritingTest : public ::testing::Test {
 protected:
@@ -26,8 +24,6 @@ protected:
 
     std::unique_ptr<Journal> opened() const { return Journal::open(directory); }
 };
-
-class JournalConcurrencyTest : public JournalWritingTest {};
 
 // The text behind cannotWrite when the entry is refused; empty when it is saved.
 std::string refusalOf(Journal& journal, const JournalEntry& entry) {
@@ -85,8 +81,6 @@ TEST_F(JournalWritingTest, AFailedSaveChangesNeitherListNorFile) {
         {SystemCall::open, EACCES, 1, "", (directory / ".journal.lock").string()},
         {SystemCall::open, EROFS, 2, "cannot create " + (directory / ".journal.json.").string(), ".tmp"},
         {SystemCall::write, ENOSPC, 1, (directory / ".journal.json.").string(), systemMessage(ENOSPC)},
-        {SystemCall::fsync, EIO, 1, (directory / ".journal.json.").string(), systemMessage(EIO)},
-        {SystemCall::close, EIO, 1, (directory / ".journal.json.").string(), systemMessage(EIO)},
         {SystemCall::rename, EXDEV, 1, "rename failed: ", systemMessage(EXDEV)},
     };
     JournalEntry changed = kept;
@@ -126,35 +120,25 @@ TEST_F(JournalWritingTest, WhatCouldNotBeReadBackIsRefusedBeforeAnythingIsWritte
     const auto journal = opened();
     journal->upsert(entryFor("a"));
     const std::string before = contentsOf(file);
-    const auto refused = [&](auto&& spoil) {
+    const struct {
+        void (*spoil)(JournalEntry&);
+        std::string reason;
+    } rows[] = {
+        {[](auto& e) { e.writes[0].original = PrefValue(NAN); }, "the number nan can't be saved"},
+        {[](auto& e) { e.writes[1].key.name = "\xED\xA0\x80"; }, "text that is not UTF-8 can't be saved"},
+        {[](auto& e) { e.failure = "\x80"; }, "text that is not UTF-8 can't be saved"},
+        {[](auto& e) { e.appliedAt = at("9999-12-31T23:59:59Z") + std::chrono::seconds(1); },
+         "a date outside the years 0 to 9999 can't be saved"},
+        {[](auto& e) { e.restoredAt = at("0000-01-01T00:00:00Z") - std::chrono::seconds(1); },
+         "a date outside the years 0 to 9999 can't be saved"},
+    };
+    for (const auto& row : rows) {
         JournalEntry entry = entryFor("b");
-        spoil(entry);
-        const std::string text = refusalOf(*journal, entry);
+        row.spoil(entry);
+        EXPECT_EQ(refusalOf(*journal, entry), row.reason);
         EXPECT_EQ(contentsOf(file), before);
         EXPECT_EQ(journal->history().size(), 1u);
-        return text;
-    };
-    EXPECT_EQ(refused([](auto& e) { e.writes[0].original = PrefValue(NAN); }),
-              "the number nan can't be saved");
-    EXPECT_EQ(refused([](auto& e) { e.writes[2].written = PrefValue(-INFINITY); }),
-              "the number -inf can't be saved");
-    const std::string notUtf8 = "text that is not UTF-8 can't be saved";
-    EXPECT_EQ(refused([](auto& e) { e.writes[1].original = PrefValue("\xFF"); }), notUtf8);
-    EXPECT_EQ(refused([](auto& e) {
-                  e.writes[1].written = PrefValue(PrefValue::StringArray{"a", "\xC3"});
-              }),
-              notUtf8);
-    EXPECT_EQ(refused([](auto& e) { e.writes[1].key.name = "\xED\xA0\x80"; }), notUtf8);
-    EXPECT_EQ(refused([](auto& e) { e.failure = "\x80"; }), notUtf8);
-    EXPECT_EQ(refused([](auto& e) {
-                  e.agent = AgentCapture{"a", "/\xE9", true, AgentOverride::absent};
-              }),
-              notUtf8);
-    const std::string noDate = "a date outside the years 0 to 9999 can't be saved";
-    EXPECT_EQ(refused([](auto& e) { e.appliedAt = at("9999-12-31T23:59:59Z") + std::chrono::seconds(1); }),
-              noDate);
-    EXPECT_EQ(refused([](auto& e) { e.restoredAt = at("0000-01-01T00:00:00Z") - std::chrono::seconds(1); }),
-              noDate);
+    }
 }
 
 TEST_F(JournalWritingTest, OtherEntriesKeepTheirTextToTheByte) {
@@ -211,36 +195,9 @@ TEST_F(JournalWritingTest, ALockWhoseFileWasRemovedSavesNothing) {
     const auto journal = Journal::open(folder.path);
     const Journal::Exclusive held = journal->exclusive();
     fs::remove(folder.path / ".journal.lock");
-    const auto error = thrownBy<JournalError>([&] { journal->upsert(sampleEntries()[0], held); });
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->failure(),
+    EXPECT_EQ(failureOf<JournalError>([&] { journal->upsert(sampleEntries()[0], held); }),
               (JournalFailure{JournalFailure::Kind::cannotWrite, "its lock file was removed meanwhile"}));
     EXPECT_FALSE(fs::exists(journal->fileURL()));
-}
-
-TEST_F(JournalConcurrencyTest, ThreadsOfOneAndOfSeveralJournalsLoseNothing) {
-    constexpr int writers = 4, rounds = 8;
-    const auto first = opened(), second = opened();
-    std::vector<std::thread> threads;
-    for (int writer = 0; writer < writers; ++writer)
-        threads.emplace_back([&, writer] {
-            Journal& journal = writer % 2 == 0 ? *first : *second;
-            for (int i = 0; i < rounds; ++i) {
-                const JournalEntry entry = entryFor(std::to_string(writer) + "." + std::to_string(i));
-                journal.upsert(entry);
-                EXPECT_EQ(journal.entry(entry.id), entry);
-            }
-        });
-    threads.emplace_back([&] {
-        for (std::size_t seen = 0; seen < writers * rounds;) {
-            const std::size_t now = first->all().size();
-            ASSERT_GE(now, seen);
-            seen = now;
-        }
-    });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(first->all(), second->all());
-    EXPECT_EQ(first->history().size(), std::size_t{writers * rounds});
 }
 
 }  // namespace brell

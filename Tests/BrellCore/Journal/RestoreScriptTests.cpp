@@ -4,10 +4,9 @@
 
 #include <unistd.h>
 
-#include <limits>
-
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/Shell.h"
 #include "Tests/Support/Testing.h"
 
@@ -19,29 +18,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const TimeStamp noon = parseIso8601("2026-11-15T12:00:00Z").value();
 const PrefKey autohide{"com.apple.dock", "autohide"};
 const PrefKey language{"NSGlobalDomain", "AppleLanguages"};
-
-JournalEntry entryOf(std::string tweakID, std::vector<JournaledWrite> writes, TimeStamp at = noon) {
-    JournalEntry entry{};
-    entry.id = Uuid::random();
-    entry.tweakID = std::move(tweakID);
-    entry.kind = EntryKind::preference;
-    entry.direction = EntryDirection::on;
-    entry.writes = std::move(writes);
-    entry.status = EntryStatus::applied;
-    entry.appliedAt = at;
-    entry.macOSVersion = "26.1.0";
-    return entry;
-}
-
-JournalEntry agentEntry(AgentCapture capture, TimeStamp at = noon) {
-    JournalEntry entry = entryOf(agentTweakID(capture.label), {}, at);
-    entry.kind = EntryKind::launchAgent;
-    entry.agent = std::move(capture);
-    return entry;
-}
 
 const std::string header =
     "#!/bin/sh\n"
@@ -101,7 +79,7 @@ TEST(RestoreScriptTextTest, ActiveEntriesStandNewestFirst) {
             "launchctl bootstrap \"gui/$(id -u)\" '/Users/o'\\''hara/Sync.plist' 2>/dev/null || true\n" +
             footer);
     EXPECT_EQ(RestoreScript::agentLines({"a", "/a.plist", false, AgentOverride::absent}),
-              std::vector<std::string>{"launchctl enable \"gui/$(id -u)/\"'a'"});
+              Texts{"launchctl enable \"gui/$(id -u)/\"'a'"});
 }
 
 // The script run by real shells, with stand-ins for defaults and launchctl.
@@ -123,8 +101,7 @@ protected:
                     "' LAUNCHCTL_LOG='" + (folder.path / "launchctl.log").string() + "' " + GetParam() +
                     " ../restore.sh 2>&1");
         EXPECT_EQ(finished.status, 0) << finished.output;
-        EXPECT_EQ(namesIn(elsewhere),
-                  std::set<std::string>{});  // where a smuggled command would leave a file
+        EXPECT_EQ(namesIn(elsewhere), Names{});  // where a smuggled command would leave a file
         return finished.output;
     }
 
@@ -136,32 +113,18 @@ protected:
 };
 
 std::vector<PrefValue> everyKindOfValue() {
-    return {true,
-            false,
-            0,
-            36,
-            std::numeric_limits<std::int64_t>::min(),
-            std::numeric_limits<std::int64_t>::max(),
-            0.15,
-            0.1 + 0.2,
-            2.0,
-            -1.5,
-            1e-7,
-            123456789.25,
-            1.7976931348623157e308,
-            "",
-            "plain",
-            " two  blanks ",
-            "it's \"quoted\" `whoami` $HOME $(touch made) \\ \\n %s !! *",
-            "line\nfeed",
-            "\n",
-            "ends with\n\n",
-            "-g",
-            "-string",
-            "é 日本 👍",
-            PrefValue::StringArray{},
-            PrefValue::StringArray{""},
-            PrefValue::StringArray{"it's", "$(touch made)", "two\nlines\n", "-bool", "日本"}};
+    using Strings = PrefValue::StringArray;
+    std::vector<PrefValue> values{true, false, Strings{}, Strings{""}};
+    values.push_back(Strings{"it's", "$(touch made)", "two\nlines\n", "-bool", "日本"});
+    for (const std::int64_t number : {std::int64_t{0}, std::int64_t{36}, INT64_MIN, INT64_MAX})
+        values.push_back(number);
+    for (const double number : {0.15, 0.1 + 0.2, 2.0, -1.5, 1e-7, 123456789.25, 1.7976931348623157e308})
+        values.push_back(number);
+    for (const char* text :
+         {"", "plain", " two  blanks ", "it's \"quoted\" `whoami` $HOME $(touch made) \\ \\n %s !! *",
+          "line\nfeed", "\n", "ends with\n\n", "-g", "-string", "é 日本 👍"})
+        values.push_back(text);
+    return values;
 }
 
 TEST_P(RestoreScriptRunTest, EveryKindOfValueComesBackFromEveryOther) {

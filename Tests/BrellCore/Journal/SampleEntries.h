@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "BrellCore/Journal/JournalEntry.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
@@ -21,30 +22,25 @@ inline std::string sampleFile(const char* name) {
 // What "journal-format-1.json" holds.
 inline std::vector<JournalEntry> sampleEntries() {
     using Strings = PrefValue::StringArray;
-    JournalEntry preference{};
+    JournalEntry preference =
+        entryOf("dock.sample",
+                {{{"com.apple.dock", "autohide"}, {}, PrefValue(true)},
+                 {{"com.apple.dock", "tilesize"}, PrefValue(36.5), PrefValue(36)},
+                 {{"NSGlobalDomain", "été \"quoted\"\n"}, PrefValue(Strings{"a", "\\ / 😀"}), PrefValue("")}},
+                at("2026-11-15T20:23:13Z"));
     preference.id = Uuid::parse("01234567-89AB-CDEF-0123-456789ABCDEF").value();
-    preference.tweakID = "dock.sample";
-    preference.writes = {
-        {{"com.apple.dock", "autohide"}, {}, PrefValue(true)},
-        {{"com.apple.dock", "tilesize"}, PrefValue(36.5), PrefValue(36)},
-        {{"NSGlobalDomain", "été \"quoted\"\n"}, PrefValue(Strings{"a", "\\ / 😀"}), PrefValue("")}};
-    preference.status = EntryStatus::applied;
-    preference.appliedAt = at("2026-11-15T20:23:13Z");
-    preference.macOSVersion = "15.1.0";
     preference.choiceID = "small";
 
-    JournalEntry agent{};
+    JournalEntry agent =
+        agentEntry({"org.example.helper", "/Users/jo/Library/LaunchAgents/org.example.helper.plist", true,
+                    AgentOverride::disabled},
+                   at("2026-11-15T20:24:00Z"));
     agent.id = Uuid::parse("FEDCBA98-7654-3210-FEDC-BA9876543210").value();
-    agent.tweakID = agentTweakID("org.example.helper");
-    agent.kind = EntryKind::launchAgent;
     agent.direction = EntryDirection::resetToDefault;
     agent.status = EntryStatus::restored;
-    agent.appliedAt = at("2026-11-15T20:24:00Z");
     agent.restoredAt = at("2026-11-16T00:00:00Z");
-    agent.macOSVersion = "15.1.0";
-    agent.agent = {"org.example.helper", "/Users/jo/Library/LaunchAgents/org.example.helper.plist", true,
-                   AgentOverride::disabled};
     agent.failure = "launchd refused.";
+    preference.macOSVersion = agent.macOSVersion = "15.1.0";
     return {preference, agent};
 }
 

@@ -29,12 +29,6 @@ protected:
     CFPreferencesStore store{{"com.apple.dock", "NSGlobalDomain"}, true, defaults};
 };
 
-template <class Action>
-std::optional<StoreFailure> failureOf(Action&& action) {
-    const auto error = thrownBy<StoreError>(action);
-    return error ? std::optional(error->failure()) : std::nullopt;
-}
-
 }  // namespace
 
 TEST_F(CFPreferencesStoreTest, AnotherTypeIsRemovedForGoodBeforeTheNewValueIsSet) {
@@ -49,7 +43,7 @@ TEST_F(CFPreferencesStoreTest, AnotherTypeIsRemovedForGoodBeforeTheNewValueIsSet
     EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{std::int64_t{48}}));
 
     defaults->saveElsewhere(tileSize, PlistValue{PlistDictionary{}});
-    EXPECT_EQ(failureOf([&] { store.exactValue(tileSize); }),
+    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(tileSize); }),
               StoreFailure(UnsupportedType{tileSize, "dictionary"}));
     EXPECT_EQ(callsOf([&] { store.put(StoredValue("x"), tileSize); }).size(), 3u);
 }
@@ -99,12 +93,12 @@ TEST_F(CFPreferencesStoreTest, WhatOthersSavedIsSeenAndWhatIsOfNoKnownKindIsName
     defaults->saveElsewhere(tileSize, PlistValue{std::int64_t{64}});
     EXPECT_EQ(store.exactValue(tileSize), StoredValue(64));
     defaults->saveElsewhere(autohide, PlistValue{PlistBigInteger{"18446744073709551615"}});
-    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }),
+    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(autohide); }),
               StoreFailure(UnsupportedType{autohide, "number (out of range)"}));
     defaults->saveElsewhere(autohide, ForeignObject{"CFNull"});
-    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }),
+    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(autohide); }),
               StoreFailure(UnsupportedType{autohide, "CFNull"}));
-    EXPECT_EQ(failureOf([&] { store.effectiveValue(autohide); }),
+    EXPECT_EQ(failureOf<StoreError>([&] { store.effectiveValue(autohide); }),
               StoreFailure(UnsupportedType{autohide, "CFNull"}));
 }
 
@@ -117,7 +111,7 @@ TEST_F(CFPreferencesStoreTest, AReaderAsksOnceADomainWhatOthersSaved) {
         EXPECT_EQ(reader->exactValue(autohide), StoredValue::absent());
         EXPECT_FALSE(reader->hasByHostValue(autohide));
         EXPECT_EQ(reader->exactValue(delay), StoredValue::absent());
-        EXPECT_EQ(failureOf([&] { reader->exactValue(stranger); }),
+        EXPECT_EQ(failureOf<StoreError>([&] { reader->exactValue(stranger); }),
                   StoreFailure(DomainNotAllowed{stranger.domain}));
     });
     EXPECT_EQ(asked, (Calls{"synchronize com.apple.dock", "synchronize (any application)"}));
@@ -131,9 +125,10 @@ TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsSt
     defaults->locked = true;
     const StoreFailure notSaved = SynchronizeFailed{"com.apple.dock"};
 
-    EXPECT_EQ(failureOf([&] { store.write(36, tileSize); }), notSaved);  // at the removal of the real
-    EXPECT_EQ(failureOf([&] { store.write(true, autohide); }), std::nullopt);
-    EXPECT_EQ(failureOf([&] { store.synchronize("com.apple.dock"); }), notSaved);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.write(36, tileSize); }),
+              notSaved);  // at the removal of the real
+    EXPECT_EQ(failureOf<StoreError>([&] { store.write(true, autohide); }), std::nullopt);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.synchronize("com.apple.dock"); }), notSaved);
     EXPECT_EQ(store.exactValue(autohide), StoredValue(true));
     EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{48.0}));
 }
@@ -145,9 +140,9 @@ TEST_F(CFPreferencesStoreTest, OtherDomainsNeverReachThePlatform) {
              [&] { store.hasByHostValue(stranger); }, [&] { store.isForced(stranger); },
              [&] { store.write(1, stranger); }, [&] { store.remove(stranger); },
              [&] { store.synchronize(stranger.domain); }})
-        EXPECT_EQ(failureOf(operation), refused);
+        EXPECT_EQ(failureOf<StoreError>(operation), refused);
     CFPreferencesStore unchecked({"com.apple.dock"}, false, defaults);
-    EXPECT_EQ(failureOf([&] { unchecked.isForced(stranger); }), refused);
+    EXPECT_EQ(failureOf<StoreError>([&] { unchecked.isForced(stranger); }), refused);
     EXPECT_EQ(defaults->calls, Calls());
     EXPECT_EQ(defaults->forcedQuestions, 0);
 }

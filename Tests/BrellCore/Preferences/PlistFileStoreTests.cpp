@@ -37,12 +37,6 @@ protected:
 
 class PlistFileStoreConcurrencyTest : public PlistFileStoreTest {};
 
-template <class Action>
-std::optional<StoreFailure> failureOf(Action&& action) {
-    const auto error = thrownBy<StoreError>(action);
-    return error ? std::optional(error->failure()) : std::nullopt;
-}
-
 }  // namespace
 
 TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
@@ -66,12 +60,12 @@ TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
     EXPECT_EQ(store.exactValue(tileSize), StoredValue(36));
     store.remove({"NSGlobalDomain", "delay"});
     EXPECT_EQ(store.snapshot().count("NSGlobalDomain"), 0u);
-    EXPECT_EQ(namesIn(directory), (std::set<std::string>{"NSGlobalDomain.plist", "com.apple.dock.plist"}));
+    EXPECT_EQ(namesIn(directory), (Names{"NSGlobalDomain.plist", "com.apple.dock.plist"}));
 }
 
 TEST_F(PlistFileStoreTest, RemovingWhatIsNotStoredTouchesNothing) {
     store.remove(autohide);
-    EXPECT_EQ(namesIn(directory), std::set<std::string>());
+    EXPECT_EQ(namesIn(directory), Names());
     setContents(file, "<plist version=\"1.0\"><dict/></plist>");
     store.remove(autohide);
     EXPECT_EQ(contentsOf(file), "<plist version=\"1.0\"><dict/></plist>");
@@ -90,12 +84,12 @@ TEST_F(PlistFileStoreTest, EveryOperationRefusesOtherDomainsFirst) {
                                                         [&] { store.synchronize(stranger.domain); },
                                                         [&] { store.put(StoredValue(), stranger); }};
     for (const auto& operation : operations)
-        EXPECT_EQ(failureOf(operation), StoreFailure(DomainNotAllowed{"com.apple.finder"}));
+        EXPECT_EQ(failureOf<StoreError>(operation), StoreFailure(DomainNotAllowed{"com.apple.finder"}));
     EXPECT_EQ(describe(StoreFailure(DomainNotAllowed{"com.apple.finder"})),
               "The domain com.apple.finder is not one Brell may change.");
     EXPECT_EQ(describe(StoreFailure(SynchronizeFailed{"com.apple.dock"})),
               "macOS did not confirm the write to com.apple.dock.");
-    EXPECT_EQ(namesIn(directory), std::set<std::string>());
+    EXPECT_EQ(namesIn(directory), Names());
 }
 
 TEST_F(PlistFileStoreTest, PlaysTheSituationsThatTheRealStoreMeets) {
@@ -152,11 +146,11 @@ TEST_F(PlistFileStoreTest, AValueOfAnotherKindKeepsItsWholeDomainFromChanging) {
     const std::string before = contentsOf(file);
 
     const StoreFailure failure = UnsupportedType{{"com.apple.dock", "persistent-apps"}, "dictionary"};
-    EXPECT_EQ(failureOf([&] { store.exactValue(autohide); }), failure);
-    EXPECT_EQ(failureOf([&] { store.effectiveValue(tileSize); }), failure);
-    EXPECT_EQ(failureOf([&] { store.write(false, autohide); }), failure);
-    EXPECT_EQ(failureOf([&] { store.remove(autohide); }), failure);
-    EXPECT_EQ(failureOf([&] { store.snapshot(); }), failure);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(autohide); }), failure);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.effectiveValue(tileSize); }), failure);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.write(false, autohide); }), failure);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.remove(autohide); }), failure);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.snapshot(); }), failure);
     EXPECT_EQ(contentsOf(file), before);
     store.write(1, {"NSGlobalDomain", "other"});
     EXPECT_EQ(store.exactValue({"NSGlobalDomain", "other"}), StoredValue(1));
@@ -202,7 +196,7 @@ TEST_F(PlistFileStoreTest, AFailedSaveLeavesTheFileAndTheReadings) {
     }
     EXPECT_EQ(contentsOf(file), before);
     EXPECT_EQ(store.exactValue(autohide), StoredValue(1));
-    EXPECT_EQ(namesIn(directory), std::set<std::string>{"com.apple.dock.plist"});
+    EXPECT_EQ(namesIn(directory), Names{"com.apple.dock.plist"});
 }
 
 TEST_F(PlistFileStoreConcurrencyTest, WritersOfOneDomainKeepEachOthersKeys) {

@@ -12,9 +12,7 @@ namespace {
 
 using Command = AllowedCommand;
 using Statuses = std::vector<VolumeIndexStatus>;
-using testing::FakeCommandRunner;
-using testing::setContents;
-using testing::TemporaryFolder;
+using namespace testing;
 
 TEST(MdutilParser, ReadsEveryVolume) {
     EXPECT_EQ(MdutilParser::parse(
@@ -61,9 +59,8 @@ TEST(SpotlightStatusReader, ListsTheFoldersThatAreOtherVolumes) {
     fs::create_symlink(root.path, root.path / "Volumes/Macintosh HD");
     fs::create_symlink("/nowhere", root.path / "Volumes/dangling");
     EXPECT_EQ(SpotlightStatusReader::mountedVolumes(root.path),
-              (std::vector<std::string>{"/", "/Volumes/Backup disk", "/Volumes/Zeta"}));
-    EXPECT_EQ(SpotlightStatusReader::mountedVolumes(root.path / "Volumes/Zeta"),
-              std::vector<std::string>{"/"});
+              (Texts{"/", "/Volumes/Backup disk", "/Volumes/Zeta"}));
+    EXPECT_EQ(SpotlightStatusReader::mountedVolumes(root.path / "Volumes/Zeta"), Texts{"/"});
 }
 
 }  // namespace

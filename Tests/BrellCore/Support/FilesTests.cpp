@@ -15,7 +15,6 @@ namespace brell {
 namespace {
 
 using namespace testing;
-using Names = std::set<std::string>;
 
 class FilesTest : public ::testing::Test {
 protected:
@@ -24,8 +23,7 @@ protected:
 };
 
 std::optional<ReplaceFailure> failureOfReplacing(const fs::path& target) {
-    const auto error = thrownBy<ReplaceError>([&] { replaceFile(target, "new", Durability::powerCut); });
-    return error ? std::optional(error->failure()) : std::nullopt;
+    return failureOf<ReplaceError>([&] { replaceFile(target, "new", Durability::powerCut); });
 }
 
 }  // namespace
@@ -161,11 +159,9 @@ TEST_F(FilesTest, ReadingRefusesAtOnceWhatIsNoOrdinaryFileOrTooLarge) {
                 {"/dev/zero", "it is not an ordinary file", 0},
                 {file, "it holds more than 4 bytes", 0},
                 {loop, systemMessage(ELOOP), ELOOP}};
-    for (const auto& row : rows) {
-        const auto error = thrownBy<ReadError>([&] { readFile(row.path, 4); });
-        ASSERT_TRUE(error) << row.path;
-        EXPECT_EQ(error->failure(), (ReadFailure{row.path, row.reason, row.code}));
-    }
+    for (const auto& row : rows)
+        EXPECT_EQ(failureOf<ReadError>([&] { readFile(row.path, 4); }),
+                  (ReadFailure{row.path, row.reason, row.code}));
     EXPECT_TRUE(thrownBy<ReadError>([&] { identityOf(loop); }));
 }
 

@@ -23,18 +23,10 @@ std::uint64_t bitsOf(double number) {
 }  // namespace
 
 TEST(NumbersTest, DecimalFormsAreTheShortest) {
-    const std::vector<std::pair<double, std::string>> rows{{-0.0, "-0.0"},
-                                                           {0.15, "0.15"},
-                                                           {-3, "-3.0"},
-                                                           {1e12, "1000000000000.0"},
-                                                           {0.0001, "0.0001"},
-                                                           {0.00001, "1e-05"},
-                                                           {1e17, "1e+17"},
-                                                           {DBL_MAX, "1.7976931348623157e+308"},
-                                                           {DBL_TRUE_MIN, "5e-324"},
-                                                           {-NAN, "nan"},
-                                                           {-INFINITY, "-inf"}};
-    for (const auto& [number, text] : rows) EXPECT_EQ(shortestDecimal(number), text);
+    for (const char* text : {"-0.0", "0.15", "-3.0", "1000000000000.0", "0.0001", "1e-05", "1e+17",
+                             "1.7976931348623157e+308", "5e-324", "-inf"})
+        EXPECT_EQ(shortestDecimal(parseReal(text).value()), text);
+    EXPECT_EQ(shortestDecimal(-NAN), "nan");
 }
 
 TEST(NumbersTest, EveryRealReadsBackToTheBit) {

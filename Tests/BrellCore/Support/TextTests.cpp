@@ -38,8 +38,7 @@ TEST(TextTest, InvalidUtf8IsFoundAndRepairedAndTheRestKept) {
 TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
     const struct {
         std::string text, line;
-    } rows[] = {{"", ""},
-                {" two  words ", " two  words "},
+    } rows[] = {{" two  words ", " two  words "},
                 {"a\nb\r\nc\td\ve\ff", "a b  c d e f"},
                 {std::string("nul\0l", 5), "nul l"},
                 {"\x1B[31mred\x7F", " [31mred "},
@@ -53,8 +52,7 @@ TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
 TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
     const struct {
         std::string text, slug;
-    } rows[] = {{"", ""},
-                {" -- !", ""},
+    } rows[] = {{" -- !", ""},
                 {"Quiet Dock", "quiet-dock"},
                 {"--A  b__C9--", "a-b-c9"},
                 {"\u00C9t\u00E9 \u0130", "\u00E9t\u00E9-i"},
@@ -63,9 +61,7 @@ TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
                 {"\u0939\u093F\u0928\u094D\u0926\u0940", "\u0939\u093F\u0928\u094D\u0926\u0940"},
                 {"\u6771\u4EAC\u3000\u0663", "\u6771\u4EAC-\u0663"},
                 {"a\U0001F600b\u20AC\u00BDc", "a-b-c"},
-                {"a\xFF"
-                 "b",
-                 "a-b"}};
+                {"x\xFFz", "x-z"}};
     for (const auto& row : rows) EXPECT_EQ(lowerCaseSlug(row.text), row.slug);
 }
 

@@ -11,7 +11,6 @@
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "Tests/Support/FakeMainLoop.h"
-#include "Tests/Support/FolderContents.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {

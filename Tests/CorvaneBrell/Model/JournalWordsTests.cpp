@@ -2,16 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/Entries.h"
+#include "Tests/Support/Testing.h"
+
 using namespace brell;
+using namespace brell::testing;
 
 namespace {
-
-JournalEntry agentThatWas(AgentOverride override, bool loaded) {
-    JournalEntry entry{};
-    entry.kind = EntryKind::launchAgent;
-    entry.agent = AgentCapture{"com.acme.agent", "/Users/sam/a.plist", loaded, override};
-    return entry;
-}
 
 // Lines of entries that are told apart by one digit, which is what they are called, too.
 HistoryLine line(unsigned char entry, EntryStatus event) {
@@ -30,21 +27,21 @@ std::vector<std::string> told(const std::vector<HistoryLine>& history) {
 }
 
 TEST(JournalWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
-    JournalEntry entry{};
-    entry.writes = {{{"com.apple.dock", "autohide"}, {}, PrefValue(true)},
-                    {{"com.apple.dock", "tilesize"}, PrefValue(36), {}}};
-    EXPECT_EQ(JournalWords::keyLines(entry),
-              (std::vector<std::string>{"com.apple.dock autohide: true; back to absent",
-                                        "com.apple.dock tilesize: absent; back to 36"}));
+    JournalEntry entry = entryOf("dock", {{{"com.apple.dock", "autohide"}, {}, PrefValue(true)},
+                                          {{"com.apple.dock", "tilesize"}, PrefValue(36), {}}});
+    EXPECT_EQ(JournalWords::keyLines(entry), (Texts{"com.apple.dock autohide: true; back to absent",
+                                                    "com.apple.dock tilesize: absent; back to 36"}));
     EXPECT_EQ(JournalWords::wayBack(entry), "autohide absent, tilesize 36");
     entry.writes.pop_back();
     EXPECT_EQ(JournalWords::wayBack(entry), "absent");
 
-    const auto said = [](const JournalEntry& agent) { return JournalWords::keyLines(agent).front(); };
-    EXPECT_EQ(said(agentThatWas(AgentOverride::absent, true)), "Turned off; back to on");
-    EXPECT_EQ(said(agentThatWas(AgentOverride::enabled, false)), "Turned off; back to on, but not loaded");
-    EXPECT_EQ(said(agentThatWas(AgentOverride::disabled, false)), "Turned on; back to off");
-    EXPECT_EQ(said(agentThatWas(AgentOverride::disabled, true)), "Turned on; back to off, but still loaded");
+    const auto said = [](AgentOverride before, bool wasLoaded) {
+        return JournalWords::keyLines(agentEntry({"a", "/a.plist", wasLoaded, before})).front();
+    };
+    EXPECT_EQ(said(AgentOverride::absent, true), "Turned off; back to on");
+    EXPECT_EQ(said(AgentOverride::enabled, false), "Turned off; back to on, but not loaded");
+    EXPECT_EQ(said(AgentOverride::disabled, false), "Turned on; back to off");
+    EXPECT_EQ(said(AgentOverride::disabled, true), "Turned on; back to off, but still loaded");
 }
 
 TEST(JournalWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
@@ -53,13 +50,12 @@ TEST(JournalWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
                                            line(2, capturing), line(3, capturing), line(1, restored),
                                            line(2, restored),  line(4, capturing), line(4, failed)};
     // The second of entry 2, which a recovery ended; that of 3, which nothing ended.
-    EXPECT_EQ(told(history),
-              (std::vector<std::string>{"4 Failed: no reason was recorded.", "2 Restored", "1 Restored",
-                                        "3 Interrupted", "2 Interrupted", "1 Applied"}));
+    EXPECT_EQ(told(history), (Texts{"4 Failed: no reason was recorded.", "2 Restored", "1 Restored",
+                                    "3 Interrupted", "2 Interrupted", "1 Applied"}));
     EXPECT_TRUE(told({}).empty());
     HistoryLine failure = history.back();
     failure.entry.failure = "The disk is full.";
-    EXPECT_EQ(told({failure}), std::vector<std::string>{"4 Failed: The disk is full."});
+    EXPECT_EQ(told({failure}), Texts{"4 Failed: The disk is full."});
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/Shell.h"
 
 using namespace brell;
@@ -79,8 +80,7 @@ TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
                                         1e-5,
                                         false};
     for (const PrefValue& value : values) {
-        JournalEntry entry{};
-        entry.writes = {{key, value, {}}};
+        const JournalEntry entry = entryOf("odd", {{key, value, {}}});
         const std::string text = TerminalCommands::undoing(entry, catalog);
         EXPECT_EQ(paste(text).status, 0) << text;
         EXPECT_EQ(files.exactValue(key), StoredValue(value)) << text;
@@ -113,10 +113,7 @@ TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
               "launchctl enable" + at + load,
               "launchctl enable" + at + load + "launchctl disable" + at},
          }) {
-        JournalEntry entry{};
-        entry.kind = EntryKind::launchAgent;
-        entry.status = EntryStatus::applied;
-        entry.agent = before;
+        const JournalEntry entry = agentEntry(before);
         EXPECT_EQ(TerminalCommands::making({entry}, catalog), making);
         EXPECT_EQ(TerminalCommands::undoing(entry, catalog), undoing);
     }

@@ -3,14 +3,12 @@
 #include "CorvaneBrell/Model/DriftLine.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Entries.h"
 
 using namespace brell;
 using namespace brell::testing;
 
 namespace {
-
-const PrefKey magnification{"com.apple.dock", "magnification"};
-const PrefKey largeSize{"com.apple.dock", "largesize"};
 
 class UndoAndDriftTest : public ::testing::Test, protected EngineFixture {
 protected:
@@ -44,9 +42,7 @@ TEST_F(UndoAndDriftTest, ProvesAnUndoKeyByKey) {
 }
 
 TEST_F(UndoAndDriftTest, AnEntryWithoutKeysIsNeverAlreadyBack) {
-    JournalEntry agent{};
-    agent.kind = EntryKind::launchAgent;
-    EXPECT_FALSE(isAlreadyBack(agent, store));
+    EXPECT_FALSE(isAlreadyBack(agentEntry({}), store));
 }
 
 TEST_F(UndoAndDriftTest, SaysWhenTheChangeIsOfAnotherMacOS) {
@@ -65,9 +61,8 @@ TEST_F(UndoAndDriftTest, DescribesEveryDriftedKeyAndNoOther) {
     files.write("big", largeSize);
     files.markUnsupported(magnification);
     EXPECT_EQ(driftedEntry(entry, store).lines,
-              (std::vector<std::string>{
-                  "com.apple.dock magnification: now unreadable; Brell wrote true; original false",
-                  "com.apple.dock largesize: now \"big\"; Brell wrote 80; original absent"}));
+              (Texts{"com.apple.dock magnification: now unreadable; Brell wrote true; original false",
+                     "com.apple.dock largesize: now \"big\"; Brell wrote 80; original absent"}));
     const JournalEntry reset = engine.resetToDefault(tweak("dock.size"));
     EXPECT_EQ(driftLine(reset.writes.at(0), store),
               "com.apple.dock tilesize: now absent; Brell wrote absent; original absent");
@@ -76,13 +71,9 @@ TEST_F(UndoAndDriftTest, DescribesEveryDriftedKeyAndNoOther) {
 TEST(AgentDriftTest, ComparesWithWhatTheSwitchLeft) {
     const LoadedState loaded{LoadedState::Kind::loaded, "running", {}, {}, {}};
     const LoadedState gone = LoadedState::notLoaded();
-    JournalEntry off{};
-    off.kind = EntryKind::launchAgent;
-    off.status = EntryStatus::applied;
-    off.agent = AgentCapture{"com.acme.agent", "/Users/sam/a.plist", true, AgentOverride::absent};
-    JournalEntry on = off;
-    on.agent->override = AgentOverride::disabled;
-    on.agent->wasLoaded = false;
+    JournalEntry off = agentEntry({"com.acme.agent", "/Users/sam/a.plist", true, AgentOverride::absent});
+    const JournalEntry on =
+        agentEntry({"com.acme.agent", "/Users/sam/a.plist", false, AgentOverride::disabled});
 
     EXPECT_EQ(agentDrift(off, {AgentOverride::disabled, gone}), std::nullopt);
     EXPECT_EQ(agentDrift(on, {AgentOverride::enabled, loaded}), std::nullopt);

@@ -24,7 +24,6 @@
 #include "CorvaneBrell/Window/TweakList.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 #include "CorvaneBrell/Window/TweakRow.h"
-#include "Tests/Support/FolderContents.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
