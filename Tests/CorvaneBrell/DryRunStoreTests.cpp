@@ -59,14 +59,11 @@ TEST_F(DryRunStoreTest, RemembersWhatItHoldsBackAndReadsTheRestThrough) {
 }
 
 TEST_F(DryRunStoreTest, RefusesOtherDomainsLikeTheRealStore) {
-    const auto refusal = [](auto&& action) {
-        const auto error = thrownBy<StoreError>(action);
-        return error && error->failure() == StoreFailure(DomainNotAllowed{foreign.domain});
-    };
-    EXPECT_TRUE(refusal([&] { store.write(true, foreign); }));
-    EXPECT_TRUE(refusal([&] { store.remove(foreign); }));
-    EXPECT_TRUE(refusal([&] { store.synchronize(foreign.domain); }));
-    EXPECT_TRUE(refusal([&] { store.exactValue(foreign); }));
+    const StoreFailure refused = DomainNotAllowed{foreign.domain};
+    EXPECT_EQ(failureOf<StoreError>([&] { store.write(true, foreign); }), refused);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.remove(foreign); }), refused);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.synchronize(foreign.domain); }), refused);
+    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(foreign); }), refused);
     EXPECT_EQ(out.str(), "");
 }
 

@@ -39,8 +39,8 @@ protected:
 }  // namespace
 
 TEST_F(SafetyCheckTest, AnOrdinaryMachineHasNoneAndNothingIsMade) {
-    EXPECT_EQ(warnings(), std::vector<std::string>());
-    EXPECT_EQ(namesIn(folder.path), std::set<std::string>{"mac"});
+    EXPECT_EQ(warnings(), Texts());
+    EXPECT_EQ(namesIn(folder.path), Names{"mac"});
 }
 
 TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
@@ -53,9 +53,8 @@ TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
 
     const std::string ofDock = "The preference file " + dock.string() +
                                " is a symbolic link, which a change may replace by an ordinary file.";
-    EXPECT_EQ(warnings(), (std::vector<std::string>{
-                              ofDock, "The preference file " + finder.string() +
-                                          " is locked, so that its settings may not be changeable."}));
+    EXPECT_EQ(warnings(), (Texts{ofDock, "The preference file " + finder.string() +
+                                             " is locked, so that its settings may not be changeable."}));
 
     const auto toSomebodyElse = safetyWarnings(machineFor(options()), ::geteuid() + 1);
     const std::set<std::string> said(toSomebodyElse.begin(), toSomebodyElse.end());
@@ -64,21 +63,19 @@ TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
                               " belongs to another user, so that its settings may not be changeable."));
 }
 
-TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamedWithTheReason) {
+TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeOrThatOthersCanChangeIsNamed) {
+    const std::string name = "The journal folder " + journalDirectory.string();
     setContents(folder.path / "not", "a file in the way");
-    EXPECT_EQ(warnings(), std::vector<std::string>{"The journal folder " + journalDirectory.string() +
-                                                   " cannot be written, so that nothing can be changed: "
-                                                   "Not a directory."});
-}
-
-TEST_F(SafetyCheckTest, AJournalFolderThatOthersCanChangeIsNamed) {
+    EXPECT_EQ(warnings(),
+              Texts{name + " cannot be written, so that nothing can be changed: Not a directory."});
+    fs::remove(folder.path / "not");
     fs::create_directories(journalDirectory);
     fs::permissions(journalDirectory, fs::perms::all);
-    EXPECT_EQ(warnings(), std::vector<std::string>{"The journal folder " + journalDirectory.string() +
-                                                   " can be written by every user of this Mac, so that "
-                                                   "others could choose what an undo puts back."});
+    EXPECT_EQ(warnings(),
+              Texts{name + " can be written by every user of this Mac, so that others could choose "
+                           "what an undo puts back."});
     fs::permissions(journalDirectory, fs::perms::all | fs::perms::sticky_bit);
-    EXPECT_EQ(warnings(), std::vector<std::string>());
+    EXPECT_EQ(warnings(), Texts());
 }
 
 TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults) {

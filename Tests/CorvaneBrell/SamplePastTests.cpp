@@ -5,10 +5,11 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <sstream>
 
-#include "BrellCore/Background/AgentToggle.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/PropertyList.h"
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 #include "Tests/Support/Testing.h"
 
@@ -20,27 +21,6 @@ namespace {
 using namespace brell::testing;
 using namespace std::chrono_literals;
 
-// Brell started on the Mac after its past.
-struct Today {
-    Today(const SampleMac& sample, const fs::path& directory, TimeStamp now)
-        : catalog(sample.home().string()),
-          store(sample.openPreferences()),
-          tools(sample.openTools()),
-          journal(Journal::open(directory)),
-          engine(*store, *journal, catalog, {"26.1.0", 26, std::nullopt, [now] { return now; }}),
-          toggle(*tools, engine, SampleMac::uid, sample.launchAgents()) {
-        engine.setAgentRestorer(&toggle);
-    }
-    TweakState state(std::string_view id) { return engine.status(*catalog.tweak(id)).state; }
-
-    TweakCatalog catalog;
-    std::unique_ptr<PlistFileStore> store;
-    std::unique_ptr<SimulatedTools> tools;
-    std::unique_ptr<Journal> journal;
-    TweakEngine engine;
-    AgentToggle toggle;
-};
-
 std::map<std::string, PlistValue> preferenceFiles(const SampleMac& sample) {
     std::map<std::string, PlistValue> files;
     for (const std::string& name : namesIn(sample.preferences()))
@@ -50,49 +30,58 @@ std::map<std::string, PlistValue> preferenceFiles(const SampleMac& sample) {
 
 class SamplePastTest : public ::testing::Test {
 protected:
-    Today liveInAndOpen() {
+    // Brell started on the Mac after its past.
+    Dependencies& liveInAndOpen() {
         liveIn(mac, directory, now);
-        return {mac, directory, now};
+        LaunchOptions options;
+        options.sampleMac = mac.systemRoot();
+        options.journalDirectory = directory;
+        return today.emplace(options, out);
     }
 
     TemporaryFolder folder;
     SampleMac mac{folder.path / "mac"};
     fs::path directory = folder.path / "journal";
     TimeStamp now = parseIso8601("2026-11-21T09:30:00Z").value();
+    std::ostringstream out;
+    std::optional<Dependencies> today;
 };
 
 TEST_F(SamplePastTest, HasATweakInEveryState) {
-    Today today = liveInAndOpen();
+    Dependencies& brell = liveInAndOpen();
     std::set<std::size_t> states;
     std::set<TweakGroup> changedGroups;
-    for (const Tweak& tweak : today.catalog.all()) {
-        const TweakState state = today.engine.status(tweak).state;
+    for (const Tweak& tweak : brell.catalog.all()) {
+        const TweakState state = brell.engine.status(tweak).state;
         states.insert(state.index());
         if (activeEntryOf(state)) changedGroups.insert(tweak.group);
     }
     EXPECT_EQ(states.size(), std::variant_size_v<TweakState>);
     EXPECT_EQ(changedGroups.size(), 7u);
 
-    EXPECT_EQ(today.state("kb.hold_to_repeat"), TweakState(PerHost{"ApplePressAndHoldEnabled"}));
-    EXPECT_EQ(today.state("docs.save_to_disk"), TweakState(Managed{"NSDocumentSaveNewDocumentsToCloud"}));
+    const auto state = [&](std::string_view id) {
+        return brell.engine.status(*brell.catalog.tweak(id)).state;
+    };
+    EXPECT_EQ(state("kb.hold_to_repeat"), TweakState(PerHost{"ApplePressAndHoldEnabled"}));
+    EXPECT_EQ(state("docs.save_to_disk"), TweakState(Managed{"NSDocumentSaveNewDocumentsToCloud"}));
     EXPECT_EQ(
-        today.state("misc.no_timemachine_offer"),
+        state("misc.no_timemachine_offer"),
         TweakState(Unsupported{"com.apple.TimeMachine DoNotOfferNewDisksForBackup holds a dictionary"}));
 }
 
 TEST_F(SamplePastTest, LeavesAJournalOfEveryKindOfChange) {
-    Today today = liveInAndOpen();
-    const auto entry = [&](std::string_view id) { return today.journal->activeEntry(id).value(); };
+    Dependencies& brell = liveInAndOpen();
+    const auto entry = [&](std::string_view id) { return brell.journal->activeEntry(id).value(); };
 
     EXPECT_EQ(entry("finder.folders_first").macOSVersion, "15.6.1");
     EXPECT_EQ(entry("mc.keep_space_order").macOSVersion, "26.1.0");
     EXPECT_TRUE(
         fs::is_directory(entry("shot.folder").writes.at(0).written.value->as<std::string>()->c_str()));
-    EXPECT_EQ(today.engine.driftedEntries(), std::vector{entry("dock.autohide_instant")});
-    EXPECT_EQ(today.engine.interruptedEntries(), std::vector{entry("finder.drives_on_desktop")});
-    EXPECT_FALSE(today.toggle.currentState("us.zoom.updater").loaded.isLoaded());
+    EXPECT_EQ(brell.engine.driftedEntries(), std::vector{entry("dock.autohide_instant")});
+    EXPECT_EQ(brell.engine.interruptedEntries(), std::vector{entry("finder.drives_on_desktop")});
+    EXPECT_FALSE(brell.toggle.currentState("us.zoom.updater").loaded.isLoaded());
 
-    const auto history = today.journal->history();
+    const auto history = brell.journal->history();
     ASSERT_FALSE(history.empty());
     EXPECT_TRUE(std::is_sorted(history.begin(), history.end(),
                                [](const HistoryLine& a, const HistoryLine& b) { return a.at < b.at; }));
@@ -100,24 +89,24 @@ TEST_F(SamplePastTest, LeavesAJournalOfEveryKindOfChange) {
     EXPECT_EQ(history.back().at, now - 1h);
     EXPECT_LT(history.front().at, now - std::chrono::weeks(4));
     EXPECT_EQ(contentsOf(directory / RestoreScript::fileName),
-              RestoreScript::render(today.journal->active(), now - 1h));
+              RestoreScript::render(brell.journal->active(), now - 1h));
 }
 
 TEST_F(SamplePastTest, RestoringEverythingBringsEachPreferenceFileBack) {
     auto expected = preferenceFiles(mac);
-    Today today = liveInAndOpen();
+    Dependencies& brell = liveInAndOpen();
     const auto lived = preferenceFiles(mac);
     EXPECT_NE(lived, expected);
     expected.insert(*lived.find("com.apple.TimeMachine.plist"));  // holds the dictionary, which is no change
 
-    EXPECT_EQ(today.engine.recoverInterrupted().restored.size(), 1u);
-    const Uuid drifted = today.engine.driftedEntries().at(0).id;
-    const RestoreAllOutcome outcome = today.engine.restoreAll({drifted});
+    EXPECT_EQ(brell.engine.recoverInterrupted().restored.size(), 1u);
+    const Uuid drifted = brell.engine.driftedEntries().at(0).id;
+    const RestoreAllOutcome outcome = brell.engine.restoreAll({drifted});
     EXPECT_EQ(outcome.restored.size(), 9u);
     EXPECT_EQ(outcome.skippedDrifted.size() + outcome.failed.size(), 0u);
-    EXPECT_EQ(today.journal->active().size(), 0u);
+    EXPECT_EQ(brell.journal->active().size(), 0u);
     EXPECT_EQ(preferenceFiles(mac), expected);
-    EXPECT_TRUE(today.toggle.currentState("us.zoom.updater").loaded.isLoaded());
+    EXPECT_TRUE(brell.toggle.currentState("us.zoom.updater").loaded.isLoaded());
 }
 
 TEST_F(SamplePastTest, LeavesAPastAndAJournalThatHoldsAnythingAlone) {
