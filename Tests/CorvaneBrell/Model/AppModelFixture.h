@@ -32,6 +32,15 @@ protected:
         ASSERT_TRUE(loop.waitFor([&] { return !model.isBusy(); }, std::chrono::seconds(60)));
     }
 
+    // For one call of the model: the wait for what it leads to comes with it.
+    struct Settled {
+        AppModelTest& test;
+        AppModel& model;
+        AppModel* operator->() const { return &model; }
+        ~Settled() { test.settle(model); }
+    };
+    Settled settled(AppModel& model) { return {*this, model}; }
+
     const TweakStatus& status(const AppModel& model, const std::string& tweakID) const {
         return model.state().statuses.find(tweakID)->second;
     }

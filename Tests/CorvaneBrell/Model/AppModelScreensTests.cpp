@@ -6,13 +6,12 @@
 
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/BigHome.h"
+#include "Tests/Support/Obstacles.h"
 
 namespace brell {
 
 namespace fs = std::filesystem;
-using testing::AppModelTest;
-using testing::contentsOf;
-using testing::setContents;
+using namespace testing;
 
 namespace {
 
@@ -37,22 +36,13 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     ASSERT_TRUE(row);
     ASSERT_TRUE(row->isOn);
 
-    model->askAgents({row->id}, false);
-    settle(*model);
+    settled(*model)->askAgents({row->id}, false);
     ASSERT_TRUE(model->state().agentConfirm);
     EXPECT_EQ(model->state().agentConfirm->title, "Turn off com.halverson.duskwatch");
     EXPECT_EQ(model->state().agentConfirm->commands,
-              (std::vector<std::string>{"/bin/launchctl bootout gui/501/com.halverson.duskwatch",
-                                        "/bin/launchctl disable gui/501/com.halverson.duskwatch"}));
-    const auto whole = testing::everythingIn(folder.path);
-    model->cancelAgents();
-    settle(*model);
-    EXPECT_EQ(changedSince(whole), std::vector<std::string>());
-
-    model->askAgents({row->id}, false);
-    settle(*model);
-    model->confirmAgents();
-    settle(*model);
+              (Texts{"/bin/launchctl bootout gui/501/com.halverson.duskwatch",
+                     "/bin/launchctl disable gui/501/com.halverson.duskwatch"}));
+    settled(*model)->confirmAgents();
     ASSERT_TRUE(rowOf(*model, "com.halverson.duskwatch"));
     EXPECT_FALSE(rowOf(*model, "com.halverson.duskwatch")->isOn);
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::applied);
@@ -61,13 +51,11 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     const auto tools = sample.openTools();
     ASSERT_TRUE(
         tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
-    model->loadLoginItems();
-    settle(*model);
+    settled(*model)->loadLoginItems();
     ASSERT_EQ(model->state().driftedAgents.size(), 1u);
     EXPECT_EQ(model->state().driftedAgents.front().entry.id, model->state().entries.front().id);
 
-    model->undoLast();
-    settle(*model);
+    settled(*model)->undoLast();
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::restored);
     EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatch")->isOn);
     EXPECT_TRUE(model->state().driftedAgents.empty());
@@ -75,14 +63,12 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
 
 TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
     const auto model = openModel();
-    model->loadLoginItems();
-    settle(*model);
+    settled(*model)->loadLoginItems();
     const LoginItemRow* row = rowOf(*model, "com.apple.cleanup-helper");
     ASSERT_TRUE(row);
     const std::string refusal = "com.apple.cleanup-helper is an Apple or Brell item; it is never changed.";
     EXPECT_EQ(model->state().switchRefusals.at(row->record->id()), refusal);
-    model->askAgents({row->id}, false);
-    settle(*model);
+    settled(*model)->askAgents({row->id}, false);
     EXPECT_FALSE(model->state().agentConfirm);
     EXPECT_EQ(model->state().errorMessage, refusal);
 }
@@ -92,8 +78,7 @@ TEST_F(AppModelTest, ManyAgentsAreReadWithFewNews) {
     const auto model = openModel();
     announced.clear();
     const auto began = std::chrono::steady_clock::now();
-    model->loadLoginItems();
-    settle(*model);
+    settled(*model)->loadLoginItems();
     const auto tenths = (std::chrono::steady_clock::now() - began) / std::chrono::milliseconds(100);
     EXPECT_GE(model->state().loginItems.size(), 300u);
     EXPECT_LE(announced[Property::readingActivity], 8 + tenths);
@@ -106,8 +91,7 @@ TEST_F(AppModelTest, WhatLaunchdCannotBeAskedHidesNothingElse) {
     const auto launchd = sample.systemRoot() / "private" / "var" / "db";
     for (const auto& entry : fs::recursive_directory_iterator(launchd))
         if (entry.path().extension() == ".plist") setContents(entry.path(), "damaged");
-    model->loadLoginItems();
-    settle(*model);
+    settled(*model)->loadLoginItems();
     ASSERT_TRUE(model->state().errorMessage);
     EXPECT_TRUE(model->state().errorMessage->starts_with("launchd could not be asked for the login items: "));
     EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatchd")) << "the system's are read from files";
@@ -117,8 +101,7 @@ TEST_F(AppModelTest, WhatLaunchdCannotBeAskedHidesNothingElse) {
 
 TEST_F(AppModelTest, VolumesAndReviewedDatesAreShown) {
     const auto model = openModel();
-    model->loadVolumes();
-    settle(*model);
+    settled(*model)->loadVolumes();
     ASSERT_FALSE(model->state().volumes.empty());
     EXPECT_EQ(model->state().volumes.front().volume, "/");
 
@@ -133,19 +116,13 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
     {
         const auto first = openModel();
         first->apply("dock.autohide");
-        first->apply("finder.show_hidden");
-        settle(*first);
+        settled(*first)->apply("finder.show_hidden");
     }
     applications.setManners("com.apple.dock", {std::nullopt, std::chrono::milliseconds(0)});
     applications.setManners("com.apple.finder", {std::chrono::seconds(2), std::chrono::seconds(1)});
     const auto model = openModel();
     EXPECT_EQ(model->state().pendingEffects,
               (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
-
-    model->askRelaunch();
-    ASSERT_TRUE(model->state().relaunchRequest);
-    model->cancelRelaunch();
-    EXPECT_TRUE(applications.requests.empty());
 
     model->askRelaunch();
     model->confirmRelaunch();
@@ -171,50 +148,61 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
     setContents(file, R"({"format": 1, "name": "Mine", "tweaks":
         ["dock.autohide", "dock.unheard_of", "mc.fast_animation", "finder.path_bar", "dock.no_bounce"]})");
     const auto model = openModel();
-    model->apply("dock.no_bounce");
-    settle(*model);
+    settled(*model)->apply("dock.no_bounce");
 
-    model->importPreset(file);
-    settle(*model);
+    settled(*model)->importPreset(file);
     ASSERT_TRUE(model->state().presetRequest);
     const PresetPlan& plan = model->state().presetRequest->plan;
-    EXPECT_EQ(plan.unknown, std::vector<std::string>{"dock.unheard_of"});
-    EXPECT_EQ(plan.experimental, std::vector<std::string>{"mc.fast_animation"});
-    EXPECT_EQ(plan.toApply(), std::vector<std::string>{"dock.autohide"})
-        << "one is on already, one is so already";
-    const auto whole = testing::everythingIn(folder.path);
-    model->cancelPreset();
-    EXPECT_EQ(changedSince(whole), std::vector<std::string>());
-
-    model->importPreset(file);
-    settle(*model);
-    model->confirmPreset();
-    settle(*model);
-    EXPECT_EQ(model->changedTweaks(), (std::vector<std::string>{"dock.autohide", "dock.no_bounce"}));
+    EXPECT_EQ(plan.unknown, Texts{"dock.unheard_of"});
+    EXPECT_EQ(plan.experimental, Texts{"mc.fast_animation"});
+    EXPECT_EQ(plan.toApply(), Texts{"dock.autohide"}) << "one is on already, one is so already";
+    settled(*model)->confirmPreset();
+    EXPECT_EQ(model->changedTweaks(), (Texts{"dock.autohide", "dock.no_bounce"}));
     ASSERT_FALSE(model->state().presetReport.empty());
     EXPECT_EQ(model->state().presetReport.front(), "1 of 1 changes were made.");
 
-    model->importPreset(folder.path / "none.corvanepreset");
-    settle(*model);
-    EXPECT_TRUE(model->state().errorMessage);
     setContents(file, "{}");
-    model->importPreset(file);
-    settle(*model);
+    settled(*model)->importPreset(file);
     EXPECT_EQ(model->state().errorMessage, "This is not a preset file Brell can read.");
+}
+
+TEST_F(AppModelTest, APresetIsReadAndSavedOnlyAsAnOrdinaryFile) {
+    const auto model = openModel();
+    const fs::path elsewhere = folder.path / "elsewhere", file = folder.path / "mine.corvanepreset";
+    setContents(elsewhere / "victim", PresetFile::encode(Presets::shipped().back()));
+    for (const Obstacle obstacle : obstacles) {
+        SCOPED_TRACE(nameOf(obstacle));
+        place(obstacle, file, elsewhere);
+        const auto before = everythingIn(elsewhere);
+        settled(*model)->importPreset(file);
+        const std::string said = model->state().errorMessage.value_or("");
+        EXPECT_EQ(model->state().presetRequest.has_value(), obstacle == Obstacle::linkToFile);
+        EXPECT_EQ(said.empty(), obstacle == Obstacle::linkToFile);
+        EXPECT_TRUE(said.empty() || said.find(file.string()) != std::string::npos) << said;
+        model->cancelPreset();
+        model->dismissError();
+
+        settled(*model)->exportPreset(Presets::shipped().front(), file);
+        EXPECT_EQ(model->state().errorMessage.has_value(), obstacle == Obstacle::folder);
+        if (obstacle != Obstacle::folder) {
+            EXPECT_FALSE(fs::is_symlink(file));
+            EXPECT_EQ(contentsOf(file), PresetFile::encode(Presets::shipped().front()));
+        }
+        model->dismissError();
+        EXPECT_EQ(everythingIn(elsewhere), before);
+        EXPECT_EQ(namesIn(folder.path), (Names{"elsewhere", "mac", "mine.corvanepreset"}));
+    }
 }
 
 TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     const auto model = openModel();
-    model->apply("dock.autohide");
-    settle(*model);
+    settled(*model)->apply("dock.autohide");
     model->saveRestoreScript(folder.path / "saved.sh");
     model->saveReport(folder.path / "saved.md");
     EXPECT_TRUE(model->state().lookActivity) << "what takes long says what it is";
-    model->exportPreset(Presets::shipped().front(), folder.path / "saved.corvanepreset");
-    settle(*model);
+    settled(*model)->exportPreset(Presets::shipped().front(), folder.path / "saved.corvanepreset");
     std::string script;
-    model->makeRestoreScript([&](const std::string& made) { script = made; });
-    settle(*model);
+    settled(*model)->makeRestoreScript([&](const std::string& made) { script = made; });
     const auto behindTheDate = [](const std::string& text) { return text.substr(text.find("\n# Run it")); };
     EXPECT_EQ(behindTheDate(contentsOf(folder.path / "saved.sh")), behindTheDate(script));
     EXPECT_FALSE(model->state().lookActivity);
@@ -224,8 +212,7 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     EXPECT_FALSE(model->state().errorMessage);
 
     fs::create_directory(folder.path / "in-the-way");
-    model->saveReport(folder.path / "in-the-way");
-    settle(*model);
+    settled(*model)->saveReport(folder.path / "in-the-way");
     EXPECT_TRUE(model->state().errorMessage);
 }
 
@@ -243,7 +230,7 @@ TEST_F(AppModelTest, TheScreenAskedForIsShownAndASnapshotIsTakenLater) {
     loop.advance(std::chrono::milliseconds(1400));
     EXPECT_TRUE(events.empty());
     loop.advance(std::chrono::milliseconds(200));
-    EXPECT_EQ(events, (std::vector<std::string>{"render picture.png", "quit"}));
+    EXPECT_EQ(events, (Texts{"render picture.png", "quit"}));
 
     options.openGroup = "nowhere";
     EXPECT_EQ(openModel()->state().screen, Screen::finder);

@@ -59,7 +59,7 @@ TEST_F(PresetPlanTest, LeavesAloneWhatIsAlreadySo) {
     for (std::size_t i = 0; i < 4; ++i)
         EXPECT_EQ(mixed.steps.at(i).outcome, decltype(PresetStep::outcome)(AlreadySo{}))
             << mixed.steps[i].title;
-    EXPECT_EQ(mixed.toApply(), std::vector<std::string>{"dock.magnify"});
+    EXPECT_EQ(mixed.toApply(), Texts{"dock.magnify"});
 }
 
 TEST_F(PresetPlanTest, RefusesInTheWordsOfTheEngine) {
@@ -84,7 +84,7 @@ TEST_F(PresetPlanTest, RefusesInTheWordsOfTheEngine) {
     errors.emplace("dock.position", "The file is damaged.");
     EXPECT_EQ(outcome("dock.position"),
               decltype(PresetStep::outcome)(WouldBeRefused{"The file is damaged."}));
-    EXPECT_EQ(plan({"dock.position", "dock.size"}).toApply(), std::vector<std::string>());
+    EXPECT_EQ(plan({"dock.position", "dock.size"}).toApply(), Texts());
 }
 
 TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeavesOut) {
@@ -108,17 +108,16 @@ TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeaves
     const ActivePreset active = presetFromActive(entries, catalog, "My Été");
     EXPECT_EQ(active.preset.id, "my-été");
     EXPECT_EQ(active.preset.name, "My Été");
-    EXPECT_EQ(active.preset.tweakIDs,
-              (std::vector<std::string>{"finder.view_style", "dock.autohide", "text.no_smart_quotes"}));
-    EXPECT_EQ(active.leftOut,
-              (std::vector<std::string>{
-                  "Icon size is set to another choice than its own; presets do not carry choices.",
-                  "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
-                  "Faster Mission Control animation is experimental; presets never apply it.",
-                  "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
-                  "Show the path bar was interrupted; restore it or apply it again first.",
-                  "agent:com.acme.agent is a login item; presets hold settings only.",
-                  "dock.future is not a tweak this version of Brell knows."}));
+    EXPECT_EQ(active.preset.tweakIDs, (Texts{"finder.view_style", "dock.autohide", "text.no_smart_quotes"}));
+    EXPECT_EQ(
+        active.leftOut,
+        (Texts{"Icon size is set to another choice than its own; presets do not carry choices.",
+               "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
+               "Faster Mission Control animation is experimental; presets never apply it.",
+               "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
+               "Show the path bar was interrupted; restore it or apply it again first.",
+               "agent:com.acme.agent is a login item; presets hold settings only.",
+               "dock.future is not a tweak this version of Brell knows."}));
     const DecodedPreset again = PresetFile::decode(PresetFile::encode(active.preset), catalog);
     EXPECT_EQ(again.preset.tweakIDs, active.preset.tweakIDs);
 }

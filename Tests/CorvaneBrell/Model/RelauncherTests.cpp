@@ -4,6 +4,7 @@
 
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "Tests/Support/FakeMainLoop.h"
+#include "Tests/Support/Testing.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -83,7 +84,7 @@ TEST_F(RelauncherTest, WaitsForEveryInstance) {
     apps.launchAnother(dock);
     apps.requests.clear();
     EXPECT_EQ(relaunchDock(), 5s);
-    EXPECT_EQ(apps.requests, (std::vector<std::string>{"quit " + dock, "quit " + dock}));
+    EXPECT_EQ(apps.requests, (Texts{"quit " + dock, "quit " + dock}));
     EXPECT_EQ(outcomes, std::vector{Outcome::didNotQuit});
     EXPECT_EQ(apps.running(dock).size(), 1U);
 }
@@ -108,7 +109,7 @@ TEST_F(RelauncherTest, TheTimeToComeBackBeginsWithTheAnswer) {
 TEST_F(RelauncherTest, ADryRunAsksNothingOfAnyApp) {
     relaunchDock(true);
     EXPECT_EQ(outcomes, std::vector{Outcome::dryRun});
-    EXPECT_EQ(apps.requests, std::vector<std::string>());
+    EXPECT_EQ(apps.requests, Texts());
 }
 
 TEST_F(RelauncherTest, LettingGoCallsTheRestOff) {
@@ -141,10 +142,9 @@ TEST_F(RelauncherTest, TheReceiverMayStartTheNextOneAndLetGoOfThisOne) {
     });
     EXPECT_TRUE(apps.requests.empty());  // nothing happens inside the call
     loop.advance(10s);
-    EXPECT_EQ(lines,
-              (std::vector<std::string>{"The Dock did not quit within 5 seconds. Brell never forces a quit; "
-                                        "try again later or log out and back in.",
-                                        "Finder relaunched."}));
+    EXPECT_EQ(lines, (Texts{"The Dock did not quit within 5 seconds. Brell never forces a quit; "
+                            "try again later or log out and back in.",
+                            "Finder relaunched."}));
     EXPECT_EQ(loop.waiting(), 0U);
 }
 
@@ -159,14 +159,6 @@ TEST(RelauncherTargetTest, TheDockComesFirstAndOnlyUnfinishedOutcomesStayPending
         EXPECT_TRUE(isDone(done)) << message(done);
     for (const Outcome open : {Outcome::openFailed, Outcome::didNotQuit, Outcome::didNotReopen})
         EXPECT_FALSE(isDone(open)) << message(open);
-    EXPECT_EQ(
-        message(Outcome::openFailed),
-        "was not running and could not be opened within 10 seconds. Open it from the Finder's Go menu or "
-        "log out and back in.");
-    EXPECT_EQ(
-        message(Outcome::didNotReopen),
-        "quit but did not reopen within 10 seconds. Open it from the Finder's Go menu or log out and back "
-        "in.");
     EXPECT_EQ(line(Target::dock, Outcome::dryRun), "The Dock would be relaunched (dry run).");
     EXPECT_EQ(line(Target::finder, Outcome::openedNotRunning), "Finder was not running; it has been opened.");
 }
