@@ -359,16 +359,32 @@ TEST_F(AgentToggleTest, AStoppedCommandThatActsLateIsUndoneByRecovery) {
 TEST_F(AgentToggleTest, TheCaptureIsMadeUnderTheLock) {
     const LaunchAgentRecord record = agent(plain);
     const auto otherTools = mac.openTools();
-    bool asked = false;
+    int asked = 0;
     tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
-        if (std::exchange(asked, true)) return std::nullopt;
+        if (++asked != 3) return std::nullopt;  // the first two are asked before the lock is taken
         EXPECT_FALSE(FileLock::acquire(journalDirectory / ".journal.lock", std::chrono::milliseconds(0)));
-        otherTools->run(AllowedCommand::launchctlDisable("gui/501", plain));  // somebody who knows no lock
+        otherTools->run(AllowedCommand::launchctlBootout("gui/501", plain));  // somebody who knows no lock
         return std::nullopt;
     });
     EXPECT_EQ(toggle.turnOff(record).agent,
-              (AgentCapture{plain, fileOf(plain).string(), true, AgentOverride::disabled}));
-    EXPECT_TRUE(asked);
+              (AgentCapture{plain, file.string(), false, AgentOverride::absent}));
+}
+
+TEST_F(AgentToggleTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwritten) {
+    const JournalEntry off = toggle.turnOff(agent(plain));
+    const LaunchAgentRecord record = agent(plain);
+    const auto otherTools = mac.openTools();
+    int asked = 0;
+    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
+        if (++asked == 3) otherTools->run(AllowedCommand::launchctlEnable("gui/501", plain));
+        return std::nullopt;
+    });
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(record); }),
+              plain +
+                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
+                  "Journal first.");
+    EXPECT_EQ(journal.active(), std::vector{off});
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
 }
 
 TEST_F(AgentToggleTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {

@@ -4,7 +4,6 @@
 #include <QPushButton>
 
 #include "CorvaneBrell/Window/NoticeBar.h"
-#include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
 #include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
@@ -19,39 +18,15 @@ using namespace brell::testing;
 
 namespace {
 
-QPushButton* button(const QWidget& in, const QString& text) {
-    for (auto* one : in.findChildren<QPushButton*>())
-        if (one->text() == text) return one;
-    ADD_FAILURE() << "no button " << text.toStdString();
-    return nullptr;
-}
-
 QPushButton* defaultButton(const QWidget& sheet) {
     for (auto* one : sheet.findChildren<QPushButton*>())
         if (one->isDefault()) return one;
     return nullptr;
 }
 
-// Everything that is written in it.
-QString words(const QWidget& widget) {
-    QStringList texts;
-    for (const auto* label : widget.findChildren<QLabel*>()) texts.append(label->text());
-    for (const auto* text : widget.findChildren<SelectableText*>()) texts.append(text->toPlainText());
-    return texts.join('\n');
-}
-
 class SheetsTest : public WindowTest {
 protected:
     Sheet* sheet() { return window->sheets().current(); }
-
-    // With the recovery put off.
-    void openCalmWindow() {
-        haveAPast();
-        openWindow();
-        model->deferRecovery();
-        settle();
-        ASSERT_FALSE(sheet());
-    }
 
     Uuid activeEntry(const std::string& tweakID) {
         for (const JournalEntry& entry : model->state().entries)
@@ -67,7 +42,7 @@ protected:
             [&] { QTest::keyClick(sheet(), Qt::Key_Escape); },
             [&] { QTest::keyClick(sheet(), Qt::Key_Return); },  // the default key
             [&] { sheet()->close(); },
-            [&] { button(*sheet(), "Cancel")->click(); },
+            [&] { press(*sheet(), "Cancel"); },
         };
         for (std::size_t i = 0; i < waysOut.size(); ++i) {
             const auto before = everythingIn(folder.path);
@@ -83,15 +58,14 @@ protected:
 };
 
 TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
-    openCalmWindow();
+    openLivedIn();
     go(Screen::loginItems);
     const auto& items = model->state().loginItems;
     const auto agent = std::find_if(items.begin(), items.end(), [](const LoginItemRow& row) {
         return row.badge == LoginItemBadge::toggleable && row.isOn;
     });
     ASSERT_NE(agent, items.end());
-    model->apply("finder.status_bar");
-    settle();
+    settled()->apply("finder.status_bar");
 
     expectLeavingChangesNothing<RestoreSheet>([&] { model->askRestoreAll(); });
     expectLeavingChangesNothing<DriftSheet>([&] { model->turnOff("dock.autohide_instant"); });
@@ -100,6 +74,7 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     expectLeavingChangesNothing<RelaunchSheet>([&] { model->askRelaunch(); });
     expectLeavingChangesNothing<PresetSheet>([&] { model->askPreset(Presets::shipped().front()); });
     EXPECT_FALSE(model->state().errorMessage) << *model->state().errorMessage;
+    EXPECT_TRUE(applications.requests.empty());
 }
 
 TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
@@ -113,34 +88,29 @@ TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
     EXPECT_EQ(defaultButton(*sheet())->text(), "Later");
 
     const auto before = everythingIn(folder.path);
-    QTest::keyClick(sheet(), Qt::Key_Escape);
-    settle();
+    type(sheet(), Qt::Key_Escape);
     EXPECT_FALSE(sheet());
     EXPECT_TRUE(model->state().recoveryDeferred);
     EXPECT_EQ(everythingIn(folder.path), before);
-    EXPECT_TRUE(button(window->bars(), "Restore")->isVisible());
+    EXPECT_TRUE(button(window->bars(), "Restore").isVisible());
 
     openWindow();
     ASSERT_TRUE(qobject_cast<RecoverySheet*>(sheet())) << "the next launch asks again";
-    button(*sheet(), "Restore")->click();
-    settle();
+    press(*sheet(), "Restore");
     EXPECT_FALSE(sheet());
     EXPECT_TRUE(model->state().interrupted.empty());
-    openWindow();
-    EXPECT_FALSE(sheet());
 }
 
 TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereItIsTicked) {
     const PrefKey delay{"com.apple.dock", "autohide-delay"};
     const PrefKey expanded{std::string(globalDomain), "NSNavPanelExpandedStateForSaveMode"};
-    openCalmWindow();
+    openLivedIn();
     const StoredValue theirs = stored(delay);
 
-    model->turnOff("dock.autohide_instant");
-    settle();
+    settled()->turnOff("dock.autohide_instant");
     ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
     EXPECT_EQ(defaultButton(*sheet())->text(), "Cancel");
-    QPushButton* restore = button(*sheet(), "Restore");
+    QAbstractButton* restore = &button(*sheet(), "Restore");
     auto* tick = sheet()->findChild<QCheckBox*>();
     EXPECT_FALSE(tick->isChecked());
     EXPECT_FALSE(restore->isEnabled()) << "nothing is ticked";
@@ -148,68 +118,56 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereItIsTicked) {
     EXPECT_TRUE(restore->isEnabled());
     QTest::keyClick(tick, Qt::Key_Space);
     EXPECT_FALSE(restore->isEnabled());
-    QTest::keyClick(tick, Qt::Key_Return);
-    settle();
+    type(tick, Qt::Key_Return);
     ASSERT_FALSE(sheet());
 
     // Of several the others are restored, whatever is ticked.
-    model->askUndoSince(activeEntry("dock.autohide_instant"));
-    settle();
-    button(*sheet(), "Restore")->click();
-    settle();
+    settled()->askUndoSince(activeEntry("dock.autohide_instant"));
+    press(*sheet(), "Restore");
     ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
-    button(*sheet(), "Restore Ticked")->click();
-    settle();
+    press(*sheet(), "Restore Ticked");
     ASSERT_FALSE(sheet());
     EXPECT_EQ(stored(delay), theirs);
     EXPECT_EQ(stored(expanded), StoredValue::absent());
 
-    model->turnOff("dock.autohide_instant");
-    settle();
+    settled()->turnOff("dock.autohide_instant");
     QTest::mouseClick(sheet()->findChild<QCheckBox*>(), Qt::LeftButton, {}, {200, 10});
-    button(*sheet(), "Restore")->click();
-    settle();
+    press(*sheet(), "Restore");
     EXPECT_FALSE(sheet());
     EXPECT_NE(stored(delay), theirs);
     EXPECT_TRUE(model->state().drifted.empty());
 }
 
 TEST_F(SheetsTest, OneSheetAtATimeTheMostImportantFirst) {
-    openCalmWindow();
-    model->askPreset(Presets::shipped().front());
-    settle();
+    openLivedIn();
+    settled()->askPreset(Presets::shipped().front());
     const QPointer<Sheet> first = sheet();
-    model->askPreset(Presets::shipped().back());
-    settle();
+    settled()->askPreset(Presets::shipped().back());
     EXPECT_FALSE(first) << "another request, another sheet";
     EXPECT_TRUE(sheet()->windowTitle().contains(qt(Presets::shipped().back().name)));
 
-    model->askRestoreAll();
-    settle();
+    settled()->askRestoreAll();
     EXPECT_TRUE(qobject_cast<RestoreSheet*>(sheet()));
-    model->turnOff("dock.autohide_instant");
-    settle();
+    settled()->turnOff("dock.autohide_instant");
     EXPECT_TRUE(qobject_cast<DriftSheet*>(sheet()));
     for (int more = 0; more < 3; ++more) {
         QList<Sheet*> open;
         for (Sheet* one : window->findChildren<Sheet*>())
             if (one->isVisible()) open.append(one);
         EXPECT_EQ(open, QList<Sheet*>{sheet()});
-        QTest::keyClick(sheet(), Qt::Key_Escape);
-        settle();
+        type(sheet(), Qt::Key_Escape);
     }
     EXPECT_FALSE(sheet());
 }
 
 TEST_F(SheetsTest, APresetSaysWhatItWouldDoAndWhatItDid) {
-    openCalmWindow();
+    openLivedIn();
     const Preset preset{"mixed",
                         "Mixed",
                         "",
                         {"finder.status_bar", "finder.show_extensions", "dock.autohide_instant",
                          "anim.no_window_animation", "finder.from_tomorrow"}};
-    model->askPreset(preset);
-    settle();
+    settled()->askPreset(preset);
     const QString plan = words(*sheet());
     for (const char* part :
          {"1 of 3 settings would change.", "com.apple.finder ShowStatusBar from", "Already so",
@@ -217,26 +175,22 @@ TEST_F(SheetsTest, APresetSaysWhatItWouldDoAndWhatItDid) {
           "never applied by a preset: anim.no_window_animation.",
           "does not know them: finder.from_tomorrow."})
         EXPECT_TRUE(plan.contains(part)) << part << " is not in\n" << plan.toStdString();
-    button(*sheet(), "Apply")->click();
-    settle();
+    press(*sheet(), "Apply");
     ASSERT_TRUE(qobject_cast<PresetResultSheet*>(sheet()));
     EXPECT_TRUE(words(*sheet()).contains("1 of 1 changes were made."));
-    QTest::keyClick(sheet(), Qt::Key_Return);
-    settle();
+    type(sheet(), Qt::Key_Return);
     EXPECT_FALSE(sheet()) << "it was read";
 
     model->askPreset({"nothing", "Nothing", "", {"finder.show_extensions"}});
     settle();
-    EXPECT_FALSE(button(*sheet(), "Apply")->isEnabled());
+    EXPECT_FALSE(button(*sheet(), "Apply").isEnabled());
 }
 
 TEST_F(SheetsTest, TheBarsSayWhatConcernsNoPageAlone) {
-    openCalmWindow();
-    model->apply("dock.no_bounce");
-    settle();
+    openLivedIn();
+    settled()->apply("dock.no_bounce");
     EXPECT_TRUE(words(window->bars()).contains("Relaunch the Dock to see what was changed: No bouncing"));
-    button(window->bars(), "Relaunch...")->click();
-    settle();
+    press(window->bars(), "Relaunch...");
     ASSERT_TRUE(qobject_cast<RelaunchSheet*>(sheet()));
     EXPECT_TRUE(words(*sheet()).contains("No bouncing when apps open"));
     QTest::keyClick(sheet(), Qt::Key_Escape);
@@ -248,19 +202,15 @@ TEST_F(SheetsTest, TheBarsSayWhatConcernsNoPageAlone) {
         return static_cast<const NoticeBar*>(nullptr);
     };
     for (const char* tweakID : {"dock.no_bounce", "text.no_autocapitalize"}) {
-        model->turnOff(tweakID);
-        settle();
+        settled()->turnOff(tweakID);
         ASSERT_TRUE(proof()) << tweakID;
         EXPECT_EQ(proof()->words(), "1 of 1 key is exactly as before.");
-        button(*proof(), "Dismiss")->click();
-        settle();
+        press(*proof(), "Dismiss");
         EXPECT_FALSE(proof());
     }
-    model->applyChoice("dock.size", "enormous");
-    settle();
+    settled()->applyChoice("dock.size", "enormous");
     EXPECT_TRUE(words(window->bars()).contains("Brell could not do that\nIcon size has no choice enormous."));
-    model->dismissError();
-    settle();
+    settled()->dismissError();
     EXPECT_FALSE(model->state().errorMessage);
 }
 

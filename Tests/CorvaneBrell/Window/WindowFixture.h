@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QTest>
 #include <ctime>
 #include <map>
@@ -19,6 +21,7 @@
 #include "CorvaneBrell/Window/NoticeBars.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 #include "CorvaneBrell/Window/TweakList.h"
@@ -27,6 +30,13 @@
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
+
+// Seconds that a turn of the event loop may work.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr double quickEnough = 0.6;  // watched, everything takes several times as long
+#else
+inline constexpr double quickEnough = 0.1;
+#endif
 
 class WindowTest : public ::testing::Test {
 protected:
@@ -65,6 +75,21 @@ protected:
         for (int turn = 0; turn < 3; ++turn) takeTurn();  // what the last news led to
     }
 
+    // For one call of the model: the wait for what it leads to comes with it.
+    struct Settled {
+        WindowTest& test;
+        AppModel* operator->() const { return test.model.get(); }
+        ~Settled() { test.settle(); }
+    };
+    Settled settled() { return {*this}; }
+
+    // A window with a past, the recovery of which is put off.
+    void openLivedIn() {
+        haveAPast();
+        openWindow();
+        settled()->deferRecovery();
+    }
+
     // One turn of the event loop. What it cost this thread is kept when no turn cost more.
     void takeTurn() {
         const double before = workedSeconds();
@@ -80,10 +105,7 @@ protected:
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
     }
 
-    void go(Screen screen) {
-        model->show(screen);
-        settle();
-    }
+    void go(Screen screen) { settled()->show(screen); }
 
     // The row of a tweak on the page that is shown.
     TweakRow& row(const std::string& tweakID) {
@@ -101,6 +123,29 @@ protected:
         return widgets;
     }
 
+    // Everything that can be read in this part of the window.
+    static QString words(const QWidget& part) {
+        QStringList texts;
+        for (const QLabel* text : visible<QLabel>(part)) texts << text->text();
+        for (const SelectableText* text : visible<SelectableText>(part)) texts << text->toPlainText();
+        return texts.join('\n');
+    }
+
+    // The visible button with this text, or with this accessible name.
+    static QAbstractButton& button(const QWidget& in, const QString& text) {
+        for (QAbstractButton* button : visible<QAbstractButton>(in))
+            if (button->text() == text || button->accessibleName() == text) return *button;
+        throw std::runtime_error("there is no button " + utf8(text));
+    }
+    void press(const QWidget& in, const QString& text) {
+        QTest::mouseClick(&button(in, text), Qt::LeftButton);
+        settle();
+    }
+    void type(QWidget* at, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(at, key, modifiers);
+        settle();
+    }
+
     StoredValue stored(const PrefKey& key) const { return sample.openPreferences()->exactValue(key); }
     std::map<std::string, PlistFileStore::Values> preferences() const {
         return sample.openPreferences()->snapshot();
@@ -116,14 +161,5 @@ protected:
     std::unique_ptr<MainWindow> window;
     double longestTurn = 0;  // seconds of work
 };
-
-inline const std::vector<Screen>& everyScreen() {
-    static const std::vector<Screen> all = [] {
-        std::vector<Screen> screens;
-        for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) screens.push_back(static_cast<Screen>(i));
-        return screens;
-    }();
-    return all;
-}
 
 }  // namespace brell::testing

@@ -37,7 +37,7 @@ TEST_F(WindowTest, OnlyThePageThatIsShownIsBuiltAndNothingIsWritten) {
     openWindow();
     EXPECT_EQ(window->pagesBuilt(), 1);
     EXPECT_TRUE(qobject_cast<TweakPage*>(window->currentPage()));
-    for (const Screen screen : everyScreen()) go(screen);
+    for (const Screen screen : allCases<Screen>()) go(screen);
     EXPECT_EQ(window->pagesBuilt(), enumTexts<Screen>.size());
     const std::vector<std::string> ownLockOfTheSample{"mac/private/var/db/.launchd.lock"};
     EXPECT_EQ(changesIn(folder.path, before), ownLockOfTheSample) << "looking changes nothing";
@@ -66,24 +66,20 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     for (int tabs = 0; tabs < 4 && focusName() != "Show hidden files"; ++tabs)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     ASSERT_EQ(focusName(), "Show hidden files");
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-    settle();
+    type(QApplication::focusWidget(), Qt::Key_Space);
     EXPECT_EQ(stored(showHidden), StoredValue(true));
     EXPECT_EQ(focusName(), "Show hidden files") << "the focus stays where the user works";
     EXPECT_TRUE(static_cast<Switch*>(QApplication::focusWidget())->isChecked());
 
-    QTest::keyClick(&window->sidebar().search(), Qt::Key_Escape);
-    settle();
+    type(&window->sidebar().search(), Qt::Key_Escape);
     EXPECT_TRUE(qobject_cast<TweakPage*>(window->currentPage()));
-    QTest::keyClick(window.get(), Qt::Key_2, Qt::ControlModifier);
-    settle();
+    type(window.get(), Qt::Key_2, Qt::ControlModifier);
     ASSERT_EQ(model->state().screen, Screen::dock);
     QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
     settle();
     EXPECT_EQ(stored(autohide), StoredValue(true));
     EXPECT_EQ(menuAction(*window, "Undo")->text(), "Undo Hide the Dock automatically");
-    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
-    settle();
+    type(window.get(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(stored(autohide), dockBefore);
     QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
     settle();
@@ -91,55 +87,44 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     menuAction(*window, "Restore All")->trigger();
     settle();
     ASSERT_TRUE(window->sheets().current());
-    model->confirmRestore();
-    settle();
+    settled()->confirmRestore();
     EXPECT_FALSE(window->sheets().current());
     EXPECT_EQ(model->state().undoProof, "2 of 2 keys are exactly as before.");
     EXPECT_EQ(preferences(), before);
     EXPECT_FALSE(menuAction(*window, "Restore All")->isEnabled()) << "nothing is left to restore";
 }
 
-TEST_F(WindowTest, SearchLeadsBackToThePageAtItsPlace) {
+TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
     openWindow();
     go(Screen::dock);
     window->resize(820, 560);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     settle();
     QScrollBar* bar = window->currentPage()->scrollArea()->verticalScrollBar();
     bar->setValue(bar->maximum() / 2);
     const int place = bar->value();
     ASSERT_GT(place, 0);
-    QTest::keyClicks(&window->sidebar().search(), "hidden");
-    settle();
-    EXPECT_FALSE(qobject_cast<TweakPage*>(window->currentPage()));
-    QTest::keyClick(&window->sidebar().search(), Qt::Key_Escape);
-    settle();
-    EXPECT_EQ(model->state().screen, Screen::dock);
-    EXPECT_EQ(window->currentPage()->scrollArea()->verticalScrollBar(), bar);
-    EXPECT_EQ(bar->value(), place);
-}
-
-TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
-    openWindow();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     QLineEdit& field = window->sidebar().search();
     const auto isSearching = [&] { return qobject_cast<SearchPage*>(window->currentPage()) != nullptr; };
-    field.setFocus();
-    QTest::keyClicks(&field, "hidden");
-    QTest::keyClick(&field, Qt::Key_Down);
-    ASSERT_TRUE(isSearching());
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-    settle();
-    EXPECT_FALSE(isSearching());
+    for (const bool fromTheField : {true, false}) {
+        field.setFocus();
+        QTest::keyClicks(&field, "hidden");
+        if (!fromTheField) QTest::keyClick(&field, Qt::Key_Down);
+        ASSERT_TRUE(isSearching());
+        type(QApplication::focusWidget(), Qt::Key_Escape);
+        EXPECT_FALSE(isSearching());
+        EXPECT_EQ(window->currentPage()->scrollArea()->verticalScrollBar(), bar);
+        EXPECT_EQ(bar->value(), place);
+    }
 
     field.setFocus();
     QTest::keyClicks(&field, "hidden");
     ASSERT_TRUE(isSearching());
     window->sidebar().pages().setFocus();
-    QTest::keyClick(&window->sidebar().pages(), Qt::Key_Down);
-    settle();
+    type(&window->sidebar().pages(), Qt::Key_Up);
     EXPECT_FALSE(isSearching());
-    EXPECT_EQ(model->state().screen, Screen::dock);
+    EXPECT_EQ(model->state().screen, Screen::finder);
     EXPECT_EQ(field.text(), "");
 }
 
@@ -182,15 +167,15 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
 }
 
 TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
-    haveAPast();
-    openWindow();
-    model->deferRecovery();
+    openLivedIn();
+    longestTurn = 0;
     model->askRestoreAll();
     model->confirmRestore();
     window->close();
     settle();
     EXPECT_TRUE(window->isVisible());
     ASSERT_TRUE(model->state().driftRequest);
+    EXPECT_LT(longestTurn, quickEnough);
     model->cancelDrift();
     fs::remove(*options.journalDirectory / ".journal.lock");
     fs::create_directory(*options.journalDirectory / ".journal.lock");
@@ -204,12 +189,10 @@ TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
 }
 
 TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
-    haveAPast();
-    openWindow();
-    model->deferRecovery();
+    openLivedIn();
     window->setChangedOnly(true);
     std::size_t rows = 0;
-    for (const Screen screen : everyScreen()) {
+    for (const Screen screen : allCases<Screen>()) {
         go(screen);
         auto* page = qobject_cast<TweakPage*>(window->currentPage());
         if (!page) continue;
@@ -234,31 +217,6 @@ TEST_F(WindowTest, SizeAndPageAreKeptForTheNextLaunch) {
     options.openGroup = "dock";
     openWindow();
     EXPECT_EQ(model->state().screen, Screen::dock) << "what is asked for comes first";
-}
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr double quickEnough = 0.6;  // watched, everything takes several times as long
-#else
-constexpr double quickEnough = 0.1;
-#endif
-
-TEST_F(WindowTest, NoTurnOfTheEventLoopTakesLongAlsoWithHundredsOfAgentsAndARestoreOfEverything) {
-    haveAPast();
-    for (int i = 0; i < 400; ++i) {
-        const std::string label = "com.example.helper" + std::to_string(i);
-        setContents(sample.launchAgents() / (label + ".plist"),
-                    "<plist version=\"1.0\"><dict><key>Label</key><string>" + label +
-                        "</string><key>Program</key><string>/opt/helper</string></dict></plist>");
-    }
-    openWindow();
-    model->deferRecovery();
-    longestTurn = 0;
-    for (const Screen screen : everyScreen()) go(screen);
-    model->askRestoreAll();
-    settle();
-    model->confirmRestore();
-    settle();
-    EXPECT_LT(longestTurn, quickEnough);
 }
 
 }  // namespace brell::testing
