@@ -6,6 +6,7 @@
 
 #include "BrellCore/Support/FileContents.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
+#include "Tests/Support/BigHome.h"
 #include "Tests/Support/EngineFixture.h"
 
 namespace brell {
@@ -308,6 +309,23 @@ TEST_F(AppModelTest, UndoingAPresetOrARestoreDoesWhatItCanAndApplyAgainLeadsToTh
     EXPECT_EQ(model->changedTweaks(), Texts{"finder.show_hidden"});
     settled(*model)->turnOff("finder.show_hidden");
     EXPECT_EQ(preferences(), before);
+}
+
+TEST_F(AppModelTest, ThousandsOfEntriesKeepARefreshQuick) {
+    writeSampleJournal(Journal::defaultDirectory(sample.home()) / "journal.json", 10'000);
+    const auto model = openModel();
+    ASSERT_EQ(model->state().entries.size(), 10'000u);
+    // Against the same machine's own speed: copying the list a few times.
+    const auto timeOf = [](const auto& action) {
+        const auto start = std::chrono::steady_clock::now();
+        action();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    const double copying = timeOf([&] {
+        for (int i = 0; i < 5; ++i) EXPECT_EQ(std::vector(model->state().entries).size(), 10'000u);
+    });
+    EXPECT_LT(timeOf([&] { model->refreshAll(); }), std::max(0.05, 4 * copying));
+    settle(*model);
 }
 
 }  // namespace brell

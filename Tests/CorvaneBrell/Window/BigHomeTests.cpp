@@ -27,7 +27,7 @@ constexpr std::size_t items = 1200;  // of which a tenth are those agents
 class BigHomeTest : public WindowTest {
 protected:
     void furnish(EntryStatus ofSwitches) {
-        std::vector<JournalEntry> journal = sampleJournal(10'000, agents, sample.home());
+        std::vector<JournalEntry> journal = sampleJournal(1000, agents, sample.home());
         for (JournalEntry& entry : journal)
             if (entry.isActive()) entry.status = ofSwitches;
         writeJournal(*options.journalDirectory / "journal.json", journal);
