@@ -54,11 +54,6 @@ protected:
         sample.openPreferences()->write(value, key);
     }
 
-    // The paths below the folder that differ from what was there before: no word of it when nothing does.
-    std::vector<std::string> changedSince(std::map<std::string, std::string> before) const {
-        return changesIn(folder.path, std::move(before));
-    }
-
     TemporaryFolder folder;
     SampleMac sample;
     LaunchOptions options;

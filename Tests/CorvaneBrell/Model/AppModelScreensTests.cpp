@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/BigHome.h"
 #include "Tests/Support/Obstacles.h"

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <chrono>
 
-#include "BrellCore/Support/FileContents.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/BigHome.h"
 #include "Tests/Support/EngineFixture.h"
@@ -222,7 +221,7 @@ TEST_F(AppModelTest, AnUnreadableJournalLeavesADryRunThatSaysSo) {
     settled(*model)->apply("dock.autohide");
     EXPECT_TRUE(std::holds_alternative<OnByBrell>(status(*model, "dock.autohide").state));
     EXPECT_NE(out.str().find("dry-run: would write com.apple.dock autohide = true"), std::string::npos);
-    EXPECT_EQ(changedSince(whole), Texts());
+    EXPECT_EQ(changesIn(folder.path, whole), Texts());
     fs::remove_all(model->journalDirectory());
 }
 

@@ -22,6 +22,9 @@ protected:
 
 TEST_F(UndoAndDriftTest, ProvesAnUndoKeyByKey) {
     const JournalEntry entry = magnify();
+    EXPECT_EQ(madeOnAnotherMacOS(entry, "26.1.0"), std::nullopt);
+    EXPECT_EQ(madeOnAnotherMacOS(entry, "27.0.0"), "Made on macOS 26.1.0; this Mac now runs 27.0.0.");
+    EXPECT_FALSE(isAlreadyBack(agentEntry({}), store)) << "it has no keys";
     EXPECT_FALSE(isAlreadyBack(entry, store));
     engine.restore(entry.id, false);
     EXPECT_EQ(proveUndo(entry, store), (UndoProof{{magnification, PrefValue(false), PrefValue(false)},
@@ -39,16 +42,6 @@ TEST_F(UndoAndDriftTest, ProvesAnUndoKeyByKey) {
               "com.apple.dock largesize cannot be read; it was absent.");
     EXPECT_EQ(proof(engine.apply(tweak("dock.size"))),
               "0 of 1 key is exactly as before. com.apple.dock tilesize is 48; it was absent.");
-}
-
-TEST_F(UndoAndDriftTest, AnEntryWithoutKeysIsNeverAlreadyBack) {
-    EXPECT_FALSE(isAlreadyBack(agentEntry({}), store));
-}
-
-TEST_F(UndoAndDriftTest, SaysWhenTheChangeIsOfAnotherMacOS) {
-    const JournalEntry entry = magnify();
-    EXPECT_EQ(madeOnAnotherMacOS(entry, "26.1.0"), std::nullopt);
-    EXPECT_EQ(madeOnAnotherMacOS(entry, "27.0.0"), "Made on macOS 26.1.0; this Mac now runs 27.0.0.");
 }
 
 TEST_F(UndoAndDriftTest, DescribesEveryDriftedKeyAndNoOther) {

@@ -28,13 +28,6 @@ class SheetsTest : public WindowTest {
 protected:
     Sheet* sheet() { return window->sheets().current(); }
 
-    Uuid activeEntry(const std::string& tweakID) {
-        for (const JournalEntry& entry : model->state().entries)
-            if (entry.tweakID == tweakID && entry.isActive()) return entry.id;
-        ADD_FAILURE() << tweakID << " is not active";
-        return {};
-    }
-
     // Every way out of a sheet but the one that goes on, in turn.
     template <class Kind>
     void expectLeavingChangesNothing(const std::function<void()>& ask) {
@@ -122,7 +115,7 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereItIsTicked) {
     ASSERT_FALSE(sheet());
 
     // Of several the others are restored, whatever is ticked.
-    settled()->askUndoSince(activeEntry("dock.autohide_instant"));
+    settled()->askUndoSince(model->state().drifted.front().entry.id);
     press(*sheet(), "Restore");
     ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
     press(*sheet(), "Restore Ticked");
