@@ -367,7 +367,7 @@ TEST_F(AgentToggleTest, TheCaptureIsMadeUnderTheLock) {
         return std::nullopt;
     });
     EXPECT_EQ(toggle.turnOff(record).agent,
-              (AgentCapture{plain, file.string(), false, AgentOverride::absent}));
+              (AgentCapture{plain, fileOf(plain).string(), false, AgentOverride::absent}));
 }
 
 TEST_F(AgentToggleTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwritten) {
