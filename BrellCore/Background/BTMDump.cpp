@@ -56,10 +56,10 @@ Disposition disposition(std::string_view value) {
     return flags;
 }
 
-// A number sign, digits and a colon, nothing else: "#12:". Values may end in a colon too.
-bool isItemHeader(std::string_view line) {
-    return line.size() > 2 && line.starts_with('#') && line.find_first_not_of(digits, 1) == line.size() - 1 &&
-           line.ends_with(':');
+// "#1: 16.com.example.tool"
+bool isEmbeddedIdentifier(std::string_view line) {
+    const std::size_t colon = line.find_first_not_of(digits, 1);
+    return line.starts_with('#') && colon > 1 && colon < line.size() - 1 && line[colon] == ':';
 }
 
 std::optional<std::int64_t> sectionUser(std::string_view line) {
@@ -70,7 +70,7 @@ std::optional<std::int64_t> sectionUser(std::string_view line) {
 // At most so many items stand before the next section. Room for them is made at once: letting it grow would
 // take half the time of reading a large dump.
 std::size_t mostItemsIn(std::string_view rest) {
-    constexpr std::size_t leastItemBytes = std::string_view("#1:\nIdentifier:x\n").size();
+    constexpr std::size_t leastItemBytes = std::string_view("#:\nIdentifier:x\n").size();
     rest = rest.substr(0, rest.find(sectionPrefix));
     std::size_t signs = 0;
     for (std::size_t at = rest.find('#'); at != std::string_view::npos; at = rest.find('#', at + 1)) ++signs;
@@ -117,12 +117,17 @@ private:
     void openItem() {
         finishItem();
         item_.emplace();
-        inEmbedded_ = false;
     }
 
     void finishItem() {
         if (item_ && section_ && !item_->id.empty()) section_->push_back(*std::move(item_));
         item_.reset();
+        inEmbedded_ = false;
+    }
+
+    // "#12:". In a list of embedded identifiers one of these may end in a colon, too.
+    bool isItemHeader(std::string_view line) const {
+        return line.starts_with('#') && line.ends_with(':') && !(inEmbedded_ && isEmbeddedIdentifier(line));
     }
 
     void takeItemLine(std::string_view line) {

@@ -91,6 +91,18 @@ TEST(BTMDumpParser, ReadsEverySectionItemAndField) {
     EXPECT_EQ(BTMDumpParser::parse("#1:\nIdentifier: before any section\n"), std::nullopt);
 }
 
+TEST(BTMDumpParser, EveryLineFromANumberSignToAColonOpensAnItemExceptWhatAListHolds) {
+    const auto dump = BTMDumpParser::parse(
+        "Records for UID 0 :\n#:\nIdentifier: a\n# 2:\nIdentifier: b\n#x: y:\nIdentifier: c\n"
+        "Embedded Item Identifiers:\n#1: d:\n#2: e\n# 4:\nIdentifier: f\n#1: g:\nIdentifier: h\n"
+        "Embedded Item Identifiers:\nRecords for UID 0 :\n#1: i:\nIdentifier: j\n");
+    ASSERT_TRUE(dump);
+    std::vector<std::string> ids;
+    for (const BTMItem& item : dump->items(0)) ids.push_back(item.id);
+    EXPECT_EQ(ids, (std::vector<std::string>{"a", "b", "c", "f", "h", "j"}));
+    EXPECT_EQ(dump->items(0)[2].embeddedIdentifiers, (std::vector<std::string>{"d:", "e"}));
+}
+
 TEST(BTMDumpParser, ADumpCutShortAnywhereGivesTheItemsBeforeTheCut) {
     const auto whole = BTMDumpParser::parse(sample);
     for (std::size_t length = 0; length < sample.size(); ++length) {
