@@ -30,12 +30,12 @@ bool beginsWithWhiteSpace(std::string_view line) {
     return !line.empty() && isWhite(line.front());
 }
 
-// Of the answer to one volume: the one that names it, or the only one there is.
+// The status that names the volume; nothing when only others are named.
 const VolumeIndexStatus* answerFor(const std::string& volume, const std::vector<VolumeIndexStatus>& answers) {
-    for (const std::string& name : {volume, std::string(dataVolume) + volume})
+    for (const std::string& name : {volume, std::string(dataVolume) + (volume == "/" ? "" : volume)})
         for (const VolumeIndexStatus& answer : answers)
             if (answer.volume == name) return &answer;
-    return answers.size() == 1 ? &answers.front() : nullptr;
+    return nullptr;
 }
 
 bool isOtherVolume(const fs::path& entry, const fs::path& root) {

@@ -35,10 +35,12 @@ TEST(SpotlightStatusReader, OneVolumeThatCannotBeAskedDoesNotHideTheOthers) {
     runner.answer(Command::mdutilStatus("/Volumes/Gone"), CommandResult{1, "", "Error: unknown volume\n"});
     runner.answer(Command::mdutilStatus("/Volumes/Two"),
                   "/a:\n\tIndexing enabled.\n/b:\n\tIndexing enabled.\n");
+    runner.answer(Command::mdutilStatus("/Volumes/A"), "/Volumes/Other:\n\tIndexing enabled.\n");
     runner.fail(Command::mdutilStatus("/Volumes/Slow"));
 
-    const auto statuses = SpotlightStatusReader{runner}.statuses(
-        {"/Volumes/Slow", "/Volumes/a..b", "/Volumes/Gone", "/Volumes/Two", "/Volumes/Data", "/"});
+    const auto statuses =
+        SpotlightStatusReader{runner}.statuses({"/Volumes/Slow", "/Volumes/a..b", "/Volumes/Gone",
+                                                "/Volumes/Two", "/Volumes/A", "/Volumes/Data", "/"});
     EXPECT_EQ(
         statuses,
         (Statuses{
@@ -47,8 +49,12 @@ TEST(SpotlightStatusReader, OneVolumeThatCannotBeAskedDoesNotHideTheOthers) {
             {"/Volumes/a..b", std::nullopt, "Refused to run a command with an invalid volume /Volumes/a..b."},
             {"/Volumes/Gone", std::nullopt, "Error: unknown volume"},
             {"/Volumes/Two", std::nullopt, "/a:  Indexing enabled. /b:  Indexing enabled."},
+            {"/Volumes/A", std::nullopt, "/Volumes/Other:  Indexing enabled."},
             {"/Volumes/Data", false, "Indexing disabled."},
             {"/", true, "Indexing enabled."}}));
+
+    runner.answer(Command::mdutilStatus("/"), "/System/Volumes/Data:\n\tIndexing enabled.\n");
+    EXPECT_EQ(SpotlightStatusReader{runner}.statuses({"/"}), (Statuses{{"/", true, "Indexing enabled."}}));
 }
 
 TEST(SpotlightStatusReader, ListsTheFoldersThatAreOtherVolumes) {
