@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -52,15 +53,24 @@ std::optional<PrefValue> stringArray(const PlistArray& array) {
     return strings;
 }
 
+bool holdsOnlyStrings(const PlistArray& array) {
+    return std::all_of(array.begin(), array.end(),
+                       [](const PlistValue& element) { return element.as<std::string>() != nullptr; });
+}
+
 struct TypeWord {
-    // The first five only come here with text that the XML form can't hold; the words then say so.
+    // The first four, and arrays of strings, only come here with text that the XML form can't hold; the words
+    // then say so.
     std::string operator()(bool) const { return "boolean"; }
     std::string operator()(std::int64_t) const { return "number"; }
     std::string operator()(double) const { return "number"; }
     std::string operator()(const std::string&) const {
         return "string (with characters a property list can't hold)";
     }
-    std::string operator()(const PlistArray&) const { return "array (not all strings)"; }
+    std::string operator()(const PlistArray& array) const {
+        return holdsOnlyStrings(array) ? "array (with characters a property list can't hold)"
+                                       : "array (not all strings)";
+    }
     std::string operator()(const PlistBigInteger&) const { return "number (out of range)"; }
     std::string operator()(const PlistData&) const { return "data"; }
     std::string operator()(const PlistDate&) const { return "date"; }

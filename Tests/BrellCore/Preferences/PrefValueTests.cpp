@@ -85,6 +85,8 @@ TEST(PrefValueTest, OtherPropertyListsAreRefusedByName) {
                 {{PlistBigInteger{"18446744073709551615"}}, "number (out of range)"},
                 {{PlistArray{{std::string("a")}, {std::int64_t{1}}}}, "array (not all strings)"},
                 {{PlistArray{{PlistArray()}}}, "array (not all strings)"},
+                {{PlistArray{{std::string("a")}, {std::string("\x01")}}},
+                 "array (with characters a property list can't hold)"},
                 {{std::string("\x01")}, "string (with characters a property list can't hold)"}};
     for (const auto& row : rows) {
         EXPECT_FALSE(PrefValue::fromPropertyList(row.object)) << row.word;
