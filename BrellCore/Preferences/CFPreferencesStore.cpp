@@ -85,7 +85,11 @@ void CFPreferencesStore::write(const PrefValue& value, const PrefKey& key) {
         calls_->removeValue(key.name, application);
         synchronize(key.domain);
     }
-    calls_->setValue(key.name, value.propertyListObject(), application);
+    try {
+        calls_->setValue(key.name, value.propertyListObject(), application);
+    } catch (const StoreError& error) {
+        throw StoreError(StoreIo{key.rendered() + " could not be written: " + error.what()});
+    }
 }
 
 void CFPreferencesStore::remove(const PrefKey& key) {

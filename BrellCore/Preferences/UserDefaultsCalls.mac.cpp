@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
@@ -29,7 +30,9 @@ const UInt8* bytesOf(const std::string& text) {
 Owned<CFStringRef> cfString(const std::string& text) {
     Owned<CFStringRef> made(CFStringCreateWithBytes(
         kCFAllocatorDefault, bytesOf(text), static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
-    if (!made) throw StoreError(StoreIo{"macOS takes no preference key or domain that is not UTF-8."});
+    if (!made)
+        throw StoreError(StoreIo{"macOS takes no preference key or domain that is not UTF-8, such as \"" +
+                                 oneLine(text) + "\"."});
     return made;
 }
 

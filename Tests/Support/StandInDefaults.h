@@ -41,6 +41,7 @@ public:
 
     void setValue(const std::string& key, const PlistValue& object,
                   const DefaultsApplication& application) override {
+        if (!refusal.empty()) throw StoreError(StoreIo{refusal});
         calls.push_back("set " + nameOf(application) + " " + key);
         unsaved = true;
         const auto held = found(seen, key, application);
@@ -79,6 +80,7 @@ public:
 
     Values saved, savedHere, forced;
     bool locked = false;  // nothing can be saved
+    std::string refusal;  // of every value, in a whole sentence
     int forcedQuestions = 0;
     std::vector<std::string> calls;
 

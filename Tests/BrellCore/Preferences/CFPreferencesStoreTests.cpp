@@ -131,6 +131,10 @@ TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsSt
     EXPECT_EQ(failureOf<StoreError>([&] { store.synchronize("com.apple.dock"); }), notSaved);
     EXPECT_EQ(store.exactValue(autohide), StoredValue(true));
     EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{48.0}));
+
+    defaults->refusal = "macOS does not take it.";
+    EXPECT_EQ(failureOf([&] { store.write(true, autohide); }),
+              StoreFailure(StoreIo{"com.apple.dock autohide could not be written: macOS does not take it."}));
 }
 
 TEST_F(CFPreferencesStoreTest, OtherDomainsNeverReachThePlatform) {

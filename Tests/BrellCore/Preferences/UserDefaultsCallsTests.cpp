@@ -234,7 +234,8 @@ TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
     };
     const std::string noText = "\xFF";
     EXPECT_TRUE(refused([&] { exact(noText, dock); }));
-    EXPECT_TRUE(refused([&] { exact("k", {noText}); }));
+    EXPECT_EQ(messageOf([&] { exact("k", {"dock" + noText}); }),
+              "macOS takes no preference key or domain that is not UTF-8, such as \"dock\uFFFD\".");
     EXPECT_TRUE(refused([&] { calls->setValue(noText, {true}, dock); }));
     EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, {noText}); }));
     EXPECT_TRUE(refused([&] { calls->setValue("k", {std::string("\x01")}, dock); }));
