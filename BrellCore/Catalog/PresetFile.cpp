@@ -1,10 +1,12 @@
 #include <fmt/format.h>
 #include <simdjson.h>
 
-#include <optional>
+#include <array>
+#include <exception>
 #include <set>
 
 #include "BrellCore/Catalog/Presets.h"
+#include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/JsonWriter.h"
 #include "BrellCore/Support/Text.h"
 
@@ -13,6 +15,7 @@ namespace brell {
 namespace {
 
 constexpr std::string_view importSummary = "Imported from a .corvanepreset file.";
+constexpr std::array<std::string_view, 3> fileKeys{"format", "name", "tweaks"};
 
 struct Description {
     std::string operator()(const UnsupportedPresetFormat& failure) const {
@@ -30,40 +33,37 @@ PresetFileError unreadable() {
     return PresetFileError(UnreadablePreset());
 }
 
-// The value as a T and nothing that would have to be converted first.
-template <class T>
-T as(simdjson::dom::element value) {
-    T typed;
-    if (value.get(typed) != simdjson::SUCCESS) throw unreadable();
-    return typed;
-}
-
-// The value of a key that must be there, and only once: of two, nobody can say which one was meant.
-simdjson::dom::element member(simdjson::dom::object object, std::string_view key) {
-    std::optional<simdjson::dom::element> found;
-    for (const auto field : object) {
-        if (field.key != key) continue;
-        if (found) throw unreadable();
-        found = field.value;
-    }
-    if (!found) throw unreadable();
-    return *found;
-}
-
-DecodedPreset decodeFormat1(simdjson::dom::object file, const TweakCatalog& catalog) {
-    const std::string name(as<std::string_view>(member(file, "name")));
+DecodedPreset presetOf(const std::string& name, const std::vector<std::string>& ids,
+                       const TweakCatalog& catalog) {
     DecodedPreset decoded{.preset = {.id = PresetFile::slug(name),
                                      .name = name,
                                      .summary = std::string(importSummary),
                                      .tweakIDs = {}},
                           .unknown = {}};
     std::set<std::string_view> seen;
-    for (const auto element : as<simdjson::dom::array>(member(file, "tweaks"))) {
-        const auto id = as<std::string_view>(element);
-        if (!seen.insert(id).second) continue;
-        (catalog.tweak(id) ? decoded.preset.tweakIDs : decoded.unknown).emplace_back(id);
-    }
+    for (const std::string& id : ids)
+        if (seen.insert(id).second)
+            (catalog.tweak(id) ? decoded.preset.tweakIDs : decoded.unknown).push_back(id);
     return decoded;
+}
+
+DecodedPreset decodeFormat1(const std::string& padded, const TweakCatalog& catalog) try {
+    std::string name;
+    std::vector<std::string> ids;
+    KnownKeys known(fileKeys, fileKeys.size());
+    simdjson::ondemand::parser parser;
+    simdjson::ondemand::document document = startReading(parser, padded);
+    for (auto field : document.get_object()) {
+        const std::string_view key = field.unescaped_key();
+        if (!known.met(key)) checkWellFormed(field.value());
+        if (key == "name") name = field.value().get_string().value();
+        if (key == "tweaks")
+            for (auto id : field.value().get_array()) ids.emplace_back(id.get_string().value());
+    }
+    known.checkAllMet();
+    return presetOf(name, ids, catalog);
+} catch (const std::exception&) {
+    throw unreadable();
 }
 
 }  // namespace
@@ -92,16 +92,13 @@ std::string encode(const Preset& preset) {
 }
 
 DecodedPreset decode(std::string_view bytes, const TweakCatalog& catalog) {
-    // The whole file is checked before anything is taken from it: its UTF-8, and what stands behind the
-    // object.
-    simdjson::dom::parser parser;
-    simdjson::dom::object file;
-    if (parser.parse(std::string(bytes)).get(file) != simdjson::SUCCESS) throw unreadable();
-
-    // The format before all else, so that a newer file of another shape counts as newer and not as broken.
-    const auto fileFormat = as<std::int64_t>(member(file, "format"));
-    if (fileFormat != format) throw PresetFileError(UnsupportedPresetFormat{fileFormat});
-    return decodeFormat1(file, catalog);
+    std::string text(bytes);
+    text.reserve(text.size() + simdjson::SIMDJSON_PADDING);
+    // Before all else, so that a newer file of another shape counts as newer and not as broken.
+    const auto fileFormat = formatOf(text);
+    if (!fileFormat) throw unreadable();
+    if (*fileFormat != format) throw PresetFileError(UnsupportedPresetFormat{*fileFormat});
+    return decodeFormat1(text, catalog);
 }
 
 std::string slug(std::string_view name) {

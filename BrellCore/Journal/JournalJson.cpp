@@ -12,37 +12,6 @@ namespace json = simdjson::ondemand;
 
 namespace {
 
-// The keys an object may have, each at most once, ticked off as they are met; at most 32. The first
-// `required` of them it must have.
-template <std::size_t count>
-class KnownKeys {
-public:
-    constexpr KnownKeys(const std::array<std::string_view, count>& keys, std::size_t required)
-        : keys_(keys), required_(required) {}
-
-    // Whether it is one of them.
-    bool met(std::string_view key) {
-        for (std::size_t i = 0; i < count; ++i) {
-            if (keys_[i] != key) continue;
-            if ((met_ & 1u << i) != 0)
-                throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
-            met_ |= 1u << i;
-            return true;
-        }
-        return false;
-    }
-    void checkAllMet() const {
-        for (std::size_t i = 0; i < required_; ++i)
-            if ((met_ & 1u << i) == 0)
-                throw std::runtime_error("the key \"" + std::string(keys_[i]) + "\" is missing");
-    }
-
-private:
-    const std::array<std::string_view, count>& keys_;
-    const std::size_t required_;
-    unsigned met_ = 0;
-};
-
 // The last four are optional.
 constexpr std::array<std::string_view, 12> entryKeys{"appliedAt",    "direction", "id",      "kind",
                                                      "macOSVersion", "status",    "tweakID", "writes",

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <optional>
+#include <array>
 #include <stdexcept>
 #include <utility>
 
@@ -22,23 +22,13 @@ constexpr std::string_view beforeEntries = "{\n  \"entries\" : [\n    ";
 constexpr std::string_view betweenEntries = ",\n    ";
 constexpr std::string_view afterEntries = "\n  ],\n  \"format\" : 1\n}\n";
 constexpr int entryDepth = 2;
+constexpr std::array<std::string_view, 2> fileKeys{"entries", "format"};
 
 JournalError newerFormat(std::int64_t format) {
     return JournalError({JournalFailure::Kind::cannotRead,
                          fmt::format("the journal was written by a newer Brell (format {}); update Brell "
                                      "before changing anything",
                                      format)});
-}
-
-// The file's format when it is one that this version does not know; looked for even in a file of another
-// shape.
-std::optional<std::int64_t> newerFormatOf(const std::string& text) try {
-    json::parser parser;
-    json::document document = startReading(parser, text);
-    const std::int64_t format = document["format"].get_int64();
-    return format > JournalText::formatVersion ? std::optional(format) : std::nullopt;
-} catch (const simdjson::simdjson_error&) {
-    return std::nullopt;
 }
 
 // What is found by its identifier must be the only one.
@@ -74,7 +64,8 @@ JournalText JournalText::read(std::string text) {
     } catch (const JournalError&) {
         throw;
     } catch (const std::exception& error) {
-        if (const auto format = newerFormatOf(journal.text_)) throw newerFormat(*format);
+        const auto format = formatOf(journal.text_);
+        if (format && *format > formatVersion) throw newerFormat(*format);
         throw std::runtime_error(withoutFinalStop(error.what()));
     }
     return journal;
@@ -113,18 +104,15 @@ void JournalText::take(Change change) {
 }
 
 void JournalText::parse() {
-    std::optional<std::int64_t> format;
-    bool hasEntries = false;
+    std::int64_t format = 0;
+    KnownKeys known(fileKeys, fileKeys.size());
     json::parser parser;
     json::document document = startReading(parser, text_);
     for (auto field : document.get_object()) {
         const std::string_view key = field.unescaped_key();
-        if ((key == "format" && format) || (key == "entries" && hasEntries))
-            throw std::runtime_error(fmt::format("the key \"{}\" stands twice", key));
-        if (key == "format") {
-            format = field.value().get_int64();
-        } else if (key == "entries") {
-            hasEntries = true;
+        if (!known.met(key)) checkWellFormed(field.value());
+        if (key == "format") format = field.value().get_int64();
+        if (key == "entries")
             for (auto element : field.value().get_array()) {
                 json::object object = element.get_object();
                 const std::string_view raw = trimmed(object.raw_json().value());
@@ -132,16 +120,12 @@ void JournalText::parse() {
                 entries_.push_back(readJournalEntry(object));
                 spans_.push_back({static_cast<std::size_t>(raw.data() - text_.data()), raw.size()});
             }
-        } else {
-            checkWellFormed(field.value());
-        }
     }
     checkUnique(entries_);
     if (!isAtEnd(document)) throw std::runtime_error("something follows after its end");
-    if (!hasEntries) throw std::runtime_error("the key \"entries\" is missing");
-    if (!format) throw std::runtime_error("the key \"format\" is missing");
-    if (*format > formatVersion) throw newerFormat(*format);
-    if (*format < 0) throw std::runtime_error(fmt::format("there is no format {}", *format));
+    known.checkAllMet();
+    if (format > formatVersion) throw newerFormat(format);
+    if (format < 0) throw std::runtime_error(fmt::format("there is no format {}", format));
 }
 
 }  // namespace brell

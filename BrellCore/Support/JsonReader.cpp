@@ -29,4 +29,18 @@ void checkWellFormed(json::value value, int levels) {
     throw std::runtime_error("a word is none of JSON's");
 }
 
+std::optional<std::int64_t> formatOf(const std::string& padded) try {
+    std::optional<std::int64_t> format;
+    json::parser parser;
+    json::document document = startReading(parser, padded);
+    for (auto field : document.get_object()) {
+        if (field.unescaped_key().value() != "format") continue;
+        if (format) return std::nullopt;
+        format = field.value().get_int64();
+    }
+    return isAtEnd(document) ? format : std::nullopt;
+} catch (const simdjson::simdjson_error&) {
+    return std::nullopt;
+}
+
 }  // namespace brell

@@ -3,7 +3,12 @@
 
 #include <simdjson.h>
 
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace brell {
 
@@ -17,6 +22,42 @@ inline simdjson::ondemand::document startReading(simdjson::ondemand::parser& par
 // Reads a value that nobody wants. What is passed over unread may be no JSON at all. Raises simdjson_error,
 // and std::runtime_error for more levels than anybody needs.
 void checkWellFormed(simdjson::ondemand::value value, int levels = 64);
+
+// The integer under "format" of a whole JSON object; nothing when it has none, or two. What else is in the
+// object does not matter, be it more than anybody here can read: so that a newer file counts as newer and not
+// as broken.
+std::optional<std::int64_t> formatOf(const std::string& padded);
+
+// The keys an object may have, each at most once, ticked off as they are met; at most 32. The first
+// `required` of them it must have.
+template <std::size_t count>
+class KnownKeys {
+public:
+    constexpr KnownKeys(const std::array<std::string_view, count>& keys, std::size_t required)
+        : keys_(keys), required_(required) {}
+
+    // Whether it is one of them.
+    bool met(std::string_view key) {
+        for (std::size_t i = 0; i < count; ++i) {
+            if (keys_[i] != key) continue;
+            if ((met_ & 1u << i) != 0)
+                throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
+            met_ |= 1u << i;
+            return true;
+        }
+        return false;
+    }
+    void checkAllMet() const {
+        for (std::size_t i = 0; i < required_; ++i)
+            if ((met_ & 1u << i) == 0)
+                throw std::runtime_error("the key \"" + std::string(keys_[i]) + "\" is missing");
+    }
+
+private:
+    const std::array<std::string_view, count>& keys_;
+    const std::size_t required_;
+    unsigned met_ = 0;
+};
 
 // True when nothing but white space follows the value that was read to its end.
 inline bool isAtEnd(simdjson::ondemand::document& document) {

@@ -63,7 +63,7 @@ TEST_F(PresetsTest, AnyNameAndIdsSurviveTheFileUnlessTheyAreNotUtf8) {
 
 TEST_F(PresetsTest, DecodingKeepsEachKnownIdOnceAndReportsTheOthersOnce) {
     EXPECT_EQ(decoded(R"({"tweaks": ["shot.jpg", "dock.foo", "dock.autohide", "shot.jpg", "", "dock.foo"],
-                          "extra": {"name": 1, "format": 7}, "name": "M\u00fcsli", "format": 1})"),
+                          "extra": {"name": 123456789012345678901234567890, "format": 7}, "name": "M\u00fcsli", "format": 1})"),
               (DecodedPreset{{"m\u00FCsli", "M\u00FCsli", importSummary, {"shot.jpg", "dock.autohide"}},
                              {"dock.foo", ""}}));
     EXPECT_EQ(decoded(R"( {"format":1,"name":"","tweaks":[]} )"),
@@ -71,7 +71,10 @@ TEST_F(PresetsTest, DecodingKeepsEachKnownIdOnceAndReportsTheOthersOnce) {
 }
 
 TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
-    for (const std::string rest : {"}", R"(, "name": 5, "tweaks": {"a": [null]}})"}) {
+    const std::string nested = std::string(5000, '[') + std::string(5000, ']');
+    for (const std::string& rest : std::vector<std::string>{
+             "}", R"(, "name": 5, "tweaks": {"a": [null]}})", R"(, "big": [1e999]})",
+             R"(, "name": 123456789012345678901234567890})", ", \"deep\": " + nested + "}"}) {
         EXPECT_EQ(refusalOf(R"({"format": 2)" + rest), PresetFileFailure(UnsupportedPresetFormat{2})) << rest;
         EXPECT_EQ(refusalOf(R"({"format": 0)" + rest), PresetFileFailure(UnsupportedPresetFormat{0})) << rest;
         EXPECT_EQ(refusalOf(R"({"format": -9223372036854775808)" + rest),

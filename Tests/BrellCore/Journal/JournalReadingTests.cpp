@@ -97,6 +97,9 @@ TEST_F(JournalReadingTest, ANewerFormatIsNamedWhateverItsShape) {
     EXPECT_EQ(refusalOf(sampleWith("\"format\" : 1", "\"format\" : 2")), newer("2"));
     EXPECT_EQ(refusalOf(R"({"entries":{"a":1},"format":9223372036854775807})"), newer("9223372036854775807"));
     EXPECT_EQ(refusalOf(R"({"format":3})"), newer("3"));
+    EXPECT_EQ(
+        refusalOf(R"({"format":3,"x":)" + std::string(5000, '[') + "1e999" + std::string(5000, ']') + "}"),
+        newer("3"));
     EXPECT_EQ(refusalOf(R"({"changes":[true],"format":4,"entries":[{"id":1}]})"), newer("4"));
 }
 
