@@ -1,5 +1,7 @@
 #include "BrellCore/Preferences/PrefValueJson.h"
 
+#include <array>
+#include <optional>
 #include <stdexcept>
 
 #include "BrellCore/Support/JsonReader.h"
@@ -10,6 +12,10 @@ namespace brell {
 namespace json = simdjson::ondemand;
 
 namespace {
+
+// The first two are those of a value.
+constexpr std::array<std::string_view, 3> storedKeys{"type", "value", "absent"};
+constexpr std::size_t requiredValueKeys = 2;
 
 struct PayloadWriter {
     JsonWriter& json;
@@ -61,30 +67,35 @@ PrefValue readPrefValue(json::object object) {
 }
 
 StoredValue readStoredValue(json::object object) {
-    // Each text is read once: the parser has room for no more, and checks nothing.
+    KnownKeys known(storedKeys, requiredValueKeys);
+    bool isAbsent = false;
     std::optional<std::string_view> type;
-    std::optional<PrefValue> value;
-    std::optional<bool> absent;
-    int values = 0;
+    int fields = 0, valueAt = -1;
     for (auto field : object) {
         const std::string_view key = field.unescaped_key();
-        if ((key == "absent" && absent) || (key == "type" && type) || (key == "value" && ++values > 1))
-            throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
+        known.met(key);
+        json::value value = field.value();
         if (key == "absent")
-            absent = field.value().get_bool().value();
-        else if (key == "type")
-            type = field.value().get_string().value();
-        else if (key != "value")
-            checkWellFormed(field.value());
-        else if (type)
-            value = readPayload(*type, field.value());
+            isAbsent = value.get_bool();
+        else if (key == "type" && value.type() == json::json_type::string)
+            type = value.get_string();
+        else if (key == "value")
+            valueAt = fields;  // as what it is to be read may stand behind it
+        else
+            checkWellFormed(value);
+        ++fields;
     }
-    const bool isAbsent = absent.value_or(false);
-    if (isAbsent && (value || values == 0)) return {};
-    if (value) return *std::move(value);
-    object.reset();  // the value stands before its type, or one of them is missing
-    if (!isAbsent) return type ? readPayload(*type, object["value"].value()) : readPrefValue(object);
-    checkWellFormed(object["value"].value());
+    if (!isAbsent) known.checkAllMet();
+    if (!isAbsent && !type) throw simdjson::simdjson_error(simdjson::INCORRECT_TYPE);
+    if (valueAt < 0) return {};
+    // The second time around no text is read again: the parser has room for each once, and checks nothing.
+    object.reset();
+    for (auto field : object) {
+        if (valueAt-- > 0) continue;
+        if (!isAbsent) return readPayload(*type, field.value());
+        checkWellFormed(field.value());
+        break;
+    }
     return {};
 }
 

@@ -102,23 +102,40 @@ TEST(PrefValueTest, JsonKeysMayComeInAnyOrderAndAbsenceWins) {
                 {R"({"x": [1, {}], "absent": true})", {}},
                 {R"({"type": "int", "value": 36, "absent": true})", {}},
                 {R"({"value": "x", "absent": true, "type": "string"})", {}},
+                {R"({"absent": true, "type": "float", "value": 1})", {}},
+                {R"({"type": 5, "value": [1, {}], "absent": true})", {}},
+                {R"({"value": "x", "absent": true, "type": "int"})", {}},
+                {R"({"type": "stringArray", "value": ["a", 1], "absent": true})", {}},
                 {R"({"absent": false, "type": "bool", "value": true})", PrefValue(true)},
                 {R"({"value": true, "type": "bool", "absent": false})", PrefValue(true)},
                 {R"({"value": ["b", "a"], "x": null, "type": "stringArray"})", PrefValue(Strings{"b", "a"})},
                 {R"({"\u0074ype": "string", "value": "\u00e9\ud83d\ude00"})", PrefValue("\u00E9\U0001F600")},
+                {R"({"type": "int", "v\u0061lue": 2})", PrefValue(2)},
                 {R"({"type": "double", "value": 2})", PrefValue(2.0)}};
     for (const auto& row : rows) EXPECT_EQ(storedValue(row.text), row.stored) << row.text;
 }
 
 TEST(PrefValueTest, JsonIsNeverGuessedAt) {
-    for (const char* text :
-         {"{}", R"({"type": "int"})", R"({"value": 1})", R"({"absent": false})", R"({"absent": 1})",
-          R"({"type": 1, "value": 1})", R"({"type": "bool", "value": 1})",
-          R"({"type": "int", "value": true})", R"({"type": "int", "value": 1.0})",
-          R"({"type": "int", "value": 9223372036854775808})", R"({"type": "double", "value": "1"})",
-          R"({"type": "double", "value": 1e999})", R"({"type": "string", "value": null})",
-          R"({"type": "stringArray", "value": "a"})", R"({"type": "stringArray", "value": ["a", 1]})",
-          R"({"type": "", "value": 1})"}) {
+    for (const char* text : {"{}",
+                             R"({"type": "int"})",
+                             R"({"value": 1})",
+                             R"({"absent": false})",
+                             R"({"absent": 1})",
+                             R"({"absent": true, "type": nul})",
+                             R"({"absent": true, "type": "\ud800"})",
+                             R"({"type": "int", "value": [1,,2], "absent": true})",
+                             R"({"absent": true, "type": 1, "type": 1})",
+                             R"({"type": 1, "value": 1})",
+                             R"({"type": "bool", "value": 1})",
+                             R"({"type": "int", "value": true})",
+                             R"({"type": "int", "value": 1.0})",
+                             R"({"type": "int", "value": 9223372036854775808})",
+                             R"({"type": "double", "value": "1"})",
+                             R"({"type": "double", "value": 1e999})",
+                             R"({"type": "string", "value": null})",
+                             R"({"type": "stringArray", "value": "a"})",
+                             R"({"type": "stringArray", "value": ["a", 1]})",
+                             R"({"type": "", "value": 1})"}) {
         EXPECT_NE(messageOf([&] { storedValue(text); }), "") << text;
     }
     EXPECT_EQ(messageOf([] { storedValue(R"({"type": "float", "value": 1})"); }),
