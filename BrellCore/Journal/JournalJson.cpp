@@ -30,10 +30,17 @@ Uuid readUuid(json::value value) {
     throw std::runtime_error("\"" + excerpt(text) + "\" is not an entry's identifier");
 }
 
-AgentCapture readAgent(json::object object) {
+// Null is as good as no key at all.
+template <class Read>
+auto readOptional(json::value value, Read&& read) -> std::optional<decltype(read(value))> {
+    if (value.is_null()) return std::nullopt;
+    return read(value);
+}
+
+AgentCapture readAgent(json::value value) {
     AgentCapture agent{};
     KnownKeys known(agentKeys, agentKeys.size());
-    for (auto field : object) {
+    for (auto field : value.get_object()) {
         const std::string_view key = field.unescaped_key();
         if (!known.met(key)) checkWellFormed(field.value());
         if (key == "label") agent.label = readText(field.value());
@@ -129,15 +136,15 @@ JournalEntry readJournalEntry(json::object object) {
     for (auto field : object) {
         const std::string_view key = field.unescaped_key();
         if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "agent") entry.agent = readAgent(field.value().get_object());
+        if (key == "agent") entry.agent = readOptional(field.value(), readAgent);
         if (key == "appliedAt") entry.appliedAt = readTimeStamp(field.value());
-        if (key == "choiceID") entry.choiceID = readText(field.value());
+        if (key == "choiceID") entry.choiceID = readOptional(field.value(), readText);
         if (key == "direction") entry.direction = readEnum<EntryDirection>(field.value(), key);
-        if (key == "failure") entry.failure = readText(field.value());
+        if (key == "failure") entry.failure = readOptional(field.value(), readText);
         if (key == "id") entry.id = readUuid(field.value());
         if (key == "kind") entry.kind = readEnum<EntryKind>(field.value(), key);
         if (key == "macOSVersion") entry.macOSVersion = readText(field.value());
-        if (key == "restoredAt") entry.restoredAt = readTimeStamp(field.value());
+        if (key == "restoredAt") entry.restoredAt = readOptional(field.value(), readTimeStamp);
         if (key == "status") entry.status = readEnum<EntryStatus>(field.value(), key);
         if (key == "tweakID") entry.tweakID = readText(field.value());
         if (key == "writes")

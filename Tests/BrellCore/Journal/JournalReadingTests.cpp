@@ -76,6 +76,11 @@ TEST_F(JournalReadingTest, KeyOrderUnknownKeysAndOldFormatsDoNotMatter) {
         "appliedAt":"2026-11-15T20:23:13Z"}],"format":1}  )")
                   ->all(),
               bare);
+    EXPECT_EQ(opened(R"({"entries":[{"writes":[],"tweakID":"dock.sample","status":"applied","macOSVersion":
+        "15.1.0","kind":"preference","id":"01234567-89AB-CDEF-0123-456789ABCDEF","direction":"on","agent":null,
+        "choiceID":null,"failure": null ,"restoredAt":null,"appliedAt":"2026-11-15T20:23:13Z"}],"format":1})")
+                  ->all(),
+              bare);
 }
 
 TEST_F(JournalReadingTest, AFileCutAnywhereIsRefusedOrComplete) {
@@ -162,7 +167,8 @@ TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {
         {"01234567-", "01234567", "\"0123456789AB-CDEF-0123-456789ABCDEF\" is not an entry's identifier"},
         {"2026-11-15T20:23:13Z", "2026-11-31T20:23:13Z", "\"2026-11-31T20:23:13Z\" is not a date"},
         {"2026-11-16T00:00:00Z", "yesterday", "\"yesterday\" is not a date"},
-        {"\"small\"", "null", ""},
+        {"\"small\"", "nul", ""},
+        {"\"small\"", "7", ""},
         {"\"dock.sample\"", "7", ""},
         {"\"wasLoaded\" : true", "\"wasLoaded\" : 1", ""},
         {"\"writes\" : []", "\"writes\" : {}", ""},
