@@ -4,13 +4,13 @@ namespace brell {
 
 namespace {
 
-struct EngineFailureText {
+struct TextAlone {
     std::string operator()(const Refused& failure) const { return failure.text; }
     std::string operator()(const StoreFailure& failure) const { return describe(failure); }
-    std::string operator()(const JournalFailure& failure) const { return describe(failure); }
+    std::string operator()(const JournalFailure& failure) const { return describeAlone(failure); }
     std::string operator()(const VerifyFailed& failure) const {
         return "After writing " + failure.key.rendered() + ", macOS reports " + failure.read.rendered() +
-               " instead of " + failure.written.rendered() + ". The keys written so far were put back.";
+               " instead of " + failure.written.rendered() + ".";
     }
     std::string operator()(const Drift& failure) const {
         return "Entry " + failure.entry.text() +
@@ -24,8 +24,14 @@ struct EngineFailureText {
 
 }  // namespace
 
+std::string describeAlone(const EngineFailure& failure) {
+    return std::visit(TextAlone(), failure);
+}
+
 std::string describe(const EngineFailure& failure) {
-    return std::visit(EngineFailureText(), failure);
+    if (const auto* journal = std::get_if<JournalFailure>(&failure)) return describe(*journal);
+    const bool wasRolledBack = std::holds_alternative<VerifyFailed>(failure);
+    return describeAlone(failure) + (wasRolledBack ? " The keys written so far were put back." : "");
 }
 
 EngineError::~EngineError() = default;

@@ -34,6 +34,8 @@ struct NoAgentRestorer {
 using EngineFailure =
     std::variant<Refused, StoreFailure, JournalFailure, VerifyFailed, Drift, NotActive, NoAgentRestorer>;
 std::string describe(const EngineFailure& failure);
+// Without the sentence that says what became of the change, for when that is not so.
+std::string describeAlone(const EngineFailure& failure);
 
 class EngineError final : public FailureError<EngineFailure> {
 public:

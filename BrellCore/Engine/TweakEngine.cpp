@@ -271,16 +271,17 @@ std::optional<EngineFailure> TweakEngine::writeVerified(const JournaledWrite& wr
 void TweakEngine::rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
                            const Journal::Exclusive& held) {
     entry.status = EntryStatus::failed;
-    entry.failure = describe(reason);
+    std::string stuck;
     for (std::size_t i = written; i-- > 0;) {
         try {
             putBack(entry.writes[i]);
         } catch (const StoreError& error) {
             entry.status = EntryStatus::capturing;  // still active: recovery tries again
-            *entry.failure += std::string(" ") + error.what();
+            stuck += std::string(" ") + error.what();
         }
     }
-    entry.failure = repairedUtf8(*entry.failure);  // else a path in it could keep it out of the journal
+    const std::string text = stuck.empty() ? describe(reason) : describeAlone(reason) + stuck;
+    entry.failure = repairedUtf8(text);  // else a path in it could keep it out of the journal
     try {
         journal_.upsert(entry, held);
     } catch (const JournalError&) {

@@ -2,14 +2,19 @@
 
 namespace brell {
 
-std::string describe(const JournalFailure& failure) {
+std::string describeAlone(const JournalFailure& failure) {
     switch (failure.kind) {
         case JournalFailure::Kind::cannotWrite:
-            return "The change journal could not be written: " + failure.text + ". Nothing was changed.";
+            return "The change journal could not be written: " + failure.text + ".";
         case JournalFailure::Kind::cannotRead:
             return "The change journal could not be read: " + failure.text + ".";
     }
     return {};
+}
+
+std::string describe(const JournalFailure& failure) {
+    const bool wasToBeSaved = failure.kind == JournalFailure::Kind::cannotWrite;
+    return describeAlone(failure) + (wasToBeSaved ? " Nothing was changed." : "");
 }
 
 JournalError::~JournalError() = default;

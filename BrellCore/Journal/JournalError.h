@@ -14,6 +14,8 @@ struct JournalFailure {
     bool operator==(const JournalFailure&) const = default;
 };
 std::string describe(const JournalFailure& failure);
+// Without saying what became of the change.
+std::string describeAlone(const JournalFailure& failure);
 
 class JournalError final : public FailureError<JournalFailure> {
 public:

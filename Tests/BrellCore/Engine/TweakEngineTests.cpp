@@ -122,6 +122,20 @@ TEST_F(TweakEngineTest, ARollbackThatFailsKeepsTheEntryForRecovery) {
     EXPECT_EQ(files.snapshot(), original);
 }
 
+TEST_F(TweakEngineTest, WhatWasNotPutBackIsNotSaidToBe) {
+    const PrefKey magnification{"com.apple.dock", "magnification"}, largeSize{"com.apple.dock", "largesize"};
+    files.write(false, magnification);
+    store.goWrong(Fault::ignores, "write com.apple.dock", 2);
+    const PrefValue written = tweak("dock.magnify").writes[1].target;
+    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("dock.magnify")); }),
+              EngineFailure(VerifyFailed{largeSize, written, {}}));
+    EXPECT_EQ(journal.all().at(0).status, EntryStatus::capturing);
+    EXPECT_EQ(journal.all().at(0).failure,
+              "After writing com.apple.dock largesize, macOS reports absent instead of " +
+                  written.rendered() +
+                  ". After putting back com.apple.dock magnification, macOS reports true instead of false.");
+}
+
 TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
     files.write(41, tileSize);
     const JournalEntry entry = engine.apply(tweak("dock.size"));
