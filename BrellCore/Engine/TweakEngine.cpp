@@ -8,6 +8,7 @@
 #include "BrellCore/Journal/EntryOrder.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Preferences/PrefValueJson.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/Text.h"
 
@@ -41,6 +42,15 @@ void checkValues(const Tweak& tweak, const std::vector<PrefValue>& values) {
             throw refused(fmt::format("{}: {} takes a {}, not a {}.", tweak.id, write.key.name,
                                       write.target.typeName(), values[i].typeName()));
     }
+}
+
+// What can't be saved could not be put back.
+void checkCanBeSaved(const JournaledWrite& write) try {
+    JsonWriter json(JsonWriter::Layout::compact);
+    writeJson(json, write.original);
+    writeJson(json, write.written);
+} catch (const JsonWriteError& error) {
+    throw refused(write.key.rendered() + " can't be changed: " + error.what() + ".");
 }
 
 bool always(std::size_t, std::size_t) {
@@ -252,6 +262,7 @@ std::vector<JournaledWrite> TweakEngine::captureOriginals(const Tweak& tweak, co
         if (store_.isForced(key))
             throw refused(key.rendered() + " is managed by a profile; a change would have no effect.");
         writes.push_back({key, store_.exactValue(key), values[i]});
+        checkCanBeSaved(writes.back());
     }
     return writes;
 }

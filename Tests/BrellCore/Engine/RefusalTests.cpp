@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <thread>
 
@@ -75,6 +76,15 @@ std::vector<Refusal> refusals() {
          Refused{"com.apple.dock largesize is managed by a profile; a change would have no effect."}},
         {"another type stored", [](EngineFixture& brell) { brell.files.markUnsupported(largeSize); },
          applying("dock.magnify"), StoreFailure(UnsupportedType{largeSize, "dictionary"})},
+        {"a number that can't be saved",
+         [](EngineFixture& brell) {
+             brell.files.write(NAN, {"com.apple.dock", "autohide-delay"});
+         },
+         applying("dock.autohide_instant"),
+         Refused{"com.apple.dock autohide-delay can't be changed: the number nan can't be saved."}},
+        {"text that can't be saved", nothing, applyingValues("shot.folder", {"/Users/sam/\xC3"}),
+         Refused{"com.apple.screencapture location can't be changed: text that is not UTF-8 can't be "
+                 "saved."}},
         {"number of values", nothing, applyingValues("dock.magnify", {true}),
          Refused{"dock.magnify: 1 values for 2 keys."}},
         {"types of values", nothing, applyingValues("dock.magnify", {true, 80.0}),
