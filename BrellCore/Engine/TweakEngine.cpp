@@ -285,7 +285,7 @@ void TweakEngine::rollBack(JournalEntry& entry, std::size_t written, const Engin
     std::string stuck;
     for (std::size_t i = written; i-- > 0;) {
         try {
-            putBack(entry.writes[i]);
+            putBack(entry.writes[i], Foreign::stays);
         } catch (const StoreError& error) {
             entry.status = EntryStatus::capturing;  // still active: recovery tries again
             stuck += std::string(" ") + error.what();
@@ -302,7 +302,8 @@ void TweakEngine::rollBack(JournalEntry& entry, std::size_t written, const Engin
 }
 
 // Makes the key hold its original again, and proves it. Raises StoreError when it does not come back.
-void TweakEngine::putBack(const JournaledWrite& write) {
+void TweakEngine::putBack(const JournaledWrite& write, Foreign foreign) {
+    if (foreign == Foreign::stays) store_.exactValue(write.key);  // raises where there is one
     try {
         store_.put(write.original, write.key);
     } catch (const StoreError&) {
@@ -348,10 +349,13 @@ bool TweakEngine::holdsSomethingElse(const JournalEntry& entry) try {
 
 JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overridingDrift,
                                              const Journal::Exclusive& held) {
-    const bool isChecked = entry.status == EntryStatus::applied && !overridingDrift;
+    const bool isApplied = entry.status == EntryStatus::applied;
+    const bool isChecked = isApplied && !overridingDrift;
+    // Of an applied one the user has confirmed every drift, or there is none.
+    const Foreign foreign = isApplied ? Foreign::givesWay : Foreign::stays;
     if (isChecked && holdsSomethingElse(entry)) throw EngineError(Drift{entry.id});
     try {
-        for (const JournaledWrite& write : entry.writes) putBack(write);
+        for (const JournaledWrite& write : entry.writes) putBack(write, foreign);
         return saveRestored(entry, held);
     } catch (const std::exception&) {
         if (isChecked) redo(entry);

@@ -127,7 +127,9 @@ private:
     std::optional<EngineFailure> writeVerified(const JournaledWrite& write);
     void rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
                   const Journal::Exclusive& held);
-    void putBack(const JournaledWrite& write);
+    // A value of a kind that Brell never writes: somebody else stored it.
+    enum class Foreign { stays, givesWay };
+    void putBack(const JournaledWrite& write, Foreign foreign);
     JournalEntry activeEntry(const Uuid& entryID);
     RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
                                      const std::set<Uuid>& confirmedDrift, const Progress& goOn);

@@ -105,23 +105,60 @@ PrefValue alikeOfAnotherType(const PrefValue& value) {
     return PrefValue::StringArray{value.rendered()};
 }
 
-TEST_F(UndoSweepTest, EveryTweakOverUserDefaultsIsAppliedOverAnotherTypeAndUndoneExactly) {
-    EngineFixture brell;
-    const auto defaults = std::make_shared<StandInDefaults>();
+class UserDefaultsUndoTest : public UndoSweepTest, protected EngineFixture {
+protected:
+    const std::shared_ptr<StandInDefaults> defaults = std::make_shared<StandInDefaults>();
     CFPreferencesStore userDefaults{TweakCatalog::allowedDomains(), true, defaults};
-    EngineRun overDefaults{userDefaults, brell.catalog, brell.folder.path / "real journal", brell.clock};
-    for (const Tweak& each : brell.catalog.all())
+    EngineRun overDefaults{userDefaults, catalog, folder.path / "real journal", clock};
+};
+
+TEST_F(UserDefaultsUndoTest, EveryTweakIsAppliedOverAnotherTypeAndUndoneExactly) {
+    for (const Tweak& each : catalog.all())
         for (const Write& write : each.writes)
             defaults->saveElsewhere(write.key, alikeOfAnotherType(write.target).propertyListObject());
     const auto original = defaults->saved;
 
-    for (const Tweak& each : brell.catalog.all()) {
+    for (const Tweak& each : catalog.all()) {
         overDefaults.engine.apply(each, each.targets());
         for (const Write& write : each.writes)
             EXPECT_EQ(userDefaults.exactValue(write.key), StoredValue(write.target)) << write.key.rendered();
     }
-    EXPECT_EQ(overDefaults.engine.restoreAll({}).restored.size(), brell.catalog.all().size());
+    EXPECT_EQ(overDefaults.engine.restoreAll({}).restored.size(), catalog.all().size());
     EXPECT_EQ(defaults->saved, original);
+}
+
+TEST_F(UserDefaultsUndoTest, AKindThatBrellNeverWritesGivesWayOnlyToAConfirmedUndo) {
+    const PrefKey tileSize{"com.apple.dock", "tilesize"};
+    const std::string refusal = "com.apple.dock tilesize holds a dictionary, which Brell does not change.";
+    const Tweak& size = tweak("dock.size");
+    const auto storeElsewhere = [&](const JournalEntry&) {
+        defaults->saveElsewhere(tileSize, PlistValue{PlistDictionary{}});
+    };
+    FaultyStore faulty{userDefaults};
+    EngineRun other(faulty, catalog, folder.path / "real journal", clock);
+    other.engine.setAfterCaptureHook(storeElsewhere);
+    faulty.goWrong(Fault::refuses, "write");
+    const StoreFailure reason = FaultyStore::simulated("write " + tileSize.rendered());
+    EXPECT_EQ(engineFailure([&] { other.engine.apply(size); }), EngineFailure(reason));
+
+    const auto foreign = defaults->saved;
+    const JournalEntry entry = overDefaults.journal->activeEntry(size.id).value();
+    EXPECT_EQ(entry.status, EntryStatus::capturing);
+    EXPECT_EQ(entry.failure, describe(reason) + " " + refusal);
+    EXPECT_EQ(overDefaults.engine.recoverInterrupted(),
+              (RestoreAllOutcome{{}, {}, {{entry.id, refusal}}, {}}));
+    EXPECT_EQ(messageOf([&] { overDefaults.engine.restore(entry.id, true); }), refusal);
+    EXPECT_EQ(defaults->saved, foreign);
+    EXPECT_EQ(overDefaults.journal->activeEntry(size.id), entry);
+
+    defaults->saved.clear();
+    EXPECT_EQ(overDefaults.engine.recoverInterrupted().restored, std::vector{entry.id});
+    const JournalEntry applied = overDefaults.engine.apply(size);
+    storeElsewhere(applied);
+    EXPECT_EQ(engineFailure([&] { overDefaults.engine.restore(applied.id, false); }),
+              EngineFailure(Drift{applied.id}));
+    EXPECT_EQ(overDefaults.engine.restore(applied.id, true).status, EntryStatus::restored);
+    EXPECT_EQ(defaults->saved, StandInDefaults::Values());
 }
 
 }  // namespace
