@@ -40,6 +40,9 @@ std::string describeAlone(const EngineFailure& failure);
 class EngineError final : public FailureError<EngineFailure> {
 public:
     using FailureError::FailureError;
+    // what() says in whole sentences what became of the change instead of what the failure says about it.
+    EngineError(const EngineFailure& failure, const std::string& outcome)
+        : FailureError(describeAlone(failure) + " " + outcome, failure) {}
     ~EngineError() override;
 };
 

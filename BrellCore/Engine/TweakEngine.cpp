@@ -188,7 +188,10 @@ JournalEntry TweakEngine::finishAgentChange(AgentChange change, EntryStatus stat
         change.entry.status = status;
         // What a tool printed may be any bytes, and must not keep the outcome out of the journal.
         if (failure) change.entry.failure = repairedUtf8(*failure);
-        journal_.upsert(change.entry, change.held);
+        if (status == EntryStatus::applied)
+            saveApplied(change.entry, change.held);
+        else
+            journal_.upsert(change.entry, change.held);
         rewriteRestoreScript(change.held);
         return change.entry;
     });
@@ -230,8 +233,23 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
         throw EngineError(*failure);
     }
     entry.status = EntryStatus::applied;
-    journal_.upsert(entry, held);
+    saveApplied(entry, held);
     return entry;
+}
+
+// Of a change that is made: when it can't be saved, the journal still says that it is under way.
+void TweakEngine::saveApplied(const JournalEntry& entry, const Journal::Exclusive& held) try {
+    journal_.upsert(entry, held);
+} catch (const JournalError& error) {
+    throw EngineError(error.failure(),
+                      subjectOf(entry) + " was changed all the same; it is listed as interrupted.");
+}
+
+// For a sentence.
+std::string TweakEngine::subjectOf(const JournalEntry& entry) const {
+    if (entry.agent) return entry.agent->label;
+    const Tweak* tweak = catalog_.tweak(entry.tweakID);
+    return tweak ? tweak->title : entry.tweakID;
 }
 
 JournalEntry TweakEngine::newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const {
@@ -331,7 +349,7 @@ JournalEntry TweakEngine::restoreLocked(const Uuid& entryID, bool overridingDrif
             if (!entry.agent) throw refused("Entry " + entryID.text() + " has no agent capture.");
             if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
             agentRestorer_->restore(*entry.agent);
-            return saveRestored(std::move(entry), held);
+            return saveRestored(entry, held);
         case EntryKind::preference: return restorePreferences(std::move(entry), overridingDrift, held);
     }
     return entry;
@@ -357,6 +375,9 @@ JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overriding
     try {
         for (const JournaledWrite& write : entry.writes) putBack(write, foreign);
         return saveRestored(entry, held);
+    } catch (const EngineError& unsaved) {
+        if (isChecked && redo(entry)) throw EngineError(unsaved.failure());  // nothing was changed after all
+        throw;
     } catch (const std::exception&) {
         if (isChecked) redo(entry);
         throw;
@@ -364,21 +385,31 @@ JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overriding
 }
 
 // After an undo that failed half way: to the next one, keys that no longer hold what Brell wrote would look
-// like somebody else's change. Where that fails too, the next undo asks first.
-void TweakEngine::redo(const JournalEntry& entry) noexcept try {
-    if (journal_.entry(entry.id) != entry) return;  // the undo is on record after all
-    for (std::size_t i = entry.writes.size(); i-- > 0;) writeVerified(entry.writes[i]);
+// like somebody else's change. Where that fails too, the next undo asks first. True when all of them hold it.
+bool TweakEngine::redo(const JournalEntry& entry) noexcept try {
+    if (journal_.entry(entry.id) != entry) return false;  // the undo is on record after all
+    bool isRedone = true;
+    for (std::size_t i = entry.writes.size(); i-- > 0;)
+        if (writeVerified(entry.writes[i])) isRedone = false;
+    return isRedone;
 } catch (const std::exception&) {
-    // The entry is active and has every original.
+    return false;  // the entry is active and has every original
 }
 
-JournalEntry TweakEngine::saveRestored(JournalEntry entry, const Journal::Exclusive& held) {
-    entry.status = EntryStatus::restored;
-    entry.restoredAt = settings_.clock();
-    entry.failure = std::nullopt;
-    journal_.upsert(entry, held);
+// Of an undo that is made: when it can't be saved, the journal still says what it said before.
+JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal::Exclusive& held) try {
+    JournalEntry restored = entry;
+    restored.status = EntryStatus::restored;
+    restored.restoredAt = settings_.clock();
+    restored.failure = std::nullopt;
+    journal_.upsert(restored, held);
     rewriteRestoreScript(held);
-    return entry;
+    return restored;
+} catch (const JournalError& error) {
+    const bool wasApplied = entry.status == EntryStatus::applied;
+    throw EngineError(error.failure(), subjectOf(entry) +
+                                           " was put back all the same; it is still listed as " +
+                                           (wasApplied ? "active." : "interrupted."));
 }
 
 void TweakEngine::restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,

@@ -122,6 +122,8 @@ private:
                         std::optional<std::string> choiceID);
     JournalEntry changeLocked(const Tweak& tweak, EntryDirection direction, const Values& values,
                               std::optional<std::string> choiceID, const Journal::Exclusive& held);
+    void saveApplied(const JournalEntry& entry, const Journal::Exclusive& held);
+    std::string subjectOf(const JournalEntry& entry) const;
     JournalEntry newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const;
     std::vector<JournaledWrite> captureOriginals(const Tweak& tweak, const Values& values);
     std::optional<EngineFailure> writeVerified(const JournaledWrite& write);
@@ -136,8 +138,8 @@ private:
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     bool holdsSomethingElse(const JournalEntry& entry);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
-    void redo(const JournalEntry& entry) noexcept;
-    JournalEntry saveRestored(JournalEntry entry, const Journal::Exclusive& held);
+    bool redo(const JournalEntry& entry) noexcept;
+    JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
                      const Journal::Exclusive& held);
     void rewriteRestoreScript(const Journal::Exclusive& held) noexcept;

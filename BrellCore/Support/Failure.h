@@ -2,6 +2,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace brell {
@@ -15,6 +16,11 @@ public:
     explicit FailureError(Failure failure)
         : std::runtime_error(describe(failure)), failure_(std::move(failure)) {}
     const Failure& failure() const noexcept { return failure_; }
+
+protected:
+    // Where more is known than the failure alone says.
+    FailureError(const std::string& sentences, Failure failure)
+        : std::runtime_error(sentences), failure_(std::move(failure)) {}
 
 private:
     Failure failure_;

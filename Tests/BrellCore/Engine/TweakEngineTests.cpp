@@ -4,6 +4,7 @@
 
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
+#include "Tests/Support/SystemCalls.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -255,6 +256,47 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     journal.upsert(bare);
     EXPECT_EQ(engineFailure([&] { engine.restore(bare.id, false); }),
               EngineFailure(Refused{"Entry " + bare.id.text() + " has no agent capture."}));
+}
+
+TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
+    if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
+    const JournalFailure unsaved{JournalFailure::Kind::cannotWrite, "rename failed: Input/output error"};
+    const auto failingSave = [&](int nth, const std::function<void()>& action) {
+        const FailingCall failing(journal.fileURL(), SystemCall::rename, EIO, nth);
+        const auto error = thrownBy<EngineError>(action);
+        if (!error) return std::string();
+        EXPECT_EQ(error->failure(), EngineFailure(unsaved));
+        const std::string text = error->what(), reason = describeAlone(unsaved) + " ";
+        EXPECT_TRUE(text.starts_with(reason)) << text;
+        return text.substr(reason.size());
+    };
+    const Tweak& autohide = tweak("dock.autohide");
+    const PrefKey key = autohide.writes[0].key;
+    EXPECT_EQ(failingSave(1, [&] { engine.apply(autohide); }), "Nothing was changed.");
+    EXPECT_EQ(failingSave(2, [&] { engine.apply(autohide); }),
+              "Hide the Dock automatically was changed all the same; it is listed as interrupted.");
+    const Uuid id = journal.activeEntry(autohide.id)->id;
+    EXPECT_EQ(failingSave(1, [&] { engine.restore(id, false); }),
+              "Hide the Dock automatically was put back all the same; it is still listed as interrupted.");
+    EXPECT_EQ(files.snapshot(), original);
+    engine.recoverInterrupted();
+
+    const Uuid applied = engine.apply(autohide).id;
+    EXPECT_EQ(failingSave(1, [&] { engine.restore(applied, false); }), "Nothing was changed.");
+    EXPECT_EQ(files.exactValue(key), StoredValue(true));
+    EXPECT_EQ(failingSave(1, [&] { engine.restore(applied, true); }),
+              "Hide the Dock automatically was put back all the same; it is still listed as active.");
+    EXPECT_EQ(files.snapshot(), original);
+
+    RememberingRestorer restorer;
+    engine.setAgentRestorer(&restorer);
+    const AgentCapture capture{"org.example.sync", "/sync.plist", true, AgentOverride::absent};
+    AgentChange change = engine.beginAgentChange(capture.label, capture);
+    EXPECT_EQ(failingSave(1, [&] { engine.finishAgentChange(std::move(change), EntryStatus::applied, {}); }),
+              "org.example.sync was changed all the same; it is listed as interrupted.");
+    const Uuid agent = journal.activeEntry("agent:org.example.sync")->id;
+    EXPECT_EQ(failingSave(1, [&] { engine.restore(agent, false); }),
+              "org.example.sync was put back all the same; it is still listed as interrupted.");
 }
 
 }  // namespace
