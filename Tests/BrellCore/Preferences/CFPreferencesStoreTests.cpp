@@ -133,7 +133,7 @@ TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsSt
     EXPECT_EQ(stored(tileSize), DefaultsObject(PlistValue{48.0}));
 
     defaults->refusal = "macOS does not take it.";
-    EXPECT_EQ(failureOf([&] { store.write(true, autohide); }),
+    EXPECT_EQ(failureOf<StoreError>([&] { store.write(true, autohide); }),
               StoreFailure(StoreIo{"com.apple.dock autohide could not be written: macOS does not take it."}));
 }
 
