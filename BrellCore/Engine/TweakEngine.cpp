@@ -228,9 +228,7 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
 
     for (std::size_t i = 0; i < entry.writes.size(); ++i) {
         const auto failure = writeVerified(entry.writes[i]);
-        if (!failure) continue;
-        rollBack(entry, i + 1, *failure, held);
-        throw EngineError(*failure);
+        if (failure) throw rollBack(entry, i + 1, *failure, held);
     }
     entry.status = EntryStatus::applied;
     saveApplied(entry, held);
@@ -295,28 +293,40 @@ std::optional<EngineFailure> TweakEngine::writeVerified(const JournaledWrite& wr
     return error.failure();
 }
 
-// Puts the first so many writes back, newest first, and records how that went. Raises nothing: the reason for
-// rolling back is the error to report.
-void TweakEngine::rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
-                           const Journal::Exclusive& held) {
+// Puts the first so many writes back, newest first, and records how that went. Gives the error to raise: the
+// reason for rolling back, and what did not come back.
+EngineError TweakEngine::rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
+                                  const Journal::Exclusive& held) {
     entry.status = EntryStatus::failed;
-    std::string stuck;
+    std::vector<std::string> stuck;
     for (std::size_t i = written; i-- > 0;) {
         try {
             putBack(entry.writes[i], Foreign::stays);
         } catch (const StoreError& error) {
             entry.status = EntryStatus::capturing;  // still active: recovery tries again
-            stuck += std::string(" ") + error.what();
+            stuck.push_back(error.what());
         }
     }
-    const std::string text = stuck.empty() ? describe(reason) : describeAlone(reason) + stuck;
-    entry.failure = repairedUtf8(text);  // else a path in it could keep it out of the journal
+    const EngineError error = stuck.empty() ? EngineError(reason) : EngineError(reason, join(stuck, " "));
+    entry.failure = repairedUtf8(error.what());  // else a path in it could keep it out of the journal
     try {
         journal_.upsert(entry, held);
     } catch (const JournalError&) {
         // The entry stays on disk as it was saved before the change: active, with every original.
     }
     rewriteRestoreScript(held);
+    return error;
+}
+
+// Every key, also behind one that does not come back. Raises what the first of these raised.
+void TweakEngine::putBack(const std::vector<JournaledWrite>& writes, Foreign foreign) {
+    std::exception_ptr first;
+    for (const JournaledWrite& write : writes) try {
+            putBack(write, foreign);
+        } catch (const StoreError&) {
+            if (!first) first = std::current_exception();
+        }
+    if (first) std::rethrow_exception(first);
 }
 
 // Makes the key hold its original again, and proves it. Raises StoreError when it does not come back.
@@ -373,7 +383,7 @@ JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overriding
     const Foreign foreign = isApplied ? Foreign::givesWay : Foreign::stays;
     if (isChecked && holdsSomethingElse(entry)) throw EngineError(Drift{entry.id});
     try {
-        for (const JournaledWrite& write : entry.writes) putBack(write, foreign);
+        putBack(entry.writes, foreign);
         return saveRestored(entry, held);
     } catch (const EngineError& unsaved) {
         if (isChecked && redo(entry)) throw EngineError(unsaved.failure());  // nothing was changed after all

@@ -128,13 +128,19 @@ TEST_F(TweakEngineTest, WhatWasNotPutBackIsNotSaidToBe) {
     files.write(false, magnification);
     store.goWrong(Fault::ignores, "write com.apple.dock", 2);
     const PrefValue written = tweak("dock.magnify").writes[1].target;
-    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("dock.magnify")); }),
-              EngineFailure(VerifyFailed{largeSize, written, {}}));
+    try {
+        engine.apply(tweak("dock.magnify"));
+        ADD_FAILURE() << "the second key was not written";
+    } catch (const EngineError& error) {
+        EXPECT_EQ(error.failure(), EngineFailure(VerifyFailed{largeSize, written, {}}));
+        EXPECT_EQ(error.what(),
+                  "After writing com.apple.dock largesize, macOS reports absent instead of " +
+                      written.rendered() +
+                      ". After putting back com.apple.dock magnification, macOS reports true instead of "
+                      "false.");
+        EXPECT_EQ(journal.all().at(0).failure, error.what());
+    }
     EXPECT_EQ(journal.all().at(0).status, EntryStatus::capturing);
-    EXPECT_EQ(journal.all().at(0).failure,
-              "After writing com.apple.dock largesize, macOS reports absent instead of " +
-                  written.rendered() +
-                  ". After putting back com.apple.dock magnification, macOS reports true instead of false.");
 }
 
 TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {

@@ -153,6 +153,16 @@ TEST_F(UserDefaultsUndoTest, AKindThatBrellNeverWritesGivesWayOnlyToAConfirmedUn
 
     defaults->saved.clear();
     EXPECT_EQ(overDefaults.engine.recoverInterrupted().restored, std::vector{entry.id});
+
+    // The other keys of an interrupted change come back all the same.
+    const Tweak& instant = tweak("dock.autohide_instant");
+    breakOff(overDefaults.engine, instant);
+    defaults->saveElsewhere(instant.writes[1].key, instant.writes[1].target.propertyListObject());
+    defaults->saveElsewhere(instant.writes[0].key, PlistValue{PlistDictionary{}});
+    EXPECT_EQ(overDefaults.engine.recoverInterrupted().failed.size(), 1u);
+    EXPECT_EQ(userDefaults.exactValue(instant.writes[1].key), StoredValue::absent());
+    defaults->saved.clear();
+    EXPECT_EQ(overDefaults.engine.recoverInterrupted().restored.size(), 1u);
     const JournalEntry applied = overDefaults.engine.apply(size);
     storeElsewhere(applied);
     EXPECT_EQ(engineFailure([&] { overDefaults.engine.restore(applied.id, false); }),
