@@ -6,6 +6,7 @@
 
 #include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
@@ -26,7 +27,7 @@ AgentToggleError error(AgentToggleProblem problem, std::string text) {
 }
 
 AgentToggleError commandError(const AllowedCommand& command, const std::string& output) {
-    return error(AgentToggleProblem::command, command.rendered() + ": " + std::string(stripped(output)));
+    return error(AgentToggleProblem::command, command.rendered() + ": " + oneLine(stripped(output)));
 }
 
 bool saysNotLoaded(const CommandResult& result) {
@@ -119,14 +120,14 @@ void AgentSteps::bootstrap(const std::string& plistPath) {
             std::find(unclearCodes.begin(), unclearCodes.end(), result.exitCode) != unclearCodes.end();
         if (!unclear) throw commandError(command, result.output());
         const LoadedState loaded = settledState().loaded;
-        if (loaded.isLoaded() && !isLeaving(loaded)) return;
+        if (isLoadedFrom(loaded, plistPath) && !isLeaving(loaded)) return;
         if (loaded.isLoaded() || !bootedOut_ || triedBefore) throw commandError(command, result.output());
     }
 }
 
-void AgentSteps::expect(AgentOverride override, const std::optional<std::string>& loadedFrom) {
+void AgentSteps::expect(AgentOverride override, bool loaded) {
     const auto deadline = waiting_.now() + patience;
-    while (const auto failure = mismatch(override, loadedFrom)) {
+    while (const auto failure = mismatch(override, loaded)) {
         if (waiting_.now() >= deadline) throw AgentToggleError(*failure);
         waiting_.sleep(pause);
     }
@@ -152,9 +153,7 @@ void AgentSteps::runStep(const AllowedCommand& command) {
 }
 
 // What launchd reports otherwise, or why it can't be asked; nothing when all is as expected.
-std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override,
-                                                       const std::optional<std::string>& loadedFrom) try {
-    const bool loaded = loadedFrom.has_value();
+std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override, bool loaded) try {
     const AgentState state = currentState();
     if (state.override != override)
         return AgentToggleFailure{AgentToggleProblem::verifyFailed,
@@ -163,10 +162,6 @@ std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override,
     if (state.loaded.isLoaded() != loaded || (loaded && isLeaving(state.loaded)))
         return AgentToggleFailure{AgentToggleProblem::verifyFailed,
                                   label_ + " is " + words(!loaded) + ", expected " + words(loaded)};
-    if (loaded && !isLoadedFrom(state.loaded, *loadedFrom))
-        return AgentToggleFailure{
-            AgentToggleProblem::verifyFailed,
-            label_ + " is loaded from " + state.loaded.path.value_or("") + ", expected " + *loadedFrom};
     return std::nullopt;
 } catch (const AgentToggleError& failure) {
     return failure.failure();

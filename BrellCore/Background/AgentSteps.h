@@ -49,11 +49,10 @@ public:
     void bootout();  // an agent that is not loaded is no error
     void disable();
     void enable();
-    void bootstrap(const std::string& plistPath);  // one that is loaded already is no error
+    void bootstrap(const std::string& plistPath);  // one that is loaded from there already is no error
 
-    // Waits up to five seconds for launchd to report this, then raises. loadedFrom is the agent's file;
-    // nothing for one that is not to be loaded.
-    void expect(AgentOverride override, const std::optional<std::string>& loadedFrom);
+    // Waits up to five seconds for launchd to report this, then raises.
+    void expect(AgentOverride override, bool loaded);
 
     // Whether a step was run that may have changed something, even if it failed.
     bool mayHaveChanged() const { return mayHaveChanged_; }
@@ -63,8 +62,7 @@ public:
 private:
     CommandResult run(const AllowedCommand& command);
     void runStep(const AllowedCommand& command);
-    std::optional<AgentToggleFailure> mismatch(AgentOverride override,
-                                               const std::optional<std::string>& loadedFrom);
+    std::optional<AgentToggleFailure> mismatch(AgentOverride override, bool loaded);
 
     CommandRunning& runner_;
     const Waiting waiting_;

@@ -40,7 +40,7 @@ void checkStillLabelled(const fs::path& file, const std::string& label) {
 void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
     AllowedCommand::launchctlBootstrap(domain, file.string()).validate();
 } catch (const CommandError&) {
-    throw refused(file.string() + " could not be loaded again: your LaunchAgents folder is a link to " +
+    throw refused(file.string() + " could not be loaded again: your LaunchAgents folder leads to " +
                   file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
 }
 
@@ -56,26 +56,28 @@ void checkSource(const LoadedState& loaded, const std::string& label, const std:
 bool isAsCaptured(const AgentState& state, const AgentCapture& capture) {
     const bool disabled = state.override == AgentOverride::disabled;
     return disabled == (capture.override == AgentOverride::disabled) &&
-           state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded) &&
-           (!capture.wasLoaded || isLoadedFrom(state.loaded, capture.plistPath));
+           state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded);
 }
 
 // The override tells afterwards which way a change went.
-void checkTurns(const std::string& label, AgentOverride before, bool off) {
-    const bool isOff = before == AgentOverride::disabled;
-    if (isOff == off) throw refused(label + (off ? " is already turned off." : " is not turned off."));
+void checkTurns(const std::string& label, const AgentState& before, bool off) {
+    const bool isOff = before.override == AgentOverride::disabled;
+    if (isOff != off) return;
+    if (off && before.loaded.isLoaded())
+        throw refused(label + " is already turned off, and runs until it ends or you log out.");
+    throw refused(label + (off ? " is already turned off." : " is not turned off."));
 }
 
 void switchOff(AgentSteps& steps) {
     steps.bootout();
     steps.disable();
-    steps.expect(AgentOverride::disabled, std::nullopt);
+    steps.expect(AgentOverride::disabled, false);
 }
 
 void switchOn(AgentSteps& steps, const std::string& plistPath) {
     steps.enable();
     steps.bootstrap(plistPath);
-    steps.expect(AgentOverride::enabled, plistPath);
+    steps.expect(AgentOverride::enabled, true);
 }
 
 }  // namespace
@@ -100,6 +102,14 @@ AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) co
     checkStillLabelled(file, label);
     checkLoadablePlace(domain(), file);
     return {label, file.string()};
+}
+
+std::optional<std::string> AgentToggle::whyNotSwitched(const LaunchAgentRecord& record) const try {
+    const Validated agent = validate(record);
+    checkSource(record.loaded, agent.label, agent.plistPath);
+    return std::nullopt;
+} catch (const std::exception& error) {
+    return error.what();
 }
 
 AgentState AgentToggle::currentState(const std::string& label) const {
@@ -205,7 +215,7 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
 AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction direction) const {
     const Validated agent = validate(record);
     const AgentState before = stepsFor(agent.label).settledState();
-    checkTurns(agent.label, before.override, direction == Direction::off);
+    checkTurns(agent.label, before, direction == Direction::off);
     if (isLeaving(before.loaded)) throw refused(agent.label + " is about to end; try again when it has.");
     checkSource(before.loaded, agent.label, agent.plistPath);
     return {agent.label, agent.plistPath, before.loaded.isLoaded(), before.override};
@@ -214,16 +224,13 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction di
 // A loaded agent that was disabled is loaded first: launchd loads none that is disabled.
 void AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
     const bool wasDisabled = capture.override == AgentOverride::disabled;
-    const LoadedState now = steps.settledState().loaded;
-    checkSource(now, capture.label, capture.plistPath);
-    const bool missing = capture.wasLoaded && !now.isLoaded();
+    const bool missing = capture.wasLoaded && !steps.settledState().loaded.isLoaded();
     if (missing) checkLoadable(capture);
     if (!wasDisabled || missing) steps.enable();
     if (missing) steps.bootstrap(capture.plistPath);
     if (!capture.wasLoaded) steps.bootout();
     if (wasDisabled) steps.disable();
-    steps.expect(wasDisabled ? AgentOverride::disabled : AgentOverride::enabled,
-                 capture.wasLoaded ? std::optional(capture.plistPath) : std::nullopt);
+    steps.expect(wasDisabled ? AgentOverride::disabled : AgentOverride::enabled, capture.wasLoaded);
 }
 
 // A failed entry is no longer active: before it becomes one, the agent has to be as it was, and to stay so.
@@ -249,13 +256,13 @@ std::optional<Uuid> AgentToggle::restorableEntry(const std::string& label, Direc
         throw refused(label + " was changed outside Brell since Brell " +
                       (turnedOn ? "turned it on" : "turned it off") + "; restore it from the Journal first.");
     const AgentState now = currentState(label);
-    checkSource(now.loaded, label, entry->agent->plistPath);
     if (now.override != (turnedOn ? AgentOverride::enabled : AgentOverride::disabled) ||
         now.loaded.isLoaded() != turnedOn)
         throw refused(label + " was changed outside Brell (launchd shows " +
                       std::string(rawValue(now.override)) + ", " +
                       (now.loaded.isLoaded() ? "loaded" : "not loaded") +
                       "); restore it from the Journal first.");
+    checkSource(now.loaded, label, entry->agent->plistPath);
     return entry->id;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,10 @@ public:
                 const std::filesystem::path& launchAgentsDirectory, Waiting waiting = Waiting::real());
 
     std::string domain() const { return "gui/" + std::to_string(uid_); }
+
+    // Why an agent can't be switched, as far as its record tells: a sentence; nothing when it can. Never
+    // raises.
+    std::optional<std::string> whyNotSwitched(const LaunchAgentRecord& record) const;
 
     // All of these raise AgentToggleError.
     Validated validate(const LaunchAgentRecord& record) const;

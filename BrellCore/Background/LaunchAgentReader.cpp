@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
 
@@ -30,7 +31,7 @@ AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& o
 }  // namespace
 
 std::string describe(const LaunchctlFailure& failure) {
-    return "launchctl " + failure.word + ": " + std::string(stripped(failure.output));
+    return "launchctl " + failure.word + ": " + oneLine(stripped(failure.output));
 }
 
 LaunchctlError::~LaunchctlError() = default;

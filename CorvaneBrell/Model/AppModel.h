@@ -56,7 +56,7 @@ public:
     const TweakCatalog& catalog() const { return deps_->catalog; }
     std::vector<const Tweak*> offeredTweaks() const { return catalog().available(deps_->macOSMajor()); }
     std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
-    // The one asked for, also while a throw-away journal takes its place.
+    // The one asked for, or the user's, also where a throw-away journal had to take its place.
     const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
 
     // The observer is called on the main thread, after the property has its new value. It may call the model.
@@ -68,10 +68,8 @@ public:
     bool isBusy() const {
         return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ + questionsUnderWay_ > 0;
     }
-    // Something that the user asked for is not finished: a change, a relaunch, or a file that is being saved.
-    bool isWorking() const {
-        return changesUnderWay_ + savesUnderWay_ > 0 || state_.relaunchActivity.has_value();
-    }
+    // Something that the user asked for is not finished: a change, or a file that is being saved.
+    bool isWorking() const { return changesUnderWay_ + savesUnderWay_ > 0; }
     // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
     bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
 
@@ -272,7 +270,6 @@ private:
                     std::set<Uuid> confirmed);
 
     LoginItems readLoginItems(bool showsSoFar);
-    std::map<std::string, std::string> readRefusals(const std::vector<LaunchAgentRecord>& agents) const;
     std::vector<AgentDrift> readAgentDrift();
     void showLoginItems(std::vector<LoginItemRow> rows, std::map<std::string, std::string> refusals);
     AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) const;

@@ -48,31 +48,23 @@ AppModel::LoginItems AppModel::readLoginItems(bool showsSoFar) {
             if (!state_.loginItemsLoaded) showLoginItems(rows, refusals);
         });
     };
-    items.refusals = readRefusals(user);
+    const auto noteRefusal = [&](const LaunchAgentRecord& agent) {
+        if (auto why = deps_->toggle.whyNotSwitched(agent))
+            items.refusals.insert_or_assign(agent.id(), *std::move(why));
+    };
+    for (std::size_t i = 0; i < user.size() && !readings_.isEnding(); ++i) noteRefusal(user[i]);
     showSoFar();
     for (std::size_t i = 0; i < user.size() && !readings_.isEnding(); ++i) {
         showReading("Asking launchd about each LaunchAgent", i, user.size());
-        if (const auto& label = user[i].label()) user[i].loaded = deps_->reader.loadedState(*label);
+        const auto& label = user[i].label();
+        if (!label) continue;
+        user[i].loaded = deps_->reader.loadedState(*label);
+        noteRefusal(user[i]);  // it may be loaded from another file
     }
     showSoFar();
     showReading("Reading the background task database");
     merge(readings_.isEnding() ? std::nullopt : deps_->btmReader.dump());
     return items;
-}
-
-// On the lane: why some of these can't be switched, by their ids.
-std::map<std::string, std::string> AppModel::readRefusals(
-    const std::vector<LaunchAgentRecord>& agents) const {
-    std::map<std::string, std::string> refusals;
-    for (const LaunchAgentRecord& agent : agents) {
-        if (readings_.isEnding()) break;
-        try {
-            deps_->toggle.validate(agent);
-        } catch (const std::exception& error) {
-            refusals.emplace(agent.id(), error.what());
-        }
-    }
-    return refusals;
 }
 
 void AppModel::showLoginItems(std::vector<LoginItemRow> rows, std::map<std::string, std::string> refusals) {
