@@ -124,7 +124,7 @@ void MainWindow::refreshNow() {
     Changes& changes = stale_.at(shown);
     if (!changes.empty()) shown->refresh(std::exchange(changes, {}));
     sheets_->refresh();
-    if (closesWhenDone_ && !model_.isWorking()) close();
+    if (closesWhenDone_ && !model_.isWorking() && !model_.state().relaunchActivity) close();
 }
 
 void MainWindow::showScreen(Screen screen) {
@@ -204,9 +204,11 @@ void MainWindow::enterPage() {
     if (QWidget* first = firstControl(currentPage()->scrollArea())) first->setFocus(Qt::TabFocusReason);
 }
 
-// What the user asked for is finished first: what is under way, and what waits for its turn.
+// What the user asked for is finished first: what is under way, and what waits for its turn. A relaunch waits
+// for other apps, so asking twice leaves it.
 void MainWindow::closeEvent(QCloseEvent* event) {
-    closesWhenDone_ = model_.isWorking();
+    const bool isAskedAgain = closesWhenDone_;
+    closesWhenDone_ = model_.isWorking() || (model_.state().relaunchActivity && !isAskedAgain);
     if (closesWhenDone_) return event->ignore();
     model_.keepWindowPlace({width(), height(), model_.state().screen});
     event->accept();

@@ -164,6 +164,17 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     QTRY_VERIFY_WITH_TIMEOUT(!window->isVisible(), 30'000);
     EXPECT_TRUE(model->state().pendingEffects.empty());
     EXPECT_TRUE(fs::exists(folder.path / "report.md"));
+
+    openWindow();
+    model->turnOff("dock.autohide");
+    settle();
+    applications.setManners("com.apple.dock", {std::nullopt, std::nullopt});
+    model->askRelaunch();
+    model->confirmRelaunch();
+    window->close();
+    EXPECT_TRUE(window->isVisible());
+    window->close();
+    EXPECT_FALSE(window->isVisible()) << "who asks twice does not wait for another app";
 }
 
 TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
