@@ -85,10 +85,10 @@ std::vector<KeyFacts> keyFacts(const Tweak& tweak, const TweakStatus* status, co
     return facts;
 }
 
-std::string storedText(const TweakStatus& status) {
-    if (status.exact.empty() || !status.exact.front().value) return {};
+std::optional<std::string> storedText(const TweakStatus& status) {
+    if (status.exact.empty() || !status.exact.front().value) return std::nullopt;
     const auto* text = status.exact.front().value->as<std::string>();
-    return text ? *text : std::string();
+    return text ? std::optional(*text) : std::nullopt;
 }
 
 }  // namespace

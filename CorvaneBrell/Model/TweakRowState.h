@@ -44,7 +44,7 @@ struct TweakRowState {
     std::string reason;  // why it can't be changed, or what there is to know: whole sentences; may be empty
     std::optional<std::string> choiceID;  // of the choice in effect
     bool nothingStored = false;           // every key is absent: macOS's own values are in effect
-    std::string folder;                   // the path that is stored; empty when none is, or was read
+    std::optional<std::string> folder;    // the path that is stored; nothing when none is, or was read
     std::vector<KeyFacts> keys;
     std::string confirmed;  // "Confirmed on macOS 26"
     std::optional<RowUndo> undo;

@@ -81,6 +81,12 @@ void chooseFolder(AppModel& model, const Tweak& tweak, const QString& start, QWi
     dialog->open();
 }
 
+QString folderText(const TweakRowState& state) {
+    if (state.nothingStored) return QWidget::tr("macOS default");
+    if (!state.folder) return QWidget::tr("Not known");
+    return state.folder->empty() ? QWidget::tr("Empty") : shortened(qt(*state.folder));
+}
+
 TweakControl makeFolder(AppModel& model, const Tweak& tweak) {
     auto* control = new QWidget;
     auto* column = new QVBoxLayout(control);
@@ -97,15 +103,13 @@ TweakControl makeFolder(AppModel& model, const Tweak& tweak) {
     column->addWidget(previous);
     control->setFocusProxy(choose);
     QObject::connect(choose, &QPushButton::clicked, control, [&model, &tweak, control] {
-        const QString now = qt(tweakRowState(model, tweak).folder);
+        const QString now = qt(tweakRowState(model, tweak).folder.value_or(""));
         chooseFolder(model, tweak, QFileInfo(now).isDir() ? now : qt(model.catalog().home()), control);
     });
     QObject::connect(previous, &QPushButton::clicked, control, [&model, &tweak] { model.turnOff(tweak.id); });
     return {control, [&model, path, choose, previous](const TweakRowState& state) {
-                path->setText(state.nothingStored    ? QWidget::tr("macOS default")
-                              : state.folder.empty() ? QWidget::tr("Not known")
-                                                     : shortened(qt(state.folder)));
-                path->setToolTip(qt(state.folder));
+                path->setText(folderText(state));
+                path->setToolTip(qt(state.folder.value_or("")));
                 choose->setEnabled(state.canChange);
                 previous->setVisible(state.undo.has_value());
                 previous->setEnabled(!model.state().startupError);
