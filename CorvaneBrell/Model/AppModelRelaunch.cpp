@@ -43,7 +43,7 @@ KeptRelaunches AppModel::notedRelaunches() const {
     std::erase_if(pending, [&](const auto& one) {
         const Tweak* tweak = catalog().tweak(one.first);
         const std::int64_t process = tweak ? processNow(tweak->effect) : 0;
-        return process != 0 && one.second.process != 0 && process != one.second.process;
+        return process != 0 && process != one.second.process;
     });
     return pending;
 }

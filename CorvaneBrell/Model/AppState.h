@@ -101,7 +101,7 @@ struct PendingRelaunch {
     std::string tweakID;
     EffectClass effect;
     std::string before;    // what the keys held then, rendered
-    std::int64_t process;  // of the app then; 0 when it is not known
+    std::int64_t process;  // of the app then; 0 when it did not run
     bool operator==(const PendingRelaunch&) const = default;
 };
 

@@ -13,7 +13,7 @@ namespace brell {
 
 struct KeptRelaunch {
     std::string before;    // what the tweak's keys held when the app was last started, rendered
-    std::int64_t process;  // the app's number then; 0 when it is not known
+    std::int64_t process;  // the app's number then; 0 when it did not run
     bool operator==(const KeptRelaunch&) const = default;
 };
 using KeptRelaunches = std::map<std::string, KeptRelaunch>;  // by tweak id
