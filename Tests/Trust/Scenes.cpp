@@ -75,17 +75,16 @@ const std::vector<Scene>& scenes() {
         {"turn an agent off", some, turningOff(plain)},
         {"turn a slow agent off", nothing, turningOff(slow)},
         {"turn off an agent that was never loaded", nothing, turningOff(neverLoaded)},
-        {"turn off a disabled agent that is still loaded", nothing, turningOff(stillLoaded)},
         {"turn an agent on", nothing, turningOn(disabled)},
-        {"turn on an agent that was never loaded", nothing, turningOn(neverLoaded)},
+        {"turn on a disabled agent that is still loaded", nothing, turningOn(stillLoaded)},
         {"turn an agent back on", turningOff(plain), turningOn(plain)},
         {"restore agents that were half off",
          [](Rig& rig) {
              rig.toggle.turnOff(rig.agent(neverLoaded));
-             rig.toggle.turnOff(rig.agent(stillLoaded));
+             rig.toggle.turnOn(rig.agent(stillLoaded));
          },
          restoreAll},
-        {"restore an agent that was turned on", turningOn(neverLoaded), restoreAll},
+        {"restore an agent that was turned on", turningOn(disabled), restoreAll},
         {"recover", [](Rig& rig) { rig.breakOff(drives); }, recover},
         {"recover an agent",
          [](Rig& rig) {
