@@ -168,29 +168,30 @@ std::vector<const AgentDrift*> JournalPage::driftedAgents() const {
     return drifted;
 }
 
-// Of the active changes.
-bool JournalPage::isNewest(const JournalEntry& entry) const {
+std::optional<Uuid> JournalPage::newestActive() const {
     const std::vector<JournalEntry>& entries = model_.state().entries;
     const auto newest = std::find_if(entries.begin(), entries.end(), std::mem_fn(&JournalEntry::isActive));
-    return newest != entries.end() && newest->id == entry.id;
+    return newest == entries.end() ? std::nullopt : std::optional(newest->id);
 }
 
-DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const {
+DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines,
+                                         bool isNewest) const {
     return {entry,
             entryTitle(entry, model_.catalog()),
             std::move(lines),
             madeOnAnotherMacOS(entry, model_.macOSVersion()),
-            isNewest(entry),
+            isNewest,
             isLocked()};
 }
 
 // Gives the identifiers of all that drifted, also of those that are not shown yet.
 std::set<Uuid> JournalPage::showDrifted() {
     std::set<Uuid> ids;
+    const std::optional<Uuid> newest = newestActive();
     std::vector<DriftedChange> first;
     const auto show = [&](const JournalEntry& entry, const std::vector<std::string>& lines) {
         if (ids.insert(entry.id).second && ids.size() <= drifted_->limit())
-            first.push_back(driftedChange(entry, lines));
+            first.push_back(driftedChange(entry, lines, entry.id == newest));
     };
     for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
     for (const AgentDrift* agent : driftedAgents()) show(agent->entry, {agent->line});
@@ -204,6 +205,7 @@ void JournalPage::showActive(const std::set<Uuid>& drifted) {
     const AppState& state = model_.state();
     std::set<Uuid> interrupted;
     for (const JournalEntry& entry : state.interrupted) interrupted.insert(entry.id);
+    const std::optional<Uuid> newest = newestActive();
     std::vector<ActiveChange> shown;
     std::size_t all = 0;
     for (const JournalEntry& entry : state.entries) {
@@ -211,7 +213,7 @@ void JournalPage::showActive(const std::set<Uuid>& drifted) {
         if (all++ < active_->limit())
             shown.push_back({entry, entryTitle(entry, model_.catalog()),
                              madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
-                             isNewest(entry), isLocked()});
+                             entry.id == newest, isLocked()});
     }
     active_->setRecords(shown, all);
 }

@@ -1,6 +1,7 @@
 // Every change of ours that is active, what others did to them, what happened so far, and every way back.
 #pragma once
 
+#include <optional>
 #include <set>
 
 #include "CorvaneBrell/Window/ActiveChangeRow.h"
@@ -29,9 +30,10 @@ private:
     void showActive(const std::set<Uuid>& drifted);
     void showSummary(std::size_t drifted);
     void showTicks();
-    DriftedChange driftedChange(const JournalEntry& entry, std::vector<std::string> lines) const;
+    DriftedChange driftedChange(const JournalEntry& entry, std::vector<std::string> lines,
+                                bool isNewest) const;
     std::vector<const AgentDrift*> driftedAgents() const;
-    bool isNewest(const JournalEntry& entry) const;
+    std::optional<Uuid> newestActive() const;
     bool isLocked() const { return model_.state().startupError.has_value(); }  // nothing can be changed
     std::vector<Uuid> ticked() const;
     QString terminalCommands() const;
