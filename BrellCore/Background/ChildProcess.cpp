@@ -57,8 +57,8 @@ public:
     void inheritNothing() {
         sigset_t every;
         sigset_t none;
-        ::sigfillset(&every);
-        ::sigemptyset(&none);
+        sigfillset(&every);
+        sigemptyset(&none);
         check(::posix_spawnattr_setsigdefault(&attributes, &every));
         check(::posix_spawnattr_setsigmask(&attributes, &none));
         int flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;

@@ -41,8 +41,8 @@ TEST(RunProcess, TheChildInheritsNothing) {
     const auto ignored = ::signal(SIGPIPE, SIG_IGN);
     sigset_t terminate;
     sigset_t before;
-    ::sigemptyset(&terminate);
-    ::sigaddset(&terminate, SIGTERM);
+    sigemptyset(&terminate);
+    sigaddset(&terminate, SIGTERM);
     ::pthread_sigmask(SIG_BLOCK, &terminate, &before);
 
     const auto result = runChild({"inheritance", "two words", "", "$HOME 'x'"});

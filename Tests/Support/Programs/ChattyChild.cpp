@@ -41,7 +41,7 @@ void reportInheritance(int argc, char** argv) {
     ::sigaction(SIGPIPE, nullptr, &action);
     sigset_t blocked;
     ::sigprocmask(SIG_BLOCK, nullptr, &blocked);
-    if (action.sa_handler != SIG_DFL || ::sigismember(&blocked, SIGTERM)) std::printf("signals inherited\n");
+    if (action.sa_handler != SIG_DFL || sigismember(&blocked, SIGTERM)) std::printf("signals inherited\n");
     std::fflush(stdout);
 }
 
