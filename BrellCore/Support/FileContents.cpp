@@ -16,15 +16,18 @@ namespace brell {
 
 namespace {
 
+std::int64_t nanoseconds(const struct timespec& time) {
+    return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
 FileIdentity identityFrom(const struct stat& status) {
 #ifdef __APPLE__
-    const struct timespec modified = status.st_mtimespec;
+    const struct timespec modified = status.st_mtimespec, changed = status.st_ctimespec;
 #else
-    const struct timespec modified = status.st_mtim;
+    const struct timespec modified = status.st_mtim, changed = status.st_ctim;
 #endif
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
-            static_cast<std::uint64_t>(status.st_size),
-            static_cast<std::int64_t>(modified.tv_sec) * 1'000'000'000 + modified.tv_nsec};
+            static_cast<std::uint64_t>(status.st_size), nanoseconds(modified), nanoseconds(changed)};
 }
 
 ReadError systemError(const fs::path& path) {

@@ -11,12 +11,14 @@
 
 namespace brell {
 
-// Two equal identities of one path mean that its contents were not replaced in between.
+// Two equal identities of one path mean that its contents were not replaced in between. Times are in
+// nanoseconds since 1970.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    std::uint64_t size = 0;       // bytes
-    std::int64_t modifiedNs = 0;  // nanoseconds since 1970
+    std::uint64_t size = 0;  // bytes
+    std::int64_t modifiedNs = 0;
+    std::int64_t changedNs = 0;  // of the file's record; unlike the other, no program can set it back
     bool operator==(const FileIdentity&) const = default;
 };
 

@@ -137,6 +137,18 @@ TEST_F(PlistFileStoreTest, FollowsFilesThatOthersChange) {
     another.write("left", {"com.apple.dock", "orientation"});
     EXPECT_EQ(store.snapshot().at("com.apple.dock"),
               (Values{{"autohide", true}, {"orientation", "left"}, {"tilesize", 59}}));
+
+    // In place, of the same size, and the time set back.
+    std::string edited = contentsOf(file);
+    edited.replace(edited.find("59"), 2, "48");
+    const auto time = fs::last_write_time(file);
+    const fs::path clock = folder.path / "clock";
+    do setContents(clock, "");
+    while (fs::last_write_time(clock) <= time);  // it moves on in steps
+    setContents(file, edited);
+    fs::last_write_time(file, time);
+    EXPECT_EQ(store.exactValue(tileSize), StoredValue(48));
+
     fs::remove(file);
     EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
 }
