@@ -55,15 +55,6 @@ fs::path withoutLink(const fs::path& file) {
     return failed || target.empty() ? file : target;
 }
 
-// A link to nowhere is no journal that was never written.
-void checkNoLinkAt(const fs::path& file) {
-    std::error_code failed;
-    const fs::file_type type = fs::symlink_status(file, failed).type();
-    if (type == fs::file_type::symlink)
-        throw cannotRead(file.string() + ": it is a link to a file that is not there");
-    if (type == fs::file_type::none) throw cannotRead(file.string() + ": " + failed.message());
-}
-
 void checkExcludes(const FileLock& lock) try {
     if (!lock.stillExcludes()) throw cannotWrite("its lock file was removed meanwhile");
 } catch (const JournalError&) {
@@ -171,7 +162,6 @@ void Journal::refreshLocked() try {
     const auto identity = identityOf(file_);
     // A file that is gone does not empty the list: what undoes changes is kept, and saved again with the
     // next.
-    if (!identity) checkNoLinkAt(file_);
     if (!identity || identity == identity_) return;
     auto read = readFile(file_, mostBytes, simdjson::SIMDJSON_PADDING);
     if (!read) return;

@@ -39,6 +39,20 @@ ReadError notOrdinary(const fs::path& path) {
     return ReadError({path, "it is not an ordinary file", 0});
 }
 
+bool saysThatNothingIsThere(int code) {
+    return code == ENOENT || code == ENOTDIR;
+}
+
+// For a path at which there is no file: a link to nowhere is no file that was never written.
+void checkNoLinkAt(const fs::path& path) {
+    struct stat status;
+    if (::lstat(path.c_str(), &status) == 0) {
+        if (S_ISLNK(status.st_mode)) throw ReadError({path, "it is a link to a file that is not there", 0});
+    } else if (!saysThatNothingIsThere(errno)) {
+        throw systemError(path);
+    }
+}
+
 // Appends what the file holds, stopping one byte beyond most: enough to see that it is too much.
 bool readAll(const UniqueFd& file, std::string& bytes, std::size_t most) {
     for (;;) {
@@ -64,14 +78,18 @@ ReadError::~ReadError() = default;
 std::optional<FileIdentity> identityOf(const fs::path& path) {
     struct stat status;
     if (::stat(path.c_str(), &status) == 0) return identityFrom(status);
-    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
-    throw systemError(path);
+    if (!saysThatNothingIsThere(errno)) throw systemError(path);
+    checkNoLinkAt(path);
+    return std::nullopt;
 }
 
 std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding) {
     // Without waiting: opening a named pipe would otherwise last until somebody writes to it.
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file && (errno == ENOENT || errno == ENOTDIR)) return std::nullopt;
+    if (!file && saysThatNothingIsThere(errno)) {
+        checkNoLinkAt(path);
+        return std::nullopt;
+    }
     // A socket, on Linux and on macOS, or a device that is not there.
     if (!file && (errno == ENXIO || errno == EOPNOTSUPP)) throw notOrdinary(path);
     if (!file) throw systemError(path);

@@ -43,12 +43,12 @@ struct FileContents {
 };
 
 // The file's identity now, or nothing when there is no such file. Follows symbolic links. Throws ReadError
-// when the system can't say.
+// when the system can't say, and for a link to nowhere: what it leads to may only be out of reach.
 std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
 
 // The whole file, or nothing when there is no such file. Never waits on a named pipe or a device: what is not
-// an ordinary file, can't be read or holds more than mostBytes raises ReadError. The returned string has
-// `padding` spare bytes of capacity, as simdjson wants behind its input.
+// an ordinary file, can't be read, holds more than mostBytes or is a link to nowhere raises ReadError. The
+// returned string has `padding` spare bytes of capacity, as simdjson wants behind its input.
 std::optional<FileContents> readFile(const std::filesystem::path& path, std::size_t mostBytes,
                                      std::size_t padding = 0);
 

@@ -73,7 +73,7 @@ protected:
 
 TEST_F(HostileNeighboursTest, InAPreferenceFilesPlace) {
     withEach(dock, [&](Obstacle obstacle) {
-        const bool isUsable = obstacle == Obstacle::linkToFile || obstacle == Obstacle::linkToNothing;
+        const bool isUsable = obstacle == Obstacle::linkToFile;
         const std::string sentence = "The preference file " + dock.string() + " could not be read: ";
         const Finished status = run(showStatus);
         EXPECT_EQ(status.status, 0);

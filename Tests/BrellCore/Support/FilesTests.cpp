@@ -146,9 +146,10 @@ TEST_F(FilesTest, ReadingGivesTheBytesTheIdentityAndRoomBehindThem) {
 }
 
 TEST_F(FilesTest, ReadingRefusesAtOnceWhatIsNoOrdinaryFileOrTooLarge) {
-    const fs::path pipe = folder.path / "pipe", loop = folder.path / "loop";
+    const fs::path pipe = folder.path / "pipe", loop = folder.path / "loop", lost = folder.path / "lost";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     fs::create_symlink(loop, loop);
+    fs::create_symlink("nothing", lost);
     setContents(file, "12345");
     const struct {
         fs::path path;
@@ -158,11 +159,12 @@ TEST_F(FilesTest, ReadingRefusesAtOnceWhatIsNoOrdinaryFileOrTooLarge) {
                 {folder.path, "it is not an ordinary file", 0},
                 {"/dev/zero", "it is not an ordinary file", 0},
                 {file, "it holds more than 4 bytes", 0},
+                {lost, "it is a link to a file that is not there", 0},
                 {loop, systemMessage(ELOOP), ELOOP}};
     for (const auto& row : rows)
         EXPECT_EQ(failureOf<ReadError>([&] { readFile(row.path, 4); }),
                   (ReadFailure{row.path, row.reason, row.code}));
-    EXPECT_TRUE(thrownBy<ReadError>([&] { identityOf(loop); }));
+    for (const fs::path& link : {lost, loop}) EXPECT_TRUE(thrownBy<ReadError>([&] { identityOf(link); }));
 }
 
 TEST_F(FilesTest, AFailingReadIsReportedAndAnInterruptedOneRepeated) {
