@@ -1,7 +1,10 @@
 #include "BrellCore/Preferences/PlistFileStore.h"
 
+#include <fmt/format.h>
+
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/PropertyList.h"
+#include "BrellCore/Support/SystemMessage.h"
 
 namespace fs = std::filesystem;
 
@@ -14,6 +17,18 @@ constexpr std::size_t mostBytes = 16 * 1024 * 1024;
 
 StoreFailure unreadable(const fs::path& file, const std::string& reason) {
     return StoreIo{"The preference file " + file.string() + " could not be read: " + reason + "."};
+}
+
+StoreError unwritable(const fs::path& file, const std::string& reason) {
+    return StoreError(
+        StoreIo{"The preference file " + file.string() + " could not be written: " + reason + "."});
+}
+
+std::string textOf(const PlistFileStore::Values& values) {
+    PlistDictionary dictionary;
+    dictionary.entries.reserve(values.size());
+    for (const auto& [key, value] : values) dictionary.entries.emplace_back(key, value.propertyListObject());
+    return writeXmlPropertyList({std::move(dictionary)});
 }
 
 std::variant<PlistFileStore::Values, StoreFailure> parse(const std::string& domain, const fs::path& file,
@@ -194,17 +209,19 @@ PlistFileStore::Values PlistFileStore::takenValuesLocked(const std::string& doma
     return values;
 }
 
-void PlistFileStore::saveLocked(const std::string& domain, const Values& values) try {
-    PlistDictionary dictionary;
-    dictionary.entries.reserve(values.size());
-    for (const auto& [key, value] : values) dictionary.entries.emplace_back(key, value.propertyListObject());
-    replaceFile(fileOf(directory_, domain), writeXmlPropertyList({std::move(dictionary)}),
-                Durability::readersOnly);
-} catch (const PlistError& error) {
-    throw StoreError(StoreIo{"The preference file " + fileOf(directory_, domain).string() +
-                             " could not be written: " + error.failure().reason + "."});
-} catch (const ReplaceError& error) {
-    throw StoreError(StoreIo{error.what()});
+void PlistFileStore::saveLocked(const std::string& domain, const Values& values) {
+    const fs::path file = fileOf(directory_, domain);
+    try {
+        const std::string text = textOf(values);
+        // What could not be read again could not be put back either. A small binary file can be a large text.
+        if (text.size() > mostBytes)
+            throw unwritable(file, fmt::format("it would hold more than {} bytes", mostBytes));
+        replaceFile(file, text, Durability::readersOnly);
+    } catch (const PlistError& error) {
+        throw unwritable(file, error.failure().reason);
+    } catch (const ReplaceError& error) {
+        throw unwritable(file, systemMessage(error.failure().code));
+    }
 }
 
 fs::path PlistFileStore::fileOf(const fs::path& directory, const std::string& domain) {

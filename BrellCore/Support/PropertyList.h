@@ -90,7 +90,7 @@ PlistValue readPropertyList(std::string_view bytes);
 
 // The XML form, ended by a line feed; dictionaries with sorted keys. Raises PlistError for what the form
 // can't hold: text that is not isXmlText, dates outside the years 1 to 9999 or with fractions of a second,
-// integers beyond 64 bits, UIDs, more than 128 levels, a key that stands twice.
+// integers beyond 64 bits, UIDs, a key that stands twice; and for more levels or values than are read.
 std::string writeXmlPropertyList(const PlistValue& value);
 
 // Whether the XML form can hold this text: UTF-8 without U+FFFE, U+FFFF and control characters other than

@@ -39,6 +39,7 @@ class XmlWriter {
 public:
     void write(const PlistValue& value) {
         plist::checkLevel(++level_);
+        budget_.take(1);
         std::visit(*this, value.payload);
         --level_;
     }
@@ -69,6 +70,7 @@ private:
     void escaped(std::string_view contents);
 
     int level_ = 0;
+    plist::ValueBudget budget_;
 };
 
 void XmlWriter::operator()(const PlistDate& date) {

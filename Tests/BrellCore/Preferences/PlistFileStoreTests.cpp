@@ -196,19 +196,26 @@ TEST_F(PlistFileStoreTest, FilesThatCannotBeReadAreNamedAndLeftAlone) {
 TEST_F(PlistFileStoreTest, AFailedSaveLeavesTheFileAndTheReadings) {
     store.write(1, autohide);
     const std::string before = contentsOf(file);
+    const std::string sentence = "The preference file " + file.string() + " could not be written: ";
 
     for (const PrefValue& value : {PrefValue("\x01"), PrefValue("\xFF"), PrefValue(Strings{"\uFFFF"})})
-        EXPECT_TRUE(messageOf([&] {
-                        store.write(value, autohide);
-                    }).starts_with("The preference file " + file.string() + " could not be written: "));
+        EXPECT_TRUE(messageOf([&] { store.write(value, autohide); }).starts_with(sentence));
     if (systemCallsAreWatched()) {
         const FailingCall full(directory, SystemCall::write, ENOSPC);
-        const std::string message = messageOf([&] { store.write(2, autohide); });
-        EXPECT_TRUE(message.ends_with(" could not be written: " + systemMessage(ENOSPC) + ".")) << message;
+        EXPECT_EQ(messageOf([&] { store.write(2, autohide); }), sentence + systemMessage(ENOSPC) + ".");
     }
     EXPECT_EQ(contentsOf(file), before);
     EXPECT_EQ(store.exactValue(autohide), StoredValue(1));
     EXPECT_EQ(namesIn(directory), Names{"com.apple.dock.plist"});
+
+    // Read as it is, but too large when it is written in the other form.
+    const std::string marks(4'000'000, '&');
+    setContents(file, "<plist><dict><key>k</key><string><![CDATA[" + marks + "]]></string></dict></plist>");
+    const std::string small = contentsOf(file);
+    EXPECT_EQ(messageOf([&] { store.write(2, autohide); }),
+              sentence + "it would hold more than 16777216 bytes.");
+    EXPECT_EQ(contentsOf(file), small);
+    EXPECT_EQ(store.exactValue({"com.apple.dock", "k"}), StoredValue(marks));
 }
 
 TEST_F(PlistFileStoreConcurrencyTest, WritersOfOneDomainKeepEachOthersKeys) {

@@ -194,9 +194,13 @@ TEST(XmlPropertyListTest, DepthAndCountAreLimited) {
     const std::string opened = "<plist>" + repeated("<dict><key>a</key>", 300'000);
     EXPECT_NE(messageOf([&] { readPropertyList(opened); }).find("not well-formed"), std::string::npos);
 
-    const std::string many = inPlist("<array>" + repeated("<true/>", 1'000'000) + "</array>");
-    EXPECT_EQ(failureOf<PlistError>([&] { readPropertyList(many); }),
-              (PlistFailure{"it holds more than a million values"}));
+    const PlistFailure tooMany{"it holds more than a million values"};
+    PlistValue many{PlistArray(999'999, {true})};
+    EXPECT_EQ(readPropertyList(writeXmlPropertyList(many)), many);
+    std::get<PlistArray>(many.payload).push_back({true});
+    EXPECT_EQ(failureOf<PlistError>([&] { writeXmlPropertyList(many); }), tooMany);
+    const std::string written = inPlist("<array>" + repeated("<true/>", 1'000'000) + "</array>");
+    EXPECT_EQ(failureOf<PlistError>([&] { readPropertyList(written); }), tooMany);
 }
 
 TEST(XmlPropertyListTest, AFileCutAtAnyByteIsRefused) {
