@@ -184,10 +184,10 @@ TEST(BinaryPropertyListTest, AFewBytesCannotBecomeALargeValue) {
     doubling.push_back("\x09");
     EXPECT_NE(reasonFor({doubling}).find("more than a million values"), std::string::npos);
 
-    std::vector<std::string> chain;
-    for (char next = 1; next < 127; ++next) chain.push_back("\xA1"s + next);
-    chain.push_back("\xA1\x7F"s);
-    chain.push_back("\x09");
+    std::vector<std::string> chain;  // arrays and dictionaries in turn, the last with a key for all
+    for (char next = 1; next < 127; ++next) chain.push_back(next % 2 ? "\xA1"s + next : "\xD1\x7F"s + next);
+    chain.push_back("\xA1\x7F");
+    chain.push_back("Qk");
     chain.push_back("\xA1\0"s);
     EXPECT_TRUE(readPropertyList(BinaryFile{chain}.bytes()).as<PlistArray>());  // 128 levels
     EXPECT_NE(reasonFor({chain, 128}).find("more than 128 levels"), std::string::npos);
