@@ -14,9 +14,10 @@ namespace {
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // parse_fragment: without it the parser drops text outside the root silently. No parse_escapes: it would
-// leave undefined entities as they stand.
-constexpr unsigned parseFlags = pugi::parse_cdata | pugi::parse_eol | pugi::parse_ws_pcdata |
-                                pugi::parse_declaration | pugi::parse_doctype | pugi::parse_fragment;
+// leave undefined entities as they stand. No parse_eol: the system writes a carriage return as it is, and
+// reads it as one.
+constexpr unsigned parseFlags = pugi::parse_cdata | pugi::parse_ws_pcdata | pugi::parse_declaration |
+                                pugi::parse_doctype | pugi::parse_fragment;
 
 bool isBlank(std::string_view text) {
     return withoutLeadingBlanks(text).empty();

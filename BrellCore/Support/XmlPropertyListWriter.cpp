@@ -129,7 +129,7 @@ void XmlWriter::escaped(std::string_view contents) {
             case '&': xml += "&amp;"; break;
             case '<': xml += "&lt;"; break;
             case '>': xml += "&gt;"; break;
-            case '\r': xml += "&#13;"; break;  // a bare one would be read as a line feed
+            case '\r': xml += "&#13;"; break;  // by the rules of XML a bare one may be read as a line feed
             default: xml += c;
         }
 }
