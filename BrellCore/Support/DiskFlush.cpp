@@ -3,20 +3,61 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+
+namespace fs = std::filesystem;
 
 namespace brell {
 
+namespace {
+
+// What file systems answer to a request that they do not know.
+bool saysNotSupported(int code) {
+    const auto answers = {ENOTSUP, EOPNOTSUPP, ENOTTY, EINVAL, ENOSYS};
+    return std::find(answers.begin(), answers.end(), code) != answers.end();
+}
+
+}  // namespace
+
+bool firstSupportedFlush(std::initializer_list<std::function<int()>> flushes) {
+    for (const auto& flush : flushes) {
+        int result;
+        do {
+            result = flush();
+        } while (result < 0 && errno == EINTR);
+        if (result >= 0) return true;
+        if (!saysNotSupported(errno)) return false;
+    }
+    return false;
+}
+
 bool flushToDisk(const UniqueFd& file) {
+    return firstSupportedFlush({
 #ifdef F_FULLFSYNC
-    // fsync on macOS stops at the drive's own cache; file systems without the full flush refuse it.
-    if (::fcntl(file.get(), F_FULLFSYNC) == 0) return true;
+        // fsync on macOS stops at the drive's own cache.
+        [&] { return ::fcntl(file.get(), F_FULLFSYNC); },
 #endif
-    int result;
-    do {
-        result = ::fsync(file.get());
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+        [&] { return ::fsync(file.get()); },
+    });
+}
+
+void flushFolder(const fs::path& folder) {
+    const UniqueFd descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor) flushToDisk(descriptor);
+}
+
+std::error_code createFolders(const fs::path& folder) {
+    std::error_code failed;
+    const bool isNew = fs::create_directory(folder, failed);
+    if (failed == std::errc::no_such_file_or_directory && folder.has_relative_path()) {
+        if (const std::error_code above = createFolders(folder.parent_path())) return above;
+        return createFolders(folder);
+    }
+    // What stands there under the folder's name is a file.
+    if (failed == std::errc::file_exists) return std::make_error_code(std::errc::not_a_directory);
+    if (isNew) flushFolder(folder.parent_path());
+    return failed;
 }
 
 }  // namespace brell

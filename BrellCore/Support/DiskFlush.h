@@ -1,5 +1,10 @@
-// From the system's caches to stable storage.
+// From the system's caches to stable storage: the contents of files, the names in folders, new folders.
 #pragma once
+
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <system_error>
 
 #include "BrellCore/Support/UniqueFd.h"
 
@@ -7,5 +12,18 @@ namespace brell {
 
 // False when the system reports that it did not get there; errno says why.
 bool flushToDisk(const UniqueFd& file);
+
+// What flushToDisk makes of the flushes that a system has, the most thorough first; each answers as fsync
+// does. One that is interrupted is tried again, one that is not supported gives way to the next, and every
+// other answer is the last word.
+bool firstSupportedFlush(std::initializer_list<std::function<int()>> flushes);
+
+// Brings the names in this folder to the disk. Best effort: some file systems refuse it.
+void flushFolder(const std::filesystem::path& folder);
+
+// Makes this folder, an absolute path, and those above it where they are missing, and brings each new name to
+// the disk: a durable file in a folder that a power cut takes away is lost with it. Gives why it could not be
+// made.
+std::error_code createFolders(const std::filesystem::path& folder);
 
 }  // namespace brell

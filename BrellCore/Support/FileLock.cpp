@@ -10,7 +10,7 @@
 #include <system_error>
 #include <thread>
 
-#include "BrellCore/Support/Folders.h"
+#include "BrellCore/Support/DiskFlush.h"
 
 namespace fs = std::filesystem;
 

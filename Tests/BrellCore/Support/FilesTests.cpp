@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/SystemMessage.h"
@@ -107,6 +108,35 @@ TEST_F(FilesTest, InterruptedCallsAreRepeatedAndAFolderThatIsNotSynchronizedIsNo
 
         EXPECT_TRUE(failing.hasFailed());
         EXPECT_EQ(contentsOf(file), contents);
+    }
+}
+
+// As on macOS, where one flush reaches the drive and the other its cache.
+TEST(DiskFlushTest, OnlyAFlushThatIsNotSupportedGivesWayToTheNext) {
+    const struct {
+        std::vector<int> thorough, plain;  // what each gives to errno, call after call; 0 when it succeeds
+        bool arrived;
+    } rows[] = {{{0}, {}, true},
+                {{EINTR, EINTR, 0}, {}, true},
+                {{EIO}, {}, false},
+                {{EINTR, EIO}, {}, false},
+                {{ENOSPC}, {}, false},
+                {{ENOTSUP}, {0}, true},
+                {{ENOTTY}, {EINTR, 0}, true},
+                {{EINVAL}, {EIO}, false},
+                {{EOPNOTSUPP}, {EINVAL}, false}};
+    for (const auto& row : rows) {
+        std::size_t asked = 0;
+        const auto answering = [&](const std::vector<int>& codes) {
+            return [&codes, &asked, at = std::size_t{0}]() mutable {
+                ++asked;
+                errno = codes.at(at++);
+                return errno == 0 ? 0 : -1;
+            };
+        };
+        EXPECT_EQ(firstSupportedFlush({answering(row.thorough), answering(row.plain)}), row.arrived)
+            << row.thorough[0];
+        EXPECT_EQ(asked, row.thorough.size() + row.plain.size());
     }
 }
 
