@@ -282,12 +282,12 @@ std::string BinaryReader::utf16(const Object& object) {
     std::string text;
     text.reserve(object.count);
     for (std::size_t at = 0; at < units.size(); at += 2) {
-        auto codePoint = static_cast<std::uint32_t>(bigEndian(units, at, 2));
+        auto codePoint = static_cast<std::int32_t>(bigEndian(units, at, 2));
         if (codePoint >= 0xD800 && codePoint < 0xE000) {
             const std::uint64_t second = at + 4 <= units.size() ? bigEndian(units, at + 2, 2) : 0;
             if (codePoint >= 0xDC00 || second < 0xDC00 || second >= 0xE000)
                 refuse("the text at byte {} has half a surrogate pair", object.begin);
-            codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + static_cast<std::uint32_t>(second - 0xDC00);
+            codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + static_cast<std::int32_t>(second - 0xDC00);
             at += 2;
         }
         appendUtf8(text, codePoint);

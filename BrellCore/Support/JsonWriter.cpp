@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "BrellCore/Support/Numbers.h"
-#include "BrellCore/Support/TerminalText.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -12,7 +11,7 @@ namespace brell {
 namespace {
 
 bool needsNoLook(char c) {
-    return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';
+    return isPrintableAscii(c) && c != '"' && c != '\\';
 }
 
 std::string escaped(std::int32_t codePoint) {

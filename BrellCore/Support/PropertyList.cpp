@@ -1,7 +1,5 @@
 #include "BrellCore/Support/PropertyList.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 
 #include "BrellCore/Support/PropertyListParts.h"
@@ -76,27 +74,21 @@ std::vector<const PlistEntry*> sortedUniqueKeys(const PlistDictionary& dictionar
     return sorted;
 }
 
-void appendUtf8(std::string& text, std::uint32_t codePoint) {
-    utf8proc_uint8_t encoded[4];
-    const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(codePoint), encoded);
-    text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
-}
-
-bool isXmlCharacter(std::uint32_t codePoint) {
+bool isXmlCharacter(std::int32_t codePoint) {
     if (codePoint < 0x20) return codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
     return codePoint < 0xD800 || (codePoint >= 0xE000 && codePoint < 0xFFFE) ||
            (codePoint >= 0x10000 && codePoint <= 0x10FFFF);
 }
 
 std::size_t firstNonXml(std::string_view text) {
-    const auto needsNoLook = [](char c) { return c >= 0x20 && c < 0x7F; };  // nearly everything
     for (std::string_view rest = text;;) {
-        const auto look = std::find_if_not(rest.begin(), rest.end(), needsNoLook);
+        const auto look =
+            std::find_if_not(rest.begin(), rest.end(), isPrintableAscii);  // nearly everything is
         if (look == rest.end()) return std::string_view::npos;
         rest.remove_prefix(static_cast<std::size_t>(look - rest.begin()));
         const std::size_t at = text.size() - rest.size();
         const std::int32_t codePoint = nextCodePoint(rest);
-        if (codePoint < 0 || !isXmlCharacter(static_cast<std::uint32_t>(codePoint))) return at;
+        if (!isXmlCharacter(codePoint)) return at;
     }
 }
 

@@ -45,9 +45,7 @@ inline void checkLevel(int level) {
 // The entries in the order of their keys; refuses a key that stands twice.
 std::vector<const PlistEntry*> sortedUniqueKeys(const PlistDictionary& dictionary);
 
-void appendUtf8(std::string& text, std::uint32_t codePoint);  // a valid one
-
-bool isXmlCharacter(std::uint32_t codePoint);
+bool isXmlCharacter(std::int32_t codePoint);
 
 // Where the first byte stands that is not part of an XML character in UTF-8; npos when there is none.
 std::size_t firstNonXml(std::string_view text);

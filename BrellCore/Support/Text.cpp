@@ -2,19 +2,11 @@
 
 #include <utf8proc.h>
 
-#include "BrellCore/Support/TerminalText.h"
-
 namespace brell {
 
 namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
-
-void append(std::string& text, std::int32_t codePoint) {
-    utf8proc_uint8_t encoded[4];
-    const auto length = utf8proc_encode_char(codePoint, encoded);
-    text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
-}
 
 enum class SlugClass { word, mark, separator };
 
@@ -46,6 +38,12 @@ std::int32_t nextCodePoint(std::string_view& text) {
                                          static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
     text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
     return length > 0 ? codePoint : -1;
+}
+
+void appendUtf8(std::string& text, std::int32_t codePoint) {
+    utf8proc_uint8_t encoded[4];
+    const auto length = utf8proc_encode_char(codePoint, encoded);
+    text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
 }
 
 bool isUtf8(std::string_view bytes) {
@@ -97,7 +95,7 @@ std::string lowerCaseSlug(std::string_view text) {
         if (kind == SlugClass::separator || (kind == SlugClass::mark && !inWord)) continue;
         if (!inWord && !slug.empty()) slug += '-';
         inWord = true;
-        append(slug, utf8proc_tolower(codePoint));
+        appendUtf8(slug, utf8proc_tolower(codePoint));
     }
     return slug;
 }

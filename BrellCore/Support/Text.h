@@ -1,4 +1,4 @@
-// UTF-8 text: checking it, and making it fit for one line.
+// UTF-8 text: checking it, comparing it, and making it fit for one line.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +12,28 @@ namespace brell {
 // when no whole UTF-8 sequence stands there.
 std::int32_t nextCodePoint(std::string_view& text);
 
+void appendUtf8(std::string& text, std::int32_t codePoint);  // a valid one
+
 bool isUtf8(std::string_view bytes);
 
 // The same text with every invalid sequence replaced by U+FFFD.
 std::string repairedUtf8(std::string_view bytes);
 
-// The text on one line, safe for a terminal, a comment or a table cell: each control character, line or
-// paragraph separator and mark that turns the text's direction becomes a blank. Bytes that are not UTF-8
-// become U+FFFD.
+constexpr bool isPrintableAscii(char c) {
+    return c >= 0x20 && c < 0x7F;
+}
+
+// Whether the character does more to a terminal, or to a line, than stand in it: controls, line and paragraph
+// separators, marks that turn the direction of the text, blanks without a width. All lie below U+10000.
+constexpr bool steersATerminal(std::int32_t codePoint) {
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x061C ||
+           codePoint == 0x200B || codePoint == 0x200E || codePoint == 0x200F ||
+           (codePoint >= 0x2028 && codePoint <= 0x202E) || (codePoint >= 0x2066 && codePoint <= 0x2069) ||
+           codePoint == 0xFEFF;
+}
+
+// The text on one line, safe for a terminal, a comment or a table cell: each character that steers one
+// becomes a blank. Bytes that are not UTF-8 become U+FFFD.
 std::string oneLine(std::string_view text);
 
 // A piece of outside text for a message: on one line and of bounded length.

@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view blanks = " \t\r\n";
 
 // What an entity stands for, given what is between "&" and ";".
-std::optional<std::uint32_t> entityCharacter(std::string_view name) {
+std::optional<std::int32_t> entityCharacter(std::string_view name) {
     constexpr std::pair<std::string_view, char> named[] = {
         {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};
     for (const auto& [known, character] : named)
@@ -22,7 +22,7 @@ std::optional<std::uint32_t> entityCharacter(std::string_view name) {
     name.remove_prefix(1);
     const bool hexadecimal = name.starts_with('x');
     if (hexadecimal) name.remove_prefix(1);
-    std::uint32_t codePoint = 0;
+    std::int32_t codePoint = 0;
     const char* const end = name.data() + name.size();
     const auto [stop, error] = std::from_chars(name.data(), end, codePoint, hexadecimal ? 16 : 10);
     if (error != std::errc() || stop != end || !isXmlCharacter(codePoint)) return std::nullopt;

@@ -45,6 +45,7 @@ TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
                 {"next\u0085line\u2028sep\u2029par\u009F", "next line sep par "},
                 {"\u00A0\u00E9\U0001F600", "\u00A0\u00E9\U0001F600"},
                 {"txt.\u202Eexe\u202C \u2066x\u2069", "txt. exe   x "},
+                {"a\u061Cb\u200Bc\u200Ed\u200Fe\uFEFFf\u200D", "a b c d e f\u200D"},
                 {"\xC2\nbroken\xFF", "\uFFFD broken\uFFFD"}};
     for (const auto& row : rows) EXPECT_EQ(oneLine(row.text), row.line);
 }
@@ -90,11 +91,11 @@ TEST(JsonWriterTest, LaysOutAndEscapes) {
         json.raw("null");
         json.endArray();
         json.key("c");
-        json.string(std::string("\"\\/\b\f\n\r\t\0\x1F\x7F\u2028\u00E9", 16));
+        json.string(std::string("\"\\/\b\f\n\r\t\0\x1F\x7F\u2028\uFEFF\u00E9", 19));
         json.endObject();
         return json.take();
     };
-    const std::string text = "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0000\\u001f\\u007f\\u2028\u00E9\"";
+    const std::string text = "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\t\\u0000\\u001f\\u007f\\u2028\\ufeff\u00E9\"";
 
     EXPECT_EQ(written(JsonWriter(JsonWriter::Layout::compact)),
               R"({"\"a\"":[],"b":[-9223372036854775808,1000000000.0,false,{},null],"c":)" + text + "}");
