@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <optional>
 
-#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/Failure.h"
 #include "CorvaneBrell/Platform/FileFlags.h"
 
 namespace fs = std::filesystem;

@@ -4,18 +4,9 @@
 #include <optional>
 #include <string_view>
 
+#include "BrellCore/Support/Text.h"
+
 namespace brell {
-
-inline bool isWhite(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-// As trimmed(), but inline: a dump has a hundred thousand lines, most of them with a wide margin.
-inline std::string_view stripped(std::string_view text) {
-    while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
-    return text;
-}
 
 // Calls action(line) for every line, without its line feed.
 template <class Action>

@@ -9,7 +9,6 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/JsonWriter.h"
-#include "BrellCore/Support/SystemMessage.h"
 
 namespace fs = std::filesystem;
 

@@ -43,7 +43,7 @@ void checkUnique(const std::vector<JournalEntry>& entries) {
 
 // Most of simdjson's reasons are sentences. An excerpt's three stops stay.
 std::string withoutFinalStop(std::string_view reason) {
-    reason = trimmed(reason);
+    reason = stripped(reason);
     if (reason.ends_with('.') && !reason.ends_with("...")) reason.remove_suffix(1);
     return std::string(reason);
 }
@@ -115,7 +115,7 @@ void JournalText::parse() {
         if (key == "entries")
             for (auto element : field.value().get_array()) {
                 json::object object = element.get_object();
-                const std::string_view raw = trimmed(object.raw_json().value());
+                const std::string_view raw = stripped(object.raw_json().value());
                 object.reset();
                 entries_.push_back(readJournalEntry(object));
                 spans_.push_back({static_cast<std::size_t>(raw.data() - text_.data()), raw.size()});

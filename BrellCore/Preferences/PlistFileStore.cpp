@@ -4,7 +4,6 @@
 
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/PropertyList.h"
-#include "BrellCore/Support/SystemMessage.h"
 
 namespace fs = std::filesystem;
 

@@ -94,7 +94,7 @@ std::vector<VolumeIndexStatus> SpotlightStatusReader::statuses(
             if (const VolumeIndexStatus* answer = answerFor(volume, answers))
                 status = {volume, answer->indexing, answer->raw};
             else
-                status.raw = oneLine(trimmed(result.output()));
+                status.raw = oneLine(stripped(result.output()));
         } catch (const std::exception& error) {
             status.raw = error.what();
         }

@@ -272,8 +272,7 @@ std::string BinaryReader::key(std::size_t index) {
 
 std::string BinaryReader::ascii(const Object& object) {
     const std::string_view text = copied(object);
-    if (std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
-        refuse("the text at byte {} is not ASCII, as it says", object.begin);
+    if (!isAscii(text)) refuse("the text at byte {} is not ASCII, as it says", object.begin);
     return std::string(text);
 }
 

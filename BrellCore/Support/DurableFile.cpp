@@ -6,7 +6,6 @@
 #include <cerrno>
 
 #include "BrellCore/Support/DiskFlush.h"
-#include "BrellCore/Support/SystemMessage.h"
 #include "BrellCore/Support/UniqueFd.h"
 #include "BrellCore/Support/Uuid.h"
 

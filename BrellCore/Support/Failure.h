@@ -3,9 +3,16 @@
 
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace brell {
+
+// The system's own words for an error number, for example "No space left on device" for ENOSPC; no final
+// stop.
+inline std::string systemMessage(int errorNumber) {
+    return std::generic_category().message(errorNumber);
+}
 
 // Base of every exception of ours. describe(Failure), found next to the record, gives what(): whole
 // sentences, shown to the user as they stand. Derived classes define their destructor out of line, so

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "BrellCore/Support/SystemMessage.h"
 #include "BrellCore/Support/UniqueFd.h"
 
 namespace fs = std::filesystem;

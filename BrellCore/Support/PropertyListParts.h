@@ -51,7 +51,6 @@ bool isXmlCharacter(std::int32_t codePoint);
 std::size_t firstNonXml(std::string_view text);
 
 std::string_view withoutLeadingBlanks(std::string_view text);
-std::string lowerCaseAscii(std::string_view text);
 
 // Appends text of an XML file with its entities decoded; refuses those that stand for no XML character.
 void appendDecoded(std::string& text, std::string_view written);

@@ -1,11 +1,17 @@
 #include "BrellCore/Support/Text.h"
 
+#include <fmt/format.h>
 #include <utf8proc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
 
 namespace brell {
 
 namespace {
 
+constexpr std::size_t mostShown = 8;  // of a list that may have thousands
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
 enum class SlugClass { word, mark, separator };
@@ -44,6 +50,11 @@ void appendUtf8(std::string& text, std::int32_t codePoint) {
     utf8proc_uint8_t encoded[4];
     const auto length = utf8proc_encode_char(codePoint, encoded);
     text.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(length));
+}
+
+bool isAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 bool isUtf8(std::string_view bytes) {
@@ -100,6 +111,25 @@ std::string lowerCaseSlug(std::string_view text) {
     return slug;
 }
 
+std::string lowerCaseAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+std::string caseFolded(std::string_view text, Accents accents) {
+    constexpr int fold = UTF8PROC_STABLE | UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD;
+    const int options = accents == Accents::dropped ? fold | UTF8PROC_STRIPMARK : fold;
+    utf8proc_uint8_t* mapped = nullptr;
+    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                     static_cast<utf8proc_ssize_t>(text.size()), &mapped,
+                                     static_cast<utf8proc_option_t>(options));
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
+    if (length < 0) return std::string(text);
+    return {reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)};
+}
+
 std::string join(const std::vector<std::string>& pieces, std::string_view separator) {
     std::string joined;
     for (const std::string& piece : pieces) {
@@ -109,11 +139,11 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
     return joined;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view white = " \t\r\n\v\f";
-    const std::size_t first = text.find_first_not_of(white);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(white) - first + 1);
+std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator) {
+    if (sentences.size() <= mostShown) return join(sentences, separator);
+    std::vector<std::string> first(sentences.begin(), sentences.begin() + mostShown);
+    first.push_back(fmt::format("And {} more.", sentences.size() - mostShown));
+    return join(first, separator);
 }
 
 std::string fileUrl(std::string_view absolutePath) {

@@ -14,6 +14,7 @@ std::int32_t nextCodePoint(std::string_view& text);
 
 void appendUtf8(std::string& text, std::int32_t codePoint);  // a valid one
 
+bool isAscii(std::string_view bytes);
 bool isUtf8(std::string_view bytes);
 
 // The same text with every invalid sequence replaced by U+FFFD.
@@ -43,10 +44,30 @@ std::string excerpt(std::string_view text);
 // that is written as a base and combining marks stays whole. Empty when no letter or digit is in the text.
 std::string lowerCaseSlug(std::string_view text);
 
+std::string lowerCaseAscii(std::string_view text);
+
+enum class Accents { kept, dropped };
+
+// UTF-8 text for comparing: without letter case, in Unicode's compatibility decomposition. Other bytes stay
+// as they are.
+std::string caseFolded(std::string_view text, Accents accents);
+
 std::string join(const std::vector<std::string>& pieces, std::string_view separator);
 
-// Without white space (blanks, tabs, line ends) at either end.
-std::string_view trimmed(std::string_view text);
+// The first few of these sentences, joined, and how many more there are: "And 5 more."
+std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator);
+
+inline bool isWhite(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// Without white space (blanks, tabs, line ends) at either end. Inline: a dump has a hundred thousand lines,
+// most of them with a wide margin.
+inline std::string_view stripped(std::string_view text) {
+    while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
+    return text;
+}
 
 // The file URL of an absolute path, with everything outside the unreserved characters and "/"
 // percent-encoded: /Users/jo ann gives file:///Users/jo%20ann.

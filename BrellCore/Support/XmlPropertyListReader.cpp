@@ -175,7 +175,7 @@ pugi::xml_node XmlWalk::elementFrom(pugi::xml_node node) {
 
 void XmlWalk::checkBlank(pugi::xml_node node) {
     if (node.type() == pugi::node_pcdata && isBlank(node.value())) return;
-    refuse("\"{}\" at byte {} stands between the elements", excerpt(trimmed(node.value())), placeOf(node));
+    refuse("\"{}\" at byte {} stands between the elements", excerpt(stripped(node.value())), placeOf(node));
 }
 
 std::string XmlWalk::text(pugi::xml_node element) {

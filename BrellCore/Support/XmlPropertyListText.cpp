@@ -44,13 +44,6 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
 }
 
-std::string lowerCaseAscii(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 void appendDecoded(std::string& text, std::string_view written) {
     for (;;) {
         const std::size_t ampersand = std::min(written.find('&'), written.size());

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 
 namespace brell {

@@ -36,14 +36,6 @@ std::string relaunchText(const AppState& state, const TweakCatalog& catalog) {
     return join(lines, "\n");
 }
 
-std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator) {
-    constexpr std::size_t most = 8;
-    if (sentences.size() <= most) return join(sentences, separator);
-    std::vector<std::string> first(sentences.begin(), sentences.begin() + most);
-    first.push_back(fmt::format("And {} more.", sentences.size() - most));
-    return join(first, separator);
-}
-
 std::string activityText(const Activity& activity) {
     if (activity.total == 0) return activity.what + ".";
     return fmt::format("{}: {} of {}.", activity.what, activity.done, activity.total);

@@ -22,8 +22,4 @@ std::string relaunchText(const AppState& state, const TweakCatalog& catalog);
 // "Restoring changes: 3 of 12."
 std::string activityText(const Activity& activity);
 
-// The first of these sentences, each with the separator before the next, and how many more there are: a bar
-// above the page is no place for thousands.
-std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator);
-
 }  // namespace brell

@@ -1,12 +1,8 @@
 #include "CorvaneBrell/Model/TweakSearch.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 #include "BrellCore/Support/Text.h"
 
@@ -31,24 +27,12 @@ bool isFiller(std::string_view word) {
     return std::find(fillers.begin(), fillers.end(), word) != fillers.end();
 }
 
-// Without letter case and accents.
-std::string folded(const std::string& text) {
-    utf8proc_uint8_t* mapped = nullptr;
-    const auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_DECOMPOSE |
-                                                        UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD);
-    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                     static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
-    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owned(mapped, &std::free);
-    if (length < 0) return text;
-    return {reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length)};
-}
-
 std::vector<std::string> wordsOf(std::string_view text) {
     std::vector<std::string> words;
     const std::string slug = lowerCaseSlug(text);
     for (std::size_t begin = 0; begin < slug.size();) {
         const std::size_t end = std::min(slug.find('-', begin), slug.size());
-        words.push_back(folded(slug.substr(begin, end - begin)));
+        words.push_back(caseFolded(slug.substr(begin, end - begin), Accents::dropped));
         begin = end + 1;
     }
     return words;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "CorvaneBrell/Model/NoticeText.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 

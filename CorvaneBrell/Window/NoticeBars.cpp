@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Window/NoticeBar.h"
 #include "CorvaneBrell/Window/QtText.h"

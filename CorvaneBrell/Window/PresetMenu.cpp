@@ -4,7 +4,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
-#include "CorvaneBrell/Model/NoticeText.h"
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
 

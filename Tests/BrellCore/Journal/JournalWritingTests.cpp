@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "BrellCore/Journal/Journal.h"
-#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/Failure.h"
 #include "Tests/BrellCore/Journal/SampleEntries.h"
 #include "Tests/Support/SystemCalls.h"
 

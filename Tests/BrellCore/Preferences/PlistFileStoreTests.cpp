@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "BrellCore/Support/PropertyList.h"
-#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/Failure.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 

@@ -5,7 +5,6 @@
 #include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
-#include "BrellCore/Support/SystemMessage.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 

@@ -69,8 +69,8 @@ TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
 TEST(TextTest, SmallHelpers) {
     EXPECT_EQ(join({}, ", "), "");
     EXPECT_EQ(join({"", "b", ""}, ", "), ", b, ");
-    EXPECT_EQ(trimmed(" \t\r\n\v\f"), "");
-    EXPECT_EQ(trimmed("\n a b\t"), "a b");
+    EXPECT_EQ(stripped(" \t\r\n\v\f"), "");
+    EXPECT_EQ(stripped("\n a b\t"), "a b");
     EXPECT_EQ(fileUrl("/Users/jo ann/A-z_0.9~"), "file:///Users/jo%20ann/A-z_0.9~");
     EXPECT_EQ(fileUrl("/\u00E9%?#&+:'\"\n"), "file:///%C3%A9%25%3F%23&+:'%22%0A");
 }
