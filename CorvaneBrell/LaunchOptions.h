@@ -40,9 +40,12 @@ struct EarlyEnd {
 struct CommandLine {
     LaunchOptions options;
     std::optional<EarlyEnd> earlyEnd;  // options are the defaults then
+    bool operator==(const CommandLine&) const = default;
 };
 
-// Reads the words of the command line. The configuration that users get ignores every one of them.
+// Reads the words of the command line, and looks at nothing else. A word either does what --help says of it
+// or ends the run: a value that is missing, empty or begins with "--" is never taken for one. The
+// configuration that users get ignores every one of them.
 CommandLine readCommandLine(int argc, const char* const* argv);
 
 }  // namespace brell

@@ -46,40 +46,54 @@ TEST(LaunchOptionsTest, EveryWordFillsItsFieldAndPathsBecomeAbsolute) {
                     "--quit-after-capture", "dock.size"})
                   .options,
               expected);
-    for (const std::vector<const char*>& request :
-         std::vector<std::vector<const char*>>{{"--apply-all"},
-                                               {"--restore-all"},
-                                               {"--status-json"},
-                                               {"--toggle-agent=x"},
-                                               {"--quit-after-capture=x"}})
-        EXPECT_TRUE(read(request).options.isHeadlessRequest()) << request[0];
+    for (const char* request :
+         {"--apply-all", "--restore-all", "--status-json", "--toggle-agent=x", "--quit-after-capture=x"})
+        EXPECT_TRUE(read({request}).options.isHeadlessRequest()) << request;
 }
 
-TEST(LaunchOptionsTest, WordsThatMakeNoSenseEndTheRunWithAMessageOnOneLine) {
-    const std::vector<std::pair<std::vector<const char*>, const char*>> cases{
-        {{"--apply-everything"}, "--apply-everything"},
-        {{"dock.size"}, "dock.size"},
-        {{"--status-json", "--", "extra"}, "extra"},
-        {{"-a"}, "-a"},
-        {{"--apply-all=maybe"}, "maybe"},
-        {{"--toggle-agent"}, "--toggle-agent"},
-        {{"--journal-directory", "a", "--journal-directory", "b"}, "--journal-directory"},
-        {{"--journal-directory", ""}, "--journal-directory"},
-        {{"--sample-mac="}, "--sample-mac"},
-        {{"--snapshot-delay", "soon"}, "--snapshot-delay"},
-        {{"--snapshot-delay", "-1"}, "--snapshot-delay"},
-        {{"--snapshot-delay", "nan"}, "--snapshot-delay"},
-        {{"--two\nlines\x1B[2J"}, "--two lines [2J"},
+TEST(LaunchOptionsTest, WordsThatMakeNoSenseEndTheRunWithASentence) {
+    const auto unknown = [](const std::string& word) { return word + " is not a word that Brell knows."; };
+    const auto needs = [](const std::string& word) {
+        return word + ", that is neither empty nor begins with --.";
     };
-    for (const auto& [words, named] : cases) {
-        const CommandLine line = read(words);
-        ASSERT_TRUE(line.earlyEnd) << words[0];
-        EXPECT_EQ(line.earlyEnd->status, 2) << words[0];
-        const std::string& text = line.earlyEnd->text;
-        EXPECT_TRUE(text.starts_with("error: ") && text.find('\n') == text.size() - 1) << text;
-        EXPECT_NE(text.find(named), std::string::npos) << text;
-        EXPECT_EQ(line.options, LaunchOptions()) << words[0];
-    }
+    const std::string folder = needs("--journal-directory needs a value, DIR");
+    const std::string delay = "--snapshot-delay takes seconds from 0 to 3600, not ";
+    const std::vector<std::pair<std::vector<const char*>, std::string>> cases{
+        {{"--apply-everything"}, unknown("--apply-everything")},
+        {{"dock.size"}, unknown("dock.size")},
+        {{"three", "two"}, unknown("three")},
+        {{"--status-json", "--", "extra"}, unknown("--")},
+        {{"-a"}, unknown("-a")},
+        {{"--two\nlines\x1B[2J"}, unknown("--two lines [2J")},
+        {{"--journal-directory=", "--dry-run", "--apply-all"}, folder},
+        {{"--journal-directory=", "/tmp/j", "--apply-all"}, folder},
+        {{"--journal-directory", "", "--apply-all"}, folder},
+        {{"--journal-directory", "--dry-run", "--apply-all"}, folder},
+        {{"--dry-run", "--journal-directory=--dry-run"}, folder},
+        {{"--apply-all", "--journal-directory"}, folder},
+        {{"--journal-directory=", "--sample-mac=/tmp/mac", "--apply-all"}, folder},
+        {{"--sample-mac="}, needs("--sample-mac needs a value, DIR")},
+        {{"--open-group=", "--dry-run", "--apply-all"}, needs("--open-group needs a value, SCREEN")},
+        {{"--toggle-agent", "--restore-all"}, needs("--toggle-agent needs a value, LABEL")},
+        {{"--quit-after-capture"}, needs("--quit-after-capture needs a value, ID")},
+        {{"--snapshot", "--quit-after-snapshot"}, needs("--snapshot needs a value, FILE")},
+        {{"--dry-run=false", "--apply-all"}, "--dry-run takes no value."},
+        {{"--dry-run", "--dry-run=no", "--apply-all"}, "--dry-run takes no value."},
+        {{"--status-json=0", "--sample-mac", "M"}, "--status-json takes no value."},
+        {{"--apply-all=true"}, "--apply-all takes no value."},
+        {{"--restore-all="}, "--restore-all takes no value."},
+        {{"--journal-directory", "a", "--journal-directory=b"}, "--journal-directory is given twice."},
+        {{"--snapshot", "p.png", "--snapshot-delay", "soon"}, delay + "soon."},
+        {{"--snapshot", "p.png", "--snapshot-delay", "-1"}, delay + "-1."},
+        {{"--snapshot", "p.png", "--snapshot-delay", "nan"}, delay + "nan."},
+        {{"--quit-after-snapshot"},
+         "--quit-after-snapshot says something about --snapshot, which is missing."},
+        {{"--snapshot=p.png", "--apply-all"},
+         "--snapshot needs the window, which the other words do without."},
+    };
+    for (const auto& [words, sentence] : cases)
+        EXPECT_EQ(read(words), (CommandLine{{}, EarlyEnd{2, "error: " + sentence + " Try --help.\n"}}))
+            << sentence;
 }
 
 TEST(LaunchOptionsTest, HelpNamesTheWordsAndVersionTheProgram) {
@@ -104,7 +118,9 @@ TEST(LaunchOptionsTest, ARelativePathInAFolderThatIsGoneIsAClearError) {
         const CommandLine line = read({"--journal-directory", "here", "--status-json"});
         fs::current_path(before);
         ASSERT_TRUE(line.earlyEnd);
-        EXPECT_EQ(line.earlyEnd->status, 2);
+        EXPECT_EQ(line.earlyEnd->text,
+                  "error: --journal-directory takes here from the current folder, which could not be found: "
+                  "No such file or directory. Try --help.\n");
     }
 }
 
