@@ -27,7 +27,7 @@ StartUp startUp(int argc, const char* const* argv) {
     const CommandLine commandLine = readCommandLine(argc, argv);
     if (const auto& end = commandLine.earlyEnd) {
         (end->status == 0 ? std::cout : std::cerr) << end->text;
-        return {commandLine.options, end->status};
+        return {commandLine.options, ended(end->status)};
     }
     std::optional<int> status = HeadlessCommands::runIfRequested(commandLine.options, std::cout);
     if (status) status = ended(*status);

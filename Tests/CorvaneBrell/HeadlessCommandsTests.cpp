@@ -93,6 +93,25 @@ TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
     EXPECT_EQ(preferences(), original);
 }
 
+TEST_F(HeadlessCommandsTest, EachLineIsThereWhenItsEventHappened) {
+    struct Reader : std::stringbuf {
+        std::vector<std::string> lines;
+        int sync() override {
+            lines.push_back(str());
+            str("");
+            return 0;
+        }
+    } reader;
+    std::ostream out(&reader);
+    LaunchOptions options;
+    options.sampleMac = folder.path / "mac";
+    options.applyAll = true;
+    HeadlessCommands::runIfRequested(options, out);
+    ASSERT_EQ(reader.lines.size(), catalog.all().size());
+    for (std::size_t i = 0; i < reader.lines.size(); ++i)
+        EXPECT_EQ(reader.lines[i], "applied " + catalog.all()[i].id + "\n");
+}
+
 TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
     const JournalEntry entry = entryOf("gone", {{{"org.example.editor", "autosave"}, {}, PrefValue(true)}});
     Journal(journalFile(), journalDirectory / "history").upsert(entry);
@@ -239,9 +258,18 @@ TEST_F(HeadlessProgramTest, SaysWhatItDoesNotUnderstand) {
     const Finished nothing = runLine("'" BRELL_PROGRAM "' 2>&1");
     EXPECT_EQ(nothing.status, 2);
     EXPECT_TRUE(nothing.output.starts_with("error: There is nothing to do")) << nothing.output;
+    const Finished windowAlone = runProgram("--snapshot '" + (folder.path / "w.png").string() + "' 2>&1");
+    EXPECT_EQ(windowAlone, nothing) << "no tour instead";
     EXPECT_EQ(runProgram("--help").status, 0);
     EXPECT_TRUE(runProgram("--version").output.starts_with("Corvane Brell "));
     EXPECT_EQ(everythingIn(folder.path), before);
+}
+
+TEST_F(HeadlessProgramTest, WhatNobodyCouldReadIsNoSuccess) {
+    for (const char* words : {"--help", "--version", "--status-json", "--quit-after-capture dock.size"})
+        for (const char* nowhere : {" >&-", " >/dev/full"})
+            EXPECT_EQ(runProgram(words + std::string(nowhere) + " 2>/dev/null").status, 1)
+                << words << nowhere;
 }
 
 }  // namespace
