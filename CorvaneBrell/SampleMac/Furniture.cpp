@@ -21,6 +21,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr const char* lockName = ".furnishing.lock";
+
 void add(const fs::path& file, std::string_view contents) {
     if (fs::exists(fs::symlink_status(file))) return;
     constexpr unsigned permissions = 0644;
@@ -82,9 +84,13 @@ constexpr std::array<Volume, 3> volumes{{
 }  // namespace
 
 FileLock SampleFurniture::lock(const fs::path& root) {
-    auto lock = FileLock::acquire(root / ".furnishing.lock", 30s);
+    auto lock = FileLock::acquire(root / lockName, 30s);
     if (!lock) throw std::runtime_error(root.string() + " is being furnished by another process.");
     return std::move(*lock);
+}
+
+bool SampleFurniture::hasBegun(const fs::path& root) {
+    return fs::exists(root / lockName);
 }
 
 void SampleFurniture::addJobs(const fs::path& root, const fs::path& home) {

@@ -13,6 +13,8 @@ namespace brell::SampleFurniture {
 
 // To be held by whoever adds something. Raises std::runtime_error when another process is at it for long.
 FileLock lock(const std::filesystem::path& root);
+// Whether somebody has held that lock in this folder, so that it is a sample Mac or is becoming one.
+bool hasBegun(const std::filesystem::path& root);
 
 // All of these leave files alone that are there already. root is the Mac's folder without links.
 void addPreferences(PlistFileStore& store);

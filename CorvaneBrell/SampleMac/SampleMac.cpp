@@ -1,5 +1,7 @@
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 
+#include <stdexcept>
+
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
@@ -10,7 +12,15 @@ namespace brell {
 
 namespace {
 
+// Whatever else lies there already is not to be mixed with what a sample Mac holds.
+void checkCanBeSampleMac(const fs::path& folder) {
+    if (!fs::exists(folder) || fs::is_empty(folder) || SampleFurniture::hasBegun(folder)) return;
+    throw std::runtime_error("The folder " + folder.string() +
+                             " is no sample Mac and not empty, so that none is made in it.");
+}
+
 fs::path madeWithoutLinks(const fs::path& folder) {
+    checkCanBeSampleMac(folder);
     fs::create_directories(folder);
     return fs::canonical(folder);
 }

@@ -25,8 +25,9 @@ public:
     static constexpr std::uint32_t uid = 501;
     static constexpr bool isAdmin = true;  // so that the user may see the database of background tasks
 
-    // Opens the Mac in this folder (an absolute path) and furnishes it first when it is not there yet. What
-    // is there already is left as it is. Raises std::exception when the folder can't be made or written.
+    // Opens the Mac in this folder (an absolute path). One that is absent or empty is furnished first; what a
+    // Mac holds already is left as it is. Raises std::exception for a folder of anything else, which stays as
+    // it is, and when the folder can't be made or written.
     explicit SampleMac(const std::filesystem::path& folder);
 
     // The folder without links: what is "/" on a real Mac.

@@ -122,14 +122,24 @@ TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
     EXPECT_EQ(everythingIn(SampleMac(folder.path / "one").systemRoot()),
               everythingIn(SampleMac(folder.path / "twin").systemRoot()));
 
-    // A folder of the days when there were only preferences gets the rest.
-    const fs::path older = folder.path / "older";
-    setContents(older / "Users/sam/Library/Preferences/com.apple.dock.plist", "mine");
-    SampleMac opened(older);
-    EXPECT_EQ(contentsOf(opened.preferences() / "com.apple.dock.plist"), "mine");
-    EXPECT_FALSE(fs::exists(opened.preferences() / "com.apple.finder.plist"));
-    EXPECT_EQ(contentsOf(SimulatedLaunchd::stateFile(opened.systemRoot())),
-              contentsOf(SimulatedLaunchd::stateFile(SampleMac(folder.path / "new").systemRoot())));
+    // One whose furnishing was broken off gets the rest.
+    fs::remove(SimulatedLaunchd::stateFile(folder.path / "one"));
+    fs::remove_all(folder.path / "one/Volumes");
+    SampleMac(folder.path / "one");
+    EXPECT_EQ(everythingIn(folder.path / "one"), everythingIn(folder.path / "twin"));
+}
+
+TEST_F(SampleMacTest, IsMadeInNoFolderOfSomethingElse) {
+    fs::create_directory(folder.path / "empty");
+    EXPECT_NO_THROW(SampleMac(folder.path / "empty"));
+
+    setContents(folder.path / "home/Library/LaunchAgents/mine.plist", "mine");
+    const auto before = everythingIn(folder.path);
+    for (const char* name : {"home", "home/Library"})
+        EXPECT_EQ(messageOf([&] { SampleMac(folder.path / name); }),
+                  "The folder " + (folder.path / name).string() +
+                      " is no sample Mac and not empty, so that none is made in it.");
+    EXPECT_EQ(everythingIn(folder.path), before);
 }
 
 TEST_F(SampleMacTest, GoesWrongOnRequest) {
