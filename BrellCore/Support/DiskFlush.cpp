@@ -1,6 +1,7 @@
 #include "BrellCore/Support/DiskFlush.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -48,16 +49,19 @@ void flushFolder(const fs::path& folder) {
 }
 
 std::error_code createFolders(const fs::path& folder) {
-    std::error_code failed;
-    const bool isNew = fs::create_directory(folder, failed);
+    if (::mkdir(folder.c_str(), 0700) == 0) {
+        flushFolder(folder.parent_path());
+        return {};
+    }
+    const std::error_code failed(errno, std::generic_category());
     if (failed == std::errc::no_such_file_or_directory && folder.has_relative_path()) {
         if (const std::error_code above = createFolders(folder.parent_path())) return above;
         return createFolders(folder);
     }
-    // What stands there under the folder's name is a file.
-    if (failed == std::errc::file_exists) return std::make_error_code(std::errc::not_a_directory);
-    if (isNew) flushFolder(folder.parent_path());
-    return failed;
+    std::error_code unknown;
+    if (failed != std::errc::file_exists) return failed;
+    return fs::is_directory(folder, unknown) ? std::error_code()
+                                             : std::make_error_code(std::errc::not_a_directory);
 }
 
 }  // namespace brell
