@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "CorvaneBrell/DryRunStore.h"
-
 #include <sstream>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
+#include "CorvaneBrell/DryRunCommandRunner.h"
+#include "CorvaneBrell/DryRunStore.h"
+#include "Tests/Support/FakeCommandRunner.h"
 #include "Tests/Support/Testing.h"
 
 using namespace brell;
@@ -65,6 +66,29 @@ TEST_F(DryRunStoreTest, RefusesOtherDomainsLikeTheRealStore) {
     EXPECT_EQ(failureOf<StoreError>([&] { store.synchronize(foreign.domain); }), refused);
     EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(foreign); }), refused);
     EXPECT_EQ(out.str(), "");
+}
+
+TEST(DryRunCommandRunnerTest, RunsWhatOnlyReadsAndPrintsWhatWouldChangeSomething) {
+    using Command = AllowedCommand;
+    FakeCommandRunner base;
+    std::ostringstream out;
+    DryRunCommandRunner runner(base, out);
+    const std::vector<Command> reading{Command::launchctlPrint("gui/501/a"),
+                                       Command::launchctlPrintDisabled("gui/501"), Command::mdutilStatus("/"),
+                                       Command::sfltoolDumpBTM()};
+    for (const Command& command : reading) {
+        base.answer(command, "answer of " + command.rendered());
+        EXPECT_EQ(runner.run(command), (CommandResult{0, "answer of " + command.rendered(), ""}));
+    }
+    std::string lines;
+    for (const Command& command :
+         {Command::launchctlBootout("gui/501", "a"), Command::launchctlBootstrap("gui/501", "/a.plist"),
+          Command::launchctlEnable("gui/501", "a"), Command::launchctlDisable("gui/501", "a")}) {
+        EXPECT_EQ(runner.run(command), (CommandResult{1, "", "dry run: not executed"}));
+        lines += "dry-run: would run " + command.rendered() + "\n";
+    }
+    EXPECT_EQ(base.commands(), reading);
+    EXPECT_EQ(out.str(), lines);
 }
 
 }  // namespace
