@@ -89,20 +89,13 @@ int quitAfterCapture(Dependencies& deps, const std::string& id, std::ostream& ou
 // The steps below give whether they went well.
 
 bool applyAll(Dependencies& deps, std::ostream& out) {
-    bool allWell = true;
-    for (const Tweak* tweak : deps.catalog.available(deps.macOSMajor())) {
+    const auto apply = [&](const Tweak& tweak) {
         std::optional<std::vector<PrefValue>> values;
-        if (std::holds_alternative<FolderKind>(tweak->kind))
+        if (std::holds_alternative<FolderKind>(tweak.kind))
             values = std::vector<PrefValue>{screenshotsFolder(deps.journalDirectory())};
-        try {
-            deps.engine.apply(*tweak, std::move(values));
-            printLine(out, "applied " + tweak->id);
-        } catch (const std::exception& error) {
-            printLine(out, "refused " + tweak->id + ": " + error.what());
-            allWell = false;
-        }
-    }
-    return allWell;
+        deps.engine.apply(tweak, std::move(values));
+    };
+    return applyEach(deps.catalog.available(deps.macOSMajor()), apply, out);
 }
 
 std::vector<LaunchAgentRecord> userAgents(const Dependencies& deps) try {
@@ -185,6 +178,33 @@ std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& ou
         printLine(out, std::string("error: ") + error.what());
         return ExitStatus::failure;
     }
+}
+
+bool applyEach(const std::vector<const Tweak*>& tweaks, const std::function<void(const Tweak&)>& apply,
+               std::ostream& out) {
+    bool allWell = true;
+    std::optional<std::string> busy;
+    const auto refuse = [&](const Tweak& tweak, const std::string& reason) {
+        printLine(out, "refused " + tweak.id + ": " + reason);
+        allWell = false;
+    };
+    for (const Tweak* tweak : tweaks) {
+        if (busy) {
+            refuse(*tweak, *busy);
+            continue;
+        }
+        try {
+            apply(*tweak);
+            printLine(out, "applied " + tweak->id);
+        } catch (const EngineError& error) {
+            refuse(*tweak, error.what());
+            const auto* failure = std::get_if<JournalFailure>(&error.failure());
+            if (failure && failure->kind == JournalFailure::Kind::isBusy) busy = error.what();
+        } catch (const std::exception& error) {
+            refuse(*tweak, error.what());
+        }
+    }
+    return allWell;
 }
 
 std::string describe(const TweakState& state) {

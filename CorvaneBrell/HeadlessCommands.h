@@ -2,9 +2,11 @@
 // and an exit status.
 #pragma once
 
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "BrellCore/Engine/TweakStatus.h"
 #include "CorvaneBrell/LaunchOptions.h"
@@ -23,6 +25,11 @@ namespace HeadlessCommands {
 // stand in the way of a change is said to warnings before the first one.
 std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out,
                                   std::ostream& warnings = std::cerr);
+
+// Applies each of these, with a line for each, and gives whether all went well. When one has waited in vain
+// for another Brell, the rest is refused at once instead of waiting as long again.
+bool applyEach(const std::vector<const Tweak*>& tweaks, const std::function<void(const Tweak&)>& apply,
+               std::ostream& out);
 
 // The state as scripts read it: onByBrell(UUID), perHost(key: "NAME"), off, ...
 std::string describe(const TweakState& state);

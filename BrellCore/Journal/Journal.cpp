@@ -134,8 +134,8 @@ std::optional<JournalEntry> Journal::activeEntry(std::string_view tweakID) {
 Journal::Exclusive Journal::exclusive() try {
     auto lock = FileLock::acquire(file_.parent_path() / ".journal.lock", patience);
     if (!lock)
-        throw cannotWrite(
-            fmt::format("another Brell has been busy with it for {} seconds", patience.count()));
+        throw JournalError({Kind::isBusy, fmt::format("another Brell has been busy with it for {} seconds",
+                                                      patience.count())});
     return Exclusive(std::move(*lock));
 } catch (const JournalError&) {
     throw;

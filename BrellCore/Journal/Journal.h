@@ -53,8 +53,8 @@ public:
     std::vector<JournalEntry> entries(const std::vector<Uuid>& ids);  // in this order; none for an unknown id
     std::optional<JournalEntry> activeEntry(std::string_view tweakID);
 
-    // Waits for other holders, half a minute at most; then, and when the lock can't be taken, JournalError
-    // (cannotWrite). Not re-entrant.
+    // Waits for other holders, half a minute at most; then JournalError (isBusy), and (cannotWrite) when the
+    // lock can't be taken. Not re-entrant.
     Exclusive exclusive();
 
     // Saves a new entry or, in its place, a changed one: on stable storage when the call returns. Raises

@@ -8,7 +8,7 @@
 namespace brell {
 
 struct JournalFailure {
-    enum class Kind { cannotWrite, cannotRead };
+    enum class Kind { cannotWrite, cannotRead, isBusy };  // isBusy: others held its lock all the time
     Kind kind;
     std::string text;  // what happened, without a final stop
     bool operator==(const JournalFailure&) const = default;

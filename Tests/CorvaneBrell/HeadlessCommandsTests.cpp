@@ -196,6 +196,23 @@ TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
     EXPECT_EQ(preferences(), original);
 }
 
+TEST_F(HeadlessCommandsTest, AnotherBrellThatStaysBusyIsWaitedForOnlyOnce) {
+    const EngineError busy(JournalFailure{JournalFailure::Kind::isBusy, "others have it"});
+    std::vector<std::string> tried;
+    std::ostringstream out;
+    const auto apply = [&](const Tweak& tweak) {
+        tried.push_back(tweak.id);
+        if (tweak.id == "b") throw busy;
+        throw std::runtime_error("no");
+    };
+    Tweak a{}, b{}, c{};
+    a.id = "a", b.id = "b", c.id = "c";
+    EXPECT_FALSE(HeadlessCommands::applyEach({&a, &b, &c}, apply, out));
+    EXPECT_EQ(tried, (Texts{"a", "b"}));
+    EXPECT_EQ(out.str(),
+              "refused a: no\nrefused b: " + std::string(busy.what()) + "\nrefused c: " + busy.what() + "\n");
+}
+
 TEST_F(HeadlessCommandsTest, ATourShowsTheWholeCycleAndLeavesTheMacAsItWas) {
     LaunchOptions options;
     options.sampleMac = folder.path / "mac";
