@@ -6,6 +6,7 @@
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/DryRunCommandRunner.h"
 #include "CorvaneBrell/DryRunStore.h"
+#include "CorvaneBrell/SafetyCheck.h"
 
 namespace brell {
 
@@ -22,6 +23,9 @@ auto endAfterCapture(std::ostream& out) {
 
 // A dry run's entries say what was not done, and its restores undo nothing: neither belongs among real ones.
 std::unique_ptr<Journal> openJournal(const LaunchOptions& options, const Machine& machine) {
+    // A file where the folder would be is no journal that was never written.
+    if (const auto obstacle = inTheWayOf(machine.journalDirectory))
+        throw JournalError({JournalFailure::Kind::cannotRead, obstacle->string() + ": it is not a folder"});
     std::unique_ptr<Journal> journal = Journal::open(machine.journalDirectory);
     if (options.dryRun && !journal->all().empty())
         throw JournalError(

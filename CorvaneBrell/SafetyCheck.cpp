@@ -41,16 +41,26 @@ bool isOpenToAll(const fs::path& folder) {
            (status.st_mode & S_ISVTX) == 0;
 }
 
+// The folder itself, or the nearest one above it, at whose name anything stands.
+fs::path nearestThere(const fs::path& folder) {
+    return statusOf(folder) || !folder.has_relative_path() ? folder : nearestThere(folder.parent_path());
+}
+
 // Why no file can be made in this folder, or in the one that would hold it; 0 when one can.
 int obstacleTo(const fs::path& folder) {
-    const auto status = statusOf(folder);
-    if (!status && folder.has_relative_path()) return obstacleTo(folder.parent_path());
-    std::error_code unknown;
-    if (!fs::is_directory(folder, unknown)) return unknown ? unknown.value() : ENOTDIR;
-    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
+    if (inTheWayOf(folder)) return ENOTDIR;
+    return ::faccessat(AT_FDCWD, nearestThere(folder).c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 }  // namespace
+
+std::optional<fs::path> inTheWayOf(const fs::path& folder) {
+    const fs::path there = nearestThere(folder);
+    std::error_code unknown;
+    const fs::file_type type = fs::status(there, unknown).type();
+    const bool isKnown = type != fs::file_type::none;  // may be a folder that can't be looked at
+    return isKnown && type != fs::file_type::directory ? std::optional(there) : std::nullopt;
+}
 
 std::vector<std::string> safetyWarnings(const Machine& machine, uid_t user) {
     std::vector<std::string> warnings;

@@ -4,12 +4,18 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "CorvaneBrell/Machine.h"
 
 namespace brell {
+
+// What stands in the folder's place, or in that of one above it, so that the folder can neither be nor be
+// made: a file, or a link to nowhere.
+std::optional<std::filesystem::path> inTheWayOf(const std::filesystem::path& folder);
 
 // Whole sentences for the user: about preference files that are symbolic links, belong to somebody else than
 // this user or are locked, and about a journal folder that can't be written. Nothing is changed and nothing
