@@ -70,9 +70,9 @@ private:
     Seen seen_;
 };
 
-PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains)
+PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains, Folder folder)
     : directory_(std::move(directory)), allowedDomains_(std::move(allowedDomains)) {
-    fs::create_directories(directory_);
+    if (folder == Folder::atOnce || fs::exists(directory_)) fs::create_directories(directory_);
 }
 
 StoredValue PlistFileStore::exactValue(const PrefKey& key) {

@@ -22,8 +22,10 @@ class PlistFileStore final : public PreferenceStore {
 public:
     using Values = std::map<std::string, PrefValue, std::less<>>;  // by key
 
-    // Creates the folder and those above it; raises std::filesystem::filesystem_error when it can't.
-    PlistFileStore(std::filesystem::path directory, DomainSet allowedDomains);
+    // Creates the folder and those above it, at once or with the first write, which is then what fails when
+    // it can't. Raises std::filesystem::filesystem_error when something else stands in its place.
+    enum class Folder { atOnce, withFirstWrite };
+    PlistFileStore(std::filesystem::path directory, DomainSet allowedDomains, Folder folder = Folder::atOnce);
 
     // Where a store of this folder keeps the domain.
     static std::filesystem::path fileOf(const std::filesystem::path& directory, const std::string& domain);

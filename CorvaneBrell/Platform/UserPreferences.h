@@ -11,7 +11,7 @@
 namespace brell {
 
 // A store of these domains: macOS's user defaults, never root's; elsewhere property-list files in this
-// folder, which is made. Raises std::exception when there can be none.
+// folder, which the first write makes. Raises std::exception when there can be none.
 std::unique_ptr<PreferenceStore> userPreferences(const std::filesystem::path& folder,
                                                  const DomainSet& domains);
 

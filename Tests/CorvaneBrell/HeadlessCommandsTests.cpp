@@ -282,6 +282,24 @@ TEST_F(HeadlessProgramTest, SaysWhatItDoesNotUnderstand) {
     EXPECT_EQ(everythingIn(folder.path), before);
 }
 
+#ifndef __APPLE__  // where these are the user's own settings
+TEST_F(HeadlessProgramTest, WithoutASampleMacNothingIsMadeBeforeTheFirstWrite) {
+    const fs::path home = folder.path / "home", temporary = folder.path / "temporary";
+    fs::create_directory(home);
+    fs::create_directory(temporary);
+    const auto runHere = [&](const std::string& words) {
+        return runLine("HOME='" + home.string() + "' TMPDIR='" + temporary.string() +
+                       "' '" BRELL_PROGRAM "' " + words);
+    };
+    for (const char* words :
+         {"--status-json", "--restore-all", "--dry-run --status-json", "--dry-run --apply-all"})
+        EXPECT_EQ(runHere(words).status, 0) << words;
+    EXPECT_EQ(namesIn(home), Names());
+    EXPECT_EQ(runHere("--apply-all").status, 0);
+    EXPECT_TRUE(namesIn(Journal::defaultDirectory(home)).contains("Preferences"));
+}
+#endif
+
 TEST_F(HeadlessProgramTest, WhatNobodyCouldReadIsNoSuccess) {
     for (const char* words : {"--help", "--version", "--status-json", "--quit-after-capture dock.size"})
         for (const char* nowhere : {" >&-", " >/dev/full"})
