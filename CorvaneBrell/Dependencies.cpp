@@ -5,8 +5,11 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/DryRunCommandRunner.h"
+#include "CorvaneBrell/DryRunJournal.h"
 #include "CorvaneBrell/DryRunStore.h"
 #include "CorvaneBrell/SafetyCheck.h"
+
+namespace fs = std::filesystem;
 
 namespace brell {
 
@@ -21,36 +24,39 @@ auto endAfterCapture(std::ostream& out) {
     };
 }
 
-// A dry run's entries say what was not done, and its restores undo nothing: neither belongs among real ones.
-std::unique_ptr<Journal> openJournal(const LaunchOptions& options, const Machine& machine) {
-    // A file where the folder would be is no journal that was never written.
-    if (const auto obstacle = inTheWayOf(machine.journalDirectory))
+// A file where the folder would be is no journal that was never written.
+void checkCanHoldJournal(const fs::path& directory) {
+    if (const auto obstacle = inTheWayOf(directory))
         throw JournalError({JournalFailure::Kind::cannotRead, obstacle->string() + ": it is not a folder"});
-    std::unique_ptr<Journal> journal = Journal::open(machine.journalDirectory);
-    if (options.dryRun && !journal->all().empty())
-        throw JournalError(
-            {JournalFailure::Kind::cannotWrite,
-             "a dry run takes no journal that has entries, such as " + journal->fileURL().string()});
-    return journal;
 }
 
-EngineSettings engineSettings(const Machine& machine) {
-    return {machine.osVersion.text(), machine.osVersion.major,
-            machine.journalDirectory / RestoreScript::fileName};
+Machine machineOf(const LaunchOptions& options, std::ostream& notes) {
+    Machine machine = machineFor(options);
+    checkCanHoldJournal(machine.journalDirectory);
+    if (options.dryRun) machine.journalDirectory = dryRunDirectory(machine.journalDirectory, notes);
+    return machine;
+}
+
+// A dry run keeps no script: it would undo what was never done.
+EngineSettings engineSettings(const LaunchOptions& options, const Machine& machine) {
+    std::optional<fs::path> script;
+    if (!options.dryRun) script = machine.journalDirectory / RestoreScript::fileName;
+    return {machine.osVersion.text(), machine.osVersion.major, std::move(script)};
 }
 
 }  // namespace
 
-Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out)
+Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out, std::ostream& notes)
     : options(launchOptions),
-      machine(machineFor(options)),
+      machine(machineOf(options, notes)),
       catalog(machine.home.string()),
       dryRunStore(options.dryRun ? std::make_unique<DryRunStore>(*machine.store, out) : nullptr),
       store(dryRunStore ? *dryRunStore : *machine.store),
       dryRunRunner(options.dryRun ? std::make_unique<DryRunCommandRunner>(*machine.runner, out) : nullptr),
       runner(dryRunRunner ? *dryRunRunner : *machine.runner),
-      journal(openJournal(options, machine)),
-      engine(store, *journal, catalog, engineSettings(machine)),
+      journal(Journal::open(machine.journalDirectory, systemNow,
+                            options.dryRun ? JournalUse::dryRun : JournalUse::changes)),
+      engine(store, *journal, catalog, engineSettings(options, machine)),
       toggle(runner, engine, machine.uid, machine.home / "Library" / "LaunchAgents"),
       reader{runner, machine.home, machine.uid, machine.systemRoot},
       btmReader{runner, machine.isAdmin},

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <iostream>
 #include <memory>
-#include <ostream>
 
 #include "BrellCore/Background/AgentToggle.h"
 #include "BrellCore/Background/BTMReader.h"
@@ -20,8 +20,9 @@ namespace brell {
 // Each object stands below the ones it refers to. Stays where it is made.
 struct Dependencies {
     // Raises JournalError when the journal can't be opened, std::exception when the machine's folders can't
-    // be made. out gets the lines of a dry run and of the capture hook, and must outlive the object.
-    Dependencies(const LaunchOptions& launchOptions, std::ostream& out);
+    // be made. out gets the lines of a dry run and of the capture hook, and must outlive the object; notes
+    // gets what there is to say about the journal of a dry run.
+    Dependencies(const LaunchOptions& launchOptions, std::ostream& out, std::ostream& notes = std::cerr);
     Dependencies(const Dependencies&) = delete;
     Dependencies& operator=(const Dependencies&) = delete;
 

@@ -167,7 +167,7 @@ std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& ou
     if (!options.isHeadlessRequest()) return std::nullopt;
     std::optional<Dependencies> deps;
     try {
-        deps.emplace(options, out);
+        deps.emplace(options, out, warnings);
     } catch (const std::exception& error) {
         printLine(out, std::string("error: ") + error.what());
         return ExitStatus::cannotStart;

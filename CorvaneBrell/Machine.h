@@ -21,7 +21,7 @@ struct Machine {
     OperatingSystemVersion osVersion;
     std::uint32_t uid;
     std::function<bool()> isAdmin;
-    std::filesystem::path journalDirectory;              // as the options say
+    std::filesystem::path journalDirectory;              // of this run
     std::vector<std::filesystem::path> preferenceFiles;  // of the catalog's domains, only to be looked at
     std::unique_ptr<PreferenceStore> store;
     std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain

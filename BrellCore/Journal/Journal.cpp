@@ -68,13 +68,30 @@ fs::path Journal::defaultDirectory(const fs::path& home) {
     return home / "Library" / "Application Support" / "Corvane Brell";
 }
 
-std::unique_ptr<Journal> Journal::open(const fs::path& directory, Clock clock) {
-    return std::make_unique<Journal>(directory / "journal.json", directory / "history", std::move(clock));
+bool Journal::isMarkedForDryRun(const fs::path& directory) {
+    std::error_code unknown;
+    return fs::exists(fs::symlink_status(directory / dryRunMarkerName, unknown));
 }
 
-Journal::Journal(const fs::path& file, fs::path historyDirectory, Clock clock)
-    : file_(withoutLink(file)), historyDirectory_(std::move(historyDirectory)), clock_(std::move(clock)) {
+void Journal::markForDryRun(const fs::path& directory) {
+    replaceFile(directory / dryRunMarkerName,
+                "The journal in this folder is a dry run's: none of its changes was ever made.\n"
+                "Brell uses the folder for nothing else. It can be removed.\n",
+                Durability::powerCut);
+}
+
+std::unique_ptr<Journal> Journal::open(const fs::path& directory, Clock clock, JournalUse use) {
+    return std::make_unique<Journal>(directory / fileName, directory / "history", std::move(clock), use);
+}
+
+Journal::Journal(const fs::path& file, fs::path historyDirectory, Clock clock, JournalUse use)
+    : directory_(file.parent_path()),
+      file_(withoutLink(file)),
+      historyDirectory_(std::move(historyDirectory)),
+      clock_(std::move(clock)),
+      use_(use) {
     refreshLocked();
+    checkUse();
 }
 
 std::vector<JournalEntry> Journal::all() {
@@ -157,11 +174,23 @@ std::vector<HistoryLine> Journal::history(std::optional<int> days) const {
     return readHistory(historyDirectory_, cutOff);
 }
 
+// At every look at another file, too: one that was begun meanwhile may be for the other use.
+void Journal::checkUse() const {
+    const bool isMarked = isMarkedForDryRun(directory_);
+    std::error_code unknown;
+    if (use_ == JournalUse::changes && isMarked)
+        throw cannotRead((directory_ / dryRunMarkerName).string() +
+                         " says that it is a dry run's, whose changes were never made");
+    if (use_ == JournalUse::dryRun && !isMarked && fs::exists(file_, unknown))
+        throw cannotRead(file_.string() + ": it holds changes that were made, which a dry run leaves alone");
+}
+
 void Journal::refreshLocked() try {
     const auto identity = identityOf(file_);
     // A file that is gone does not empty the list: what undoes changes is kept, and saved again with the
     // next.
     if (!identity || identity == identity_) return;
+    checkUse();
     auto read = readFile(file_, mostBytes, simdjson::SIMDJSON_PADDING);
     if (!read) return;
     try {
@@ -177,6 +206,8 @@ void Journal::refreshLocked() try {
 }
 
 void Journal::saveLocked(const JournalEntry& entry) try {
+    checkUse();
+    if (use_ == JournalUse::dryRun && !isMarkedForDryRun(directory_)) markForDryRun(directory_);
     JournalText::Change change = text_.changed(entry);
     replaceFile(file_, change.text, Durability::powerCut);
     text_.take(std::move(change));

@@ -19,6 +19,10 @@
 
 namespace brell {
 
+// What a journal is for. Entries of a dry run were never carried out, so that undoing them would overwrite
+// what the user chose: they have folders of their own, and a file in them that says so.
+enum class JournalUse { changes, dryRun };
+
 // One shared instance a journal directory and process; several processes may use the same directory. Any
 // thread may call it. Every operation first reads the file again when it is no longer the one last read or
 // written, and raises JournalError (cannotRead) when that fails; the list and the file then stay as they are.
@@ -36,11 +40,18 @@ public:
     // "Library/Application Support/Corvane Brell" in this home folder. Creates nothing.
     static std::filesystem::path defaultDirectory(const std::filesystem::path& home);
 
-    // The journal of this directory: "journal.json" and the folder "history" in it. Creates nothing. Raises
-    // JournalError (cannotRead) for a file that is damaged or of a newer format.
-    static std::unique_ptr<Journal> open(const std::filesystem::path& directory, Clock clock = systemNow);
+    static constexpr const char* fileName = "journal.json";
+    static constexpr const char* dryRunMarkerName = "dry-run.txt";
+    static bool isMarkedForDryRun(const std::filesystem::path& directory);
+    static void markForDryRun(const std::filesystem::path& directory);  // raises ReplaceError
+
+    // The journal of this directory: its file and the folder "history" in it. Creates nothing. Raises
+    // JournalError (cannotRead) for a file that is damaged, of a newer format or for the other use; so does
+    // each operation that finds such a file there later.
+    static std::unique_ptr<Journal> open(const std::filesystem::path& directory, Clock clock = systemNow,
+                                         JournalUse use = JournalUse::changes);
     Journal(const std::filesystem::path& file, std::filesystem::path historyDirectory,
-            Clock clock = systemNow);
+            Clock clock = systemNow, JournalUse use = JournalUse::changes);
 
     const std::filesystem::path& fileURL() const { return file_; }
     const std::filesystem::path& historyDirectory() const { return historyDirectory_; }
@@ -67,12 +78,15 @@ public:
     std::vector<HistoryLine> history(std::optional<int> days = std::nullopt) const;
 
 private:
+    void checkUse() const;
     void refreshLocked();
     void saveLocked(const JournalEntry& entry);
 
+    const std::filesystem::path directory_;  // of the file, or of the link to it
     const std::filesystem::path file_;
     const std::filesystem::path historyDirectory_;
     const Clock clock_;
+    const JournalUse use_;
 
     std::mutex mutex_;  // guards the two below and every use of the file
     JournalText text_;

@@ -33,8 +33,8 @@ protected:
         words.insert(words.begin(), "corvane-brell");
         LaunchOptions options = readCommandLine(static_cast<int>(words.size()), words.data()).options;
         options.sampleMac = folder.path / "mac";
-        std::ostringstream out;
-        const auto status = HeadlessCommands::runIfRequested(options, out);
+        std::ostringstream out, notes;
+        const auto status = HeadlessCommands::runIfRequested(options, out, notes);
         return {status.value_or(-1), out.str()};
     }
     // The program itself with these words.
@@ -141,12 +141,49 @@ TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
     EXPECT_FALSE(fs::exists(journalDirectory));
     EXPECT_TRUE(fs::exists(folder.path / "dry" / "journal.json"));
 
-    // Among real entries its own would be false ones, and its restores would end theirs.
+    EXPECT_FALSE(fs::exists(folder.path / "dry" / RestoreScript::fileName));
+
+    // A real run would take what it recorded for its own, and undo what the user chose meanwhile.
+    mac.openPreferences()->write(77, tileSize);
     const auto whole = everythingIn(folder.path);
-    const Finished refused = run({"--dry-run", "--restore-all", "--journal-directory", dryJournal.c_str()});
-    EXPECT_EQ(refused.status, 2);
-    EXPECT_NE(refused.output.find("a dry run takes no journal that has entries"), std::string::npos);
+    for (const char* words : {"--restore-all", "--apply-all", "--status-json"})
+        EXPECT_EQ(
+            run({words, "--journal-directory", dryJournal.c_str()}),
+            (Finished{2, "error: The change journal could not be read: " + dryJournal +
+                             "/dry-run.txt says that it is a dry run's, whose changes were never made.\n"}))
+            << words;
     EXPECT_EQ(everythingIn(folder.path), whole);
+    EXPECT_EQ(run({"--dry-run", "--restore-all", "--journal-directory", dryJournal.c_str()}).status, 0);
+}
+
+TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndLeavesItAlone) {
+    runProgram("--quit-after-capture dock.size");
+    run({"--apply-all"});
+    const std::string status = run({"--status-json"}).output;
+    const auto before = everythingIn(folder.path / "mac");
+    const fs::path copies = folder.path / "copies";
+    fs::create_directory(copies);
+    const auto runDry = [&](const std::string& word) {
+        return runLine("TMPDIR='" + copies.string() + "' '" BRELL_PROGRAM "' --dry-run --sample-mac '" +
+                       mac.systemRoot().string() + "' --journal-directory '" + journalDirectory.string() +
+                       "' " + word + " 2>'" + (folder.path / "said").string() + "'");
+    };
+    EXPECT_EQ(runDry("--status-json"), (Finished{0, status}));
+    EXPECT_EQ(contentsOf(folder.path / "said"), "note: The dry run works on a copy of the journal in " +
+                                                    journalDirectory.string() + ", which stays as it is.\n");
+    const std::string dry = runDry("--restore-all").output;
+    EXPECT_NE(dry.find("dry-run: would write com.apple.dock tilesize = 41\n"), std::string::npos);
+    EXPECT_EQ(everythingIn(folder.path / "mac"), before);
+    EXPECT_EQ(namesIn(copies).size(), 2u);
+    for (const fs::directory_entry& copy : fs::directory_iterator(copies))
+        EXPECT_EQ(copy.status().permissions(), fs::perms::owner_all) << "its values are the user's alone";
+
+    std::istringstream lines(dry);
+    std::string results;
+    for (std::string line; std::getline(lines, line);)
+        if (!line.starts_with("dry-run: would ")) results += line + "\n";
+    EXPECT_EQ(results, run({"--restore-all"}).output);
+    EXPECT_EQ(preferences(), original);
 }
 
 TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing) {

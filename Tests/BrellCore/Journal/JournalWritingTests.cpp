@@ -191,6 +191,29 @@ TEST_F(JournalWritingTest, FollowsTheFileOfOthersAndOutlivesItsLoss) {
     EXPECT_EQ(mine->all(), sampleEntries());
 }
 
+TEST_F(JournalWritingTest, ADryRunAndARealRunNeverShareAFolderEvenWhenBothHaveItOpen) {
+    const JournalEntry entry = entryFor("a");
+    for (const JournalUse first : {JournalUse::changes, JournalUse::dryRun}) {
+        const bool isDry = first == JournalUse::dryRun;
+        const fs::path shared = folder.path / (isDry ? "dry" : "real");
+        const auto mine = Journal::open(shared, systemNow, first);
+        const auto theirs =
+            Journal::open(shared, systemNow, isDry ? JournalUse::changes : JournalUse::dryRun);
+        EXPECT_EQ(namesIn(shared), Names()) << "reading alone marks nothing";
+        mine->upsert(entry);
+        EXPECT_EQ(Journal::isMarkedForDryRun(shared), isDry);
+        const auto before = everythingIn(shared);
+        const std::string why =
+            shared / (isDry ? "dry-run.txt says that it is a dry run's, whose changes were never made."
+                            : "journal.json: it holds changes that were made, which a dry run leaves alone.");
+        EXPECT_EQ(messageOf([&] { theirs->all(); }), "The change journal could not be read: " + why);
+        EXPECT_TRUE(thrownBy<JournalError>([&] { theirs->upsert(entry); }));
+        EXPECT_EQ(everythingIn(shared), before);
+    }
+    fs::remove(folder.path / "dry/journal.json");  // the marker alone is enough
+    EXPECT_TRUE(thrownBy<JournalError>([&] { Journal::open(folder.path / "dry"); }));
+}
+
 TEST_F(JournalWritingTest, ALockWhoseFileWasRemovedSavesNothing) {
     const auto journal = Journal::open(folder.path);
     const Journal::Exclusive held = journal->exclusive();
