@@ -46,4 +46,16 @@ public:
     ~EngineError() override;
 };
 
+// Gives what the action gives, with the errors of the layers below as the engine's own.
+template <class Action>
+auto asEngineErrors(Action&& action) {
+    try {
+        return action();
+    } catch (const StoreError& error) {
+        throw EngineError(error.failure());
+    } catch (const JournalError& error) {
+        throw EngineError(error.failure());
+    }
+}
+
 }  // namespace brell

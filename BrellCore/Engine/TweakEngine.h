@@ -126,13 +126,8 @@ private:
     std::string subjectOf(const JournalEntry& entry) const;
     JournalEntry newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const;
     std::vector<JournaledWrite> captureOriginals(const Tweak& tweak, const Values& values);
-    std::optional<EngineFailure> writeVerified(const JournaledWrite& write);
     EngineError rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
                          const Journal::Exclusive& held);
-    // A value of a kind that Brell never writes: somebody else stored it.
-    enum class Foreign { stays, givesWay };
-    void putBack(const JournaledWrite& write, Foreign foreign);
-    void putBack(const std::vector<JournaledWrite>& writes, Foreign foreign);
     JournalEntry activeEntry(const Uuid& entryID);
     RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
                                      const std::set<Uuid>& confirmedDrift, const Progress& goOn);

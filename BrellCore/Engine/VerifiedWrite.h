@@ -1,0 +1,24 @@
+// Storing a key's value and proving it by reading it back.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "BrellCore/Engine/EngineError.h"
+#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell {
+
+// Makes the key hold what the change writes. Gives what went wrong; the key may then hold anything.
+std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store);
+
+// What becomes of a value of a kind that Brell never writes, which somebody else stored.
+enum class OtherType { keep, replace };
+
+// Makes the key hold its original again. Raises StoreError when it does not come back.
+void putBack(const JournaledWrite& write, OtherType otherType, PreferenceStore& store);
+// Every key, also behind one that does not come back. Raises what the first of these raised.
+void putBack(const std::vector<JournaledWrite>& writes, OtherType otherType, PreferenceStore& store);
+
+}  // namespace brell
