@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Engine/Drift.h"
 #include "BrellCore/Engine/EngineError.h"
 #include "BrellCore/Engine/TweakStatus.h"
 #include "BrellCore/Journal/Journal.h"
@@ -77,9 +78,10 @@ public:
                        std::optional<std::string> choiceID = std::nullopt);
     // Removes the tweak's keys, so that the system's defaults take effect.
     JournalEntry resetToDefault(const Tweak& tweak);
-    // Undoes one active entry and gives it as saved. A key that somebody changed since stops it with Drift,
-    // unless that is overridden. check is called with the lock held, before anything is put back; what it
-    // raises leaves everything as it is.
+    // Undoes one active entry and gives it as saved. A key that somebody else changed since stops it with
+    // Drift, unless that is overridden. After any other error the keys that came back stay back, the entry is
+    // active, and the next undo finishes it. check is called with the lock held, before anything is put back;
+    // what it raises leaves everything as it is.
     JournalEntry restore(const Uuid& entryID, bool overridingDrift, const std::function<void()>& check);
     JournalEntry restore(const Uuid& entryID, bool overridingDrift) {
         return restore(entryID, overridingDrift, [] {});
@@ -132,9 +134,7 @@ private:
     RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
                                      const std::set<Uuid>& confirmedDrift, const Progress& goOn);
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
-    bool holdsSomethingElse(const JournalEntry& entry);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
-    bool redo(const JournalEntry& entry) noexcept;
     JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
                      const Journal::Exclusive& held);

@@ -1,7 +1,5 @@
 // Undoing: one change, several, or what was interrupted.
 
-#include <algorithm>
-
 #include "BrellCore/Engine/TweakEngine.h"
 #include "BrellCore/Engine/VerifiedWrite.h"
 #include "BrellCore/Journal/EntryOrder.h"
@@ -97,45 +95,14 @@ JournalEntry TweakEngine::restoreLocked(const Uuid& entryID, bool overridingDrif
     return entry;
 }
 
-// As hasDrifted, but a file that can't be read is no change that somebody made: that raises StoreError.
-bool TweakEngine::holdsSomethingElse(const JournalEntry& entry) try {
-    return std::any_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
-        return store_.exactValue(write.key) != write.written;
-    });
-} catch (const StoreError& error) {
-    if (std::holds_alternative<UnsupportedType>(error.failure())) return true;
-    throw;
-}
-
 JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overridingDrift,
                                              const Journal::Exclusive& held) {
     const bool isApplied = entry.status == EntryStatus::applied;
-    const bool isChecked = isApplied && !overridingDrift;
+    if (isApplied && !overridingDrift && holdsSomebodyElses(entry, store_))
+        throw EngineError(Drift{entry.id});
     // Of an applied one the user has confirmed every drift, or there is none.
-    const OtherType otherType = isApplied ? OtherType::replace : OtherType::keep;
-    if (isChecked && holdsSomethingElse(entry)) throw EngineError(Drift{entry.id});
-    try {
-        putBack(entry.writes, otherType, store_);
-        return saveRestored(entry, held);
-    } catch (const EngineError& unsaved) {
-        if (isChecked && redo(entry)) throw EngineError(unsaved.failure());  // nothing was changed after all
-        throw;
-    } catch (const std::exception&) {
-        if (isChecked) redo(entry);
-        throw;
-    }
-}
-
-// After an undo that failed half way: to the next one, keys that no longer hold what Brell wrote would look
-// like somebody else's change. Where that fails too, the next undo asks first. True when all of them hold it.
-bool TweakEngine::redo(const JournalEntry& entry) noexcept try {
-    if (journal_.entry(entry.id) != entry) return false;  // the undo is on record after all
-    bool isRedone = true;
-    for (std::size_t i = entry.writes.size(); i-- > 0;)
-        if (writeVerified(entry.writes[i], store_)) isRedone = false;
-    return isRedone;
-} catch (const std::exception&) {
-    return false;  // the entry is active and has every original
+    putBack(entry.writes, isApplied ? OtherType::replace : OtherType::keep, store_);
+    return saveRestored(entry, held);
 }
 
 // Of an undo that is made: when it can't be saved, the journal still says what it said before.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "BrellCore/Engine/Drift.h"
+
 namespace brell {
 
 namespace {
@@ -136,16 +138,6 @@ TweakStatus readStatus(const Tweak& tweak, PreferenceStore& store, Journal& jour
     StatusReading reading = std::move(readStatuses({&tweak}, store, journal).front());
     if (const auto* failure = std::get_if<StatusFailure>(&reading)) std::visit(Raise(), *failure);
     return std::get<TweakStatus>(std::move(reading));
-}
-
-bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences) {
-    return std::any_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
-        try {
-            return preferences.exactValue(write.key) != write.written;
-        } catch (const StoreError&) {
-            return true;
-        }
-    });
 }
 
 }  // namespace brell

@@ -12,7 +12,7 @@
 
 namespace brell {
 
-struct OnByBrell {  // an active change of ours set values, and they are still there
+struct OnByBrell {  // an active change of ours set values, and nobody else changed them since
     Uuid entry;
     bool operator==(const OnByBrell&) const = default;
 };
@@ -20,7 +20,7 @@ struct OffByBrell {  // an active change of ours removed the keys
     Uuid entry;
     bool operator==(const OffByBrell&) const = default;
 };
-struct ChangedOutsideBrell {  // drift: a key no longer holds what our change wrote
+struct ChangedOutsideBrell {  // drift: a key of an active change of ours holds somebody else's value
     Uuid entry;
     bool operator==(const ChangedOutsideBrell&) const = default;
 };
@@ -71,9 +71,5 @@ std::vector<StatusReading> readStatuses(const std::vector<const Tweak*>& tweaks,
                                         Journal& journal);
 // The same for one tweak; raises StoreError and JournalError.
 TweakStatus readStatus(const Tweak& tweak, PreferenceStore& store, Journal& journal);
-
-// Whether some key of the entry no longer holds what the entry wrote; a key that can't be read counts as
-// such.
-bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences);
 
 }  // namespace brell

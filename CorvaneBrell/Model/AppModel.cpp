@@ -32,9 +32,9 @@ std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
     return entries;
 }
 
-bool isDrifted(const JournalEntry& entry, PreferenceReader& preferences) {
+bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences) {
     return entry.kind == EntryKind::preference && entry.status == EntryStatus::applied &&
-           hasDrifted(entry, preferences);
+           !isInForce(entry, preferences);
 }
 
 }  // namespace
@@ -145,7 +145,8 @@ AppModel::Refresh AppModel::readEverything() const {
         refresh.entries = latestOnTop(deps_->journal->all());
         const auto preferences = deps_->store.reader();
         for (const JournalEntry& entry : refresh.entries)
-            if (isDrifted(entry, *preferences)) refresh.drifted.push_back(driftedEntry(entry, deps_->store));
+            if (isNoLongerInForce(entry, *preferences))
+                refresh.drifted.push_back(driftedEntry(entry, deps_->store));
     } catch (const JournalError& error) {
         refresh.error = error.what();
     }

@@ -169,7 +169,7 @@ private:
         std::vector<std::string> failures;
         std::vector<std::string> report;                           // of a preset
         std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
-        std::vector<std::string> alreadyBack;        // names of entries that somebody had put back before
+        std::vector<std::string> alreadyBack;        // names of entries that had been put back before
         std::string proof;                           // what the restored keys read as now
         bool isProved = true;                        // every one of them as before
         std::map<std::string, std::string> touched;  // by tweak: what its keys hold now
@@ -267,7 +267,7 @@ private:
     void restoreBeside(std::vector<Uuid> ids, std::set<Uuid> confirmed,
                        const std::optional<PendingApply>& then, Undo undo);
     Change restored(const std::string& what, const std::vector<JournalEntry>& entries,
-                    std::set<Uuid> confirmed);
+                    const std::set<Uuid>& confirmed);
 
     LoginItems readLoginItems(bool showsSoFar);
     std::vector<AgentDrift> readAgentDrift();

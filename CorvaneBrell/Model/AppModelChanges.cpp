@@ -192,11 +192,11 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     });
 }
 
-// On the lane. A change that reads as undone already is closed without asking about drift.
+// On the lane. A change that reads as undone already is closed, and that is told.
 void AppModel::restoreFirst(Change& change, const JournalEntry& active) {
     const bool alreadyBack = isAlreadyBack(active, deps_->store);
     change.agentsTouched = change.agentsTouched || active.agent;
-    change.restored.push_back(deps_->engine.restore(active.id, alreadyBack));
+    change.restored.push_back(deps_->engine.restore(active.id, false));
     if (alreadyBack) change.alreadyBack.push_back(nameOf(active));
 }
 

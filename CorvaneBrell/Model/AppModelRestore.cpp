@@ -78,7 +78,7 @@ void AppModel::cancelRestore() {
     set(&AppState::restoreRequest, std::nullopt, Property::restoreRequest);
 }
 
-// Restores what did not drift, or is already back as it was; what drifted is asked for first.
+// Restores what did not drift; what drifted is asked for first.
 void AppModel::confirmRestore() {
     if (!state_.restoreRequest) return;
     const std::vector<Uuid> asked = state_.restoreRequest->entries;
@@ -97,7 +97,7 @@ void AppModel::confirmRestore() {
 
 bool AppModel::asksForDrift(const JournalEntry& entry) const {
     return entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
-           !isAlreadyBack(entry, deps_->store) && hasDrifted(entry, deps_->store);
+           hasDrifted(entry, deps_->store);
 }
 
 void AppModel::openDrift(const Change& change, const std::optional<PendingApply>& pending) {
@@ -147,18 +147,16 @@ void AppModel::restoreBeside(std::vector<Uuid> ids, std::set<Uuid> confirmed,
     });
 }
 
-// On the lane: restores these, those that drifted only when they are confirmed or already back.
+// On the lane: restores these, those that drifted only when they are confirmed.
 AppModel::Change AppModel::restored(const std::string& what, const std::vector<JournalEntry>& entries,
-                                    std::set<Uuid> confirmed) {
+                                    const std::set<Uuid>& confirmed) {
     Change made;
     made.name = entries.size() == 1 ? nameOf(entries.front()) : "restoring";
     made.agentsTouched = holdsAgent(entries);
     std::vector<Uuid> ids;
     for (const JournalEntry& entry : entries) {
         ids.push_back(entry.id);
-        if (!isAlreadyBack(entry, deps_->store)) continue;
-        confirmed.insert(entry.id);
-        made.alreadyBack.push_back(nameOf(entry));
+        if (isAlreadyBack(entry, deps_->store)) made.alreadyBack.push_back(nameOf(entry));
     }
     const RestoreAllOutcome outcome =
         deps_->engine.restoreSelected(ids, confirmed, [&](std::size_t done, std::size_t total) {

@@ -159,7 +159,7 @@ struct AppState {
     std::vector<std::string> recoveryFailures;
     std::optional<DriftRequest> driftRequest;
     std::vector<JournalEntry> entries;  // newest first
-    std::vector<DriftedEntry> drifted;  // active changes whose keys others changed since
+    std::vector<DriftedEntry> drifted;  // active changes that are no longer in force
     // What the history tells, newest first; the same object while that is the same. Never nullptr.
     std::shared_ptr<const std::vector<ToldLine>> history = std::make_shared<std::vector<ToldLine>>();
     std::vector<LoginItemRow> loginItems;

@@ -62,11 +62,11 @@ const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, const 
     return found == entries.end() ? nullptr : &*found;
 }
 
-std::optional<StoredValue> originalOf(const PrefKey& key, const JournalEntry* active) {
-    if (!active) return std::nullopt;
+const JournaledWrite* writeOf(const PrefKey& key, const JournalEntry* active) {
+    if (!active) return nullptr;
     for (const JournaledWrite& write : active->writes)
-        if (write.key == key) return write.original;
-    return std::nullopt;
+        if (write.key == key) return &write;
+    return nullptr;
 }
 
 std::optional<StoredValue> valueAt(const std::vector<StoredValue>& values, std::size_t i) {
@@ -77,13 +77,31 @@ std::vector<KeyFacts> keyFacts(const Tweak& tweak, const TweakStatus* status, co
     std::vector<KeyFacts> facts;
     for (std::size_t i = 0; i < tweak.writes.size(); ++i) {
         const Write& write = tweak.writes[i];
+        const JournaledWrite* ours = writeOf(write.key, active);
         facts.push_back({write.key, std::string(write.target.typeName()),
                          status ? valueAt(status->exact, i) : std::nullopt,
                          status ? valueAt(status->effective, i) : std::nullopt, write.target,
-                         originalOf(write.key, active)});
+                         ours ? std::optional(ours->original) : std::nullopt});
     }
     return facts;
 }
+
+// A key of an applied change holds its original again: an undo could not be finished or recorded, or an app
+// wrote back what it still knew.
+bool isPartlyBack(const TweakStatus& status, const JournalEntry& active) {
+    const bool isOurs =
+        std::holds_alternative<OnByBrell>(status.state) || std::holds_alternative<OffByBrell>(status.state);
+    if (!isOurs || active.status != EntryStatus::applied) return false;
+    for (std::size_t i = 0; i < status.exact.size(); ++i)
+        if (const auto* ours = writeOf(status.tweak.writes[i].key, &active);
+            ours && status.exact[i] != ours->written)
+            return true;
+    return false;
+}
+
+const StateBadge partlyBack{"Not in force", "exclamationmark.triangle", Weight::attention,
+                            "A key holds again what it held before Brell, although the change is still "
+                            "listed as active. Restoring it closes the change without a question."};
 
 std::optional<std::string> storedText(const TweakStatus& status) {
     if (status.exact.empty() || !status.exact.front().value) return std::nullopt;
@@ -113,7 +131,7 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
         return row;
     }
     Look look = std::visit(LookOf{}, status->state);
-    row.badge = std::move(look.badge);
+    row.badge = active && isPartlyBack(*status, *active) ? partlyBack : std::move(look.badge);
     row.isOn = look.isOn;
     row.canChange = look.canChange && !state.startupError;
     row.reason = std::move(look.reason);

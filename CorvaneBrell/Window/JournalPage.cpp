@@ -65,7 +65,7 @@ QWidget* JournalPage::driftSection() {
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(7);
-    column->addWidget(sectionHeading(tr("Changed outside Brell")));
+    column->addWidget(sectionHeading(tr("No longer in force")));
     column->addWidget(
         new Paragraph(tr("macOS or another tool changed these since. Applying again puts back what "
                          "Brell wrote and keeps the first original."),
@@ -139,7 +139,7 @@ void JournalPage::showSummary(std::size_t drifted) {
     const AppState& state = model_.state();
     const std::size_t active = model_.changedCount(Screen::journal);
     QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
-    if (drifted > 0) parts << tr("%1 of them changed outside Brell").arg(drifted);
+    if (drifted > 0) parts << tr("%1 of them no longer in force").arg(drifted);
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
     summary_->setText(parts.join(", ") + ".");
     summary_->setVisible(active > 0);

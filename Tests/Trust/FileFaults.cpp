@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Trust/OneWay.h"
 #include "Tests/Trust/Recovery.h"
 #include "Tests/Trust/Trial.h"
 
@@ -66,6 +67,7 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
     stage.reset();
     Rig rig(stage.world());
     const std::size_t descriptors = openDescriptors();
+    OneWay undo(rig);
     Attempt made;
     std::optional<SystemCall> failed;
     {
@@ -73,10 +75,10 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
         made = attempt(scene, rig);
         failed = faulty.failed;
     }
+    Faults faults = undo.found();
     if (!failed) return {"the call was never made"};
-    Faults faults;
-    if (failed != SystemCall::unlink) faults = checkNothingLeftBehind(rig, descriptors);
-    append(faults, judgeAttempt(stage, scene, rig, made, lasts, goal));
+    if (failed != SystemCall::unlink) append(faults, checkNothingLeftBehind(rig, descriptors));
+    append(faults, judgeAttempt(stage, scene, rig, made, goal));
     return faults;
 }
 

@@ -58,23 +58,17 @@ bool restoredAsTold(Rig& rig, const std::string& sentence) {
     return true;
 }
 
-// Where Brell could not even put back what it had undone half way, it asks before it undoes the rest.
-bool confirmed(Rig& rig) {
-    const std::vector<JournalEntry> drifted = rig.engine.driftedEntries();
-    for (const JournalEntry& entry : drifted) rig.engine.restore(entry.id, true);
-    return !drifted.empty();
-}
-
-// What a user does: lets Brell recover what was interrupted, then asks once more.
-Faults tryAgain(const Stage& stage, const Scene& scene, Rig& rig, bool troubleLasted, const Goal& goal) {
+// What a user does: lets Brell recover what was interrupted, then asks once more. Nobody else changed
+// anything, so that nothing has to be confirmed.
+Faults tryAgain(const Stage& stage, const Scene& scene, Rig& rig, const Goal& goal) {
     Faults faults;
+    if (!rig.engine.driftedEntries().empty()) faults.push_back("a change of Brell's own counts as drift");
     for (const auto& [id, reason] : rig.engine.recoverInterrupted().failed)
         faults.push_back("recovery before the next try: " + reason);
     if (reached(stage.world()) == goal) return faults;
     const Attempt again = attempt(scene, rig);
-    const bool wasAsked = troubleLasted && confirmed(rig);
     for (const std::string& sentence : again.sentences)
-        if (!wasAsked && !restoredAsTold(rig, sentence)) faults.push_back("the next try: " + sentence);
+        if (!restoredAsTold(rig, sentence)) faults.push_back("the next try: " + sentence);
     if (again.foreignError) faults.push_back("the next try: " + *again.foreignError);
     return faults;
 }
@@ -111,11 +105,11 @@ Attempt attempt(const Scene& scene, Rig& rig) {
     }
 }
 
-Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
+Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made,
                     const Goal& goal) try {
     Faults faults = checkSentences(stage, made);
     append(faults, checkRecorded(stage));
-    if (!made.succeeded()) append(faults, tryAgain(stage, scene, rig, troubleLasted, goal));
+    if (!made.succeeded()) append(faults, tryAgain(stage, scene, rig, goal));
     const Goal now = reached(stage.world());
     append(faults, differences(goal.condition, now.condition, {}));
     if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");

@@ -156,6 +156,24 @@ TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
     EXPECT_EQ(script(), scriptBefore);
 }
 
+TEST_F(TweakEngineTest, AnUndoThatOneKeyHoldsUpGoesOnlyForwardAndIsFinishedWithoutAQuestion) {
+    const Tweak& drives = tweak("finder.drives_on_desktop");
+    const Uuid id = engine.apply(drives).id;
+    const std::string stuck = "remove " + inner.rendered();
+    store.goWrong(Fault::refuses, stuck);
+    for (int attempt = 1; attempt <= 2; ++attempt)
+        EXPECT_EQ(engine.restoreAll({}),
+                  (RestoreAllOutcome{{}, {}, {{id, describe(FaultyStore::simulated(stuck))}}, {}}));
+    EXPECT_EQ(engineFailure([&] { engine.turnOff(drives, false); }),
+              EngineFailure(FaultyStore::simulated(stuck)));
+    EXPECT_EQ(files.exactValue(external), StoredValue(false));
+    EXPECT_EQ(engine.status(drives).state, TweakState(OnByBrell{id}));
+
+    store.heal();
+    EXPECT_EQ(engine.turnOff(drives, false).status, EntryStatus::restored);
+    EXPECT_EQ(files.snapshot(), original);
+}
+
 TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
     const JournalEntry entry = engine.apply(tweak("dock.size"));
     const std::string call = "exactValue " + tileSize.rendered();
@@ -277,7 +295,6 @@ TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
         return text.substr(reason.size());
     };
     const Tweak& autohide = tweak("dock.autohide");
-    const PrefKey key = autohide.writes[0].key;
     EXPECT_EQ(failingSave(1, [&] { engine.apply(autohide); }), "Nothing was changed.");
     EXPECT_EQ(failingSave(2, [&] { engine.apply(autohide); }),
               "Hide the Dock automatically was changed all the same; it is listed as interrupted.");
@@ -288,11 +305,14 @@ TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
     engine.recoverInterrupted();
 
     const Uuid applied = engine.apply(autohide).id;
-    EXPECT_EQ(failingSave(1, [&] { engine.restore(applied, false); }), "Nothing was changed.");
-    EXPECT_EQ(files.exactValue(key), StoredValue(true));
-    EXPECT_EQ(failingSave(1, [&] { engine.restore(applied, true); }),
-              "Hide the Dock automatically was put back all the same; it is still listed as active.");
-    EXPECT_EQ(files.snapshot(), original);
+    for (int attempt = 1; attempt <= 2; ++attempt) {
+        EXPECT_EQ(failingSave(1, [&] { engine.turnOff(autohide, false); }),
+                  "Hide the Dock automatically was put back all the same; it is still listed as active.");
+        EXPECT_EQ(files.snapshot(), original);
+        EXPECT_EQ(engine.status(autohide).state, TweakState(OnByBrell{applied}));
+        EXPECT_EQ(engine.driftedEntries(), std::vector<JournalEntry>{});
+    }
+    EXPECT_EQ(engine.restoreAll({}).restored, std::vector{applied});
 
     RememberingRestorer restorer;
     engine.setAgentRestorer(&restorer);

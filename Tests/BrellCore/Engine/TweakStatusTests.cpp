@@ -86,7 +86,8 @@ TEST_F(TweakStatusTest, AKeyThatIsNotOursToJudgeEndsTheReading) {
               StoreFailure(DomainNotAllowed{"org.example.editor"}));
 }
 
-TEST_F(TweakStatusTest, AnAppliedEntryHoldsUntilAKeyDiffers) {
+TEST_F(TweakStatusTest, AnAppliedEntryHoldsUntilAKeyHoldsSomebodyElsesValue) {
+    files.write(64, largeSize);
     const Uuid on = engine.apply(tweak("dock.magnify")).id;
     EXPECT_EQ(state("dock.magnify"), TweakState(OnByBrell{on}));
     files.remove(largeSize);
@@ -95,7 +96,7 @@ TEST_F(TweakStatusTest, AnAppliedEntryHoldsUntilAKeyDiffers) {
                                                    {PrefValue(true), {}},
                                                    {PrefValue(true), {}},
                                                    std::nullopt}));
-    files.write(80, largeSize);
+    files.write(64, largeSize);  // its original: an undo that was not finished looks like this
     EXPECT_EQ(state("dock.magnify"), TweakState(OnByBrell{on}));
 
     // The status reads each key first; the comparison with the entry is the later reading.
@@ -106,7 +107,7 @@ TEST_F(TweakStatusTest, AnAppliedEntryHoldsUntilAKeyDiffers) {
     files.write("left", orientation);
     const Uuid reset = engine.resetToDefault(tweak("dock.position")).id;
     EXPECT_EQ(state("dock.position"), TweakState(OffByBrell{reset}));
-    files.write("left", orientation);
+    files.write("right", orientation);
     EXPECT_EQ(state("dock.position"), TweakState(ChangedOutsideBrell{reset}));
 
     engine.restore(on, false);

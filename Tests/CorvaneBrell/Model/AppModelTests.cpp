@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "CorvaneBrell/Model/TweakRowState.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/BigHome.h"
 #include "Tests/Support/EngineFixture.h"
@@ -160,6 +161,9 @@ TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
     const auto model = openModel();
     settled(*model)->apply("dock.autohide");
     writeFromOutside(autohide, false);  // what it was before
+    settled(*model)->refreshAll();
+    settle(*model);
+    EXPECT_EQ(tweakRowState(*model, *model->catalog().tweak("dock.autohide")).badge->text, "Not in force");
     model->askRestore(model->state().entries.front().id);
     settled(*model)->confirmRestore();
 

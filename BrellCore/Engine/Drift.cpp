@@ -1,0 +1,34 @@
+#include "BrellCore/Engine/Drift.h"
+
+#include <algorithm>
+
+namespace brell {
+
+bool isInForce(const JournalEntry& entry, PreferenceReader& preferences) try {
+    return std::all_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
+        return preferences.exactValue(write.key) == write.written;
+    });
+} catch (const StoreError&) {
+    return false;
+}
+
+bool isSomebodyElses(const StoredValue& now, const JournaledWrite& write) {
+    return now != write.written && now != write.original;
+}
+
+bool holdsSomebodyElses(const JournalEntry& entry, PreferenceReader& preferences) try {
+    return std::any_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
+        return isSomebodyElses(preferences.exactValue(write.key), write);
+    });
+} catch (const StoreError& error) {
+    if (std::holds_alternative<UnsupportedType>(error.failure())) return true;
+    throw;
+}
+
+bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences) try {
+    return holdsSomebodyElses(entry, preferences);
+} catch (const StoreError&) {
+    return true;
+}
+
+}  // namespace brell

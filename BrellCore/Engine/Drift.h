@@ -1,0 +1,23 @@
+// Whether what a change wrote is still there, and whether somebody else changed it.
+#pragma once
+
+#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+
+namespace brell {
+
+// Every key holds what the change wrote. A key that can't be read counts as one that does not.
+bool isInForce(const JournalEntry& entry, PreferenceReader& preferences);
+
+// The key holds neither what the change wrote nor its original. A key that holds its original is nobody
+// else's: an undo that could not be finished, or not be recorded, leaves such keys behind.
+bool isSomebodyElses(const StoredValue& now, const JournaledWrite& write);
+
+// Some key of the entry holds such a value, or one of a kind that Brell never writes. Raises StoreError when
+// a key can't be read.
+bool holdsSomebodyElses(const JournalEntry& entry, PreferenceReader& preferences);
+
+// The same for a look at it: a key that can't be read counts as changed.
+bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences);
+
+}  // namespace brell
