@@ -1,5 +1,7 @@
 // A small stand-in for macOS's `defaults`, over the property-list files in the folder $DEFAULTS_FOLDER: read,
-// write and delete one key. It prints what the real one prints and fails where the real one fails.
+// read-type, write and delete of one key, export of a domain. It prints what the real one prints and fails
+// where the real one fails. What is written with -currentHost is only marked as set for the host, on the
+// sample Mac in the folder $BRELL_SAMPLE_MAC.
 
 #include <array>
 #include <cstdio>
@@ -10,6 +12,10 @@
 
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "BrellCore/Support/Numbers.h"
+#include "BrellCore/Support/PropertyList.h"
+#include "CorvaneBrell/SampleMac/PreferenceMarks.h"
+
+namespace fs = std::filesystem;
 
 using namespace brell;
 using Words = std::vector<std::string>;
@@ -42,8 +48,17 @@ std::string described(const PrefValue& value) {
     return text + ")";
 }
 
+std::string typeWord(const PrefValue& value) {
+    if (value.as<bool>()) return "boolean";
+    if (value.as<std::int64_t>()) return "integer";
+    if (value.as<double>()) return "float";
+    return value.as<std::string>() ? "string" : "array";
+}
+
 std::optional<PrefValue> typed(const std::string& type, const Words& values) {
     if (type == "-array") return PrefValue(values);
+    if (type.starts_with("<"))
+        return PrefValue::fromPropertyList(readPropertyList("<plist version=\"1.0\">" + type + "</plist>"));
     if (values.size() != 1) return std::nullopt;
     const std::string& text = values[0];
     if (type == "-string") return PrefValue(text);
@@ -55,10 +70,29 @@ std::optional<PrefValue> typed(const std::string& type, const Words& values) {
     return std::nullopt;
 }
 
+int exportDomain(const fs::path& file) {
+    const auto contents = readFile(file, 1 << 20);
+    std::cout << writeXmlPropertyList(contents ? readPropertyList(contents->bytes)
+                                               : PlistValue{PlistDictionary()});
+    return 0;
+}
+
+int valueForHost(const std::string& action, const PrefKey& key) {
+    const char* mac = std::getenv("BRELL_SAMPLE_MAC");
+    if (!mac) return fail("no sample Mac");
+    PreferenceMarks marks = readPreferenceMarks(mac).value_or(PreferenceMarks());
+    if (std::erase(marks.byHost, key) == 0 && action != "write") return fail("does not exist");
+    if (action != "delete") marks.byHost.push_back(key);
+    writePreferenceMarks(mac, marks);
+    return 0;
+}
+
 int run(const Words& words) {
     const char* folder = std::getenv("DEFAULTS_FOLDER");
     if (!folder || words.size() < 3)
-        return fail("usage: defaults read|write|delete DOMAIN KEY [-TYPE VALUE...]");
+        return fail("usage: defaults read|read-type|write|delete|export DOMAIN KEY [-TYPE VALUE...]");
+    if (words[0] == "export") return exportDomain(PlistFileStore::fileOf(folder, words[1]));
+    if (words[0] == "-currentHost") return valueForHost(words[1], {words[2], words.at(3)});
     const PrefKey key{words[1] == "-g" ? std::string(globalDomain) : words[1], words[2]};
     PlistFileStore store(folder, {key.domain});
     const StoredValue stored = store.exactValue(key);
@@ -73,6 +107,7 @@ int run(const Words& words) {
     if (stored.isAbsent())
         return fail("The domain/default pair of (" + key.domain + ", " + key.name + ") does not exist");
     if (words[0] == "delete") store.remove(key);
+    if (words[0] == "read-type") std::cout << "Type is " << typeWord(*stored.value) << '\n';
     if (words[0] == "read") std::cout << described(*stored.value) << '\n';
     return 0;
 }
