@@ -1,6 +1,7 @@
 // The program with its window.
 
 #include <QApplication>
+#include <QStyleHints>
 #include <iostream>
 
 #include "CorvaneBrell/Console.h"
@@ -24,10 +25,15 @@ using namespace brell;
 void introduce() {
     QApplication::setApplicationName("Corvane Brell");
     QApplication::setApplicationVersion(qt(version));
+#ifndef Q_OS_MACOS  // which shows the bundle's icon and brings a palette of its own
     QApplication::setWindowIcon(QIcon(":/symbols/application.svg"));
-#ifndef Q_OS_MACOS
-    QApplication::setPalette(
-        Appearance::light());  // macOS brings its own, and changes it while the program runs
+    QApplication::setPalette(Appearance::following(QApplication::palette()));
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+    QObject::connect(
+        QGuiApplication::styleHints(), &QStyleHints::colorSchemeChanged, [](Qt::ColorScheme now) {
+            QApplication::setPalette(now == Qt::ColorScheme::Dark ? Appearance::dark() : Appearance::light());
+        });
+#endif
 #endif
 }
 

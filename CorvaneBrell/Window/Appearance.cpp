@@ -98,6 +98,10 @@ QPalette dark() {
                  qRgb(45, 110, 205), qRgb(120, 176, 255)});
 }
 
+QPalette following(const QPalette& desktop) {
+    return isDark(desktop) ? dark() : light();
+}
+
 double contrast(const QColor& one, const QColor& other) {
     const double first = luminance(one), second = luminance(other);
     return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);

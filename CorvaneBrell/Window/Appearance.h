@@ -14,6 +14,8 @@ namespace Appearance {
 // Used where the system brings no palette of its own.
 QPalette light();
 QPalette dark();
+// Of the two the one that is light or dark as the desktop's palette is.
+QPalette following(const QPalette& desktop);
 
 // Of two opaque colours, from 1 to 21: the ratio of the Web Content Accessibility Guidelines 2.1.
 double contrast(const QColor& one, const QColor& other);

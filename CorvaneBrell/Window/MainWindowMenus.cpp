@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
@@ -97,6 +98,11 @@ void MainWindow::makeOtherMenus() {
     help->addAction(tr("Open the Journal's Folder"), this, [this] {
         QDesktopServices::openUrl(QUrl::fromLocalFile(qt(model_.journalDirectory().string())));
     });
+    const QFileInfo licenses(QApplication::applicationDirPath() + "/../Resources/Licenses.txt");
+    if (licenses.exists())  // as in the bundle that users get
+        help->addAction(tr("Licenses of the Libraries in Brell"), this, [licenses] {
+            QDesktopServices::openUrl(QUrl::fromLocalFile(licenses.canonicalFilePath()));
+        });
 }
 
 // "Undo Hide the Dock automatically", grey when there is nothing to undo.

@@ -173,6 +173,7 @@ TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
     };
     constexpr std::array tones{Tone::plain, Tone::accent, Tone::positive, Tone::caution, Tone::critical};
     for (const QPalette& palette : {Appearance::light(), Appearance::dark()}) {
+        EXPECT_EQ(Appearance::following(palette), palette);
         const auto color = [&](QPalette::ColorRole role) { return palette.color(role); };
         for (const QColor& surface :
              {color(QPalette::Window), color(QPalette::Base), Appearance::card(palette)}) {

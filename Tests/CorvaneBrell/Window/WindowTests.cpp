@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QScrollBar>
+#include <fstream>
 
 #include "CorvaneBrell/Window/SearchPage.h"
 #include "CorvaneBrell/Window/Switch.h"
@@ -41,6 +42,15 @@ TEST_F(WindowTest, OnlyThePageThatIsShownIsBuiltAndNothingIsWritten) {
     EXPECT_EQ(window->pagesBuilt(), enumTexts<Screen>.size());
     const std::vector<std::string> ownLockOfTheSample{"mac/private/var/db/.launchd.lock"};
     EXPECT_EQ(changesIn(folder.path, before), ownLockOfTheSample) << "looking changes nothing";
+}
+
+TEST_F(WindowTest, TheHelpMenuLeadsToTheLicensesThatTheBundleHolds) {
+    EXPECT_FALSE(menuAction(openWindow(), "Licenses"));
+    const fs::path resources = utf8(QApplication::applicationDirPath()) + "/../Resources";
+    fs::create_directory(resources);
+    std::ofstream(resources / "Licenses.txt") << "as others say";
+    EXPECT_TRUE(menuAction(openWindow(), "Licenses"));
+    fs::remove_all(resources);
 }
 
 // The whole way of a first user: found by other words, switched by the keyboard, undone, restored.
