@@ -132,6 +132,10 @@ Contents/Frameworks/libfmt.11.dylib
 Contents/PlugIns/platforms/cocoa.dylib
 Contents/Frameworks/QtCore.framework' "$(deeds | sed -n 's|^codesign --force --sign - --options runtime Test.app/||p')"
     expectText 'codesign --force --sign - --options runtime --entitlements e Test.app' "$(deeds | tail -n 1)"
+    codesign() { echo 'CodeDirectory v=20500 size=1 flags=0x10002(adhoc,runtime) hashes=1+2' >&2; }
+    isHardened "$app"
+    codesign() { echo 'CodeDirectory v=20500 size=1 flags=0x2(adhoc) hashes=1+2' >&2; }
+    expectRefusal 'flags=0x2(adhoc)' isHardened "$app"
 }
 
 testABusyImageIsTriedAgainAndAnyOtherFailureIsNot() {

@@ -12,6 +12,9 @@ signBundle() {
     codesign --force --sign "$identity" "$@" ${appWords[@]+"${appWords[@]}"} "$app"
 }
 
+# isHardened APP: whether its signature asks for the hardened runtime; it is printed.
+isHardened() { codesign --display --verbose=2 "$1" 2>&1 | tee /dev/stderr | grep -q 'flags=.*runtime'; }
+
 # createImage FOLDER IMAGE: a program that looks at the new volume can keep hdiutil from it for a moment.
 createImage() {
     local try said
