@@ -1,0 +1,29 @@
+# What cmake/Hardening.cmake asks for, read back from the program. To be sourced.
+# shellcheck shell=bash
+
+# missingHardening PROGRAM: a line for each thing that should make mistakes with memory harder to use, and that the
+# program does not have. Of those that are only instructions, one that can be there for no other reason is looked for.
+missingHardening() {
+    local code names
+    if [ "$(uname -s)" = Darwin ]; then
+        otool -hv "$1" | grep -q PIE || echo "a place in memory that changes"
+        nm -u "$1" | grep -q ___stack_chk_fail || echo "stack protection"
+        return
+    fi
+    names=$(readelf -sW --dyn-syms "$1") code=$(objdump -d --no-show-raw-insn "$1")
+    readelf -dW "$1" | grep -q 'FLAGS_1.* PIE' || echo "a place in memory that changes"
+    readelf -lW "$1" | grep -q GNU_RELRO || echo "tables of addresses that can't be written"
+    readelf -dW "$1" | grep -q 'FLAGS_1.* NOW' || echo "addresses that are bound at the start"
+    grep -q '__stack_chk_fail@' <<<"$names" || echo "stack protection"
+    grep -qE '__(mem|str|v?snprintf|read|f?printf|fread)[a-z]*_chk@' <<<"$names" ||
+        echo "functions that know how large a buffer is"
+    grep -q '__glibcxx_assert_fail' <<<"$names" || echo "the checks of the C++ library"
+    case $(uname -m) in
+        x86_64)
+            grep -A 1 '<main>:' <<<"$code" | grep -q endbr64 || echo "control-flow protection"
+            # shellcheck disable=SC2016
+            grep -q 'or[lq] *$0x0,(%rsp)' <<<"$code" || echo "stack-clash protection"
+            ;;
+        aarch64) grep -A 1 '<main>:' <<<"$code" | grep -qE 'bti|paciasp' || echo "control-flow protection" ;;
+    esac
+}
