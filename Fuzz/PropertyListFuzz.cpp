@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "BrellCore/Support/PropertyList.h"
-#include "Fuzz/BinaryPropertyList.h"
 #include "Fuzz/Checks.h"
 
 namespace {
@@ -27,8 +26,8 @@ std::optional<std::string> written(const PlistValue& value) {
     }
 }
 
-// Whether the value has no integer beyond 64 bits, whose text the binary form can't hold as it stands, and no
-// more values than are soon written; a small file may hold many.
+// Whether the value has no integer beyond 64 bits, which is never written, and no more values than are soon
+// written; a small file may hold many.
 bool isSoonWritten(const PlistValue& value, std::size_t& left) {
     if (left == 0 || value.as<PlistBigInteger>()) return false;
     --left;
@@ -44,10 +43,10 @@ bool isSoonWritten(const PlistValue& value, std::size_t& left) {
 void checkBinary(const PlistValue& value) {
     std::size_t most = 1000;
     if (!isSoonWritten(value, most)) return;
-    const std::string bytes = fuzz::BinaryWriter::written(value);
+    const std::string bytes = writeBinaryPropertyList(value);
     const PlistValue back = readPropertyList(bytes);
     fuzz::require(back == value || value != value);
-    fuzz::require(fuzz::BinaryWriter::written(back) == bytes);
+    fuzz::require(writeBinaryPropertyList(back) == bytes);
 }
 
 }  // namespace

@@ -18,20 +18,6 @@ constexpr std::size_t headerSize = 8, trailerSize = 32;
 // and a little for the smallest ones, is an attack.
 constexpr std::size_t copiesOfFile = 64, copiesAtLeast = 65'536;
 
-// The upper half of an object's first byte.
-enum class Kind : std::uint8_t {
-    simple = 0x0,
-    integer = 0x1,
-    real = 0x2,
-    date = 0x3,
-    data = 0x4,
-    ascii = 0x5,
-    utf16 = 0x6,
-    uid = 0x8,
-    array = 0xA,
-    dictionary = 0xD,
-};
-
 // One object as measured; a position counts from the start of the file.
 struct Object {
     std::size_t begin = 0;

@@ -1,5 +1,5 @@
 // Property lists, the format of macOS's preference and job files: a typed value, read from the XML and the
-// binary form, written as XML. The forms are those of the plist(5) manual page and of CoreFoundation's
+// binary form and written as either. The forms are those of the plist(5) manual page and of CoreFoundation's
 // published sources.
 #pragma once
 
@@ -92,6 +92,10 @@ PlistValue readPropertyList(std::string_view bytes);
 // can't hold: text that is not isXmlText, dates outside the years 1 to 9999 or with fractions of a second,
 // integers beyond 64 bits, UIDs, a key that stands twice; and for more levels or values than are read.
 std::string writeXmlPropertyList(const PlistValue& value);
+
+// The binary form. Raises PlistError for text that is not UTF-8, integers beyond 64 bits, a key that stands
+// twice; and for more levels or values than are read.
+std::string writeBinaryPropertyList(const PlistValue& value);
 
 // Whether the XML form can hold this text: UTF-8 without U+FFFE, U+FFFF and control characters other than
 // tab, line feed and carriage return.

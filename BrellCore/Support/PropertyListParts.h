@@ -1,4 +1,4 @@
-// What the readers and the writer of property lists share. For them alone.
+// What the readers and writers of property lists share. For them alone.
 #pragma once
 
 #include <fmt/format.h>
@@ -24,6 +24,20 @@ template <class... Arguments>
 [[noreturn]] void refuse(fmt::format_string<Arguments...> reason, Arguments&&... arguments) {
     throw PlistError({fmt::format(reason, std::forward<Arguments>(arguments)...)});
 }
+
+// The upper half of the first byte of an object in the binary form.
+enum class Kind : std::uint8_t {
+    simple = 0x0,
+    integer = 0x1,
+    real = 0x2,
+    date = 0x3,
+    data = 0x4,
+    ascii = 0x5,
+    utf16 = 0x6,
+    uid = 0x8,
+    array = 0xA,
+    dictionary = 0xD,
+};
 
 // The values a document may still hold, so that a small hostile file can't become a large value.
 class ValueBudget {

@@ -11,7 +11,7 @@ namespace brell {
 
 namespace {
 
-constexpr std::size_t mostShown = 8;  // of a list that may have thousands
+constexpr std::size_t mostShown = 8;                      // of a list that may have thousands
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
 enum class SlugClass { word, mark, separator };

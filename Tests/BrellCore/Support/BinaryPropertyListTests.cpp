@@ -201,6 +201,30 @@ TEST(BinaryPropertyListTest, AFewBytesCannotBecomeALargeValue) {
     EXPECT_NE(reasonFor(sharing(2'000)).find("beyond all measure"), std::string::npos);
 }
 
+TEST(BinaryPropertyListTest, WrittenValuesReadBackExactly) {
+    PlistArray values{{true}, {false},  {INT64_MIN},       {INT64_MAX},
+                      {-0.0}, {5e-324}, {PlistDate{-0.5}}, {PlistUid{~std::uint64_t{0}}}};
+    for (const std::size_t size : {0u, 14u, 15u, 70'000u}) {
+        values.push_back({std::string(size, 'x')});
+        values.push_back({PlistData{std::string(size, '\xFF')}});
+        values.push_back({PlistArray(size, {true})});
+    }
+    for (const char* text : {"\uFEFFa", "\u0080\uFFFF", "\U00010000a\U0010FFFF"})
+        values.push_back({std::string(text)});
+    values.push_back({PlistDictionary{{{"b", {PlistDictionary{}}}, {"\u00E9", {"a\0"s}}}}});
+    const PlistValue value{std::move(values)};
+
+    const std::string bytes = writeBinaryPropertyList(value);
+    EXPECT_EQ(readPropertyList(bytes), value);
+    EXPECT_EQ(writeBinaryPropertyList(readPropertyList(bytes)), bytes);  // -0.0 equals 0.0
+
+    for (const PlistValue& refused :
+         {PlistValue{"\xED\xA0\x80"s}, PlistValue{PlistBigInteger{"9223372036854775808"}},
+          PlistValue{PlistDictionary{{{"a", {true}}, {"a", {true}}}}},
+          PlistValue{PlistArray(1'000'000, {true})}})
+        EXPECT_TRUE(thrownBy<PlistError>([&] { writeBinaryPropertyList(refused); }));
+}
+
 TEST(BinaryPropertyListTest, AFileCutOrDamagedAtAnyByteIsReadOrRefusedButNeverHarms) {
     const std::string whole = everyKind().bytes();
     ASSERT_TRUE(readPropertyList(whole).as<PlistDictionary>());
