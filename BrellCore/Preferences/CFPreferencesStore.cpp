@@ -1,5 +1,7 @@
 #include "BrellCore/Preferences/CFPreferencesStore.h"
 
+#include "BrellCore/Preferences/NeverTouch.h"
+
 namespace brell {
 
 namespace {
@@ -19,6 +21,14 @@ StoredValue classified(const std::optional<DefaultsObject>& object, const PrefKe
     auto value = preference(*object);
     if (!value) throw StoreError(UnsupportedType{key, typeWord(*object)});
     return *std::move(value);
+}
+
+// What would be refused when it is read is refused before anything of the old value is removed.
+PlistValue writable(const PrefValue& value, const PrefKey& key) {
+    PlistValue object = value.propertyListObject();
+    if (PrefValue::fromPropertyList(object)) return object;
+    throw StoreError(StoreIo{key.rendered() + " could not be written: Brell writes no " +
+                             propertyListTypeName(object) + "."});
 }
 
 bool isOfType(const DefaultsObject& object, std::string_view typeName) {
@@ -75,18 +85,24 @@ bool CFPreferencesStore::hasByHostValue(const PrefKey& key, Seen* seen) const {
 
 bool CFPreferencesStore::isForced(const PrefKey& key) {
     const DefaultsApplication application = applicationOf(key.domain);
-    return forcedCheck_ && calls_->appValueIsForced(key.name, application);
+    if (!forcedCheck_) return false;
+    if (calls_->appValueIsForced(key.name, application)) return true;
+    // The platform promises an answer about a single application only. What is forced for all is forced for
+    // this one.
+    return !application.identifier &&
+           calls_->appValueIsForced(key.name, DefaultsApplication{std::string(NeverTouch::ownLabel)});
 }
 
 void CFPreferencesStore::write(const PrefValue& value, const PrefKey& key) {
     const DefaultsApplication application = applicationOf(key.domain);
+    const PlistValue object = writable(value, key);
     const auto current = calls_->copyValue(key.name, application, HostScope::any);
     if (current && !isOfType(*current, value.typeName())) {
         calls_->removeValue(key.name, application);
         synchronize(key.domain);
     }
     try {
-        calls_->setValue(key.name, value.propertyListObject(), application);
+        calls_->setValue(key.name, object, application);
     } catch (const StoreError& error) {
         throw StoreError(StoreIo{key.rendered() + " could not be written: " + error.what()});
     }

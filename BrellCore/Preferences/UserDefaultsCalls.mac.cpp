@@ -1,6 +1,7 @@
-// The calls as CoreFoundation has them. Values cross as property lists in their file forms, which both sides
+// The calls as CoreFoundation has them. Values cross as property lists in their binary form, which both sides
 // read and write completely: CoreFoundation's own writer tells booleans from numbers, reals from integers by
-// their kind and not by their width, and integers beyond 64 bits from the others.
+// their kind and not by their width, and integers beyond 64 bits from the others; its reader keeps a byte
+// order mark at the start of a text, which it drops from XML.
 #include "BrellCore/Preferences/UserDefaultsCalls.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -28,11 +29,17 @@ const UInt8* bytesOf(const std::string& text) {
 }
 
 Owned<CFStringRef> cfString(const std::string& text) {
-    Owned<CFStringRef> made(CFStringCreateWithBytes(
-        kCFAllocatorDefault, bytesOf(text), static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+    // Without its byte order mark it would be the name of another key.
+    const bool wouldLose = text.starts_with("\uFEFF");
+    Owned<CFStringRef> made(wouldLose ? nullptr
+                                      : CFStringCreateWithBytes(kCFAllocatorDefault, bytesOf(text),
+                                                                static_cast<CFIndex>(text.size()),
+                                                                kCFStringEncodingUTF8, false));
     if (!made)
-        throw StoreError(StoreIo{"macOS takes no preference key or domain that is not UTF-8, such as \"" +
-                                 oneLine(text) + "\"."});
+        throw StoreError(
+            StoreIo{"macOS takes no preference key or domain that is not UTF-8 or begins with a "
+                    "byte order mark, such as \"" +
+                    excerpt(text) + "\"."});
     return made;
 }
 
@@ -46,9 +53,17 @@ CFStringRef host(HostScope hosts) {
     return hosts == HostScope::any ? kCFPreferencesAnyHost : kCFPreferencesCurrentHost;
 }
 
-// The platform's own name of the object's kind.
+// The word for an object that is no property list of ours: nested too deeply, with text that is none, or of a
+// kind for which only the platform has a name.
 std::string typeWord(CFTypeRef object) {
-    const Owned<CFStringRef> description(CFCopyTypeIDDescription(CFGetTypeID(object)));
+    const CFTypeID type = CFGetTypeID(object);
+    const std::pair<CFTypeID, PlistValue> known[] = {
+        {CFStringGetTypeID(), {std::string()}}, {CFNumberGetTypeID(), {PlistBigInteger()}},
+        {CFDataGetTypeID(), {PlistData()}},     {CFDateGetTypeID(), {PlistDate()}},
+        {CFArrayGetTypeID(), {PlistArray(1)}},  {CFDictionaryGetTypeID(), {PlistDictionary()}}};
+    for (const auto& [id, example] : known)
+        if (id == type) return propertyListTypeName(example);
+    const Owned<CFStringRef> description(CFCopyTypeIDDescription(type));
     std::array<char, 128> text{};
     const bool fits =
         description && CFStringGetCString(description.get(), text.data(), static_cast<CFIndex>(text.size()),
@@ -73,9 +88,9 @@ DefaultsObject received(CFPropertyListRef object) {
 }
 
 Owned<CFPropertyListRef> sendable(const PlistValue& value) try {
-    const std::string xml = writeXmlPropertyList(value);
+    const std::string binary = writeBinaryPropertyList(value);
     const Owned<CFDataRef> data(
-        CFDataCreate(kCFAllocatorDefault, bytesOf(xml), static_cast<CFIndex>(xml.size())));
+        CFDataCreate(kCFAllocatorDefault, bytesOf(binary), static_cast<CFIndex>(binary.size())));
     Owned<CFPropertyListRef> object(data ? CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
                                                                         kCFPropertyListImmutable, nullptr,
                                                                         nullptr)

@@ -46,6 +46,13 @@ TEST_F(CFPreferencesStoreTest, AnotherTypeIsRemovedForGoodBeforeTheNewValueIsSet
     EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(tileSize); }),
               StoreFailure(UnsupportedType{tileSize, "dictionary"}));
     EXPECT_EQ(callsOf([&] { store.put(StoredValue("x"), tileSize); }).size(), 3u);
+    for (const PrefValue& value :
+         {PrefValue("\x01"), PrefValue("\xFF"), PrefValue(PrefValue::StringArray{"\uFFFF"})})
+        EXPECT_EQ(callsOf([&] { EXPECT_NE(messageOf([&] { store.write(value, autohide); }), ""); }), Calls());
+    EXPECT_EQ(
+        messageOf([&] { store.write("\x01", autohide); }),
+        "com.apple.dock autohide could not be written: Brell writes no string (with characters a property "
+        "list can't hold).");
 }
 
 TEST_F(CFPreferencesStoreTest, TheSameTypeAndAnAbsentKeyAreSetDirectly) {
@@ -86,6 +93,14 @@ TEST_F(CFPreferencesStoreTest, EachReadingAsksItsOwnPlace) {
     EXPECT_EQ(defaults->forcedQuestions, 0);
     EXPECT_TRUE(store.isForced(autohide));
     EXPECT_FALSE(store.isForced(tileSize));
+    // Forced for every application: either answer counts, and only here.
+    EXPECT_FALSE(store.isForced(delay));
+    for (const char* answering : {"(any application)", "com.corvane.brell"}) {
+        defaults->forced = {{{answering, delay.name}, PlistValue{0.1}},
+                            {{answering, tileSize.name}, PlistValue{0.1}}};
+        EXPECT_TRUE(store.isForced(delay)) << answering;
+        EXPECT_FALSE(store.isForced(tileSize)) << answering;
+    }
 }
 
 TEST_F(CFPreferencesStoreTest, WhatOthersSavedIsSeenAndWhatIsOfNoKnownKindIsNamed) {

@@ -5,8 +5,8 @@
 #include <functional>
 #include <thread>
 
-#include "BrellCore/Support/PropertyList.h"
 #include "BrellCore/Support/Failure.h"
+#include "BrellCore/Support/PropertyList.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 

@@ -87,6 +87,25 @@ CFTypeID CFGetTypeID(CFTypeRef object) {
     return objectOf(object)->type;
 }
 
+CFTypeID CFStringGetTypeID() {
+    return 21;
+}
+CFTypeID CFNumberGetTypeID() {
+    return 22;
+}
+CFTypeID CFDataGetTypeID() {
+    return 23;
+}
+CFTypeID CFDateGetTypeID() {
+    return 24;
+}
+CFTypeID CFArrayGetTypeID() {
+    return 25;
+}
+CFTypeID CFDictionaryGetTypeID() {
+    return 26;
+}
+
 CFStringRef CFCopyTypeIDDescription(CFTypeID type) {
     return type == 0 ? nullptr : created<CFStringRef>("CFType" + std::to_string(type));
 }
@@ -125,7 +144,10 @@ CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef object, CFP
 
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef, CFDataRef data, CFOptionFlags,
                                                CFPropertyListFormat*, CFErrorRef*) {
-    return takesPropertyLists ? created<CFPropertyListRef>(textOf(data)) : nullptr;
+    std::string bytes = textOf(data);
+    // From XML the real one drops a byte order mark at the start of a text.
+    for (std::size_t at; (at = bytes.find(">\uFEFF")) != std::string::npos;) bytes.erase(at + 1, 3);
+    return takesPropertyLists ? created<CFPropertyListRef>(std::move(bytes)) : nullptr;
 }
 
 CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef application, CFStringRef user,
@@ -184,9 +206,11 @@ protected:
 }  // namespace
 
 TEST_F(UserDefaultsCallsTest, EachKindIsReadAsItWasSetAndOwnedByThePreferencesAlone) {
-    const PlistArray words{{std::string("a")}, {std::string("\u00E9")}};
-    for (const PlistValue& value : {PlistValue{true}, PlistValue{std::int64_t{-48}}, PlistValue{0.15},
-                                    PlistValue{std::string("<&>")}, PlistValue{words}}) {
+    const std::string mark = "\uFEFF";
+    const PlistArray words{{std::string("a")}, {std::string("\u00E9")}, {mark + "b"}};
+    for (const PlistValue& value :
+         {PlistValue{true}, PlistValue{std::int64_t{-48}}, PlistValue{0.15}, PlistValue{std::string("<&>")},
+          PlistValue{mark + "a"}, PlistValue{mark}, PlistValue{words}}) {
         calls->setValue("k", value, dock);
         EXPECT_EQ(exact("k", dock), std::optional<DefaultsObject>(value));
     }
@@ -226,6 +250,18 @@ TEST_F(UserDefaultsCallsTest, WhatNoPropertyListHoldsIsNamedByItsKind) {
     EXPECT_EQ(exact("odd", dock), std::optional<DefaultsObject>(ForeignObject{"CFType7"}));
     EXPECT_EQ(exact("nameless", dock), std::optional<DefaultsObject>(ForeignObject{"unknown"}));
     EXPECT_EQ(exact("damaged", dock), std::optional<DefaultsObject>(ForeignObject{"CFType9"}));
+    // As values nested too deeply, or with half a character, can't be read.
+    const std::pair<CFTypeID, const char*> words[] = {
+        {CFStringGetTypeID(), "string (with characters a property list can't hold)"},
+        {CFNumberGetTypeID(), "number (out of range)"},
+        {CFDataGetTypeID(), "data"},
+        {CFDateGetTypeID(), "date"},
+        {CFArrayGetTypeID(), "array (not all strings)"},
+        {CFDictionaryGetTypeID(), "dictionary"}};
+    for (const auto& [type, word] : words) {
+        store({"com.apple.dock", "any host", word}, "bplist00", type);
+        EXPECT_EQ(exact(word, dock), std::optional<DefaultsObject>(ForeignObject{word}));
+    }
 }
 
 TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
@@ -233,12 +269,16 @@ TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
         return thrownBy<StoreError>(action).has_value();
     };
     const std::string noText = "\xFF";
-    EXPECT_TRUE(refused([&] { exact(noText, dock); }));
-    EXPECT_EQ(messageOf([&] { exact("k", {"dock" + noText}); }),
-              "macOS takes no preference key or domain that is not UTF-8, such as \"dock\uFFFD\".");
-    EXPECT_TRUE(refused([&] { calls->setValue(noText, {true}, dock); }));
-    EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, {noText}); }));
-    EXPECT_TRUE(refused([&] { calls->setValue("k", {std::string("\x01")}, dock); }));
+    EXPECT_EQ(
+        messageOf([&] { exact("k", {"dock" + noText}); }),
+        "macOS takes no preference key or domain that is not UTF-8 or begins with a byte order mark, such "
+        "as \"dock\uFFFD\".");
+    for (const std::string name : {noText, std::string("\uFEFFk")}) {
+        EXPECT_TRUE(refused([&] { exact(name, dock); }));
+        EXPECT_TRUE(refused([&] { calls->setValue(name, {true}, dock); }));
+        EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, {name}); }));
+    }
+    EXPECT_TRUE(refused([&] { calls->setValue("k", {noText}, dock); }));
     takesPropertyLists = false;
     EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, dock); }));
     EXPECT_EQ(alive.size(), 0u);

@@ -31,6 +31,12 @@ CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 CFStringRef _Nullable CFCopyTypeIDDescription(CFTypeID type);
+CFTypeID CFStringGetTypeID(void);
+CFTypeID CFNumberGetTypeID(void);
+CFTypeID CFDataGetTypeID(void);
+CFTypeID CFDateGetTypeID(void);
+CFTypeID CFArrayGetTypeID(void);
+CFTypeID CFDictionaryGetTypeID(void);
 
 enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
 CFStringRef _Null_unspecified CFStringCreateWithBytes(CFAllocatorRef _Nullable allocator, const UInt8* bytes,
