@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/PropertyList.h"
+
 namespace fs = std::filesystem;
 
 namespace brell {
@@ -29,9 +32,26 @@ OperatingSystemVersion parseOSVersion(const std::string& text) {
     return version;
 }
 
-OperatingSystemVersion releasedVersion(OperatingSystemVersion reported) {
-    if (reported.major == 16) reported.major = 26;
-    return reported;
+std::optional<OperatingSystemVersion> versionInFile(const fs::path& file) try {
+    constexpr std::size_t mostBytes = 1 << 20;  // it has a few hundred
+    const auto contents = readFile(file, mostBytes);
+    if (!contents) return std::nullopt;
+    const PlistValue root = readPropertyList(contents->bytes);
+    const auto* facts = root.as<PlistDictionary>();
+    const PlistValue* version = facts ? facts->find("ProductVersion") : nullptr;
+    const auto* text = version ? version->as<std::string>() : nullptr;
+    if (!text) return std::nullopt;
+    const OperatingSystemVersion parsed = parseOSVersion(*text);
+    return parsed.major > 0 ? std::optional(parsed) : std::nullopt;
+} catch (const ReadError&) {
+    return std::nullopt;
+} catch (const PlistError&) {
+    return std::nullopt;
+}
+
+OperatingSystemVersion releasedVersion(OperatingSystemVersion told) {
+    if (told.major == 16) told.major = 26;
+    return told;
 }
 
 fs::path homeInEnvironment() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace brell {
@@ -21,9 +22,13 @@ OperatingSystemVersion currentOSVersion();
 // The numbers at the start of a text such as "26.1" or "6.1.0-18-amd64".
 OperatingSystemVersion parseOSVersion(const std::string& text);
 
-// What a version reported by macOS really is: the release after 15 is 26, and programs made with older tools
-// are told that it is 16.
-OperatingSystemVersion releasedVersion(OperatingSystemVersion reported);
+// What macOS wrote down about itself in this property list: the true version, whatever a program is told
+// about it. Nothing when the file does not say.
+std::optional<OperatingSystemVersion> versionInFile(const std::filesystem::path& file);
+
+// What a version told by macOS really is: the release after 15 is 26, and programs made with older tools are
+// told that it is 16.
+OperatingSystemVersion releasedVersion(OperatingSystemVersion told);
 
 // The user's home folder, an absolute path without a slash at its end; empty when nothing names one. On macOS
 // the user database comes first, because preferences and launchd belong to the user, whatever HOME says;
