@@ -13,9 +13,8 @@ namespace json = simdjson::ondemand;
 
 namespace {
 
-// The first two are those of a value.
 constexpr std::array<std::string_view, 3> storedKeys{"type", "value", "absent"};
-constexpr std::size_t requiredValueKeys = 2;
+constexpr std::size_t valueKeys = 2;  // the first two
 
 struct PayloadWriter {
     JsonWriter& json;
@@ -30,15 +29,24 @@ struct PayloadWriter {
     }
 };
 
-PrefValue readPayload(std::string_view type, json::value value) {
-    if (type == "bool") return PrefValue(value.get_bool().value());
-    if (type == "int") return PrefValue(value.get_int64().value());
-    if (type == "double") return PrefValue(value.get_double().value());
-    if (type == "string") return PrefValue(std::string(value.get_string().value()));
-    if (type != "stringArray") throw std::runtime_error("unknown PrefValue type " + excerpt(type));
+PrefValue readStrings(json::value value) {
     PrefValue::StringArray strings;
     for (auto element : value.get_array()) strings.emplace_back(element.get_string().value());
     return PrefValue(std::move(strings));
+}
+
+using PayloadReader = PrefValue (*)(json::value);
+constexpr std::pair<std::string_view, PayloadReader> payloadReaders[] = {
+    {"bool", [](json::value value) { return PrefValue(value.get_bool().value()); }},
+    {"int", [](json::value value) { return PrefValue(value.get_int64().value()); }},
+    {"double", [](json::value value) { return PrefValue(value.get_double().value()); }},
+    {"string", [](json::value value) { return PrefValue(std::string(value.get_string().value())); }},
+    {"stringArray", readStrings}};
+
+PayloadReader readerOf(std::string_view type) {
+    for (const auto& [known, reader] : payloadReaders)
+        if (type == known) return reader;
+    throw std::runtime_error("unknown PrefValue type " + excerpt(type));
 }
 
 }  // namespace
@@ -60,14 +68,8 @@ void writeJson(JsonWriter& json, const StoredValue& value) {
     json.endObject();
 }
 
-PrefValue readPrefValue(json::object object) {
-    // Looked up by name, type first: the value's JSON type follows from it.
-    const std::string type(object["type"].get_string().value());
-    return readPayload(type, object["value"].value());
-}
-
 StoredValue readStoredValue(json::object object) {
-    KnownKeys known(storedKeys, requiredValueKeys);
+    KnownKeys known(storedKeys, valueKeys);
     bool isAbsent = false;
     std::optional<std::string_view> type;
     int fields = 0, valueAt = -1;
@@ -85,14 +87,16 @@ StoredValue readStoredValue(json::object object) {
             checkWellFormed(value);
         ++fields;
     }
+    // The type comes first: what is wrong with it is said before what else may be.
+    const PayloadReader read = !isAbsent && type ? readerOf(*type) : nullptr;
     if (!isAbsent) known.checkAllMet();
-    if (!isAbsent && !type) throw simdjson::simdjson_error(simdjson::INCORRECT_TYPE);
+    if (!isAbsent && !read) throw simdjson::simdjson_error(simdjson::INCORRECT_TYPE);
     if (valueAt < 0) return {};
     // The second time around no text is read again: the parser has room for each once, and checks nothing.
     object.reset();
     for (auto field : object) {
         if (valueAt-- > 0) continue;
-        if (!isAbsent) return readPayload(*type, field.value());
+        if (read) return read(field.value());
         checkWellFormed(field.value());
         break;
     }

@@ -12,10 +12,9 @@ namespace brell {
 void writeJson(JsonWriter& json, const PrefValue& value);
 void writeJson(JsonWriter& json, const StoredValue& value);
 
-// Raise simdjson_error or std::runtime_error for a missing key, a value of the wrong JSON type or a type word
-// outside the five ("unknown PrefValue type float"). Nothing is defaulted.
-PrefValue readPrefValue(simdjson::ondemand::object object);
-// Where "absent" is true the rest only has to be JSON.
+// Raises simdjson_error or std::runtime_error for a missing key, a value of the wrong JSON type or a type
+// word outside the five ("unknown PrefValue type float"). Nothing is defaulted. Where "absent" is true the
+// rest only has to be JSON.
 StoredValue readStoredValue(simdjson::ondemand::object object);
 
 }  // namespace brell

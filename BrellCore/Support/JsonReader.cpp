@@ -1,13 +1,44 @@
 #include "BrellCore/Support/JsonReader.h"
 
+#include <algorithm>
 #include <stdexcept>
+
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
 namespace json = simdjson::ondemand;
 
+namespace {
+
+std::size_t cutDigits(std::string_view& text) {
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    text.remove_prefix(digits);
+    return digits;
+}
+
+// A number in JSON's form, also one that no type of ours holds.
+bool isNumber(std::string_view text) {
+    if (text.starts_with('-')) text.remove_prefix(1);
+    const bool leadingZero = text.starts_with('0');
+    const std::size_t digits = cutDigits(text);
+    if (digits == 0 || (leadingZero && digits > 1)) return false;
+    if (text.starts_with('.')) {
+        text.remove_prefix(1);
+        if (cutDigits(text) == 0) return false;
+    }
+    if (text.starts_with('e') || text.starts_with('E')) {
+        text.remove_prefix(1);
+        if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
+        if (cutDigits(text) == 0) return false;
+    }
+    return text.empty();
+}
+
+}  // namespace
+
 void checkWellFormed(json::value value, int levels) {
-    if (levels == 0) throw std::runtime_error("a value nests too deeply");
+    if (levels == 0) return;
     switch (value.type()) {
         case json::json_type::array:
             for (auto element : value.get_array()) checkWellFormed(element.value(), levels - 1);
@@ -18,7 +49,9 @@ void checkWellFormed(json::value value, int levels) {
                 checkWellFormed(field.value(), levels - 1);
             }
             return;
-        case json::json_type::number: static_cast<void>(value.get_double().value()); return;
+        case json::json_type::number:
+            if (isNumber(stripped(value.raw_json_token()))) return;
+            break;
         case json::json_type::string: static_cast<void>(value.get_string().value()); return;
         case json::json_type::boolean: static_cast<void>(value.get_bool().value()); return;
         case json::json_type::null:
@@ -26,7 +59,7 @@ void checkWellFormed(json::value value, int levels) {
             break;
         default: break;  // newer releases of simdjson have a type for what is none
     }
-    throw std::runtime_error("a word is none of JSON's");
+    throw std::runtime_error("a word or number is none of JSON's");
 }
 
 std::optional<std::int64_t> formatOf(const std::string& padded) try {

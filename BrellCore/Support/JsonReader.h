@@ -19,8 +19,9 @@ inline simdjson::ondemand::document startReading(simdjson::ondemand::parser& par
     return parser.iterate(simdjson::padded_string_view(padded.data(), padded.size(), padded.capacity()));
 }
 
-// Reads a value that nobody wants. What is passed over unread may be no JSON at all. Raises simdjson_error,
-// and std::runtime_error for more levels than anybody needs.
+// Reads a value that nobody wants, whatever the size of its numbers: what is passed over unread may be no
+// JSON at all. Deeper than this many levels it is passed over all the same. Raises simdjson_error and
+// std::runtime_error.
 void checkWellFormed(simdjson::ondemand::value value, int levels = 64);
 
 // The integer under "format" of a whole JSON object; nothing when it has none, or two. What else is in the

@@ -15,16 +15,11 @@ namespace {
 using namespace testing;
 using Strings = PrefValue::StringArray;
 
-// What read makes of the object in this text.
-template <class Read>
-auto decoded(const std::string& text, Read read) {
+StoredValue storedValue(const std::string& text) {
     simdjson::ondemand::parser parser;
     const simdjson::padded_string padded(text);
     auto document = parser.iterate(padded);
-    return read(document.get_object());
-}
-StoredValue storedValue(const std::string& text) {
-    return decoded(text, readStoredValue);
+    return readStoredValue(document.get_object());
 }
 
 std::string encoded(const StoredValue& stored) {
@@ -61,7 +56,6 @@ TEST(PrefValueTest, EachKindHasItsWordsAndForms) {
         EXPECT_EQ(StoredValue(row.value).rendered(), row.rendered);
         EXPECT_EQ(encoded(row.value), row.json);
         EXPECT_EQ(storedValue(row.json), StoredValue(row.value));
-        EXPECT_EQ(decoded(row.json, readPrefValue), row.value);
         EXPECT_EQ(PrefValue::fromPropertyList(row.value.propertyListObject()), row.value);
     }
     for (const auto& a : rows)
@@ -103,7 +97,7 @@ TEST(PrefValueTest, JsonKeysMayComeInAnyOrderAndAbsenceWins) {
                 {R"({"type": "int", "value": 36, "absent": true})", {}},
                 {R"({"value": "x", "absent": true, "type": "string"})", {}},
                 {R"({"absent": true, "type": "float", "value": 1})", {}},
-                {R"({"type": 5, "value": [1, {}], "absent": true})", {}},
+                {R"({"type": 5, "value": [1e999, {}], "absent": true})", {}},
                 {R"({"value": "x", "absent": true, "type": "int"})", {}},
                 {R"({"type": "stringArray", "value": ["a", 1], "absent": true})", {}},
                 {R"({"absent": false, "type": "bool", "value": true})", PrefValue(true)},
@@ -138,10 +132,9 @@ TEST(PrefValueTest, JsonIsNeverGuessedAt) {
                              R"({"type": "", "value": 1})"}) {
         EXPECT_NE(messageOf([&] { storedValue(text); }), "") << text;
     }
-    EXPECT_EQ(messageOf([] { storedValue(R"({"type": "float", "value": 1})"); }),
-              "unknown PrefValue type float");
-    EXPECT_EQ(messageOf([] { decoded(R"({"value": 1, "type": "float"})", readPrefValue); }),
-              "unknown PrefValue type float");
+    for (const char* text :
+         {R"({"type": "float", "value": 1})", R"({"value": 1, "type": "float"})", R"({"type": "float"})"})
+        EXPECT_EQ(messageOf([&] { storedValue(text); }), "unknown PrefValue type float");
     // A long word without its value is looked at once: the parser has no room for its text twice.
     EXPECT_NE(messageOf([] { storedValue(R"({"type": ")" + std::string(1'000'000, 'x') + "\"}"); }), "");
 
