@@ -27,6 +27,11 @@ struct Description {
     std::string operator()(const UnreadablePreset&) const {
         return "This is not a preset file Brell can read.";
     }
+    std::string operator()(const PresetNameTooLong& failure) const {
+        return fmt::format(
+            "The name of the preset \"{}\" has more than {} characters. Give it a shorter one.",
+            failure.beginning, PresetFile::mostNameCharacters);
+    }
 };
 
 PresetFileError unreadable() {
@@ -92,6 +97,7 @@ std::string encode(const Preset& preset) {
 }
 
 DecodedPreset decode(std::string_view bytes, const TweakCatalog& catalog) {
+    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
     std::string text(bytes);
     text.reserve(text.size() + simdjson::SIMDJSON_PADDING);
     // Before all else, so that a newer file of another shape counts as newer and not as broken.
@@ -99,6 +105,12 @@ DecodedPreset decode(std::string_view bytes, const TweakCatalog& catalog) {
     if (!fileFormat) throw unreadable();
     if (*fileFormat != format) throw PresetFileError(UnsupportedPresetFormat{*fileFormat});
     return decodeFormat1(text, catalog);
+}
+
+void checkName(std::string_view name) {
+    std::string_view rest = name;
+    for (std::size_t i = 0; i < mostNameCharacters && !rest.empty(); ++i) nextCodePoint(rest);
+    if (!rest.empty()) throw PresetFileError(PresetNameTooLong{excerpt(name)});
 }
 
 std::string slug(std::string_view name) {

@@ -41,7 +41,11 @@ struct UnsupportedPresetFormat {
 struct UnreadablePreset {
     bool operator==(const UnreadablePreset&) const = default;
 };
-using PresetFileFailure = std::variant<UnsupportedPresetFormat, UnreadablePreset>;
+struct PresetNameTooLong {
+    std::string beginning;
+    bool operator==(const PresetNameTooLong&) const = default;
+};
+using PresetFileFailure = std::variant<UnsupportedPresetFormat, UnreadablePreset, PresetNameTooLong>;
 std::string describe(const PresetFileFailure& failure);
 
 class PresetFileError final : public FailureError<PresetFileFailure> {
@@ -63,8 +67,11 @@ inline constexpr std::string_view extension = ".corvanepreset";
 
 // The file's bytes. Raises JsonWriteError when the name or an id is not UTF-8.
 std::string encode(const Preset& preset);
-// Raises PresetFileError; changes nothing by itself.
+// Any name is taken, and every key that is not known. Raises PresetFileError; changes nothing by itself.
 DecodedPreset decode(std::string_view bytes, const TweakCatalog& catalog);
+// Raises PresetFileError for a name that would be dear to show: to be asked before a preset is let in or out.
+inline constexpr std::size_t mostNameCharacters = 200;
+void checkName(std::string_view name);
 // The id of an imported preset and its proposed file name: "Quiet Dock!" gives "quiet-dock"; "preset" when
 // nothing is left.
 std::string slug(std::string_view name);

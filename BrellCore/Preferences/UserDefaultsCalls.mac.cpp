@@ -30,7 +30,7 @@ const UInt8* bytesOf(const std::string& text) {
 
 Owned<CFStringRef> cfString(const std::string& text) {
     // Without its byte order mark it would be the name of another key.
-    const bool wouldLose = text.starts_with("\uFEFF");
+    const bool wouldLose = text.starts_with(byteOrderMark);
     Owned<CFStringRef> made(wouldLose ? nullptr
                                       : CFStringCreateWithBytes(kCFAllocatorDefault, bytesOf(text),
                                                                 static_cast<CFIndex>(text.size()),

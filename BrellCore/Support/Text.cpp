@@ -146,6 +146,14 @@ std::string firstOf(const std::vector<std::string>& sentences, std::string_view 
     return join(first, separator);
 }
 
+std::string firstNames(const std::vector<std::string>& names) {
+    std::vector<std::string> first;
+    for (const std::string& name : names)
+        if (first.size() < mostShown) first.push_back(excerpt(name));
+    const std::string more = fmt::format(" and {} more", names.size() - first.size());
+    return join(first, ", ") + (first.size() < names.size() ? more : "");
+}
+
 std::string fileUrl(std::string_view absolutePath) {
     constexpr char hex[] = "0123456789ABCDEF";
     // What a path may hold as it stands; the platform's own file URLs leave these, too.

@@ -8,6 +8,8 @@
 
 namespace brell {
 
+inline constexpr std::string_view byteOrderMark = "\uFEFF";
+
 // Cuts one code point from the front of a text that is not empty, and gives it; or cuts one byte and gives -1
 // when no whole UTF-8 sequence stands there.
 std::int32_t nextCodePoint(std::string_view& text);
@@ -56,6 +58,8 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
 
 // The first few of these sentences, joined, and how many more there are: "And 5 more."
 std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator);
+// The first few of these names, as excerpts, and how many more there are: "a, b and 5 more".
+std::string firstNames(const std::vector<std::string>& names);
 
 inline bool isWhite(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');

@@ -11,8 +11,6 @@ namespace brell::plist {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 // parse_fragment: without it the parser drops text outside the root silently. No parse_escapes: it would
 // leave undefined entities as they stand. No parse_eol: the system writes a carriage return as it is, and
 // reads it as one.

@@ -233,7 +233,10 @@ void AppModel::saveReport(const fs::path& file) {
 }
 
 void AppModel::exportPreset(const Preset& preset, const fs::path& file) {
-    saveBeside(file, [preset] { return PresetFile::encode(preset); });
+    saveBeside(file, [preset] {
+        PresetFile::checkName(preset.name);
+        return PresetFile::encode(preset);
+    });
 }
 
 void AppModel::loadHistory(std::optional<int> days) {

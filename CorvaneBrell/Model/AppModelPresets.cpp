@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t mostPresetBytes = 1024 * 1024;
 
 std::string leftOut(const std::vector<std::string>& ids, std::string_view reason) {
-    return "Left out, because " + std::string(reason) + ": " + join(ids, ", ") + ".";
+    return "Left out, because " + std::string(reason) + ": " + firstNames(ids) + ".";
 }
 
 }  // namespace
@@ -31,7 +31,9 @@ void AppModel::importPreset(const fs::path& file) {
         [this, file] {
             const auto contents = readFile(file, mostPresetBytes);
             if (!contents) throw std::runtime_error("There is no file " + file.string() + ".");
-            return PresetFile::decode(contents->bytes, catalog());
+            DecodedPreset decoded = PresetFile::decode(contents->bytes, catalog());
+            PresetFile::checkName(decoded.preset.name);
+            return decoded;
         },
         [this](const JobResult<DecodedPreset>& decoded) {
             if (!decoded.value) return fail(decoded.error);

@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -57,11 +58,11 @@ PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& 
     if (!plan.experimental.empty())
         addNote("minus.circle", Tone::caution,
                 tr("Left out, because experimental tweaks are never applied by a preset: %1.")
-                    .arg(qt(plan.experimental).join(", ")));
+                    .arg(qt(firstNames(plan.experimental))));
     if (!plan.unknown.empty())
         addNote("questionmark.circle", Tone::caution,
                 tr("Left out, because this version of Brell does not know them: %1.")
-                    .arg(qt(plan.unknown).join(", ")));
+                    .arg(qt(firstNames(plan.unknown))));
     connect(addButton(tr("Export...")), &QPushButton::clicked, this,
             [this, preset = plan.preset] { exportPreset(this->model(), this, preset); });
     QPushButton* apply = addAnswers(tr("Apply"), [this] { this->model().confirmPreset(); });

@@ -13,6 +13,7 @@ using testing::thrownBy;
 using Ids = std::vector<std::string>;
 
 const std::string importSummary = "Imported from a .corvanepreset file.";
+const std::string nested = std::string(5000, '[') + std::string(5000, ']');
 
 class PresetsTest : public ::testing::Test {
 protected:
@@ -66,12 +67,25 @@ TEST_F(PresetsTest, DecodingKeepsEachKnownIdOnceAndReportsTheOthersOnce) {
                           "extra": {"name": 123456789012345678901234567890, "format": 7}, "name": "M\u00fcsli", "format": 1})"),
               (DecodedPreset{{"m\u00FCsli", "M\u00FCsli", importSummary, {"shot.jpg", "dock.autohide"}},
                              {"dock.foo", ""}}));
-    EXPECT_EQ(decoded(R"( {"format":1,"name":"","tweaks":[]} )"),
+    EXPECT_EQ(decoded("\uFEFF"
+                      R"( {"format":1,"name":"","tweaks":[]} )"),
               (DecodedPreset{{"preset", "", importSummary, {}}, {}}));
+    std::string later = R"({"format": 1, "name": "A", "tweaks": [], "huge": -1e999, "deep": )" + nested;
+    for (int i = 0; i < 1000; ++i) later += ",\"" + std::to_string(i) + "\": null";
+    EXPECT_EQ(decoded(later + "}"), (DecodedPreset{{"a", "A", importSummary, {}}, {}}));
+}
+
+TEST_F(PresetsTest, ANameThatIsTooLongIsToldByItsBeginning) {
+    std::string name;
+    for (std::size_t i = 0; i < PresetFile::mostNameCharacters; ++i) name += "\u00E9";
+    EXPECT_EQ(testing::messageOf([&] { PresetFile::checkName(name); }), "");
+    const auto refusal = testing::failureOf<PresetFileError>([&] { PresetFile::checkName("<b>\n" + name); });
+    ASSERT_TRUE(refusal);
+    EXPECT_TRUE(describe(*refusal).starts_with("The name of the preset \"<b> \u00E9\u00E9"));
+    EXPECT_TRUE(describe(*refusal).ends_with("...\" has more than 200 characters. Give it a shorter one."));
 }
 
 TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
-    const std::string nested = std::string(5000, '[') + std::string(5000, ']');
     for (const std::string& rest : std::vector<std::string>{
              "}", R"(, "name": 5, "tweaks": {"a": [null]}})", R"(, "big": [1e999]})",
              R"(, "name": 123456789012345678901234567890})", ", \"deep\": " + nested + "}"}) {
@@ -86,7 +100,6 @@ TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
 }
 
 TEST_F(PresetsTest, WhatIsNotAWholePresetIsUnreadable) {
-    const std::string nested = std::string(5000, '[') + std::string(5000, ']');
     for (const std::string& bytes : std::vector<std::string>{
              "", "[]", R"({"name": "A", "tweaks": []})", R"({"format": true, "name": "A", "tweaks": []})",
              R"({"format": 1.0, "name": "A", "tweaks": []})",
@@ -99,7 +112,7 @@ TEST_F(PresetsTest, WhatIsNotAWholePresetIsUnreadable) {
              R"({"format": 1, "name": "A", "tweaks": ["dock.autohide", 1]})",
              R"({"format": 1, "name": "A", "tweaks": []}x)", R"({"format": 2} x)",
              "{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}",
-             R"({"format": 1, "name": "A", "tweaks": [], "deep": )" + nested + "}"})
+             R"({"format": 1, "name": "A", "tweaks": [], "x": [1,,2]})"})
         EXPECT_EQ(refusalOf(bytes), PresetFileFailure(UnreadablePreset())) << bytes.substr(0, 100);
     EXPECT_EQ(describe(PresetFileFailure(UnreadablePreset())), "This is not a preset file Brell can read.");
 }

@@ -69,6 +69,14 @@ TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
 TEST(TextTest, SmallHelpers) {
     EXPECT_EQ(join({}, ", "), "");
     EXPECT_EQ(join({"", "b", ""}, ", "), ", b, ");
+    EXPECT_EQ(firstNames({}), "");
+    EXPECT_EQ(firstNames({"a", std::string(300, 'x')}), "a, " + std::string(200, 'x') + "...");
+    EXPECT_EQ(firstNames(std::vector<std::string>(8, "b")), "b, b, b, b, b, b, b, b");
+    EXPECT_EQ(firstNames(std::vector<std::string>(1000, "b\n")),
+              "b , b , b , b , b , b , b , b  and 992 more");
+    EXPECT_EQ(firstOf(std::vector<std::string>(8, "B."), " "), "B. B. B. B. B. B. B. B.");
+    EXPECT_EQ(firstOf(std::vector<std::string>(10, "B."), "\n"),
+              "B.\nB.\nB.\nB.\nB.\nB.\nB.\nB.\nAnd 2 more.");
     EXPECT_EQ(stripped(" \t\r\n\v\f"), "");
     EXPECT_EQ(stripped("\n a b\t"), "a b");
     EXPECT_EQ(fileUrl("/Users/jo ann/A-z_0.9~"), "file:///Users/jo%20ann/A-z_0.9~");

@@ -162,6 +162,16 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
     setContents(file, "{}");
     settled(*model)->importPreset(file);
     EXPECT_EQ(model->state().errorMessage, "This is not a preset file Brell can read.");
+    const Preset endless{"", std::string(100'000, 'x'), "", {}};
+    setContents(file, PresetFile::encode(endless));
+    const std::string refusal = messageOf([&] { PresetFile::checkName(endless.name); });
+    settled(*model)->importPreset(file);
+    EXPECT_EQ(model->state().errorMessage, refusal);
+    EXPECT_FALSE(model->state().presetRequest);
+    model->dismissError();
+    settled(*model)->exportPreset(endless, folder.path / "endless.corvanepreset");
+    EXPECT_EQ(model->state().errorMessage, refusal);
+    EXPECT_EQ(namesIn(folder.path), (Names{"mac", "mine.corvanepreset"}));
 }
 
 TEST_F(AppModelTest, APresetIsReadAndSavedOnlyAsAnOrdinaryFile) {
