@@ -20,9 +20,10 @@ struct Row {
     TweakKind kind = ToggleKind{};
     std::optional<EffectClass> effect = std::nullopt;  // when it is not the one of the group
     Risk risk = Risk::low;
-    bool confirmedOn26 = true;
+    bool confirmedOn26 = false;  // true only when its effect was seen there
     std::string_view what;
     std::string_view riskNote = {};
+    std::string_view searchWords;  // what people call it who do not know its title
 };
 
 // The default is what macOS does without the key; leave it out when that is not known.

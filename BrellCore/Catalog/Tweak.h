@@ -93,6 +93,7 @@ struct Tweak {
     Explanation explanation;
     std::optional<std::set<int>> availableMajors;  // macOS major versions; nothing means every one
     std::set<int> confirmedOn;                     // majors on which the effect was seen
+    std::string searchWords;                       // what people call it who do not know its title
 
     std::set<std::string> domains() const;
     std::vector<PrefValue> targets() const;

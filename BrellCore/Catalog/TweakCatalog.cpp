@@ -27,7 +27,8 @@ Tweak make(TweakGroup group, EffectClass groupEffect, CatalogTable::Row row) {
             .risk = row.risk,
             .explanation = std::move(explanation),
             .availableMajors = std::nullopt,
-            .confirmedOn = row.confirmedOn26 ? std::set{26} : std::set<int>()};
+            .confirmedOn = row.confirmedOn26 ? std::set{26} : std::set<int>(),
+            .searchWords = std::string(row.searchWords)};
 }
 
 std::vector<Tweak> builtIn(const std::string& home, const std::string& homeFileURL) {

@@ -33,7 +33,7 @@ public:
 
     static const DomainSet& allowedDomains();
 
-    const std::vector<Tweak>& all() const { return all_; }  // 50, in display order
+    const std::vector<Tweak>& all() const { return all_; }  // in display order
     const Tweak* tweak(std::string_view id) const;          // nullptr when unknown
     std::vector<const Tweak*> available(int major) const;   // by macOS major version, in display order
     const std::string& home() const { return home_; }

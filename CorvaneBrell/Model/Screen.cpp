@@ -10,21 +10,32 @@ struct Facts {
     std::string_view symbol;
     std::optional<TweakGroup> group;
     std::string_view purpose;
+    std::string_view searchWords;
 };
 
 constexpr std::array<Facts, enumTexts<Screen>.size()> screenFacts{{
-    {"folder", TweakGroup::finder, "What Finder shows and where it opens."},
-    {"dock.rectangle", TweakGroup::dock, "How the Dock looks and when it comes and goes."},
-    {"rectangle.3.group", TweakGroup::missionControl, "How spaces and windows are arranged."},
-    {"sparkles", TweakGroup::animations, "How much windows move, and how fast."},
-    {"keyboard", TweakGroup::keyboardText, "What macOS changes while you type."},
-    {"doc.text", TweakGroup::panelsDocuments, "How Save and Print panels open, and where documents go."},
-    {"camera.viewfinder", TweakGroup::screenshots, "Where screenshots are saved and what is in them."},
-    {"ellipsis.circle", TweakGroup::misc, "Small settings that belong to no other page."},
-    {"power", std::nullopt, "Everything that starts by itself when you log in."},
-    {"hand.raised", TweakGroup::privacy, "What apps may see, to be reviewed one card at a time."},
-    {"magnifyingglass", TweakGroup::spotlight, "Which volumes Spotlight indexes."},
-    {"clock.arrow.circlepath", std::nullopt, "Every change Brell made, and the way back."},
+    {"folder", TweakGroup::finder, "What Finder shows and where it opens.", "files folders desktop windows"},
+    {"dock.rectangle", TweakGroup::dock, "How the Dock looks and when it comes and goes.",
+     "icons taskbar launcher bottom bar"},
+    {"rectangle.3.group", TweakGroup::missionControl, "How spaces and windows are arranged.",
+     "spaces desktops expose windows"},
+    {"sparkles", TweakGroup::animations, "How much windows move, and how fast.", "motion effects speed slow"},
+    {"keyboard", TweakGroup::keyboardText, "What macOS changes while you type.",
+     "typing text autocorrect spelling"},
+    {"doc.text", TweakGroup::panelsDocuments, "How Save and Print panels open, and where documents go.",
+     "save print dialog open"},
+    {"camera.viewfinder", TweakGroup::screenshots, "Where screenshots are saved and what is in them.",
+     "screen capture grab picture"},
+    {"ellipsis.circle", TweakGroup::misc, "Small settings that belong to no other page.",
+     "other miscellaneous more"},
+    {"power", std::nullopt, "Everything that starts by itself when you log in.",
+     "startup boot autostart launch agents daemons background processes start services helpers"},
+    {"hand.raised", TweakGroup::privacy, "What apps may see, to be reviewed one card at a time.",
+     "permissions camera microphone location tracking access security"},
+    {"magnifyingglass", TweakGroup::spotlight, "Which volumes Spotlight indexes.",
+     "search index indexing volumes disk"},
+    {"clock.arrow.circlepath", std::nullopt, "Every change Brell made, and the way back.",
+     "history undo restore changes log revert report script"},
 }};
 
 const Facts& facts(Screen screen) {
@@ -54,6 +65,10 @@ std::string_view title(Screen screen) {
 
 std::string_view purpose(Screen screen) {
     return facts(screen).purpose;
+}
+
+std::string_view searchWords(Screen screen) {
+    return facts(screen).searchWords;
 }
 
 std::optional<std::string_view> settingsLink(Screen screen) {

@@ -81,7 +81,7 @@ void TweakSearch::indexKey(std::size_t subject, std::string_view key, int weight
 void TweakSearch::indexTweak(std::size_t subject) {
     const Tweak& tweak = *tweaks_[subject];
     index(subject, tweak.title, Weight::title);
-    index(subject, everydayWords(tweak.id), Weight::everyday);
+    index(subject, tweak.searchWords, Weight::everyday);
     if (const auto* kind = std::get_if<ChoiceKind>(&tweak.kind))
         for (const Choice& choice : kind->choices) index(subject, choice.title, Weight::choice);
     for (const Write& write : tweak.writes) {
@@ -96,7 +96,7 @@ void TweakSearch::indexTweak(std::size_t subject) {
 void TweakSearch::indexScreen(Screen screen) {
     const std::size_t subject = tweaks_.size() + static_cast<std::size_t>(screen);
     index(subject, title(screen), Weight::title);
-    index(subject, everydayWords(screen), Weight::everyday);
+    index(subject, searchWords(screen), Weight::everyday);
     index(subject, purpose(screen), Weight::what);
 }
 

@@ -45,8 +45,4 @@ private:
     std::vector<Posting> postings_;  // sorted by word
 };
 
-// What people call a tweak or a page when they do not know its title; empty when there is nothing to add.
-std::string_view everydayWords(std::string_view tweakID);
-std::string_view everydayWords(Screen screen);
-
 }  // namespace brell

@@ -63,7 +63,7 @@ TEST_F(TweakSearchTest, EveryTweakIsFoundFirstByItsTitleAndItsKeys) {
     for (const Tweak& tweak : catalog.all()) {
         EXPECT_EQ(first(tweak.title), tweak.id);
         for (const Write& write : tweak.writes) EXPECT_EQ(first(write.key.rendered()), tweak.id);
-        EXPECT_FALSE(everydayWords(tweak.id).empty()) << tweak.id;
+        EXPECT_FALSE(tweak.searchWords.empty()) << tweak.id;
     }
 }
 
@@ -124,7 +124,7 @@ TEST(ScreenTest, EveryGroupHasItsPageAndEveryPageItsWords) {
         symbols.insert(symbol(screen));
         purposes.insert(purpose(screen));
         EXPECT_TRUE(purpose(screen).ends_with('.')) << title(screen);
-        EXPECT_FALSE(everydayWords(screen).empty()) << title(screen);
+        EXPECT_FALSE(searchWords(screen).empty()) << title(screen);
     }
     EXPECT_EQ(symbols.size(), 12U);
     EXPECT_EQ(purposes.size(), 12U);
