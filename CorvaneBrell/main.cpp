@@ -1,9 +1,14 @@
 // The program with its window.
 
 #include <QApplication>
+#include <QBuffer>
 #include <QStyleHints>
+#include <QTimer>
+#include <chrono>
+#include <cmath>
 #include <iostream>
 
+#include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/HeadlessCommands.h"
 #include "CorvaneBrell/Model/AppModel.h"
@@ -49,20 +54,41 @@ std::unique_ptr<RunningApplications> applicationsFor(const LaunchOptions& option
     return systemApplications();
 }
 
+// Replaces what stands there, and follows no link. The file's name says which kind of picture it is.
+void savePicture(const QImage& picture, const fs::path& file) {
+    const std::string format = file.extension().string();
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (format.empty() || !picture.save(&buffer, format.c_str() + 1))
+        throw std::runtime_error("The picture could not be written to " + file.string() +
+                                 ": its name does not end as that of a picture, such as .png.");
+    constexpr unsigned permissions = 0644;
+    replaceFile(file, {bytes.data(), static_cast<std::size_t>(bytes.size())}, Durability::readersOnly,
+                permissions);
+}
+
+void scheduleSnapshot(const MainWindow& window, const LaunchOptions& options) {
+    if (!options.snapshotPath) return;
+    const auto delay = std::chrono::milliseconds(std::llround(options.snapshotDelay * 1000));
+    QTimer::singleShot(delay, &window, [&window, options] {
+        int status = ExitStatus::success;
+        try {
+            savePicture(window.picture(), *options.snapshotPath);
+        } catch (const std::exception& error) {
+            printLine(std::cerr, std::string("error: ") + error.what());
+            status = ExitStatus::failure;
+        }
+        if (options.quitAfterSnapshot) QApplication::exit(status);
+    });
+}
+
 int runWindow(const LaunchOptions& options) {
     prepareSample(options);
     QtMainLoop loop;
     const auto applications = applicationsFor(options, loop);
     AppModel model(options, loop, *applications, std::cout);
     MainWindow window(model);
-    int status = ExitStatus::success;
-    model.scheduleSnapshot(
-        [&](const fs::path& file) {
-            if (window.picture().save(qt(file.string()))) return;
-            printLine(std::cerr, "error: The picture could not be written to " + file.string() + ".");
-            status = ExitStatus::failure;
-        },
-        [&] { QApplication::exit(status); });
+    scheduleSnapshot(window, options);
     window.show();
     return QApplication::exec();
 }

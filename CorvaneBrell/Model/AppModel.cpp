@@ -286,15 +286,4 @@ void AppModel::keepWindowPlace(const WindowPlace& place) try {
 } catch (const std::exception&) {
 }
 
-void AppModel::scheduleSnapshot(std::function<void(const fs::path&)> render, std::function<void()> quit) {
-    if (!options().snapshotPath) return;
-    const auto delay = std::chrono::milliseconds(static_cast<std::int64_t>(options().snapshotDelay * 1000));
-    loop_.callAfter(delay, [this, render = std::move(render), quit = std::move(quit),
-                            watched = std::weak_ptr<bool>(alive_)] {
-        if (watched.expired()) return;
-        render(*options().snapshotPath);
-        if (options().quitAfterSnapshot) quit();
-    });
-}
-
 }  // namespace brell

@@ -147,11 +147,6 @@ public:
     std::optional<WindowPlace> windowPlace() const;
     void keepWindowPlace(const WindowPlace& place);
 
-    // Runs after options().snapshotDelay when a snapshot is asked for; quit follows when that is asked for,
-    // too.
-    void scheduleSnapshot(std::function<void(const std::filesystem::path&)> render,
-                          std::function<void()> quit);
-
 private:
     // What a change is to the undoing of the last action: nothing; all of it; those of its changes that
     // drifted and that the user confirmed, with the rest to follow, or only some of them.
@@ -303,9 +298,8 @@ private:
     bool refreshWaits_ = false;             // a refresh is asked for and has not begun
     std::atomic<int> changesFinished_ = 0;  // read by the lanes
     int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0, questionsUnderWay_ = 0;
-    int savesUnderWay_ = 0;                                       // of the refreshes
-    Relauncher::Handle relaunch_;                                 // while one is under way
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // watched by what the main loop still holds
+    int savesUnderWay_ = 0;        // of the refreshes
+    Relauncher::Handle relaunch_;  // while one is under way
 
     // Last: their threads use the above.
     BackgroundLane changes_;

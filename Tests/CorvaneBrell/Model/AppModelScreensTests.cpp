@@ -224,22 +224,9 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     EXPECT_TRUE(model->state().errorMessage);
 }
 
-TEST_F(AppModelTest, TheScreenAskedForIsShownAndASnapshotIsTakenLater) {
+TEST_F(AppModelTest, TheScreenAskedForIsShown) {
     options.openGroup = "journal";
-    options.snapshotPath = folder.path / "picture.png";
-    options.quitAfterSnapshot = true;
-    const auto model = openModel();
-    EXPECT_EQ(model->state().screen, Screen::journal);
-
-    std::vector<std::string> events;
-    model->scheduleSnapshot(
-        [&](const fs::path& file) { events.push_back("render " + file.filename().string()); },
-        [&] { events.push_back("quit"); });
-    loop.advance(std::chrono::milliseconds(1400));
-    EXPECT_TRUE(events.empty());
-    loop.advance(std::chrono::milliseconds(200));
-    EXPECT_EQ(events, (Texts{"render picture.png", "quit"}));
-
+    EXPECT_EQ(openModel()->state().screen, Screen::journal);
     options.openGroup = "nowhere";
     EXPECT_EQ(openModel()->state().screen, Screen::finder);
 }
