@@ -10,10 +10,8 @@
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Preferences/NeverTouch.h"
-#include "BrellCore/Preferences/PlistFileStore.h"
 #include "BrellCore/Support/Uuid.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
 
 namespace fs = std::filesystem;
 
@@ -29,50 +27,25 @@ fs::path journalDirectoryFor(const LaunchOptions& options, const fs::path& home)
     return Journal::defaultDirectory(home);
 }
 
-DomainSet ownDomains() {
-    return {std::string(NeverTouch::ownLabel)};
-}
-
-// What the function makes of each domain of the catalog.
-std::vector<fs::path> preferenceFiles(const std::function<fs::path(const std::string&)>& fileOf) {
-    std::vector<fs::path> files;
-    for (const std::string& domain : TweakCatalog::allowedDomains()) files.push_back(fileOf(domain));
-    return files;
-}
-
 Machine thisMachine(const LaunchOptions& options) {
     const fs::path home = homeFolder();
     if (home.empty()) throw std::runtime_error("Neither HOME nor the user database names a home folder.");
     // A dry run reads what a real run would, although its journal lies elsewhere.
     const fs::path preferences =
         options.journalDirectory.value_or(Journal::defaultDirectory(home)) / "Preferences";
+    std::vector<fs::path> files;
+    for (const std::string& domain : TweakCatalog::allowedDomains())
+        files.push_back(userPreferenceFile(home, preferences, domain));
     return {home,
             "/",
             currentOSVersion(),
             ::getuid(),
             BTMReader::currentUserIsAdmin,
-            journalDirectoryFor(options, home),
-            preferenceFiles(
-                [&](const std::string& domain) { return userPreferenceFile(home, preferences, domain); }),
+            {},
+            std::move(files),
             userPreferences(preferences, TweakCatalog::allowedDomains()),
-            userPreferences(preferences, ownDomains()),
+            userPreferences(preferences, {std::string(NeverTouch::ownLabel)}),
             std::make_unique<ProcessCommandRunner>(commandSeconds)};
-}
-
-Machine sampleMachine(const LaunchOptions& options) {
-    const SampleMac sample(*options.sampleMac);
-    return {sample.home(),
-            sample.systemRoot(),
-            SampleMac::osVersion,
-            SampleMac::uid,
-            [] { return SampleMac::isAdmin; },
-            journalDirectoryFor(options, sample.home()),
-            preferenceFiles([&](const std::string& domain) {
-                return PlistFileStore::fileOf(sample.preferences(), domain);
-            }),
-            sample.openPreferences(),
-            std::make_unique<PlistFileStore>(sample.preferences(), ownDomains()),
-            sample.openTools()};
 }
 
 }  // namespace
@@ -87,7 +60,10 @@ fs::path throwAwayDirectory(std::string_view purpose) {
 }
 
 Machine machineFor(const LaunchOptions& options) try {
-    return options.sampleMac ? sampleMachine(options) : thisMachine(options);
+    std::optional<Machine> standIn = standInFor(options);
+    Machine machine = standIn ? std::move(*standIn) : thisMachine(options);
+    machine.journalDirectory = journalDirectoryFor(options, machine.home);
+    return machine;
 } catch (const fs::filesystem_error& error) {
     throw std::runtime_error("The folder " + error.path1().string() +
                              " could not be used: " + error.code().message() + ".");

@@ -5,13 +5,16 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "BrellCore/Background/CommandRunning.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "CorvaneBrell/LaunchOptions.h"
+#include "CorvaneBrell/Platform/MainLoop.h"
 #include "CorvaneBrell/Platform/OperatingSystem.h"
+#include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 
@@ -34,5 +37,16 @@ std::filesystem::path throwAwayDirectory(std::string_view purpose);
 
 // The machine that these options name. Raises std::exception when its folders can't be made.
 Machine machineFor(const LaunchOptions& options);
+
+// The rest differs by configuration: in what users get there is no stand-in.
+
+// The stand-in that these options name, all but its journal directory; nothing when they name none.
+std::optional<Machine> standInFor(const LaunchOptions& options);
+
+// Gives a stand-in that is new some weeks of use, so that a window over it has something of everything.
+void makePastFor(const LaunchOptions& options);
+
+// The running applications of the machine. Main thread only; the loop must outlive them.
+std::unique_ptr<RunningApplications> applicationsFor(const LaunchOptions& options, MainLoop& loop);
 
 }  // namespace brell

@@ -10,12 +10,9 @@
 
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Console.h"
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/StartUp.h"
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "CorvaneBrell/SampleMac/SamplePast.h"
-#include "CorvaneBrell/SampleMac/SimulatedApplications.h"
-#include "CorvaneBrell/StartUp.h"
 #include "CorvaneBrell/Version.h"
 #include "CorvaneBrell/Window/Appearance.h"
 #include "CorvaneBrell/Window/MainWindow.h"
@@ -40,18 +37,6 @@ void introduce() {
         });
 #endif
 #endif
-}
-
-// A sample Mac that is made for the window has been lived in, so that there is something of everything.
-void prepareSample(const LaunchOptions& options) {
-    if (!options.sampleMac || fs::exists(*options.sampleMac)) return;
-    const SampleMac sample(*options.sampleMac);
-    liveIn(sample, options.journalDirectory.value_or(Journal::defaultDirectory(sample.home())), systemNow());
-}
-
-std::unique_ptr<RunningApplications> applicationsFor(const LaunchOptions& options, MainLoop& loop) {
-    if (options.sampleMac) return std::make_unique<SimulatedApplications>(loop);
-    return systemApplications();
 }
 
 // Replaces what stands there, and follows no link. The file's name says which kind of picture it is.
@@ -83,7 +68,7 @@ void scheduleSnapshot(const MainWindow& window, const LaunchOptions& options) {
 }
 
 int runWindow(const LaunchOptions& options) {
-    prepareSample(options);
+    makePastFor(options);
     QtMainLoop loop;
     const auto applications = applicationsFor(options, loop);
     AppModel model(options, loop, *applications, std::cout);

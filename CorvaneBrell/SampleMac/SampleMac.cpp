@@ -14,18 +14,26 @@ namespace {
 
 // Whatever else lies there already is not to be mixed with what a sample Mac holds.
 void checkCanBeSampleMac(const fs::path& folder) {
-    if (!fs::exists(folder) || fs::is_empty(folder) || SampleFurniture::hasBegun(folder)) return;
+    if (SampleMac::isNew(folder) || SampleFurniture::hasBegun(folder)) return;
     throw std::runtime_error("The folder " + folder.string() +
                              " is no sample Mac and not empty, so that none is made in it.");
 }
 
-fs::path madeWithoutLinks(const fs::path& folder) {
+fs::path madeWithoutLinks(const fs::path& folder) try {
     checkCanBeSampleMac(folder);
     fs::create_directories(folder);
     return fs::canonical(folder);
+} catch (const fs::filesystem_error& error) {
+    throw std::runtime_error("The folder " + folder.string() +
+                             " could not be used: " + error.code().message() + ".");
 }
 
 }  // namespace
+
+bool SampleMac::isNew(const fs::path& folder) {
+    std::error_code unknown;
+    return !fs::exists(folder, unknown) || fs::is_empty(folder, unknown);
+}
 
 SampleMac::SampleMac(const fs::path& folder) : folder_(madeWithoutLinks(folder)) {
     // launchd's state is the last that is added, so with it everything is there.

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 
 #include <unistd.h>
 
@@ -11,7 +11,7 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
-#include "CorvaneBrell/HeadlessTour.h"
+#include "CorvaneBrell/Headless/Tour.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/Shell.h"

@@ -12,7 +12,7 @@
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/JsonReader.h"
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/Obstacles.h"

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "BrellCore/Preferences/PlistFileStore.h"
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "Tests/Support/Testing.h"

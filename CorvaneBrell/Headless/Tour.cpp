@@ -1,4 +1,4 @@
-#include "CorvaneBrell/HeadlessTour.h"
+#include "CorvaneBrell/Headless/Tour.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Dependencies.h"
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 
 namespace fs = std::filesystem;
 

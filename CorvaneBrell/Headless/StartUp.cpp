@@ -1,4 +1,4 @@
-#include "CorvaneBrell/StartUp.h"
+#include "CorvaneBrell/Headless/StartUp.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <csignal>
 #include <iostream>
 
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 
 namespace brell {
 

@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "CorvaneBrell/HeadlessCommands.h"
-#include "CorvaneBrell/HeadlessTour.h"
-#include "CorvaneBrell/StartUp.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/StartUp.h"
+#include "CorvaneBrell/Headless/Tour.h"
 
 int main(int argc, char** argv) {
     const brell::StartUp start = brell::startUp(argc, argv);

@@ -1,9 +1,9 @@
-#include "CorvaneBrell/HeadlessCommands.h"
+#include "CorvaneBrell/Headless/HeadlessCommands.h"
 
 #include <algorithm>
 #include <set>
-#include <system_error>
 
+#include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/JsonWriter.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Dependencies.h"
@@ -66,8 +66,7 @@ void printStatusJSON(Dependencies& deps, std::ostream& out) {
 // A folder of the run's own for the tweak that takes one, so that no real folder of the user is ever chosen.
 std::string screenshotsFolder(const fs::path& journalDirectory) {
     const fs::path folder = journalDirectory / "screenshots-fixture";
-    std::error_code ignored;
-    fs::create_directories(folder, ignored);
+    createFolders(folder);
     return folder.string();
 }
 
