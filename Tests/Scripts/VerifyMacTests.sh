@@ -43,13 +43,18 @@ condition() {
     grep string mac/private/var/db/preference-marks.plist 2>/dev/null || true
 }
 
+unpackSeen() {
+    local archive
+    archive=$(sed -n 's/.*What was seen is in //p' said)
+    tar -xzf "$archive" && rm "$archive"
+}
+
 expectAsBefore() {
     condition >after
     if ! diff before after; then cat said && fail "the Mac is not as before"; fi
 }
 
 testAllIsWellAndNothingOfTheUsersIsKept() {
-    local archive
     makeMac
     verify --yes --task-database || { cat said && fail "it failed"; }
     expectText '' "$(grep ^FAILED said || true)"
@@ -58,8 +63,7 @@ testAllIsWellAndNothingOfTheUsersIsKept() {
     expectAsBefore
     expectText '' "$(ls -d brell-verify.* 2>/dev/null || true)"
 
-    archive=$(sed -n 's/.*What was seen is in //p' said)
-    tar -xzf "$archive" && rm "$archive"
+    unpackSeen
     for file in results system brell launchctl mdutil sfltool; do [ -s "seen/$file.txt" ] || fail "no $file.txt"; done
     grep -q '^$ launchctl bootout gui/501/org.example.brell-verify.deaf$' seen/launchctl.txt
     if grep -rE "$PWD|duskwatch|clmv" seen; then fail "something of the user's is named"; fi
@@ -73,7 +77,8 @@ testWhatGoesWrongIsTold() {
         *" --apply-all "*) defaults write com.apple.dock autohide -string yes;;'
     standIn mdutil 'echo "Error: unknown indexing state."'
     if verify --yes; then cat said && fail "it did not fail"; fi
-    rm "$(sed -n 's/.*What was seen is in //p' said)"
+    unpackSeen
+    if grep -r 'now: yes' seen; then fail "a value is named"; fi
     for line in \
         'What is applied is stored as the kind of value that it is: com.apple.dock autohide (Type is string)' \
         'Every value and its kind is as before: com.apple.finder ShowPathbar' \
