@@ -3,10 +3,8 @@
 #include <fmt/format.h>
 
 #include "BrellCore/Engine/VerifiedWrite.h"
-#include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PrefValueJson.h"
-#include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -55,7 +53,11 @@ AgentRestoring::~AgentRestoring() = default;
 
 TweakEngine::TweakEngine(PreferenceStore& store, Journal& journal, const TweakCatalog& catalog,
                          EngineSettings settings)
-    : store_(store), journal_(journal), catalog_(catalog), settings_(std::move(settings)) {}
+    : store_(store),
+      journal_(journal),
+      catalog_(catalog),
+      settings_(std::move(settings)),
+      script_(journal, settings_.restoreScriptURL, settings_.clock) {}
 
 JournalEntry TweakEngine::apply(const Tweak& tweak, std::optional<std::vector<PrefValue>> values,
                                 std::optional<std::string> choiceID) {
@@ -83,7 +85,7 @@ JournalEntry TweakEngine::turnOff(const Tweak& tweak, bool overridingDrift) {
         entryToRestore();  // before the lock's file is made, so that a refusal leaves nothing behind
         const Journal::Exclusive held = journal_.exclusive();
         // Again: what was on may have been put back by somebody else, who is not to lose what is there now.
-        if (const auto entry = entryToRestore()) return restoreLocked(*entry, overridingDrift, held);
+        if (const auto entry = entryToRestore()) return restoreOne(*entry, overridingDrift, held);
         return changeLocked(tweak, EntryDirection::resetToDefault, removed, std::nullopt, held);
     });
 }
@@ -98,7 +100,7 @@ AgentChange TweakEngine::beginAgentChange(const std::string& label,
         JournalEntry entry = newEntry(agentTweakID(label), EntryKind::launchAgent, EntryDirection::on);
         entry.agent = std::move(captured);
         journal_.upsert(entry, held);
-        rewriteRestoreScript(held);
+        script_.keep();
         return AgentChange{std::move(entry), std::move(held)};
     });
 }
@@ -109,23 +111,21 @@ JournalEntry TweakEngine::finishAgentChange(AgentChange change, EntryStatus stat
         change.entry.status = status;
         // What a tool printed may be any bytes, and must not keep the outcome out of the journal.
         if (failure) change.entry.failure = repairedUtf8(*failure);
-        if (status == EntryStatus::applied)
+        if (status == EntryStatus::applied) {
             saveApplied(change.entry, change.held);
-        else
+        } else {
             journal_.upsert(change.entry, change.held);
-        rewriteRestoreScript(change.held);
+            script_.keep();
+        }
         return change.entry;
     });
 }
 
-std::string TweakEngine::restoreScriptText() {
-    return RestoreScript::render(journal_.active(), settings_.clock());
-}
-
-void TweakEngine::rewriteRestoreScript() noexcept try {
-    if (settings_.restoreScriptURL) rewriteRestoreScript(journal_.exclusive());
-} catch (const std::exception&) {
-    // The script on disk stays the one before; the next change writes it again.
+// Without the advisory lock, which a change under way on this very thread may hold: once more, until nothing
+// was saved by others while it was written.
+void TweakEngine::rewriteRestoreScript() noexcept {
+    while (script_.keep()) {
+    }
 }
 
 JournalEntry TweakEngine::change(const Tweak& tweak, EntryDirection direction, const Values& values,
@@ -144,7 +144,7 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
     entry.choiceID = std::move(choiceID);
     journal_.upsert(entry, held);
     // Before the first write: from here on the script undoes the change, wherever the process ends.
-    rewriteRestoreScript(held);
+    script_.keep();
     if (afterCaptureHook_) afterCaptureHook_(entry);
 
     for (std::size_t i = 0; i < entry.writes.size(); ++i) {
@@ -156,10 +156,13 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
     return entry;
 }
 
-// Of a change that is made: when it can't be saved, the journal still says that it is under way.
+// Of a change that is made: when it can't be saved, the journal still says that it is under way. The script
+// says the same for both; it is written only when that failed before.
 void TweakEngine::saveApplied(const JournalEntry& entry, const Journal::Exclusive& held) try {
     journal_.upsert(entry, held);
+    script_.keep();
 } catch (const JournalError& error) {
+    script_.keep();
     throw EngineError(error.failure(),
                       subjectOf(entry) + " was changed all the same; it is listed as interrupted.");
 }
@@ -225,17 +228,8 @@ EngineError TweakEngine::rollBack(JournalEntry& entry, std::size_t written, cons
     } catch (const JournalError&) {
         // The entry stays on disk as it was saved before the change: active, with every original.
     }
-    rewriteRestoreScript(held);
+    script_.keep();
     return error;
-}
-
-void TweakEngine::rewriteRestoreScript(const Journal::Exclusive&) noexcept try {
-    if (!settings_.restoreScriptURL) return;
-    // Not private to the user: it is run with sh, and may be copied.
-    constexpr unsigned permissions = 0666;
-    replaceFile(*settings_.restoreScriptURL, restoreScriptText(), Durability::powerCut, permissions);
-} catch (const std::exception&) {
-    // The script on disk stays the one before; the next change writes it again.
 }
 
 }  // namespace brell

@@ -14,6 +14,7 @@
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Engine/Drift.h"
 #include "BrellCore/Engine/EngineError.h"
+#include "BrellCore/Engine/RestoreScriptFile.h"
 #include "BrellCore/Engine/TweakStatus.h"
 #include "BrellCore/Journal/Journal.h"
 
@@ -114,8 +115,12 @@ public:
     JournalEntry finishAgentChange(AgentChange change, EntryStatus status,
                                    std::optional<std::string> failure);
 
-    std::string restoreScriptText();
-    void rewriteRestoreScript() noexcept;  // a failure is no failure of what was done before it
+    std::string restoreScriptText() { return script_.text(); }
+    // Takes the journal's own mutex only, so that it may be called from inside a change. A failure is no
+    // failure of what was done before it.
+    void rewriteRestoreScript() noexcept;
+    // Why the script on disk may not undo every change, in a whole sentence; told once.
+    std::optional<std::string> untoldScriptTrouble() { return script_.untoldTrouble(); }
 
 private:
     using Values = std::vector<StoredValue>;  // one for each write of the tweak
@@ -133,17 +138,18 @@ private:
     JournalEntry activeEntry(const Uuid& entryID);
     RestoreAllOutcome restoreEntries(const std::function<std::vector<JournalEntry>()>& wanted,
                                      const std::set<Uuid>& confirmedDrift, const Progress& goOn);
+    JournalEntry restoreOne(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
                      const Journal::Exclusive& held);
-    void rewriteRestoreScript(const Journal::Exclusive& held) noexcept;
 
     PreferenceStore& store_;
     Journal& journal_;
     const TweakCatalog& catalog_;
     const EngineSettings settings_;
+    RestoreScriptFile script_;
     AgentRestoring* agentRestorer_ = nullptr;
     std::function<void(const JournalEntry&)> afterCaptureHook_;
 

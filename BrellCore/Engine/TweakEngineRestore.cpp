@@ -21,7 +21,7 @@ JournalEntry TweakEngine::restore(const Uuid& entryID, bool overridingDrift,
         activeEntry(entryID);  // before the lock's file is made, so that a refusal leaves nothing behind
         const Journal::Exclusive held = journal_.exclusive();
         check();
-        return restoreLocked(entryID, overridingDrift, held);
+        return restoreOne(entryID, overridingDrift, held);
     });
 }
 
@@ -59,8 +59,15 @@ RestoreAllOutcome TweakEngine::restoreEntries(const std::function<std::vector<Jo
             return outcome;
         }
         entries = wanted();
-        for (std::size_t i = 0; i < entries.size() && goOn(i, entries.size()); ++i)
+        TimeStamp scriptTime = settings_.clock();
+        for (std::size_t i = 0; i < entries.size() && goOn(i, entries.size()); ++i) {
             restoreInto(outcome, entries[i], confirmedDrift.contains(entries[i].id), *held);
+            // Once a second while there are many: until then the script undoes some that are undone already.
+            const TimeStamp now = settings_.clock();
+            if (now != scriptTime && !outcome.restored.empty()) script_.keep();
+            scriptTime = now;
+        }
+        if (!outcome.restored.empty()) script_.keep();
         return outcome;
     });
 }
@@ -78,6 +85,13 @@ JournalEntry TweakEngine::activeEntry(const Uuid& entryID) {
     auto entry = journal_.entry(entryID);
     if (!entry || !entry->isActive()) throw EngineError(NotActive{entryID});
     return std::move(*entry);
+}
+
+JournalEntry TweakEngine::restoreOne(const Uuid& entryID, bool overridingDrift,
+                                     const Journal::Exclusive& held) {
+    JournalEntry entry = restoreLocked(entryID, overridingDrift, held);
+    script_.keep();
+    return entry;
 }
 
 JournalEntry TweakEngine::restoreLocked(const Uuid& entryID, bool overridingDrift,
@@ -112,7 +126,6 @@ JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal:
     restored.restoredAt = settings_.clock();
     restored.failure = std::nullopt;
     journal_.upsert(restored, held);
-    rewriteRestoreScript(held);
     return restored;
 } catch (const JournalError& error) {
     const bool wasApplied = entry.status == EntryStatus::applied;

@@ -157,6 +157,7 @@ int run(Dependencies& deps, std::ostream& out, std::ostream& warnings) {
     if (options.applyAll) allWell &= applyAll(deps, out);
     if (options.toggleAgent) allWell &= toggleAgent(deps, *options.toggleAgent, out);
     if (options.restoreAll) allWell &= restoreAll(deps, out);
+    if (const auto trouble = deps.engine.untoldScriptTrouble()) printLine(warnings, "warning: " + *trouble);
     return allWell ? ExitStatus::success : ExitStatus::failure;
 }
 

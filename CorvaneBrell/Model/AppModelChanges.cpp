@@ -289,6 +289,8 @@ void AppModel::finishChange(const JobResult<Change>& result, const std::optional
     if (changesUnderWay_ == 0) set(&AppState::changeActivity, std::nullopt, Property::changeActivity);
     if (!result.value) fail(result.error);
     if (!change.failures.empty()) fail(firstOf(change.failures, " "));
+    if (const auto trouble = deps_->engine.untoldScriptTrouble())
+        fail(state_.errorMessage ? *state_.errorMessage + " " + *trouble : *trouble);
     noteForUndo(change);
     notePendingRelaunches(change);
     showProof(change);

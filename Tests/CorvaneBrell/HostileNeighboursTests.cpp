@@ -126,7 +126,14 @@ TEST_F(HostileNeighboursTest, InThePlaceOfTheHistoryTheScriptOrTheScreenshots) {
          {history / (localDay(systemNow()) + ".jsonl"), journalDirectory / RestoreScript::fileName,
           journalDirectory / "screenshots-fixture"})
         withEach(at, [&](Obstacle obstacle) {
-            EXPECT_EQ(run(applyAll).status, 0);
+            const Finished applied = run(applyAll);
+            EXPECT_EQ(applied.status, 0);
+            const std::string warning =
+                "warning: The restore script " + at.string() + " could not be written: ";
+            const std::size_t told = applied.output.find(warning);
+            EXPECT_EQ(told != std::string::npos,
+                      at.filename() == RestoreScript::fileName && obstacle == Obstacle::folder);
+            EXPECT_EQ(applied.output.find(warning, told + 1), std::string::npos) << "once";
             const std::size_t lines = Journal::open(journalDirectory)->history().size();
             const bool isTaken = at.parent_path() == history;
             EXPECT_EQ(lines, isTaken ? 0 : 2 * TweakCatalog("/").all().size());

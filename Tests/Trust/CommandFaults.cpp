@@ -58,7 +58,7 @@ Faults tryTrouble(const Stage& stage, const Scene& scene, const Goal& goal, std:
     });
     const Attempt made = attempt(scene, rig);
     rig.tools->interfere({});
-    return judgeAttempt(stage, scene, rig, made, goal);
+    return judgeAttempt(stage, scene, rig, made, trouble.reach != Reach::one, goal);
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
     Faults faults = undo.found();
     if (!failed) return {"the call was never made"};
     if (failed != SystemCall::unlink) append(faults, checkNothingLeftBehind(rig, descriptors));
-    append(faults, judgeAttempt(stage, scene, rig, made, goal));
+    append(faults, judgeAttempt(stage, scene, rig, made, lasts, goal));
     return faults;
 }
 

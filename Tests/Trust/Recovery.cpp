@@ -105,16 +105,18 @@ Attempt attempt(const Scene& scene, Rig& rig) {
     }
 }
 
-Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made,
+Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
                     const Goal& goal) try {
     Faults faults = checkSentences(stage, made);
     append(faults, checkRecorded(stage));
+    const auto untold = rig.engine.untoldScriptTrouble();
+    if (untold && !isClear(*untold, stage)) faults.push_back("no clear sentence: " + *untold);
     if (!made.succeeded()) append(faults, tryAgain(stage, scene, rig, goal));
     const Goal now = reached(stage.world());
     append(faults, differences(goal.condition, now.condition, {}));
     if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");
-    // A script that could not be written is written with the next change.
-    append(faults, made.succeeded() ? judgeProgram(stage, {}) : judge(stage, {}));
+    // A script that can't be written at all says so, and is written with the next change.
+    append(faults, made.succeeded() && untold && troubleLasted ? judgeProgram(stage, {}) : judge(stage, {}));
     return faults;
 } catch (const std::exception& error) {
     return {std::string("afterwards: ") + error.what()};

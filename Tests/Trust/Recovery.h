@@ -31,6 +31,7 @@ struct Attempt {
 Attempt attempt(const Scene& scene, Rig& rig);
 
 // The rig is the one of the attempt, and nothing goes wrong any more.
-Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, const Goal& goal);
+Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
+                    const Goal& goal);
 
 }  // namespace brell::trust

@@ -34,6 +34,17 @@ TEST_F(EngineCountsTest, AChangeIsTwoSavesAndAScript) {
               (std::vector<std::size_t>{2, 1, 3 + 2, 6}));
     EXPECT_EQ(counted([&] { engine.turnOff(tweak("dock.magnify"), false); }),
               (std::vector<std::size_t>{1, 1, 2 + 2, 4}));
+    // Of many that are undone at once the script is written once a second and at the end.
+    std::vector<Uuid> ids;
+    for (const char* id : {"dock.size", "dock.autohide", "dock.magnify", "finder.path_bar"})
+        ids.push_back(engine.apply(tweak(id)).id);
+    EXPECT_EQ(counted([&] {
+                  engine.restoreSelected(ids, {}, [&](std::size_t done, std::size_t) {
+                      if (done == 1) now += std::chrono::seconds(1);
+                      return true;
+                  });
+              }),
+              (std::vector<std::size_t>{4, 2, 6 + 5, 12}));
     files.markForced({"com.apple.dock", "largesize"});
     EXPECT_EQ(counted([&] { engineFailure([&] { engine.apply(tweak("dock.magnify")); }); }),
               (std::vector<std::size_t>{0, 0, 0, 0}));

@@ -2,6 +2,9 @@
 
 #include "BrellCore/Engine/TweakEngine.h"
 
+#include <sys/stat.h>
+
+#include "BrellCore/Support/SystemMessage.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
@@ -9,6 +12,8 @@
 using namespace brell;
 using namespace brell::testing;
 using namespace std::chrono_literals;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -280,6 +285,65 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     journal.upsert(bare);
     EXPECT_EQ(engineFailure([&] { engine.restore(bare.id, false); }),
               EngineFailure(Refused{"Entry " + bare.id.text() + " has no agent capture."}));
+}
+
+TEST_F(TweakEngineTest, TheScriptNeverMissesAnActiveChangeBecauseOneWritingFailed) {
+    if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
+    const fs::path file = journalDirectory / RestoreScript::fileName;
+    const AgentCapture capture{"org.example.sync", "/sync.plist", true, AgentOverride::absent};
+    const std::function<void()> changes[] = {
+        [&] { engine.apply(tweak("dock.size")); },
+        [&] {
+            engine.finishAgentChange(engine.beginAgentChange("org.example.sync", capture),
+                                     EntryStatus::applied, {});
+        },
+        [&] {
+            store.goWrong(Fault::ignores, "write");
+            engineFailure([&] { engine.apply(tweak("shot.jpg")); });
+            store.heal();
+        },
+        [&] {  // the outcome is not saved either
+            const FailingCall failing(journal.fileURL(), SystemCall::rename, EIO, 2);
+            engineFailure([&] { engine.apply(tweak("dock.autohide")); });
+        },
+    };
+    for (const auto& change : changes) {
+        const FailingCall failing(file, SystemCall::rename, ENOSPC);
+        change();
+        EXPECT_TRUE(failing.hasFailed());
+        EXPECT_EQ(script(), engine.restoreScriptText());
+        EXPECT_EQ(engine.untoldScriptTrouble(), std::nullopt);
+    }
+
+    engine.setAfterCaptureHook([&](const JournalEntry&) {
+        fs::remove(file);
+        engine.rewriteRestoreScript();  // in the middle of a change
+        EXPECT_EQ(script(), engine.restoreScriptText());
+        fs::remove(file);
+    });
+    engine.apply(tweak("finder.show_hidden"));
+    EXPECT_EQ(script(), engine.restoreScriptText());
+}
+
+TEST_F(TweakEngineTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhenItCanBe) {
+    const fs::path file = journalDirectory / RestoreScript::fileName;
+    const std::string trouble = "The restore script " + file.string() +
+                                " could not be written: " + systemMessage(EISDIR) +
+                                ". Until it can be, it does not undo every change.";
+    for (const char* id : {"dock.size", "dock.autohide"}) {
+        fs::remove(file);
+        fs::create_directories(file);  // in the way
+        const Uuid entry = engine.apply(tweak("finder.show_hidden")).id;
+        EXPECT_EQ(engine.untoldScriptTrouble(), trouble);
+        engine.apply(tweak(id));
+        EXPECT_EQ(engine.untoldScriptTrouble(), std::nullopt);
+        fs::remove(file);
+        const mode_t before = ::umask(0);
+        engine.restore(entry, false);
+        ::umask(before);
+        EXPECT_EQ(script(), engine.restoreScriptText());
+        EXPECT_EQ(fs::status(file).permissions() & fs::perms(0777), fs::perms(0644));
+    }
 }
 
 TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {

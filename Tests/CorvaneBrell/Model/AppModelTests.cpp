@@ -157,6 +157,16 @@ TEST_F(AppModelTest, RestoreAllShowsEveryKeyAndRestoresWhatWasTickedAndWhatDidNo
     EXPECT_EQ(model->changedTweaks(), Texts{"finder.path_bar"});
 }
 
+TEST_F(AppModelTest, AScriptThatCannotBeWrittenIsToldOnce) {
+    const auto model = openModel();
+    fs::create_directories(Journal::defaultDirectory(sample.home()) / "restore.sh");  // in the way
+    settled(*model)->apply("dock.autohide");
+    EXPECT_TRUE(model->state().errorMessage.value_or("").starts_with("The restore script "));
+    model->dismissError();
+    settled(*model)->apply("finder.show_hidden");
+    EXPECT_FALSE(model->state().errorMessage);
+}
+
 TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
     const auto model = openModel();
     settled(*model)->apply("dock.autohide");

@@ -1,0 +1,81 @@
+#include "BrellCore/Engine/RestoreScriptFile.h"
+
+#include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/SystemMessage.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+// Run with sh and perhaps copied, so that others may read it; nobody else may write it.
+constexpr unsigned permissions = 0644;
+
+// From the third line on: the second one tells the time.
+std::string withoutTime(const std::string& text) {
+    return text.substr(text.find('\n', text.find('\n') + 1));
+}
+
+std::optional<FileIdentity> identityIfKnown(const fs::path& file) try {
+    return identityOf(file);
+} catch (const ReadError&) {
+    return std::nullopt;
+}
+
+std::string reasonOf(const std::exception& error) {
+    if (const auto* replace = dynamic_cast<const ReplaceError*>(&error))
+        return systemMessage(replace->failure().code) + ".";
+    return error.what();
+}
+
+}  // namespace
+
+RestoreScriptFile::RestoreScriptFile(Journal& journal, std::optional<fs::path> file, Clock clock)
+    : journal_(journal), file_(std::move(file)), clock_(std::move(clock)) {}
+
+std::string RestoreScriptFile::text() {
+    return RestoreScript::render(journal_.active(), clock_());
+}
+
+bool RestoreScriptFile::keep() noexcept try {
+    const std::lock_guard lock(mutex_);
+    const bool wasWritten = file_ && keepLocked();
+    note(std::nullopt);
+    return wasWritten;
+} catch (const std::exception& error) {
+    note("The restore script " + file_->string() + " could not be written: " + reasonOf(error) +
+         " Until it can be, it does not undo every change.");
+    return false;
+}
+
+bool RestoreScriptFile::keepLocked() {
+    const std::string now = text();
+    std::string commands = withoutTime(now);
+    if (isWritten(commands)) return false;
+    written_ = std::nullopt;
+    replaceFile(*file_, now, Durability::powerCut, permissions);
+    if (const auto identity = identityIfKnown(*file_)) written_ = Written{std::move(commands), *identity};
+    return true;
+}
+
+// A file that somebody removed or replaced is not the one that was written.
+bool RestoreScriptFile::isWritten(const std::string& commands) const {
+    return written_ && written_->commands == commands && identityIfKnown(*file_) == written_->identity;
+}
+
+std::optional<std::string> RestoreScriptFile::untoldTrouble() {
+    const std::lock_guard lock(troubleMutex_);
+    if (isTold_) return std::nullopt;
+    isTold_ = trouble_.has_value();
+    return trouble_;
+}
+
+void RestoreScriptFile::note(std::optional<std::string> trouble) {
+    const std::lock_guard lock(troubleMutex_);
+    trouble_ = std::move(trouble);
+    if (!trouble_) isTold_ = false;
+}
+
+}  // namespace brell
