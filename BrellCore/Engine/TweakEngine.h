@@ -90,8 +90,9 @@ public:
     // Undoes whatever makes the tweak on: our entry, or values set before we came.
     JournalEntry turnOff(const Tweak& tweak, bool overridingDrift);
 
-    // Undo every active entry, newest first, those that drifted only when their id is confirmed. Failures are
-    // part of the outcome; EngineError only when the journal itself can't be used.
+    // Undo every active entry, newest first, those that drifted only when their id is confirmed. Failures of
+    // entries, and a lock that can't be had, are part of the outcome; EngineError when the journal can't be
+    // read.
     RestoreAllOutcome restoreAll(const std::set<Uuid>& confirmedDrift);
     // The same for these entries. goOn is asked on the calling thread before each; false ends it there.
     using Progress = std::function<bool(std::size_t done, std::size_t total)>;

@@ -7,9 +7,9 @@
 #include <algorithm>
 
 #include "BrellCore/Journal/HistoryText.h"
+#include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/JsonReader.h"
-#include "BrellCore/Support/UniqueFd.h"
 
 namespace fs = std::filesystem;
 
@@ -20,19 +20,11 @@ namespace {
 constexpr std::string_view extension = ".jsonl";
 constexpr std::size_t mostBytes = 256 * 1024 * 1024;  // of one day
 
+// Never through a link: somebody may have planted it under a name that is known in advance.
 UniqueFd openForAppending(const fs::path& file) {
-    // Never through a link: somebody may have planted it under a name that is known in advance.
-    const auto open = [&] {
-        return ::open(file.c_str(),
-                      O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
-    };
-    int descriptor = open();
-    if (descriptor < 0 && errno == ENOENT) {
-        std::error_code failed;
-        fs::create_directories(file.parent_path(), failed);
-        if (!failed) descriptor = open();
-    }
-    return UniqueFd(descriptor);
+    std::error_code ignored;
+    return openInFolder(file, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC,
+                        0600, ignored);
 }
 
 // A process that died while writing may have left a line without its end.

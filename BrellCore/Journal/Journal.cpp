@@ -50,12 +50,33 @@ std::optional<FileIdentity> identityOfSaved(const fs::path& file) try {
 // Saving replaces the file itself, not the link that leads to it.
 fs::path withoutLink(const fs::path& file) {
     std::error_code failed;
-    fs::path target = fs::is_symlink(file, failed) ? fs::canonical(file, failed) : fs::path();
-    return failed || target.empty() ? file : target;
+    const fs::file_type type = fs::symlink_status(file, failed).type();
+    if (type == fs::file_type::none) throw cannotWrite(file.string() + ": " + failed.message());
+    if (type != fs::file_type::symlink) return file;
+    fs::path target = fs::canonical(file, failed);
+    if (failed) throw cannotWrite(file.string() + ": it is a link to a file that is not there");
+    return target;
 }
 
-void checkExcludes(const FileLock& lock) try {
-    if (!lock.stillExcludes()) throw cannotWrite("its lock file was removed meanwhile");
+// Beside the file itself: the same one whichever link leads there.
+fs::path lockFile(const fs::path& journal) {
+    return withoutLink(journal).parent_path() / ".journal.lock";
+}
+
+// Of each tweak while nothing kept others away: an entry that is not known yet is refused beside theirs.
+void checkOnlyOne(const JournalEntry& saved, const std::vector<JournalEntry>& entries) {
+    bool othersAreActive = false;
+    for (const JournalEntry& entry : entries) {
+        if (entry.id == saved.id) return;
+        if (entry.isActive() && entry.tweakID == saved.tweakID) othersAreActive = true;
+    }
+    if (othersAreActive) throw cannotWrite("another Brell has changed " + saved.tweakID + " meanwhile");
+}
+
+// What the action gives; whatever keeps it from that keeps the journal from being written.
+template <class Action>
+auto asCannotWrite(Action&& action) try {
+    return action();
 } catch (const JournalError&) {
     throw;
 } catch (const std::runtime_error& error) {
@@ -85,11 +106,7 @@ std::unique_ptr<Journal> Journal::open(const fs::path& directory, Clock clock, J
 }
 
 Journal::Journal(const fs::path& file, fs::path historyDirectory, Clock clock, JournalUse use)
-    : directory_(file.parent_path()),
-      file_(withoutLink(file)),
-      historyDirectory_(std::move(historyDirectory)),
-      clock_(std::move(clock)),
-      use_(use) {
+    : file_(file), historyDirectory_(std::move(historyDirectory)), clock_(std::move(clock)), use_(use) {
     refreshLocked();
     checkUse();
 }
@@ -148,22 +165,36 @@ std::optional<JournalEntry> Journal::activeEntry(std::string_view tweakID) {
     return std::nullopt;
 }
 
-Journal::Exclusive Journal::exclusive() try {
-    auto lock = FileLock::acquire(file_.parent_path() / ".journal.lock", patience);
-    if (!lock)
-        throw JournalError({Kind::isBusy, fmt::format("another Brell has been busy with it for {} seconds",
-                                                      patience.count())});
-    return Exclusive(std::move(*lock));
-} catch (const JournalError&) {
-    throw;
-} catch (const std::runtime_error& error) {
-    throw cannotWrite(error.what());
+Journal::Exclusive Journal::exclusive() {
+    return Exclusive(asCannotWrite([this] { return takenLock(); }));
 }
 
-void Journal::upsert(const JournalEntry& entry, const Exclusive& held) {
+FileLock Journal::takenLock() const {
+    auto lock = FileLock::acquire(lockFile(file_), patience);
+    if (!lock)
+        throw JournalError({Kind::isBusy, fmt::format("another change has been under way for {} seconds",
+                                                      patience.count())});
+    return *std::move(lock);
+}
+
+bool Journal::isLost(const Exclusive& held) const {
+    return asCannotWrite([&] { return held.lock_.file() != lockFile(file_) || !held.lock_.stillExcludes(); });
+}
+
+void Journal::upsert(const JournalEntry& entry, const Exclusive& held) try {
+    save(entry, held);
+} catch (const JournalError&) {
+    if (!isLost(held)) throw;
+    save(entry, held);  // its folder was removed in the middle of it
+}
+
+void Journal::save(const JournalEntry& entry, const Exclusive& held) {
+    const bool wasLost = isLost(held);
+    // Before the mutex, which a holder of that lock may want.
+    if (wasLost) held.lock_ = asCannotWrite([this] { return takenLock(); });
     const std::lock_guard lock(mutex_);
-    checkExcludes(held.lock_);
     refreshLocked();
+    if (wasLost) checkOnlyOne(entry, text_.entries());
     saveLocked(entry);
     appendHistoryLine(historyDirectory_, clock_(), entry);
 }
@@ -176,10 +207,10 @@ std::vector<HistoryLine> Journal::history(std::optional<int> days) const {
 
 // At every look at another file, too: one that was begun meanwhile may be for the other use.
 void Journal::checkUse() const {
-    const bool isMarked = isMarkedForDryRun(directory_);
+    const bool isMarked = isMarkedForDryRun(file_.parent_path());
     std::error_code unknown;
     if (use_ == JournalUse::changes && isMarked)
-        throw cannotRead((directory_ / dryRunMarkerName).string() +
+        throw cannotRead((file_.parent_path() / dryRunMarkerName).string() +
                          " says that it is a dry run's, whose changes were never made");
     if (use_ == JournalUse::dryRun && !isMarked && fs::exists(file_, unknown))
         throw cannotRead(file_.string() + ": it holds changes that were made, which a dry run leaves alone");
@@ -194,7 +225,9 @@ void Journal::refreshLocked() try {
     auto read = readFile(file_, mostBytes, simdjson::SIMDJSON_PADDING);
     if (!read) return;
     try {
-        text_ = JournalText::read(std::move(read->bytes));
+        JournalText text = JournalText::read(std::move(read->bytes));
+        text.keepActiveOf(text_);
+        text_ = std::move(text);
         identity_ = read->identity;
     } catch (const JournalError&) {
         throw;
@@ -207,9 +240,10 @@ void Journal::refreshLocked() try {
 
 void Journal::saveLocked(const JournalEntry& entry) try {
     checkUse();
-    if (use_ == JournalUse::dryRun && !isMarkedForDryRun(directory_)) markForDryRun(directory_);
+    if (use_ == JournalUse::dryRun && !isMarkedForDryRun(file_.parent_path()))
+        markForDryRun(file_.parent_path());
     JournalText::Change change = text_.changed(entry);
-    replaceFile(file_, change.text, Durability::powerCut);
+    replaceFile(withoutLink(file_), change.text, Durability::powerCut);
     text_.take(std::move(change));
     identity_ = identityOfSaved(file_);
 } catch (const JsonWriteError& error) {

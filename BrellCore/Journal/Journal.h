@@ -27,14 +27,18 @@ enum class JournalUse { changes, dryRun };
 // thread may call it. Every operation first reads the file again when it is no longer the one last read or
 // written, and raises JournalError (cannotRead) when that fails; the list and the file then stay as they are.
 //
+// A journal that is removed, alone or with its folder, is not forgotten here: the list stays and is saved
+// whole with the next entry. To one that others began anew the active entries are added that it does not
+// know.
+//
 // Order of locks: the engine's mutex, then the advisory lock (Exclusive), then this object's own mutex.
 class Journal {
 public:
-    // While it lives no other process and no other thread can save an entry.
+    // While it lives no other process and no other thread can save an entry. For one thread at a time.
     class Exclusive {
         friend class Journal;
         explicit Exclusive(FileLock lock) : lock_(std::move(lock)) {}
-        FileLock lock_;
+        mutable FileLock lock_;  // taken anew when its file was removed
     };
 
     // "Library/Application Support/Corvane Brell" in this home folder. Creates nothing.
@@ -45,9 +49,9 @@ public:
     static bool isMarkedForDryRun(const std::filesystem::path& directory);
     static void markForDryRun(const std::filesystem::path& directory);  // raises ReplaceError
 
-    // The journal of this directory: its file and the folder "history" in it. Creates nothing. Raises
-    // JournalError (cannotRead) for a file that is damaged, of a newer format or for the other use; so does
-    // each operation that finds such a file there later.
+    // The journal of this directory: its file, which may be a link, and the folder "history" in it. Creates
+    // nothing. Raises JournalError (cannotRead) for a file that is damaged, of a newer format or for the
+    // other use; so does each operation that finds such a file there later.
     static std::unique_ptr<Journal> open(const std::filesystem::path& directory, Clock clock = systemNow,
                                          JournalUse use = JournalUse::changes);
     Journal(const std::filesystem::path& file, std::filesystem::path historyDirectory,
@@ -70,7 +74,9 @@ public:
 
     // Saves a new entry or, in its place, a changed one: on stable storage when the call returns. Raises
     // JournalError (cannotWrite) when it can't; the list and the file then hold what they held before. The
-    // history line is written on the way, if it can be.
+    // history line is written on the way, if it can be. A lock that excludes nobody any more, because its
+    // file was removed, is taken anew first; a new entry of a tweak that others changed meanwhile is refused
+    // then.
     void upsert(const JournalEntry& entry) { upsert(entry, exclusive()); }
     void upsert(const JournalEntry& entry, const Exclusive& held);
 
@@ -79,11 +85,13 @@ public:
 
 private:
     void checkUse() const;
+    FileLock takenLock() const;
+    bool isLost(const Exclusive& held) const;
+    void save(const JournalEntry& entry, const Exclusive& held);
     void refreshLocked();
     void saveLocked(const JournalEntry& entry);
 
-    const std::filesystem::path directory_;  // of the file, or of the link to it
-    const std::filesystem::path file_;
+    const std::filesystem::path file_;  // or a link to it
     const std::filesystem::path historyDirectory_;
     const Clock clock_;
     const JournalUse use_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -75,23 +76,35 @@ std::string_view JournalText::textOf(std::size_t index) const {
     return std::string_view(text_).substr(spans_[index].begin, spans_[index].length);
 }
 
+// Puts the texts of entries together to a whole file.
+class JournalText::Composer {
+public:
+    Composer(std::size_t entries, std::size_t bytes) {
+        text.reserve(bytes + 256);
+        spans.reserve(entries);
+    }
+    void add(std::string_view entry) {
+        text += spans.empty() ? beforeEntries : betweenEntries;
+        spans.push_back({text.size(), entry.size()});
+        text += entry;
+    }
+    void end() { text += afterEntries; }
+
+    std::string text;
+    std::vector<Span> spans;
+};
+
 // Only the changed entry is encoded.
 JournalText::Change JournalText::changed(const JournalEntry& entry) const {
     const auto place = std::find_if(entries_.begin(), entries_.end(),
                                     [&](const JournalEntry& known) { return known.id == entry.id; });
-    Change change{{}, {}, static_cast<std::size_t>(place - entries_.begin()), entry};
+    const auto index = static_cast<std::size_t>(place - entries_.begin());
     const std::string own = encoded(entry);
-    change.text.reserve(text_.size() + own.size() + 256);
-    change.spans.reserve(spans_.size() + 1);
-    change.text += beforeEntries;
-    for (std::size_t i = 0; i < std::max(spans_.size(), change.index + 1); ++i) {
-        if (i > 0) change.text += betweenEntries;
-        const std::size_t begin = change.text.size();
-        change.text += i == change.index ? std::string_view(own) : textOf(i);
-        change.spans.push_back({begin, change.text.size() - begin});
-    }
-    change.text += afterEntries;
-    return change;
+    Composer whole(spans_.size() + 1, text_.size() + own.size());
+    for (std::size_t i = 0; i < std::max(spans_.size(), index + 1); ++i)
+        whole.add(i == index ? std::string_view(own) : textOf(i));
+    whole.end();
+    return {std::move(whole.text), std::move(whole.spans), index, entry};
 }
 
 void JournalText::take(Change change) {
@@ -101,6 +114,29 @@ void JournalText::take(Change change) {
         entries_[change.index] = std::move(change.entry);
     spans_ = std::move(change.spans);
     text_ = std::move(change.text);
+}
+
+void JournalText::keepActiveOf(const JournalText& older) {
+    std::set<Uuid> known;
+    std::vector<std::size_t> unknown;
+    for (std::size_t i = 0; i < older.entries_.size(); ++i) {
+        const JournalEntry& entry = older.entries_[i];
+        // A journal that only grew has each entry in its place.
+        if (!entry.isActive() || (i < entries_.size() && entries_[i].id == entry.id)) continue;
+        if (known.empty())
+            for (const JournalEntry& here : entries_) known.insert(here.id);
+        if (!known.contains(entry.id)) unknown.push_back(i);
+    }
+    if (unknown.empty()) return;
+    Composer whole(spans_.size() + unknown.size(), text_.size() + older.text_.size());
+    for (std::size_t i = 0; i < spans_.size(); ++i) whole.add(textOf(i));
+    for (const std::size_t i : unknown) {
+        whole.add(older.textOf(i));
+        entries_.push_back(older.entries_[i]);
+    }
+    whole.end();
+    text_ = std::move(whole.text);
+    spans_ = std::move(whole.spans);
 }
 
 void JournalText::parse() {

@@ -17,6 +17,7 @@ class JournalText {
         std::size_t begin;
         std::size_t length;
     };
+    class Composer;
 
 public:
     static constexpr std::int64_t formatVersion = 1;  // written, and the highest that is read
@@ -42,6 +43,9 @@ public:
     Change changed(const JournalEntry& entry) const;
     // Of a change of this very text.
     void take(Change change);
+
+    // Adds those entries of an older text that are active and not known here, as they stand there.
+    void keepActiveOf(const JournalText& older);
 
 private:
     void parse();

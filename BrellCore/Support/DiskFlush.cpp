@@ -64,4 +64,18 @@ std::error_code createFolders(const fs::path& folder) {
                                              : std::make_error_code(std::errc::not_a_directory);
 }
 
+UniqueFd openInFolder(const fs::path& file, int flags, unsigned permissions, std::error_code& noFolder) {
+    constexpr int mostAttempts = 5;  // a folder just made may be removed at once
+    for (int attempt = 1;; ++attempt) {
+        int descriptor;
+        do {
+            descriptor = ::open(file.c_str(), flags, permissions);
+        } while (descriptor < 0 && errno == EINTR);
+        if (descriptor >= 0) return UniqueFd(descriptor);
+        if ((errno != ENOENT && errno != ENOTDIR) || attempt == mostAttempts) return UniqueFd();
+        noFolder = createFolders(file.parent_path());
+        if (noFolder) return UniqueFd();
+    }
+}
+
 }  // namespace brell

@@ -26,4 +26,10 @@ void flushFolder(const std::filesystem::path& folder);
 // Gives why it could not be made.
 std::error_code createFolders(const std::filesystem::path& folder);
 
+// Opens a file below an absolute path as ::open does, makes the folders above it where they are missing, and
+// asks again when a signal came between. An empty result leaves errno; noFolder then says why a folder could
+// not be made, if that was it.
+UniqueFd openInFolder(const std::filesystem::path& file, int flags, unsigned permissions,
+                      std::error_code& noFolder);
+
 }  // namespace brell

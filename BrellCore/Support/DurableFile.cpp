@@ -30,14 +30,6 @@ private:
     bool dismissed_ = false;
 };
 
-UniqueFd createFile(const fs::path& file, unsigned permissions) {
-    int descriptor;
-    do {
-        descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
-    } while (descriptor < 0 && errno == EINTR);
-    return UniqueFd(descriptor);
-}
-
 bool writeAll(const UniqueFd& file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
@@ -80,12 +72,9 @@ void replaceFile(const fs::path& target, std::string_view contents, Durability d
         return ReplaceError({step, path, code});
     };
 
-    UniqueFd file = createFile(temporary, permissions);
-    if (!file && (errno == ENOENT || errno == ENOTDIR)) {
-        if (const std::error_code failed = createFolders(folder))
-            throw ReplaceError({ReplaceStep::createFolder, folder, failed.value()});
-        file = createFile(temporary, permissions);
-    }
+    std::error_code noFolder;
+    UniqueFd file = openInFolder(temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions, noFolder);
+    if (noFolder) throw ReplaceError({ReplaceStep::createFolder, folder, noFolder.value()});
     if (!file) throw failedAt(ReplaceStep::create, temporary);
     RemoveOnExit leftover(temporary);
 

@@ -37,22 +37,12 @@ std::runtime_error notOrdinary(const fs::path& file) {
 }
 
 UniqueFd openLockFile(const fs::path& file) {
-    const auto open = [&] {
-        int opened;
-        do {
-            opened =
-                ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
-        } while (opened < 0 && errno == EINTR);
-        return opened;
-    };
-    int descriptor = open();
-    if (descriptor < 0 && errno == ENOENT) {
-        if (const std::error_code failed = createFolders(file.parent_path()))
-            throw std::system_error(failed, file.parent_path().string());
-        descriptor = open();
-    }
-    if (descriptor < 0) throwWhyNotOpened(file);
-    return UniqueFd(descriptor);
+    std::error_code noFolder;
+    UniqueFd opened =
+        openInFolder(file, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600, noFolder);
+    if (noFolder) throw std::system_error(noFolder, file.parent_path().string());
+    if (!opened) throwWhyNotOpened(file);
+    return opened;
 }
 
 // False when somebody removed the file after it was opened: a lock on it would exclude nobody. Throws when

@@ -19,6 +19,8 @@ public:
     static std::optional<FileLock> acquire(const std::filesystem::path& file,
                                            std::chrono::milliseconds patience);
 
+    const std::filesystem::path& file() const { return path_; }
+
     // False when somebody removed the file since: another one may be locked in its place. Throws
     // std::runtime_error when the system can't say.
     bool stillExcludes() const;

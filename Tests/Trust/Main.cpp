@@ -32,6 +32,7 @@ struct Kind {
 constexpr std::array kinds{Kind{"crashes", "crash points", tryCrashes},
                            Kind{"power-cuts", "power-cut states", tryPowerCuts},
                            Kind{"file-faults", "file faults", tryFileFaults},
+                           Kind{"removals", "removals of the journal", tryRemovals},
                            Kind{"command-faults", "command faults", tryCommandFaults}};
 
 // The one kind that is no matter of points.

@@ -32,6 +32,7 @@ std::size_t callsOf(const Stage& stage, const Scene& scene);
 void tryCrashes(const Stage& stage, const Scene& scene, Share& share, const Report& report);
 void tryPowerCuts(const Stage& stage, const Scene& scene, Share& share, const Report& report);
 void tryFileFaults(const Stage& stage, const Scene& scene, Share& share, const Report& report);
+void tryRemovals(const Stage& stage, const Scene& scene, Share& share, const Report& report);
 void tryCommandFaults(const Stage& stage, const Scene& scene, Share& share, const Report& report);
 
 }  // namespace brell::trust

@@ -346,6 +346,20 @@ TEST_F(TweakEngineTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhenItCanB
     }
 }
 
+TEST_F(TweakEngineTest, AJournalThatIsRemovedUnderAChangeKeepsItOnRecord) {
+    engine.setAfterCaptureHook([&](const JournalEntry&) { fs::remove_all(journalDirectory); });
+    const JournalEntry first = engine.apply(tweak("dock.size")),
+                       second = engine.apply(tweak("dock.autohide"));
+    EXPECT_EQ(anotherRun().journal->all(), (std::vector{first, second}));
+    EXPECT_EQ(script(), engine.restoreScriptText());
+    const auto removeLock = [&](std::size_t, std::size_t) {
+        return fs::remove(journalDirectory / ".journal.lock");
+    };
+    EXPECT_EQ(engine.restoreSelected({first.id, second.id}, {}, removeLock).restored,
+              (std::vector{first.id, second.id}));
+    EXPECT_EQ(files.snapshot(), original);
+}
+
 TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
     if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
     const JournalFailure unsaved{JournalFailure::Kind::cannotWrite, "rename failed: Input/output error"};

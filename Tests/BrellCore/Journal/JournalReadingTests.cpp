@@ -138,9 +138,26 @@ TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
     const fs::path real = folder.path / "elsewhere" / "journal.json";
     setContents(real, sample);
     fs::create_symlink(real, file);
-    Journal::open(folder.path)->upsert(sampleEntries()[1]);
+    const auto journal = Journal::open(folder.path);
+    journal->upsert(sampleEntries()[1]);
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(contentsOf(real), sample);
+
+    // Moved elsewhere, and a link left in its place, while it is open.
+    const Journal::Exclusive held = journal->exclusive();
+    const fs::path moved = folder.path / "moved" / "changes.json";
+    fs::create_directory(moved.parent_path());
+    fs::rename(real, moved);
+    fs::remove(file);
+    fs::create_symlink(moved, file);
+    const JournalEntry more = entryFor("more");
+    journal->upsert(more, held);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(Journal::open(folder.path)->all().back(), more);
+    EXPECT_EQ(namesIn(moved.parent_path()), (Names{".journal.lock", "changes.json"}));
+    fs::rename(moved, real);
+    fs::remove(file);
+    fs::create_symlink(real, file);
 
     fs::remove(real);
     EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
@@ -149,8 +166,7 @@ TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
 
     if (!systemCallsAreWatched()) return;
     fs::remove(file);
-    const FailingCall failing(folder.path, SystemCall::lstat, EIO,
-                              2);  // the first is asked in search of a link
+    const FailingCall failing(folder.path, SystemCall::lstat, EIO);  // asked in search of a link
     EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
               "The change journal could not be read: " + file.string() + ": Input/output error.");
 }

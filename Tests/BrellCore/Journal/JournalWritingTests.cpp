@@ -188,7 +188,8 @@ TEST_F(JournalWritingTest, FollowsTheFileOfOthersAndOutlivesItsLoss) {
     EXPECT_TRUE(thrownBy<JournalError>([&] { mine->activeEntry("a"); }));
     EXPECT_EQ(contentsOf(file), "damaged");
     setContents(file, sampleFile("journal-format-1.json"));
-    EXPECT_EQ(mine->all(), sampleEntries());
+    EXPECT_EQ(opened()->all(), sampleEntries());
+    EXPECT_EQ(mine->active().size(), 4u) << "with those that were active";
 }
 
 TEST_F(JournalWritingTest, ADryRunAndARealRunNeverShareAFolderEvenWhenBothHaveItOpen) {
@@ -214,13 +215,63 @@ TEST_F(JournalWritingTest, ADryRunAndARealRunNeverShareAFolderEvenWhenBothHaveIt
     EXPECT_TRUE(thrownBy<JournalError>([&] { Journal::open(folder.path / "dry"); }));
 }
 
-TEST_F(JournalWritingTest, ALockWhoseFileWasRemovedSavesNothing) {
-    const auto journal = Journal::open(folder.path);
-    const Journal::Exclusive held = journal->exclusive();
-    fs::remove(folder.path / ".journal.lock");
-    EXPECT_EQ(failureOf<JournalError>([&] { journal->upsert(sampleEntries()[0], held); }),
-              (JournalFailure{JournalFailure::Kind::cannotWrite, "its lock file was removed meanwhile"}));
-    EXPECT_FALSE(fs::exists(journal->fileURL()));
+TEST_F(JournalWritingTest, AJournalThatIsRemovedUnderAChangeIsMadeAnew) {
+    const auto mine = opened();
+    JournalEntry entry = entryFor("a");
+    mine->upsert(entryFor("before"));
+    for (const fs::path& lost : {directory / ".journal.lock", directory}) {
+        const Journal::Exclusive held = mine->exclusive();
+        entry.id = Uuid::random();
+        mine->upsert(entry, held);
+        fs::remove_all(lost);
+        entry.status = EntryStatus::failed;
+        mine->upsert(entry, held);
+        EXPECT_EQ(opened()->all(), mine->all());
+        EXPECT_EQ(mine->entry(entry.id), entry);
+        EXPECT_FALSE(FileLock::acquire(directory / ".journal.lock", std::chrono::milliseconds(0)));
+
+        // A new entry beside one that others made meanwhile is refused; the outcome of an older one is not.
+        const JournalEntry theirs = entryFor("b"), late = entryFor("b");
+        fs::remove_all(lost);
+        opened()->upsert(theirs);
+        EXPECT_EQ(
+            failureOf<JournalError>([&] { mine->upsert(late, held); }),
+            (JournalFailure{JournalFailure::Kind::cannotWrite, "another Brell has changed b meanwhile"}));
+        EXPECT_EQ(mine->entry(late.id), std::nullopt);
+        JournalEntry ended = theirs;
+        ended.status = EntryStatus::restored;
+        mine->upsert(ended, held);
+    }
+    if (!systemCallsAreWatched()) return;
+    const struct Removing final : CallObserver {
+        explicit Removing(const fs::path& at) : CallObserver(at), folder(at) { start(); }
+        ~Removing() override { stop(); }
+        int sees(SystemCall call, const std::string&) override {
+            if (call == SystemCall::rename && !std::exchange(isDone, true)) fs::remove_all(folder);
+            return 0;
+        }
+        const fs::path folder;
+        bool isDone = false;
+    } inTheMiddle(directory);
+    mine->upsert(entry);
+    EXPECT_EQ(opened()->entry(entry.id), entry);
+}
+
+TEST_F(JournalWritingTest, WhatOthersBeginAnewGetsTheActiveEntriesThatItDoesNotKnow) {
+    const auto mine = opened();
+    JournalEntry ended = entryFor("ended"), known = entryFor("known");
+    const JournalEntry kept = entryFor("kept"), theirs = entryFor("kept");
+    ended.status = EntryStatus::restored;
+    for (const JournalEntry& entry : {ended, known, kept}) mine->upsert(entry);
+    fs::remove(file);
+    known.status = EntryStatus::restored;
+    for (const JournalEntry& entry : {theirs, known}) opened()->upsert(entry);
+    EXPECT_EQ(mine->all(), (Entries{theirs, known, kept}));
+    EXPECT_EQ(mine->active(), (Entries{theirs, kept}));
+    EXPECT_EQ(opened()->all(), (Entries{theirs, known})) << "reading writes nothing";
+    const JournalEntry next = entryFor("next");
+    mine->upsert(next);
+    EXPECT_EQ(opened()->all(), (Entries{theirs, known, kept, next}));
 }
 
 }  // namespace brell
