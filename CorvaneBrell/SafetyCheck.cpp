@@ -34,13 +34,6 @@ std::optional<std::string> warningAboutPreferences(const fs::path& file, uid_t u
     return std::nullopt;
 }
 
-// Where others can replace what they did not make.
-bool isOpenToAll(const fs::path& folder) {
-    struct stat status;
-    return ::stat(folder.c_str(), &status) == 0 && (status.st_mode & S_IWOTH) != 0 &&
-           (status.st_mode & S_ISVTX) == 0;
-}
-
 // The folder itself, or the nearest one above it, at whose name anything stands.
 fs::path nearestThere(const fs::path& folder) {
     return statusOf(folder) || !folder.has_relative_path() ? folder : nearestThere(folder.parent_path());
@@ -70,10 +63,6 @@ std::vector<std::string> safetyWarnings(const Machine& machine, uid_t user) {
         warnings.push_back("The journal folder " + machine.journalDirectory.string() +
                            " cannot be written, so that nothing can be changed: " + systemMessage(obstacle) +
                            ".");
-    if (isOpenToAll(machine.journalDirectory))
-        warnings.push_back("The journal folder " + machine.journalDirectory.string() +
-                           " can be written by every user of this Mac, so that others could choose what an "
-                           "undo puts back.");
     return warnings;
 }
 

@@ -9,6 +9,7 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/JsonWriter.h"
+#include "BrellCore/Support/Ownership.h"
 
 namespace fs = std::filesystem;
 
@@ -63,6 +64,25 @@ fs::path lockFile(const fs::path& journal) {
     return withoutLink(journal).parent_path() / ".journal.lock";
 }
 
+// Why the journal may say what others want: for its folder, its file, or where that is a link the file it
+// leads to and the folder of that.
+std::optional<std::string> whyNotTrusted(const fs::path& journal) {
+    std::error_code unknown;
+    const fs::path real = fs::is_symlink(journal, unknown) ? fs::canonical(journal, unknown) : journal;
+    std::vector<fs::path> places{journal.parent_path(), real};
+    if (real != journal) places.push_back(real.parent_path());
+    for (const fs::path& place : places)
+        if (auto reason = whyNotOnlyOurs(place))
+            return *reason + ", so that others could choose what an undo puts back";
+    return std::nullopt;
+}
+
+void checkTrusted(const fs::path& journal) try {
+    if (auto reason = whyNotTrusted(journal)) throw cannotRead(*std::move(reason));
+} catch (const std::system_error& error) {
+    throw cannotRead(error.what());
+}
+
 // Of each tweak while nothing kept others away: an entry that is not known yet is refused beside theirs.
 void checkOnlyOne(const JournalEntry& saved, const std::vector<JournalEntry>& entries) {
     bool othersAreActive = false;
@@ -107,6 +127,7 @@ std::unique_ptr<Journal> Journal::open(const fs::path& directory, Clock clock, J
 
 Journal::Journal(const fs::path& file, fs::path historyDirectory, Clock clock, JournalUse use)
     : file_(file), historyDirectory_(std::move(historyDirectory)), clock_(std::move(clock)), use_(use) {
+    checkTrusted(file_);
     refreshLocked();
     checkUse();
 }
@@ -170,6 +191,7 @@ Journal::Exclusive Journal::exclusive() {
 }
 
 FileLock Journal::takenLock() const {
+    if (auto reason = whyNotTrusted(file_)) throw cannotWrite(*std::move(reason));
     auto lock = FileLock::acquire(lockFile(file_), patience);
     if (!lock)
         throw JournalError({Kind::isBusy, fmt::format("another change has been under way for {} seconds",

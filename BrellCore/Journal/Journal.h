@@ -51,7 +51,8 @@ public:
 
     // The journal of this directory: its file, which may be a link, and the folder "history" in it. Creates
     // nothing. Raises JournalError (cannotRead) for a file that is damaged, of a newer format or for the
-    // other use; so does each operation that finds such a file there later.
+    // other use, as does each operation that finds such a file there later, and for one that others could
+    // have written.
     static std::unique_ptr<Journal> open(const std::filesystem::path& directory, Clock clock = systemNow,
                                          JournalUse use = JournalUse::changes);
     Journal(const std::filesystem::path& file, std::filesystem::path historyDirectory,
@@ -69,7 +70,7 @@ public:
     std::optional<JournalEntry> activeEntry(std::string_view tweakID);
 
     // Waits for other holders, half a minute at most; then JournalError (isBusy), and (cannotWrite) when the
-    // lock can't be taken. Not re-entrant.
+    // lock can't be taken or others could write the journal. Not re-entrant.
     Exclusive exclusive();
 
     // Saves a new entry or, in its place, a changed one: on stable storage when the call returns. Raises

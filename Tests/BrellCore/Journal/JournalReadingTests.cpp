@@ -1,5 +1,6 @@
 // What a journal file may hold, and what is refused.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "BrellCore/Journal/Journal.h"
 #include "Tests/BrellCore/Journal/SampleEntries.h"
@@ -166,9 +167,41 @@ TEST_F(JournalReadingTest, ALinkIsFollowedAndNeverReplacedOrTakenForNothing) {
 
     if (!systemCallsAreWatched()) return;
     fs::remove(file);
-    const FailingCall failing(folder.path, SystemCall::lstat, EIO);  // asked in search of a link
+    const FailingCall failing(folder.path, SystemCall::lstat, EIO,
+                              2);  // the first is asked in search of a link
     EXPECT_EQ(messageOf([&] { Journal::open(folder.path); }),
               "The change journal could not be read: " + file.string() + ": Input/output error.");
+}
+
+TEST_F(JournalReadingTest, WhatOthersCouldHaveWrittenIsRefused) {
+    const fs::path real = folder.path / "real" / "journal.json";
+    setContents(real, sample);
+    fs::create_symlink(real, file);
+    const auto journal = Journal::open(folder.path);
+    const auto isRefused = [&](const fs::path& path, const std::string& why) {
+        const std::string reason =
+            path.string() + why + ", so that others could choose what an undo puts back";
+        EXPECT_EQ(failureOf<JournalError>([&] { Journal::open(folder.path); }),
+                  (JournalFailure{JournalFailure::Kind::cannotRead, reason}));
+        EXPECT_EQ(failureOf<JournalError>([&] { journal->exclusive(); }),
+                  (JournalFailure{JournalFailure::Kind::cannotWrite, reason}));
+        EXPECT_EQ(namesIn(real.parent_path()), Names{"journal.json"});
+    };
+    for (const fs::path& path : {folder.path, real, real.parent_path()}) {
+        const fs::perms before = fs::status(path).permissions();
+        for (const fs::perms perms :
+             {before | fs::perms::others_write, before | fs::perms::others_write | fs::perms::sticky_bit}) {
+            fs::permissions(path, perms);
+            isRefused(path, " can be written by every user of this Mac");
+        }
+        fs::permissions(path, before | fs::perms::group_write);
+        if (::geteuid() != 0) continue;  // else nothing can be given away
+        ASSERT_EQ(::chown(path.c_str(), 501, 20), 0);
+        isRefused(path, " belongs to another user");
+        ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
+    }
+    journal->upsert(sampleEntries()[1]);  // a group may write it
+    EXPECT_EQ(contentsOf(real), sample);
 }
 
 TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {

@@ -1,5 +1,7 @@
 // Saving entries: on disk or not at all, and side by side with others.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
 #include <cmath>
 
 #include "BrellCore/Journal/Journal.h"
@@ -44,7 +46,11 @@ TEST_F(JournalWritingTest, NothingIsMadeBeforeTheFirstEntry) {
     EXPECT_FALSE(fs::exists(directory));
 
     const JournalEntry entry = entryFor("a");
+    const mode_t before = ::umask(0);
     journal->upsert(entry);
+    ::umask(before);
+    for (const fs::path& made : {directory.parent_path(), directory, directory / "history"})
+        EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all) << made;
     EXPECT_EQ(namesIn(directory), (Names{".journal.lock", "history", "journal.json"}));
     EXPECT_EQ(opened()->all(), Entries{entry});
     EXPECT_EQ(opened()->history().size(), 1u);
@@ -110,7 +116,7 @@ TEST_F(JournalWritingTest, OnceTheFileIsInPlaceTheEntryIsSaved) {
     EXPECT_EQ(journal->history(), std::vector<HistoryLine>());
 
     if (!systemCallsAreWatched()) return;
-    const FailingCall failing(file, SystemCall::stat, EIO, 2);  // the look at the new file
+    const FailingCall failing(file, SystemCall::stat, EIO, 3);  // the look at the new file
     journal->upsert(entryFor("c"));
     EXPECT_TRUE(failing.hasFailed());
     EXPECT_EQ(journal->all().size(), 3u);

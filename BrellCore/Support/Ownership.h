@@ -1,0 +1,19 @@
+// Whether others than this user could have written what a file holds.
+#pragma once
+
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace brell {
+
+// Why what stands at this path, links followed, may be another user's work: "/journal can be written by every
+// user of this Mac"; no final stop. Nothing when it belongs to this user or to root and not everybody may
+// write it, and when nothing stands there. A group may write it: many systems give each user a group of their
+// own. Raises std::system_error when the system can't say.
+std::optional<std::string> whyNotOnlyOurs(const std::filesystem::path& path, uid_t user = ::geteuid());
+
+}  // namespace brell
