@@ -79,10 +79,10 @@ JournalEntry TweakEngine::turnOff(const Tweak& tweak, bool overridingDrift) {
             if (const auto entry = activeEntryOf(state)) return entry;
             if (!std::holds_alternative<SetBeforeBrell>(state))
                 throw refused(std::visit(TurnOffRefusal{tweak}, state));
-            captureOriginals(tweak, removed);
             return std::nullopt;  // set before us: the keys are removed
         };
-        entryToRestore();  // before the lock's file is made, so that a refusal leaves nothing behind
+        // Before the lock's file is made, so that a refusal leaves nothing behind.
+        if (!entryToRestore()) checkChange(tweak, removed);
         const Journal::Exclusive held = journal_.exclusive();
         // Again: what was on may have been put back by somebody else, who is not to lose what is there now.
         if (const auto entry = entryToRestore()) return restoreOne(*entry, overridingDrift, held);
@@ -132,7 +132,7 @@ JournalEntry TweakEngine::change(const Tweak& tweak, EntryDirection direction, c
                                  std::optional<std::string> choiceID) {
     const std::lock_guard lock(mutex_);
     return asEngineErrors([&] {
-        captureOriginals(tweak, values);  // before the lock's file is made, so that a refusal leaves nothing
+        checkChange(tweak, values);  // before the lock's file is made, so that a refusal leaves nothing
         return changeLocked(tweak, direction, values, std::move(choiceID), journal_.exclusive());
     });
 }
@@ -186,6 +186,12 @@ JournalEntry TweakEngine::newEntry(std::string tweakID, EntryKind kind, EntryDir
     return entry;
 }
 
+// Everything that would be refused under the lock, and what could not be saved. The journal itself refuses
+// what became so since.
+void TweakEngine::checkChange(const Tweak& tweak, const Values& values) {
+    for (const JournaledWrite& write : captureOriginals(tweak, values)) checkCanBeSaved(write);
+}
+
 // Refuses what may not be changed; otherwise what each key holds now and what it is to hold.
 std::vector<JournaledWrite> TweakEngine::captureOriginals(const Tweak& tweak, const Values& values) {
     if (!tweak.isAvailable(settings_.macOSMajor))
@@ -202,7 +208,6 @@ std::vector<JournaledWrite> TweakEngine::captureOriginals(const Tweak& tweak, co
         if (store_.isForced(key))
             throw refused(key.rendered() + " is managed by a profile; a change would have no effect.");
         writes.push_back({key, store_.exactValue(key), values[i]});
-        checkCanBeSaved(writes.back());
     }
     return writes;
 }

@@ -133,6 +133,7 @@ private:
     void saveApplied(const JournalEntry& entry, const Journal::Exclusive& held);
     std::string subjectOf(const JournalEntry& entry) const;
     JournalEntry newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const;
+    void checkChange(const Tweak& tweak, const Values& values);
     std::vector<JournaledWrite> captureOriginals(const Tweak& tweak, const Values& values);
     EngineError rollBack(JournalEntry& entry, std::size_t written, const EngineFailure& reason,
                          const Journal::Exclusive& held);
