@@ -17,7 +17,7 @@ void require(bool holds) {
 
 void checkOverrides(std::string_view text) {
     for (const auto& [label, override] : LaunchctlParser::parsePrintDisabled(text))
-        require(label.find_first_of("\"\n") == std::string::npos && override != AgentOverride::absent);
+        require(label.find('\n') == std::string::npos && override != AgentOverride::absent);
 }
 
 void checkState(const std::string& text) {

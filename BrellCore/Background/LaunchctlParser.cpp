@@ -10,6 +10,7 @@ namespace brell {
 namespace {
 
 constexpr std::string_view notFound = "Could not find service";
+constexpr std::string_view overridesBlock = "disabled services";
 
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
@@ -23,7 +24,7 @@ bool opensBlock(std::string_view trimmedLine) {
     return trimmedLine.ends_with("= {") || trimmedLine.ends_with("=> {");
 }
 
-// The lines of print's answer that stand directly in the job's block:
+// The lines of print's answer that stand directly in the job's block, which is the first that is opened:
 //
 //     gui/501/com.example.agent = {
 //         state = running
@@ -41,16 +42,18 @@ public:
     // Whether the line stands outside every nested block.
     bool isOutermost(std::string_view line) {
         const std::string_view content = stripped(line);
-        const std::string_view indentation = indentationOf(line);
         if (inNested_) {
-            inNested_ = content != "}" || indentation != nestedIndentation_;
+            inNested_ = content != "}" || indentationOf(line) != ownIndentation_;
             return false;
         }
         if (content.empty()) return true;
-        if (!std::exchange(seenFirst_, true) && opensBlock(content)) return true;  // it names the job
-        if (!std::exchange(knowsOwn_, true)) ownIndentation_ = indentation;
+        if (!inJob_ && opensBlock(content)) {
+            inJob_ = true;
+            knowsOwn_ = false;
+            return true;
+        }
+        if (!std::exchange(knowsOwn_, true)) ownIndentation_ = indentationOf(line);
         inNested_ = opensBlock(content) && isOwn(line);
-        if (inNested_) nestedIndentation_ = indentation;
         return !inNested_;
     }
 
@@ -58,11 +61,10 @@ public:
     bool isOwn(std::string_view line) const { return knowsOwn_ && indentationOf(line) == ownIndentation_; }
 
 private:
-    bool seenFirst_ = false;
+    bool inJob_ = false;
     bool knowsOwn_ = false;
     std::string_view ownIndentation_;
     bool inNested_ = false;
-    std::string_view nestedIndentation_;
 };
 
 std::optional<std::int64_t> numberBeforeColon(std::string_view value) {
@@ -86,6 +88,8 @@ public:
             job.pid = parseInteger(value);
         } else if (key == "runs") {
             job.runs = parseInteger(value);
+        } else if (key == "exit timeout") {
+            job.exitTimeout = parseInteger(value);
         } else if (key == "last exit code") {
             job.lastExitCode = numberBeforeColon(value);
         }
@@ -97,6 +101,25 @@ private:
     bool hasState_ = false;
 };
 
+struct Override {
+    std::string_view label;
+    AgentOverride override;
+};
+
+// "com.example.agent" => disabled. A label may hold quotes, and even what looks like the end of one.
+std::optional<Override> overrideIn(std::string_view line) {
+    if (!line.starts_with('"')) return std::nullopt;
+    line.remove_prefix(1);
+    const std::size_t arrow = line.rfind("\" => ");
+    const std::size_t close = arrow == std::string_view::npos ? line.find('"') : arrow;
+    if (close == std::string_view::npos) return std::nullopt;
+    const std::string_view label = line.substr(0, close);
+    const std::string_view rest = line.substr(close + 1);
+    if (contains(rest, "=> disabled")) return Override{label, AgentOverride::disabled};
+    if (contains(rest, "=> enabled")) return Override{label, AgentOverride::enabled};
+    return std::nullopt;
+}
+
 }  // namespace
 
 bool LoadedState::isCrashLooping() const {
@@ -105,17 +128,13 @@ bool LoadedState::isCrashLooping() const {
 
 AgentOverrides LaunchctlParser::parsePrintDisabled(std::string_view text) {
     AgentOverrides overrides;
+    bool isListed = true;
     forEachLine(text, [&](std::string_view line) {
         line = stripped(line);
-        if (!line.starts_with('"')) return;
-        const std::size_t close = line.find('"', 1);
-        if (close == std::string_view::npos) return;
-        const std::string label(line.substr(1, close - 1));
-        const std::string_view rest = line.substr(close + 1);
-        if (contains(rest, "=> disabled"))
-            overrides[label] = AgentOverride::disabled;
-        else if (contains(rest, "=> enabled"))
-            overrides[label] = AgentOverride::enabled;
+        if (opensBlock(line)) isListed = line.starts_with(overridesBlock);
+        if (line == "}") isListed = false;
+        if (const auto entry = isListed ? overrideIn(line) : std::nullopt)
+            overrides.insert_or_assign(std::string(entry->label), entry->override);
     });
     return overrides;
 }

@@ -29,6 +29,8 @@ struct LoadedState {
     std::optional<std::int64_t> pid;
     // What it was loaded from: its job file, or words in parentheses for one that an app handed over.
     std::optional<std::string> path = {};
+    // In seconds: how long it may take to end before launchd kills it.
+    std::optional<std::int64_t> exitTimeout = {};
 
     static LoadedState notLoaded() { return {Kind::notLoaded, {}, {}, {}, {}}; }
     static LoadedState unknown() { return {}; }
@@ -45,7 +47,8 @@ using AgentOverrides = std::map<std::string, AgentOverride, std::less<>>;
 
 namespace LaunchctlParser {
 
-// The output of print-disabled. Lines that are no override are skipped; the last one for a label counts.
+// The output of print-disabled. Lines that are no override are skipped, and all behind the list of overrides;
+// the last one for a label counts.
 AgentOverrides parsePrintDisabled(std::string_view text);
 
 // The answer to print of one service. A line of a nested block, of an argument or of anything else that is

@@ -28,6 +28,7 @@ TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
 	}
 	login item associations = {
 		"com.example.helper" => "com.example.app"
+		"com.example.on" => disabled
 	}
 )";
     EXPECT_EQ(LaunchctlParser::parsePrintDisabled(text),
@@ -35,12 +36,18 @@ TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
                          {"com.example.on", AgentOverride::enabled},
                          {"com.example.twice", AgentOverride::disabled}}));
     EXPECT_EQ(LaunchctlParser::parsePrintDisabled("no disabled services\n"), Overrides{});
-    EXPECT_EQ(LaunchctlParser::parsePrintDisabled("\"cut => off\" => disabled"),
-              (Overrides{{"cut => off", AgentOverride::disabled}}));
+    EXPECT_EQ(
+        LaunchctlParser::parsePrintDisabled("\"cut => off\" => disabled\n\"a \"quoted\" one\" => enabled\n"
+                                            "\"cut\" => disabled\" => enabled\n\"wide\"  =>  disabled"),
+        (Overrides{{"cut => off", AgentOverride::disabled},
+                   {"a \"quoted\" one", AgentOverride::enabled},
+                   {"cut\" => disabled", AgentOverride::enabled}}));
 }
 
 TEST(ParsePrint, ReadsTheJobsOwnLinesOnly) {
-    const std::string text = R"(gui/501/com.example.agent = {
+    const std::string text = R"(
+Warning: this is printed before
+gui/501/com.example.agent = {
 	active count = 1
 	path = /Users/jo/Library/LaunchAgents/com.example.agent.plist
 	state = running
@@ -61,6 +68,7 @@ state = in an argument
 		pid => 8
 		runs = 9
 	}
+	exit timeout = 20
 	runs = 3
 	pid = 4711
 	last exit code = 78: EX_CONFIG
@@ -78,6 +86,7 @@ state = in an argument
 }
 )";
     LoadedState expected = loaded("running", 3, 78, 4711);
+    expected.exitTimeout = 20;
     expected.path = "/Users/jo/Library/LaunchAgents/com.example.agent.plist";
     EXPECT_EQ(parsed(text), expected);
 }
