@@ -9,8 +9,15 @@ std::string describe(const CommandFailure& failure) {
         case CommandProblem::cannotStart: return "The command could not be started: " + failure.detail + ".";
         case CommandProblem::timedOut:
             return "The command did not finish in time and was stopped: " + failure.detail + ".";
+        case CommandProblem::tooMuchOutput:
+            return "The command printed more than 64 MiB, which is more than Brell takes: " + failure.detail +
+                   ".";
     }
     return failure.detail;
+}
+
+bool wasStopped(CommandProblem problem) {
+    return problem == CommandProblem::timedOut || problem == CommandProblem::tooMuchOutput;
 }
 
 CommandError::~CommandError() = default;

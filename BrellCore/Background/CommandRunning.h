@@ -23,6 +23,7 @@ enum class CommandProblem {
     invalidArgument,  // nothing was started; detail is the kind of argument, a blank and the argument
     cannotStart,      // detail is the system's own reason, without a final stop
     timedOut,         // it was asked to stop; detail is the rendered command
+    tooMuchOutput,    // the same, unless it had ended: it printed more than is taken
 };
 
 struct CommandFailure {
@@ -31,6 +32,9 @@ struct CommandFailure {
     bool operator==(const CommandFailure&) const = default;
 };
 std::string describe(const CommandFailure& failure);
+
+// Whether the command was started and asked to stop: what it does may be under way, and end as it likes.
+bool wasStopped(CommandProblem problem);
 
 class CommandError final : public FailureError<CommandFailure> {
 public:

@@ -7,8 +7,9 @@ namespace brell {
 CommandResult ProcessCommandRunner::run(const AllowedCommand& command) {
     command.validate();
     const std::string executable(command.executable());
-    if (auto result = runProcess(executable, command.arguments(), timeout_)) return *std::move(result);
-    throw CommandError({CommandProblem::timedOut, command.rendered()});
+    auto ended = runProcess(executable, command.arguments(), timeout_);
+    if (auto* result = std::get_if<CommandResult>(&ended)) return std::move(*result);
+    throw CommandError({std::get<CommandProblem>(ended), command.rendered()});
 }
 
 }  // namespace brell

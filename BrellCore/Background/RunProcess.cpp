@@ -50,11 +50,15 @@ struct Output {
 
 using Buffer = std::array<char, 64 * 1024>;
 
+bool isTooMuch(const Output& output) {
+    return output.bytes.size() > mostOutputBytes;
+}
+
+// No error means the end: what could not be read now is read later.
 void readAvailable(Output& output, Buffer& buffer) {
     const ssize_t got = ::read(output.readEnd.get(), buffer.data(), buffer.size());
-    if (got > 0) output.bytes.append(buffer.data(), static_cast<std::size_t>(got));
-    const bool later = got < 0 && (errno == EINTR || errno == EAGAIN);
-    if (got <= 0 && !later) output.readEnd.close();
+    if (got > 0 && !isTooMuch(output)) output.bytes.append(buffer.data(), static_cast<std::size_t>(got));
+    if (got == 0) output.readEnd.close();
 }
 
 class Run {
@@ -71,32 +75,34 @@ public:
         // Our write ends close here: only the child and its own children keep the outputs open now.
     }
 
-    std::optional<CommandResult> finish(Deadline deadline) {
-        const bool inTime = waitForChild(deadline);
-        if (!inTime) {
+    std::variant<CommandResult, CommandProblem> finish(Deadline deadline) {
+        waitForChild(deadline);
+        if (!child_->hasEnded()) {
+            isStopped_ = true;
             child_->terminate();
             waitForChild(SteadyClock::now() + grace);
         }
         // All that the child itself printed is in the pipes by now; more can come from what it left behind.
         waitForOutputs(SteadyClock::now() + grace);
-        if (!inTime) return std::nullopt;
+        if (printedTooMuch()) return CommandProblem::tooMuchOutput;
+        if (isStopped_) return CommandProblem::timedOut;
         return CommandResult{child_->exitCode(), text(outputs_[0]), text(outputs_[1])};
     }
 
 private:
     bool outputsEnded() const { return !outputs_[0].readEnd && !outputs_[1].readEnd; }
 
+    bool printedTooMuch() const { return std::any_of(outputs_.begin(), outputs_.end(), isTooMuch); }
+
     // Both drain the outputs while they wait, so that a full pipe never stalls the child, and look at the
     // clock each time: something that prints without end must not hold us.
-    bool waitForChild(Deadline deadline) {
-        while (!child_->hasEnded()) {
-            if (SteadyClock::now() >= deadline) return false;
+    void waitForChild(Deadline deadline) {
+        while (!child_->hasEnded() && SteadyClock::now() < deadline && (isStopped_ || !printedTooMuch())) {
             if (outputsEnded())
                 nap();
             else
                 drain(deadline);
         }
-        return true;
     }
     void waitForOutputs(Deadline deadline) {
         while (!outputsEnded() && SteadyClock::now() < deadline) drain(deadline);
@@ -122,6 +128,7 @@ private:
     }
 
     std::optional<ChildProcess> child_;
+    bool isStopped_ = false;
     std::array<Output, 2> outputs_;
     std::chrono::microseconds nap_ = shortestNap;
     Buffer buffer_;
@@ -129,8 +136,9 @@ private:
 
 }  // namespace
 
-std::optional<CommandResult> runProcess(const std::string& executable,
-                                        const std::vector<std::string>& arguments, double timeoutSeconds) {
+std::variant<CommandResult, CommandProblem> runProcess(const std::string& executable,
+                                                       const std::vector<std::string>& arguments,
+                                                       double timeoutSeconds) {
     std::optional<Run> run;
     try {
         run.emplace(executable, arguments);

@@ -19,8 +19,18 @@ using namespace testing;
 
 constexpr double plenty = 20;
 
-std::optional<CommandResult> runChild(const std::vector<std::string>& arguments, double timeout = plenty) {
+using Ending = std::variant<CommandResult, CommandProblem>;
+
+Ending endOf(const std::vector<std::string>& arguments, double timeout) {
     return runProcess(BRELL_CHATTY_CHILD, arguments, timeout);
+}
+
+// Nothing when it was stopped for taking too long.
+std::optional<CommandResult> runChild(const std::vector<std::string>& arguments, double timeout = plenty) {
+    const Ending ending = endOf(arguments, timeout);
+    if (const auto* result = std::get_if<CommandResult>(&ending)) return *result;
+    EXPECT_EQ(ending, Ending(CommandProblem::timedOut));
+    return std::nullopt;
 }
 
 double secondsOf(const std::function<void()>& action) {
@@ -74,8 +84,19 @@ TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
         EXPECT_LT(secondsOf([&] { EXPECT_EQ(runChild({mode}, 0.2), std::nullopt) << mode; }), 1.5) << mode;
     EXPECT_FALSE(hasZombies());
 
+    // One that needs a moment to put its things in order gets it.
+    const TemporaryFolder folder;
+    EXPECT_EQ(runChild({"tidies", (folder.path / "tidied").string()}, 0.2), std::nullopt);
+    EXPECT_EQ(namesIn(folder.path), Names{"tidied"});
+
     // Does not obey, and keeps its outputs open: both grace periods pass.
     EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"ignores"}, 0.2), std::nullopt); }), 5.5);
+}
+
+TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
+    EXPECT_EQ(endOf({"floods"}, plenty), Ending(CommandProblem::tooMuchOutput));
+    EXPECT_EQ(describe({CommandProblem::tooMuchOutput, "x"}),
+              "The command printed more than 64 MiB, which is more than Brell takes: x.");
 }
 
 TEST(RunProcess, AnOutputHeldOpenByAGrandchildDoesNotHoldTheCaller) {

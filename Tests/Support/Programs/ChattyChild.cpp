@@ -74,6 +74,16 @@ int main(int argc, char** argv) {
         write(1, "deaf");
         sleepLong();
     }
+    if (mode == "tidies") {
+        ::signal(SIGTERM, [](int) {});
+        ::close(1);
+        ::close(2);
+        ::pause();
+        ::usleep(300'000);
+        ::close(::open(argv[2], O_WRONLY | O_CREAT, 0600));
+    }
+    if (mode == "floods")
+        for (;;) write(1, std::string(much, 'o'));
     if (mode == "endless")
         for (;;) write(1, "more and more\n");
     if (mode == "grandchild" && ::fork() == 0) sleepLong();  // with our outputs open
