@@ -21,7 +21,13 @@ TEST(AgentExplainer, KnowsItemsByLabelOrTeamInTheTablesOrder) {
         explain("com.eset.x", {}, {}),
         (AgentExplanation{"Security software", "Part of a security product.",
                           "Protection may stop; turning it off weakens security.", Risk::medium, true}));
-    EXPECT_EQ(AgentExplainer::rules().size(), 17u);
+}
+
+TEST(AgentExplainer, FlagsWhatKeepsSoftwareUpToDateOrProtectsTheMac) {
+    const auto& rules = AgentExplainer::rules();
+    ASSERT_EQ(rules.size(), 17u);
+    for (std::size_t i = 0; i < rules.size(); ++i)
+        EXPECT_EQ(rules[i].explanation.isUpdater, i < 6 || i == 15) << rules[i].explanation.app;
 }
 
 TEST(AgentExplainer, NamesTheProgramOfWhatItDoesNotKnow) {
