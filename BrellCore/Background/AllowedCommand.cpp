@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "BrellCore/Background/CommandRunning.h"
+#include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -39,14 +40,11 @@ const Shape& shapeOf(Kind kind) {
 }
 
 constexpr std::string_view digits = "0123456789";
-constexpr std::string_view labelCharacters =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 constexpr std::size_t mostUidDigits = 10;
-constexpr std::size_t mostLabelCharacters = 200;
 
-bool consistsOf(std::string_view text, std::string_view characters, std::size_t most) {
-    return !text.empty() && text.size() <= most &&
-           text.find_first_not_of(characters) == std::string_view::npos;
+bool isUserNumber(std::string_view text) {
+    return !text.empty() && text.size() <= mostUidDigits &&
+           text.find_first_not_of(digits) == std::string_view::npos;
 }
 
 bool contains(std::string_view text, std::string_view part) {
@@ -55,12 +53,8 @@ bool contains(std::string_view text, std::string_view part) {
 
 bool isDomain(std::string_view text) {
     for (const std::string_view prefix : {"gui/", "user/"})
-        if (text.starts_with(prefix)) return consistsOf(text.substr(prefix.size()), digits, mostUidDigits);
+        if (text.starts_with(prefix)) return isUserNumber(text.substr(prefix.size()));
     return false;
-}
-
-bool isLabel(std::string_view text) {
-    return consistsOf(text, labelCharacters, mostLabelCharacters);
 }
 
 // A zero byte would end the argument early for the program that gets it, after every check was made on the
@@ -100,7 +94,7 @@ void requireTarget(const std::string& target) {
     require(pieces.size() >= 2, "target", target);
     const std::string domain = pieces[0] + "/" + pieces[1];
     require(isDomain(domain), "domain", domain);
-    if (pieces.size() == 3) require(isLabel(pieces[2]), "label", pieces[2]);
+    if (pieces.size() == 3) require(AgentCommands::isPlainLabel(pieces[2]), "label", pieces[2]);
 }
 
 std::string quoted(std::string_view element) {
@@ -167,7 +161,7 @@ void AllowedCommand::validate() const {
         case Kind::launchctlEnable:
         case Kind::launchctlDisable:
             require(isDomain(subject), "domain", subject);
-            return require(isLabel(item), "label", item);
+            return require(AgentCommands::isPlainLabel(item), "label", item);
         case Kind::launchctlBootstrap:
             require(isDomain(subject), "domain", subject);
             return require(isJobFile(item), "plist path", item);

@@ -56,11 +56,10 @@ void appendAgentTable(Lines& lines, const std::vector<JournalEntry>& entries) {
     for (const JournalEntry& entry : entries) {
         const AgentCapture agent =
             entry.agent.value_or(AgentCapture{entry.tweakID, "", false, AgentOverride::absent});
-        lines.push_back(
-            row({agent.label, agent.override == AgentOverride::disabled ? "turned on" : "turned off",
-                 "override " + std::string(rawValue(agent.override)) + ", " +
-                     (agent.wasLoaded ? "loaded" : "not loaded"),
-                 iso8601(entry.appliedAt)}));
+        lines.push_back(row({agent.label, agent.turnedOn() ? "turned on" : "turned off",
+                             "override " + std::string(rawValue(agent.override)) + ", " +
+                                 (agent.wasLoaded ? "loaded" : "not loaded"),
+                             iso8601(entry.appliedAt)}));
     }
 }
 

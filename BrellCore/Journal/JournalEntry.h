@@ -51,6 +51,9 @@ struct AgentCapture {
     std::string plistPath;  // absolute
     bool wasLoaded;
     AgentOverride override;
+
+    // Whether the change turned it on. It turned off what was not disabled.
+    bool turnedOn() const { return override == AgentOverride::disabled; }
     bool operator==(const AgentCapture&) const = default;
 };
 

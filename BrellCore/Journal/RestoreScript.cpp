@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/EntryOrder.h"
 #include "BrellCore/Support/Numbers.h"
 #include "BrellCore/Support/Text.h"
@@ -10,8 +11,6 @@
 namespace brell::RestoreScript {
 
 namespace {
-
-constexpr std::string_view userDomain = "\"gui/$(id -u)\"";
 
 std::string domainArgument(const std::string& domain) {
     return domain == globalDomain ? "-g" : quote(domain);
@@ -120,12 +119,11 @@ std::string preferenceLine(const JournaledWrite& write) {
 }
 
 std::vector<std::string> agentLines(const AgentCapture& agent) {
-    const std::string target = "\"gui/$(id -u)/\"" + quote(agent.label);
-    const bool wasDisabled = agent.override == AgentOverride::disabled;
-    std::vector<std::string> lines{(wasDisabled ? "launchctl disable " : "launchctl enable ") + target};
-    if (agent.wasLoaded)
-        lines.push_back("launchctl bootstrap " + std::string(userDomain) + " " + quote(agent.plistPath) +
-                        " 2>/dev/null || true");
+    std::vector<std::string> lines;
+    for (const AgentCommand& command : AgentCommands::undoingByScript(agent)) {
+        lines.push_back(AgentCommands::shellLine(command.verb, agent, quote));
+        if (command.verb == AgentCommand::Verb::bootstrap) lines.back() += " 2>/dev/null || true";
+    }
     return lines;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <set>
 
+#include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 
@@ -56,28 +57,11 @@ std::string putting(const PrefKey& key, const StoredValue& stored) {
            arguments(*stored.value);
 }
 
-std::string launchctl(std::string_view verb, const std::string& label) {
-    return "launchctl " + std::string(verb) + " \"gui/$(id -u)/\"" + word(label);
-}
-
-std::string bootstrap(const std::string& plistPath) {
-    return "launchctl bootstrap \"gui/$(id -u)\" " + word(plistPath);
-}
-
-Lines switching(const AgentCapture& before) {
-    if (before.override == AgentOverride::disabled)
-        return {launchctl("enable", before.label), bootstrap(before.plistPath)};
-    return {launchctl("bootout", before.label), launchctl("disable", before.label)};
-}
-
-Lines switchingBack(const AgentCapture& before) {
-    const bool wasDisabled = before.override == AgentOverride::disabled;
-    // What is disabled can be unloaded but not loaded, so loading stands between.
-    if (wasDisabled && before.wasLoaded)
-        return {launchctl("enable", before.label), bootstrap(before.plistPath),
-                launchctl("disable", before.label)};
-    Lines lines{launchctl(wasDisabled ? "disable" : "enable", before.label)};
-    lines.push_back(before.wasLoaded ? bootstrap(before.plistPath) : launchctl("bootout", before.label));
+// Without their conditions: a command whose condition does not hold makes no difference in the end.
+Lines linesOf(const AgentPlan& plan, const AgentCapture& agent) {
+    Lines lines;
+    for (const AgentCommand& command : plan.commands)
+        lines.push_back(AgentCommands::shellLine(command.verb, agent, word));
     return lines;
 }
 
@@ -86,7 +70,7 @@ void append(Lines& lines, Lines more) {
 }
 
 Lines making(const JournalEntry& entry) {
-    if (entry.agent) return switching(*entry.agent);
+    if (entry.agent) return linesOf(AgentCommands::making(*entry.agent), *entry.agent);
     Lines lines;
     for (const JournaledWrite& write : entry.writes) lines.push_back(putting(write.key, write.written));
     return lines;
@@ -130,7 +114,7 @@ std::string making(const std::vector<JournalEntry>& entries, const TweakCatalog&
 }
 
 std::string undoing(const JournalEntry& entry, const TweakCatalog& catalog) {
-    Lines lines = entry.agent ? switchingBack(*entry.agent) : Lines();
+    Lines lines = entry.agent ? linesOf(AgentCommands::undoing(*entry.agent), *entry.agent) : Lines();
     for (const JournaledWrite& write : entry.writes) lines.push_back(putting(write.key, write.original));
     std::set<EffectClass> effects;
     addEffect(effects, entry, catalog);

@@ -108,7 +108,7 @@ TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
               "launchctl enable" + at + "launchctl bootout" + at},
              {{"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::disabled},
               "launchctl enable" + at + load,
-              "launchctl disable" + at + "launchctl bootout" + at},
+              "launchctl bootout" + at + "launchctl disable" + at},
              {{"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::disabled},
               "launchctl enable" + at + load,
               "launchctl enable" + at + load + "launchctl disable" + at},
