@@ -1,6 +1,9 @@
 #include "BrellCore/Background/JobPath.h"
 
+#include <algorithm>
 #include <system_error>
+
+namespace fs = std::filesystem;
 
 namespace brell {
 
@@ -33,12 +36,24 @@ std::optional<std::string> percentDecoded(std::string_view text) {
     return decoded;
 }
 
+// Without empty, "." and ".." pieces.
+fs::path withoutSteps(std::string_view path) {
+    constexpr std::string_view back = "/..";
+    const std::size_t last = (std::string(path) + "/").rfind("/../");
+    if (last != std::string::npos) {
+        std::error_code missing;
+        const fs::path reached = fs::canonical(path.substr(0, last + back.size()), missing);
+        if (!missing)
+            return (reached / path.substr(std::min(last + back.size() + 1, path.size()))).lexically_normal();
+    }
+    return fs::path(path).lexically_normal();
+}
+
 }  // namespace
 
 std::string standardizedPath(std::string_view path) {
     const bool plain = path.find("//") == std::string_view::npos && path.find("/.") == std::string_view::npos;
-    std::string standard =
-        plain ? std::string(path) : std::filesystem::path(path).lexically_normal().string();
+    std::string standard = plain ? std::string(path) : withoutSteps(path).string();
     while (standard.starts_with("//")) standard.erase(0, 1);  // elsewhere two slashes may mean a host
     while (standard.size() > 1 && standard.ends_with('/')) standard.pop_back();
     return standard;
@@ -55,10 +70,12 @@ std::optional<std::string> pathOfItemUrl(std::string_view url) {
     return decoded ? std::optional(standardizedPath(*decoded)) : std::nullopt;
 }
 
-std::filesystem::path resolvedPath(const std::filesystem::path& path) {
+fs::path resolvedPath(const fs::path& path) {
     std::error_code failed;
-    std::filesystem::path found = std::filesystem::weakly_canonical(path, failed);
-    return failed ? path.lexically_normal() : found;
+    fs::path found = fs::canonical(path, failed);
+    if (!failed) return found;
+    const fs::path folder = fs::canonical(path.parent_path(), failed);
+    return failed ? path : folder / path.filename();
 }
 
 }  // namespace brell

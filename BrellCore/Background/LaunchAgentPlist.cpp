@@ -14,8 +14,6 @@ namespace brell {
 
 namespace {
 
-constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
-
 std::optional<std::uint32_t> ownerOf(const fs::path& file) {
     struct stat status;
     if (::stat(file.c_str(), &status) != 0) return std::nullopt;
@@ -24,7 +22,7 @@ std::optional<std::uint32_t> ownerOf(const fs::path& file) {
 
 std::optional<PlistDictionary> readDictionary(const fs::path& file) {
     try {
-        const auto contents = readFile(file, mostBytes);
+        const auto contents = readFile(file, LaunchAgentPlist::mostBytes);
         if (!contents) return std::nullopt;
         PlistValue root = readPropertyList(contents->bytes);
         if (auto* dictionary = std::get_if<PlistDictionary>(&root.payload)) return std::move(*dictionary);
@@ -32,6 +30,18 @@ std::optional<PlistDictionary> readDictionary(const fs::path& file) {
     } catch (const PlistError&) {
     }
     return std::nullopt;
+}
+
+// What a link to another folder holds; nothing for a link beside its file, and for a file.
+std::optional<std::string> leadingOut(const fs::path& file) {
+    std::error_code noLink;
+    const fs::path target = fs::read_symlink(file, noLink);
+    if (noLink) return std::nullopt;
+    const fs::path folder = file.parent_path();
+    const bool isBeside = target.parent_path().empty() || target.parent_path() == folder;
+    std::error_code ignored;
+    if (isBeside && !fs::is_symlink(folder / target, ignored)) return std::nullopt;
+    return target.string();
 }
 
 template <class T>
@@ -53,9 +63,11 @@ std::vector<std::string> textsOf(const PlistDictionary& job, std::string_view ke
 
 }  // namespace
 
-LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file) {
+LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file, LinksOut links) {
     LaunchAgentPlist plist;
     plist.path = file.string();
+    if (links == LinksOut::left) plist.leadsTo = leadingOut(file);
+    if (plist.leadsTo) return plist;
     plist.fileOwnerUID = ownerOf(file);
     const auto job = readDictionary(file);
     if (!job) return plist;
@@ -80,6 +92,7 @@ std::optional<std::string> LaunchAgentPlist::executable() const {
 }
 
 std::string LaunchAgentPlist::trigger() const {
+    if (leadsTo) return "a link to " + *leadsTo;
     std::vector<std::string> parts;
     if (runAtLoad) parts.emplace_back("at login");
     if (startInterval) parts.push_back("every " + std::to_string(*startInterval) + " s");

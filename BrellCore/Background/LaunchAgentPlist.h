@@ -9,7 +9,13 @@
 
 namespace brell {
 
+// Whether a job file that is a link to another folder is read. macOS may ask the user before it lets a
+// program look into that folder, Documents for one; nothing there is looked at otherwise.
+enum class LinksOut { followed, left };
+
 struct LaunchAgentPlist {
+    static constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
+
     std::string path;
     std::optional<std::string> label;
     std::optional<std::string> program;
@@ -20,13 +26,14 @@ struct LaunchAgentPlist {
     bool hasCalendarInterval = false;
     std::vector<std::string> associatedBundleIDs;
     std::optional<std::uint32_t> fileOwnerUID;
+    std::optional<std::string> leadsTo = {};  // of a link that was left; nothing else is known then
 
     // Never raises: of a file that can't be read, is not a property list or is beyond all measure, only the
     // path and the owner are known.
-    static LaunchAgentPlist read(const std::filesystem::path& file);
+    static LaunchAgentPlist read(const std::filesystem::path& file, LinksOut links = LinksOut::followed);
 
     std::optional<std::string> executable() const;
-    std::string trigger() const;  // when the job runs: "at login, every 3600 s"
+    std::string trigger() const;  // when the job runs: "at login, every 3600 s"; or that it is a link
     bool operator==(const LaunchAgentPlist&) const = default;
 };
 

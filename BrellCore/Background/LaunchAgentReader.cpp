@@ -36,9 +36,9 @@ std::string describe(const LaunchctlFailure& failure) {
 
 LaunchctlError::~LaunchctlError() = default;
 
-std::vector<LaunchAgentPlist> LaunchAgentReader::plists(const fs::path& folder) {
+std::vector<LaunchAgentPlist> LaunchAgentReader::plists(const fs::path& folder, LinksOut links) {
     std::vector<LaunchAgentPlist> plists;
-    for (const fs::path& file : jobFilesIn(folder)) plists.push_back(LaunchAgentPlist::read(file));
+    for (const fs::path& file : jobFilesIn(folder)) plists.push_back(LaunchAgentPlist::read(file, links));
     return plists;
 }
 
@@ -63,7 +63,7 @@ LoadedState LaunchAgentReader::loadedState(const std::string& label) const {
 std::vector<LaunchAgentRecord> LaunchAgentReader::listUserAgents() const {
     const AgentOverrides known = overrides();
     std::vector<LaunchAgentRecord> records;
-    for (LaunchAgentPlist& plist : plists(userAgentsDirectory())) {
+    for (LaunchAgentPlist& plist : plists(userAgentsDirectory(), LinksOut::left)) {
         const AgentOverride override = overrideFor(plist, known);
         records.push_back({std::move(plist), AgentScope::user, override, LoadedState::unknown()});
     }

@@ -12,6 +12,7 @@
 #include "BrellCore/Background/CommandRunning.h"
 #include "BrellCore/Background/LaunchAgentPlist.h"
 #include "BrellCore/Background/LaunchctlParser.h"
+#include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Support/EnumText.h"
 
 namespace brell {
@@ -57,10 +58,11 @@ struct LaunchAgentReader {
     std::filesystem::path systemRoot = "/";  // holds Library/LaunchAgents and Library/LaunchDaemons
 
     std::filesystem::path userAgentsDirectory() const { return home / "Library/LaunchAgents"; }
-    std::string domain() const { return "gui/" + std::to_string(uid); }
+    std::string domain() const { return AgentCommands::guiDomain(uid); }
 
     // The job files of a folder in the order of their names; empty when it can't be listed.
-    static std::vector<LaunchAgentPlist> plists(const std::filesystem::path& folder);
+    static std::vector<LaunchAgentPlist> plists(const std::filesystem::path& folder,
+                                                LinksOut links = LinksOut::followed);
 
     // Raises LaunchctlError when launchctl refuses, and what the runner raises.
     AgentOverrides overrides() const;
@@ -69,7 +71,8 @@ struct LaunchAgentReader {
     LoadedState loadedState(const std::string& label) const;
 
     // The user's job files, each with its override but with loaded unknown: launchd is asked once for all of
-    // them. Raises what overrides() raises; nothing else that goes wrong hides an agent.
+    // them. Links to elsewhere are not followed. Raises what overrides() raises; nothing else that goes wrong
+    // hides an agent.
     std::vector<LaunchAgentRecord> listUserAgents() const;
     // The same with the loadedState of each, for which launchd is asked one by one.
     std::vector<LaunchAgentRecord> userAgents() const;

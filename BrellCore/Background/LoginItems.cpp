@@ -77,9 +77,18 @@ bool isOn(const LaunchAgentRecord& record, const BTMItem* item) {
     return record.override != AgentOverride::disabled;
 }
 
+AgentExplanation explanationOf(const LaunchAgentRecord& record, const BTMItem* item) {
+    if (record.plist.leadsTo)
+        return {std::filesystem::path(record.plist.path).stem().string(),
+                "A link to " + *record.plist.leadsTo +
+                    ". Brell does not look behind it, so that macOS need not ask you about that folder.",
+                "Brell can't tell what it starts.", Risk::low, false};
+    return AgentExplainer::explain(record.label().value_or(""), item ? item->teamID : std::nullopt,
+                                   record.plist.executable());
+}
+
 LoginItemRow rowOf(const LaunchAgentRecord& record, const BTMItem* item) {
-    AgentExplanation explanation = AgentExplainer::explain(
-        record.label().value_or(""), item ? item->teamID : std::nullopt, record.plist.executable());
+    AgentExplanation explanation = explanationOf(record, item);
     const std::string name =
         nonEmpty(record.label()).value_or(std::filesystem::path(record.plist.path).filename().string());
     return {std::string(rawValue(record.scope)) + ":" + record.plist.path,

@@ -111,11 +111,12 @@ ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& 
     const AppState& state = model_.state();
     ShownLoginItem item{row, std::nullopt, std::nullopt, std::nullopt, state.startupError.has_value()};
     // What is not the user's own may have the same label.
-    if (!row.record || row.record->scope != AgentScope::user || !row.record->label()) return item;
+    if (!row.record || row.record->scope != AgentScope::user) return item;
+    if (!row.record->label() && !row.record->plist.leadsTo) return item;
     if (const auto refusal = state.switchRefusals.find(row.record->id());
         refusal != state.switchRefusals.end())
         item.refusal = refusal->second;
-    const auto change = changes.active.find(agentTweakID(*row.record->label()));
+    const auto change = changes.active.find(agentTweakID(row.record->label().value_or("")));
     if (change == changes.active.end()) return item;
     item.change = *change->second;
     if (const auto drift = changes.drifted.find(item.change->id); drift != changes.drifted.end())

@@ -96,6 +96,27 @@ TEST_F(LaunchAgentReaderTest, ABrokenFileNeverHidesTheOthers) {
     EXPECT_EQ(LaunchAgentReader::plists(folder.path / "missing"), std::vector<LaunchAgentPlist>{});
 }
 
+TEST_F(LaunchAgentReaderTest, LooksBehindNoLinkThatLeadsOutOfTheUsersFolder) {
+    const fs::path behind = labelled(folder.path / "Documents/a.plist", "com.example.behind");
+    labelled(agents / "own.plist", "com.example.own");
+    fs::create_symlink("own.plist", agents / "beside.plist");
+    fs::create_symlink(agents / "own.plist", agents / "besidewhole.plist");
+    fs::create_symlink(behind, agents / "out.plist");
+    fs::create_symlink("out.plist", agents / "outtwice.plist");
+    fs::create_symlink("../LaunchAgents/own.plist", agents / "round.plist");
+    overridesAre("\"com.example.behind\" => disabled\n");
+    std::map<std::string, std::pair<std::string, std::string>> found;
+    for (const LaunchAgentRecord& record : reader.listUserAgents())
+        found[fs::path(record.plist.path).stem()] = {record.label().value_or(""), record.plist.trigger()};
+    const std::pair<std::string, std::string> own{"com.example.own", "on demand"};
+    EXPECT_EQ(found, (decltype(found){{"own", own},
+                                      {"beside", own},
+                                      {"besidewhole", own},
+                                      {"out", {"", "a link to " + behind.string()}},
+                                      {"outtwice", {"", "a link to out.plist"}},
+                                      {"round", {"", "a link to ../LaunchAgents/own.plist"}}}));
+}
+
 TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
     labelled(agents / "a.plist", "com.example.off");
     labelled(agents / "b.plist", "com.example.running");

@@ -4,6 +4,7 @@
 
 #include "BrellCore/Background/CollationKey.h"
 #include "BrellCore/Background/JobPath.h"
+#include "Tests/Support/Testing.h"
 
 namespace brell {
 namespace {
@@ -150,6 +151,16 @@ TEST(LoginItemsMerger, TellsAboutARecord) {
         EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
         EXPECT_TRUE(alone.isOn);
     }
+
+    LaunchAgentRecord linked = record({}, "/Users/jo/Library/LaunchAgents/z.plist");
+    linked.plist.leadsTo = "/Users/jo/Documents/z.plist";
+    const LoginItemRow link = LoginItemsMerger::merge({linked}, {}, {}, uid).front();
+    EXPECT_EQ(link.title, "z");
+    EXPECT_EQ(link.subtitle, "z.plist · a link to /Users/jo/Documents/z.plist");
+    EXPECT_EQ(
+        link.explanation.what,
+        "A link to /Users/jo/Documents/z.plist. Brell does not look behind it, so that macOS need not ask "
+        "you about that folder.");
 }
 
 TEST(LoginItemsMerger, TellsAboutAnItemThatLaunchdDoesNotKnow) {
@@ -194,11 +205,23 @@ TEST(CollationKey, OrdersTextForPeople) {
     EXPECT_EQ(collationKey("\xC3\x89T\xC3\x89"), collationKey("e\xCC\x81t\xC3\xA9"));
 }
 
+TEST(ResolvedPath, MeansWhatTheSystemWouldOpen) {
+    const testing::TemporaryFolder folder;
+    const std::filesystem::path root = std::filesystem::canonical(folder.path);
+    std::filesystem::create_directories(root / "far/inside");
+    std::filesystem::create_directory_symlink("far/inside", root / "link");
+    std::filesystem::create_directory_symlink("nowhere", root / "dead");
+    EXPECT_EQ(resolvedPath(root / "link/../missing.plist"), root / "far/missing.plist");
+    EXPECT_EQ(resolvedPath(root / "dead/../far"), root / "dead/../far") << "there is no such folder";
+    EXPECT_EQ(resolvedPath(root / "dead"), root / "dead");
+    EXPECT_EQ(standardizedPath((root / "link/../b/./").string()), root / "far/b");
+}
+
 TEST(StandardizedPath, IsTheSameForEveryWayToWriteAPath) {
     for (const char* path : {"/a/b", "/a/b/", "//a//b", "/a/./b", "/a/x/../b", "/../a/b/."})
         EXPECT_EQ(standardizedPath(path), "/a/b") << path;
     EXPECT_EQ(standardizedPath("//"), "/");
-    EXPECT_EQ(pathOfItemUrl("file://localhost/a"), "/a");
+    EXPECT_EQ(pathOfItemUrl("file://localhost/a%09%Af%aF"), "/a\t\xAF\xAF");
     for (const char* url : {"file://", "file://host", "relative", "", "file:///a%zz"})
         EXPECT_EQ(pathOfItemUrl(url), std::nullopt) << url;
 }
