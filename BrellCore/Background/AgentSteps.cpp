@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <thread>
+#include <utility>
 
 #include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Background/Lines.h"
@@ -14,6 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 constexpr auto patience = 5s;
+constexpr auto mostPatience = 30s;
+constexpr auto quietFor = 1s;  // most jobs are gone by then
 constexpr auto pause = 200ms;
 
 // launchctl's exit codes; `launchctl error CODE` prints their words.
@@ -41,6 +44,23 @@ std::string words(bool loaded) {
     return loaded ? "loaded" : "not loaded";
 }
 
+// launchd kills a job whose exit timeout is over, which then is gone within moments. A timeout of 0 is none.
+std::chrono::seconds patienceWith(const LoadedState& loaded) {
+    if (!isLeaving(loaded) || !loaded.exitTimeout) return patience;
+    if (*loaded.exitTimeout == 0) return mostPatience;
+    const std::int64_t most = (mostPatience - patience).count();
+    return patience + std::chrono::seconds(std::clamp(*loaded.exitTimeout, std::int64_t{0}, most));
+}
+
+bool holds(AgentCommand::When when, bool isLoaded) {
+    switch (when) {
+        case AgentCommand::When::ifLoaded: return isLoaded;
+        case AgentCommand::When::ifNotLoaded: return !isLoaded;
+        case AgentCommand::When::always: break;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool isLeaving(const LoadedState& loaded) {
@@ -52,6 +72,17 @@ bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath) {
     std::error_code unknown;
     return resolvedPath(*loaded.path) == resolvedPath(plistPath) ||
            std::filesystem::equivalent(*loaded.path, plistPath, unknown);  // by way of another volume's path
+}
+
+AllowedCommand allowedCommand(AgentCommand::Verb verb, const std::string& domain, const std::string& label,
+                              const std::string& jobFile) {
+    switch (verb) {
+        case AgentCommand::Verb::bootout: return AllowedCommand::launchctlBootout(domain, label);
+        case AgentCommand::Verb::enable: return AllowedCommand::launchctlEnable(domain, label);
+        case AgentCommand::Verb::disable: return AllowedCommand::launchctlDisable(domain, label);
+        case AgentCommand::Verb::bootstrap: break;
+    }
+    return AllowedCommand::launchctlBootstrap(domain, jobFile);
 }
 
 Waiting Waiting::real() {
@@ -82,37 +113,50 @@ AgentState AgentSteps::currentState(const AgentOverrides& overrides) {
     if (loaded.isUnknown())
         throw error(AgentToggleProblem::refused,
                     "launchd could not be asked whether " + label_ + " is loaded.");
+    seen_ = loaded;
     return {override == overrides.end() ? AgentOverride::absent : override->second, loaded};
 }
 
 AgentState AgentSteps::settledState() {
-    const auto deadline = waiting_.now() + patience;
+    const auto since = waiting_.now();
     AgentState state = currentState();
-    while (isLeaving(state.loaded) && waiting_.now() < deadline) {
-        waiting_.sleep(pause);
-        state = currentState();
-    }
+    while (isLeaving(state.loaded) && waits(since)) state = currentState();
     return state;
 }
 
-void AgentSteps::bootout() {
-    const AllowedCommand command = AllowedCommand::launchctlBootout(domain_, label_);
+// Sleeps a moment; false when the time is over.
+bool AgentSteps::waits(std::chrono::steady_clock::time_point since) {
+    const auto waited = waiting_.now() - since;
+    if (waited >= patienceWith(seen_)) return false;
+    if (waited >= quietFor && isLeaving(seen_) && waiting_.tell && !std::exchange(hasTold_, true))
+        waiting_.tell(label_, patienceWith(seen_));
+    waiting_.sleep(pause);
+    return true;
+}
+
+void AgentSteps::carryOut(const AgentPlan& plan, bool isLoaded, const std::string& jobFile) {
+    for (const AgentCommand& step : plan.commands) {
+        if (!holds(step.when, isLoaded)) continue;
+        const AllowedCommand command = allowedCommand(step.verb, domain_, label_, jobFile);
+        switch (step.verb) {
+            case AgentCommand::Verb::bootout: bootout(command); break;
+            case AgentCommand::Verb::bootstrap: bootstrap(command); break;
+            case AgentCommand::Verb::enable:
+            case AgentCommand::Verb::disable: runStep(command); break;
+        }
+    }
+    expect(plan.target);
+}
+
+void AgentSteps::bootout(const AllowedCommand& command) {
     const CommandResult result = run(command);
     if (saysNotLoaded(result)) return;
     if (!result.succeeded() && result.exitCode != underWayCode) throw commandError(command, result.output());
     bootedOut_ = true;
 }
 
-void AgentSteps::disable() {
-    runStep(AllowedCommand::launchctlDisable(domain_, label_));
-}
-
-void AgentSteps::enable() {
-    runStep(AllowedCommand::launchctlEnable(domain_, label_));
-}
-
-void AgentSteps::bootstrap(const std::string& plistPath) {
-    const AllowedCommand command = AllowedCommand::launchctlBootstrap(domain_, plistPath);
+void AgentSteps::bootstrap(const AllowedCommand& command) {
+    const std::string& jobFile = command.item;
     for (bool triedBefore = false;; triedBefore = true) {
         const CommandResult result = run(command);
         if (result.succeeded()) return;
@@ -120,17 +164,15 @@ void AgentSteps::bootstrap(const std::string& plistPath) {
             std::find(unclearCodes.begin(), unclearCodes.end(), result.exitCode) != unclearCodes.end();
         if (!unclear) throw commandError(command, result.output());
         const LoadedState loaded = settledState().loaded;
-        if (isLoadedFrom(loaded, plistPath) && !isLeaving(loaded)) return;
+        if (isLoadedFrom(loaded, jobFile) && !isLeaving(loaded)) return;
         if (loaded.isLoaded() || !bootedOut_ || triedBefore) throw commandError(command, result.output());
     }
 }
 
-void AgentSteps::expect(AgentOverride override, bool loaded) {
-    const auto deadline = waiting_.now() + patience;
-    while (const auto failure = mismatch(override, loaded)) {
-        if (waiting_.now() >= deadline) throw AgentToggleError(*failure);
-        waiting_.sleep(pause);
-    }
+void AgentSteps::expect(const AgentTarget& target) {
+    const auto since = waiting_.now();
+    while (const auto failure = mismatch(target))
+        if (!waits(since)) throw AgentToggleError(*failure);
 }
 
 CommandResult AgentSteps::run(const AllowedCommand& command) try {
@@ -140,7 +182,7 @@ CommandResult AgentSteps::run(const AllowedCommand& command) try {
     return result;
 } catch (const std::exception& failure) {
     const auto* commandFailure = dynamic_cast<const CommandError*>(&failure);
-    const bool stopped = commandFailure && commandFailure->failure().problem == CommandProblem::timedOut;
+    const bool stopped = commandFailure && wasStopped(commandFailure->failure().problem);
     if (command.isWrite() && (!commandFailure || stopped)) mayHaveChanged_ = true;
     // It is only asked to stop, and what it asked of launchd may be under way already.
     if (command.isWrite() && stopped) mayStillChange_ = true;
@@ -153,15 +195,17 @@ void AgentSteps::runStep(const AllowedCommand& command) {
 }
 
 // What launchd reports otherwise, or why it can't be asked; nothing when all is as expected.
-std::optional<AgentToggleFailure> AgentSteps::mismatch(AgentOverride override, bool loaded) try {
+std::optional<AgentToggleFailure> AgentSteps::mismatch(const AgentTarget& target) try {
+    const AgentOverride override = target.isDisabled ? AgentOverride::disabled : AgentOverride::enabled;
     const AgentState state = currentState();
     if (state.override != override)
         return AgentToggleFailure{AgentToggleProblem::verifyFailed,
                                   label_ + " override is " + std::string(rawValue(state.override)) +
                                       ", expected " + std::string(rawValue(override))};
-    if (state.loaded.isLoaded() != loaded || (loaded && isLeaving(state.loaded)))
-        return AgentToggleFailure{AgentToggleProblem::verifyFailed,
-                                  label_ + " is " + words(!loaded) + ", expected " + words(loaded)};
+    if (state.loaded.isLoaded() != target.isLoaded || (target.isLoaded && isLeaving(state.loaded)))
+        return AgentToggleFailure{
+            AgentToggleProblem::verifyFailed,
+            label_ + " is " + words(!target.isLoaded) + ", expected " + words(target.isLoaded)};
     return std::nullopt;
 } catch (const AgentToggleError& failure) {
     return failure.failure();

@@ -10,14 +10,16 @@
 #include "BrellCore/Background/AgentToggleError.h"
 #include "BrellCore/Background/CommandRunning.h"
 #include "BrellCore/Background/LaunchctlParser.h"
-#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Journal/AgentCommands.h"
 
 namespace brell {
 
-// Time, handed in so that tests own it.
+// Time, which is a test's own in tests.
 struct Waiting {
     std::function<std::chrono::steady_clock::time_point()> now;
     std::function<void(std::chrono::milliseconds)> sleep;
+    // Told once a job takes its time to end, and how long it is given at most. May be empty.
+    std::function<void(const std::string& label, std::chrono::seconds atMost)> tell = {};
 
     static Waiting real();
 };
@@ -28,6 +30,10 @@ bool isLeaving(const LoadedState& loaded);
 // Loaded, and from this file as far as launchd tells.
 bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath);
 
+// What runs this command. jobFile is what a bootstrap loads.
+AllowedCommand allowedCommand(AgentCommand::Verb verb, const std::string& domain, const std::string& label,
+                              const std::string& jobFile);
+
 struct AgentState {
     AgentOverride override;
     LoadedState loaded;
@@ -36,23 +42,21 @@ struct AgentState {
 // The steps of one change of one agent; every one raises AgentToggleError. Blocks on launchctl.
 class AgentSteps {
 public:
-    // domain is "gui/" and the user's number. runner must outlive the steps.
+    // domain is a gui domain. runner must outlive the steps.
     AgentSteps(CommandRunning& runner, Waiting waiting, std::string domain, std::string label);
 
     // What launchd says now. Raises when it can't be asked.
     AgentState currentState();
     AgentState currentState(const AgentOverrides& known);
     AgentOverrides overrides();  // of every label
-    // The same, once a job that was told to end is gone; at most five seconds later.
+    // The same, once a job that was told to end is gone or its time is over: the exit timeout that launchd
+    // shows and some seconds more, half a minute at most.
     AgentState settledState();
 
-    void bootout();  // an agent that is not loaded is no error
-    void disable();
-    void enable();
-    void bootstrap(const std::string& plistPath);  // one that is loaded from there already is no error
-
-    // Waits up to five seconds for launchd to report this, then raises.
-    void expect(AgentOverride override, bool loaded);
+    // Runs the commands of the plan whose conditions hold for an agent that is loaded or not, and waits until
+    // launchd shows its target. jobFile is what a bootstrap loads. Neither the bootout of an agent that is
+    // not loaded nor the bootstrap of one that is loaded from there already is an error.
+    void carryOut(const AgentPlan& plan, bool isLoaded, const std::string& jobFile);
 
     // Whether a step was run that may have changed something, even if it failed.
     bool mayHaveChanged() const { return mayHaveChanged_; }
@@ -62,12 +66,18 @@ public:
 private:
     CommandResult run(const AllowedCommand& command);
     void runStep(const AllowedCommand& command);
-    std::optional<AgentToggleFailure> mismatch(AgentOverride override, bool loaded);
+    void bootout(const AllowedCommand& command);
+    void bootstrap(const AllowedCommand& command);
+    void expect(const AgentTarget& target);
+    std::optional<AgentToggleFailure> mismatch(const AgentTarget& target);
+    bool waits(std::chrono::steady_clock::time_point since);
 
     CommandRunning& runner_;
     const Waiting waiting_;
     const std::string domain_;
     const std::string label_;
+    LoadedState seen_;  // what launchd showed last
+    bool hasTold_ = false;
     bool mayHaveChanged_ = false;
     bool mayStillChange_ = false;
     bool bootedOut_ = false;

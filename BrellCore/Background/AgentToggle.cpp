@@ -15,15 +15,8 @@ AgentToggleError refused(std::string text) {
     return AgentToggleError({AgentToggleProblem::refused, std::move(text)});
 }
 
-bool isPlainLabel(std::string_view label) {
-    return !label.empty() && label.size() <= 200 && std::all_of(label.begin(), label.end(), [](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' ||
-               c == '_' || c == '-';
-    });
-}
-
 void checkLabel(const std::string& label) {
-    if (!isPlainLabel(label))
+    if (!AgentCommands::isPlainLabel(label))
         throw refused("The label \"" + label + "\" contains characters Brell does not pass to launchctl.");
     if (NeverTouch::isForbiddenLabel(label))
         throw refused(label + " is an Apple or Brell item; it is never changed.");
@@ -44,10 +37,16 @@ void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
                   file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
 }
 
+// Whether launchd names a file that is gone; what it says in parentheses is none.
+bool isGone(const std::string& path) {
+    std::error_code failed;
+    return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
+}
+
 // Two files may have the same label. What was loaded from another one could not be brought back from this
-// one.
+// one, unless that was renamed.
 void checkSource(const LoadedState& loaded, const std::string& label, const std::string& plistPath) {
-    if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath))
+    if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath) && !isGone(loaded.path.value_or("")))
         throw refused(label + " is loaded from " + loaded.path.value_or("") + ", not from " + plistPath +
                       "; it is not changed.");
 }
@@ -60,24 +59,28 @@ bool isAsCaptured(const AgentState& state, const AgentCapture& capture) {
 }
 
 // The override tells afterwards which way a change went.
-void checkTurns(const std::string& label, const AgentState& before, bool off) {
+void checkTurns(const std::string& label, const AgentState& before, AgentSwitch direction) {
     const bool isOff = before.override == AgentOverride::disabled;
-    if (isOff != off) return;
-    if (off && before.loaded.isLoaded())
+    const bool turnsOff = direction == AgentSwitch::off;
+    if (isOff != turnsOff) return;
+    if (turnsOff && before.loaded.isLoaded())
         throw refused(label + " is already turned off, and runs until it ends or you log out.");
-    throw refused(label + (off ? " is already turned off." : " is not turned off."));
+    throw refused(label + (turnsOff ? " is already turned off." : " is not turned off."));
 }
 
-void switchOff(AgentSteps& steps) {
-    steps.bootout();
-    steps.disable();
-    steps.expect(AgentOverride::disabled, false);
+std::string_view conditionWords(AgentCommand::When when) {
+    switch (when) {
+        case AgentCommand::When::ifLoaded: return " (only if it is loaded)";
+        case AgentCommand::When::ifNotLoaded: return " (only if it is not loaded)";
+        case AgentCommand::When::always: break;
+    }
+    return {};
 }
 
-void switchOn(AgentSteps& steps, const std::string& plistPath) {
-    steps.enable();
-    steps.bootstrap(plistPath);
-    steps.expect(AgentOverride::enabled, true);
+// A tool's own words need not end with a stop.
+std::string joined(std::string sentence, std::string_view next) {
+    if (!sentence.ends_with('.')) sentence += '.';
+    return sentence + " " + std::string(next);
 }
 
 }  // namespace
@@ -87,17 +90,20 @@ AgentToggle::AgentToggle(CommandRunning& runner, TweakEngine& engine, std::uint3
     : runner_(runner),
       engine_(engine),
       uid_(uid),
-      directory_(resolvedPath(launchAgentsDirectory)),
+      folder_(launchAgentsDirectory),
       waiting_(std::move(waiting)) {}
 
 AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) const {
     if (record.scope != AgentScope::user)
         throw refused("Only your own LaunchAgents can be changed here; this one needs an administrator.");
+    if (record.plist.leadsTo)
+        throw refused(record.plist.path + " is a link to " + *record.plist.leadsTo +
+                      ", not a file directly inside your LaunchAgents folder.");
     const std::string label = record.plist.label.value_or("");
     if (label.empty()) throw refused("This plist has no Label, so launchd cannot address it.");
     checkLabel(label);
     const fs::path file = resolvedPath(record.plist.path);
-    if (!isDirectlyInside(file))
+    if (!folder_.isDirectlyInside(file))
         throw refused(file.string() + " is not a file directly inside your LaunchAgents folder.");
     checkStillLabelled(file, label);
     checkLoadablePlace(domain(), file);
@@ -124,77 +130,73 @@ AgentState AgentToggle::currentState(const std::string& label, const AgentOverri
     return stepsFor(label).currentState(known);
 }
 
+AgentPreview AgentToggle::preview(const LaunchAgentRecord& record, AgentSwitch direction) const try {
+    const Validated agent = validate(record);
+    if (const auto entry = restorableEntry(agent.label, direction))
+        return {previewRestore(*entry->agent), AgentCommands::undoing(*entry->agent).target};
+    const AgentPlan plan = AgentCommands::switching(direction);
+    return {rendered(plan, agent.label, agent.plistPath), plan.target};
+} catch (const JournalError& error) {
+    throw AgentToggleError({AgentToggleProblem::engine, error.what()});
+}
+
 std::vector<std::string> AgentToggle::previewOff(const LaunchAgentRecord& record) const {
-    return preview(record, Direction::off);
+    return preview(record, AgentSwitch::off).commands;
 }
 
 std::vector<std::string> AgentToggle::previewOn(const LaunchAgentRecord& record) const {
-    return preview(record, Direction::on);
+    return preview(record, AgentSwitch::on).commands;
 }
 
 std::vector<std::string> AgentToggle::previewRestore(const AgentCapture& capture) const {
-    const std::string enable = AllowedCommand::launchctlEnable(domain(), capture.label).rendered();
-    const std::string disable = AllowedCommand::launchctlDisable(domain(), capture.label).rendered();
-    const std::string bootout = AllowedCommand::launchctlBootout(domain(), capture.label).rendered();
-    const std::string bootstrap = AllowedCommand::launchctlBootstrap(domain(), capture.plistPath).rendered();
-    const std::string onlyIfMissing = " (only if it is not loaded)";
-    if (capture.override == AgentOverride::disabled) {
-        if (!capture.wasLoaded) return {bootout, disable};
-        return {enable + onlyIfMissing, bootstrap + onlyIfMissing, disable};
+    std::string jobFile = capture.plistPath;
+    try {
+        if (const auto found = folder_.jobFile(capture.label, capture.plistPath)) jobFile = found->string();
+    } catch (const AgentToggleError&) {
+        // The restore will say so.
     }
-    return {enable, capture.wasLoaded ? bootstrap + onlyIfMissing : bootout + " (only if it is loaded)"};
+    return rendered(AgentCommands::undoing(capture), capture.label, jobFile);
+}
+
+std::vector<std::string> AgentToggle::rendered(const AgentPlan& plan, const std::string& label,
+                                               const std::string& jobFile) const {
+    std::vector<std::string> lines;
+    for (const AgentCommand& command : plan.commands)
+        lines.push_back(allowedCommand(command.verb, domain(), label, jobFile).rendered() +
+                        std::string(conditionWords(command.when)));
+    return lines;
 }
 
 JournalEntry AgentToggle::turnOff(const LaunchAgentRecord& record) {
-    return toggle(record, Direction::off);
+    return toggle(record, AgentSwitch::off);
 }
 
 JournalEntry AgentToggle::turnOn(const LaunchAgentRecord& record) {
-    return toggle(record, Direction::on);
+    return toggle(record, AgentSwitch::on);
 }
 
-void AgentToggle::restore(const AgentCapture& capture) {
+std::optional<std::string> AgentToggle::restore(const AgentCapture& capture) {
     checkOwn(capture);
     AgentSteps steps = stepsFor(capture.label);
-    putBack(steps, capture);
+    return putBack(steps, capture);
 }
 
 AgentSteps AgentToggle::stepsFor(const std::string& label) const {
     return AgentSteps(runner_, waiting_, domain(), label);
 }
 
-// Whether the request is the opposite of this change, which then is restored.
-bool AgentToggle::undoes(Direction direction, const JournalEntry& entry) {
-    return entry.status == EntryStatus::applied && entry.agent &&
-           brellTurnedOn(*entry.agent) == (direction == Direction::off);
-}
-
-std::vector<std::string> AgentToggle::preview(const LaunchAgentRecord& record, Direction direction) const
-    try {
-    const Validated agent = validate(record);
-    const auto entry = engine_.journal().activeEntry(agentTweakID(agent.label));
-    if (entry && undoes(direction, *entry)) return previewRestore(*entry->agent);
-    if (direction == Direction::off)
-        return {AllowedCommand::launchctlBootout(domain(), agent.label).rendered(),
-                AllowedCommand::launchctlDisable(domain(), agent.label).rendered()};
-    return {AllowedCommand::launchctlEnable(domain(), agent.label).rendered(),
-            AllowedCommand::launchctlBootstrap(domain(), agent.plistPath).rendered()};
-} catch (const JournalError& error) {
-    throw AgentToggleError({AgentToggleProblem::engine, error.what()});
-}
-
-JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction direction) try {
+JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, AgentSwitch direction) try {
     const std::string label = validate(record).label;
     const auto entryToRestore = [&] { return restorableEntry(label, direction); };
     // Again under the lock, which may have been waited for.
-    if (const auto entry = entryToRestore()) return engine_.restore(*entry, false, entryToRestore);
+    if (const auto entry = entryToRestore()) return engine_.restore(entry->id, false, entryToRestore);
 
     captured(record, direction);  // before the lock's file is made, so that a refusal leaves nothing behind
     AgentChange change = engine_.beginAgentChange(label, [&] { return captured(record, direction); });
     const AgentCapture capture = change.entry.agent.value();
     AgentSteps steps = stepsFor(label);
     try {
-        direction == Direction::off ? switchOff(steps) : switchOn(steps, capture.plistPath);
+        steps.carryOut(AgentCommands::making(capture), capture.wasLoaded, capture.plistPath);
     } catch (const AgentToggleError& error) {
         Ending ending = undone(steps, capture, error.what());
         try {
@@ -212,47 +214,73 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, Direction dire
 }
 
 // Refuses what may not be switched; otherwise what the change starts from.
-AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, Direction direction) const {
+AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, AgentSwitch direction) const {
     const Validated agent = validate(record);
     const AgentState before = stepsFor(agent.label).settledState();
-    checkTurns(agent.label, before, direction == Direction::off);
+    checkTurns(agent.label, before, direction);
     if (isLeaving(before.loaded)) throw refused(agent.label + " is about to end; try again when it has.");
     checkSource(before.loaded, agent.label, agent.plistPath);
     return {agent.label, agent.plistPath, before.loaded.isLoaded(), before.override};
 }
 
-// A loaded agent that was disabled is loaded first: launchd loads none that is disabled.
-void AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
-    const bool wasDisabled = capture.override == AgentOverride::disabled;
-    const bool missing = capture.wasLoaded && !steps.settledState().loaded.isLoaded();
-    if (missing) checkLoadable(capture);
-    if (!wasDisabled || missing) steps.enable();
-    if (missing) steps.bootstrap(capture.plistPath);
-    if (!capture.wasLoaded) steps.bootout();
-    if (wasDisabled) steps.disable();
-    steps.expect(wasDisabled ? AgentOverride::disabled : AgentOverride::enabled, capture.wasLoaded);
+// The journal is a file like any other, and its label may be that of somebody else's job: so a job that is
+// loaded from elsewhere is never ended, and otherwise a file of the folder has to have the label. Gives a
+// sentence when it is as far back as it goes.
+std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
+    const AgentState now = steps.settledState();
+    const auto file = folder_.jobFile(capture.label, capture.plistPath);
+    if (!isOwn(now.loaded, file.has_value())) {
+        if (isAsCaptured(now, capture)) return std::nullopt;
+        if (!now.loaded.isLoaded()) return putBackWithoutFile(steps, capture);
+        if (!capture.wasLoaded || !file)
+            throw refused(capture.label + " is loaded from " + now.loaded.path.value_or("an unknown place") +
+                          ", which is not in your LaunchAgents folder; it is not changed.");
+    }
+    steps.carryOut(AgentCommands::undoing(capture), now.loaded.isLoaded(),
+                   file ? file->string() : capture.plistPath);
+    return std::nullopt;
+}
+
+// What is allowed again starts nothing; to turn something off, it has to be the user's.
+std::optional<std::string> AgentToggle::putBackWithoutFile(AgentSteps& steps,
+                                                           const AgentCapture& capture) const {
+    const std::string noFile =
+        "No file in your LaunchAgents folder has the label " + capture.label + " any more, so ";
+    if (capture.turnedOn()) return noFile + "there was nothing to turn off.";
+    steps.carryOut({{{AgentCommand::Verb::enable}}, {false, false}}, false, {});
+    if (!capture.wasLoaded) return std::nullopt;
+    return noFile + "it is allowed again, but there was nothing to load.";
+}
+
+// Whether it is the user's own. Where launchd does not say where it comes from, a file has to speak for it.
+bool AgentToggle::isOwn(const LoadedState& loaded, bool hasFile) const {
+    return loaded.isLoaded() && loaded.path ? folder_.holds(*loaded.path) : hasFile;
 }
 
 // A failed entry is no longer active: before it becomes one, the agent has to be as it was, and to stay so.
 // Otherwise recovery tries again.
 AgentToggle::Ending AgentToggle::undone(AgentSteps& steps, const AgentCapture& capture,
                                         std::string reason) const try {
-    if (steps.mayHaveChanged() && !isAsCaptured(steps.settledState(), capture)) putBack(steps, capture);
+    if (steps.mayHaveChanged() && !isAsCaptured(steps.settledState(), capture))
+        if (const auto remark = putBack(steps, capture))
+            return {EntryStatus::capturing, joined(std::move(reason), *remark)};
     if (steps.mayStillChange())
-        return {EntryStatus::capturing, reason + " The stopped command may still take effect."};
+        return {EntryStatus::capturing,
+                joined(std::move(reason), "The stopped command may still take effect.")};
     return {EntryStatus::failed, std::move(reason)};
 } catch (const AgentToggleError& stuck) {
-    return {EntryStatus::capturing, reason + " " + stuck.what()};
+    return {EntryStatus::capturing, joined(std::move(reason), stuck.what())};
 }
 
 // The active change that this request undoes, if there is one. Refuses when it is not as that change left it.
-std::optional<Uuid> AgentToggle::restorableEntry(const std::string& label, Direction direction) const {
-    const auto entry = engine_.journal().activeEntry(agentTweakID(label));
+std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& label,
+                                                         AgentSwitch direction) const {
+    auto entry = engine_.journal().activeEntry(agentTweakID(label));
     if (!entry) return std::nullopt;
     if (entry->status != EntryStatus::applied || !entry->agent)
         throw refused(label + " has an interrupted change; restore it from the Journal first.");
-    const bool turnedOn = brellTurnedOn(*entry->agent);
-    if (!undoes(direction, *entry))
+    const bool turnedOn = entry->agent->turnedOn();
+    if (turnedOn != (direction == AgentSwitch::off))
         throw refused(label + " was changed outside Brell since Brell " +
                       (turnedOn ? "turned it on" : "turned it off") + "; restore it from the Journal first.");
     const AgentState now = currentState(label);
@@ -263,31 +291,14 @@ std::optional<Uuid> AgentToggle::restorableEntry(const std::string& label, Direc
                       (now.loaded.isLoaded() ? "loaded" : "not loaded") +
                       "); restore it from the Journal first.");
     checkSource(now.loaded, label, entry->agent->plistPath);
-    return entry->id;
+    return entry;
 }
 
-// Refuses a capture of what is not the user's own agent. The journal is a file like any other: what it says
-// is checked again.
+// Refuses a capture of what can't be the user's own agent.
 void AgentToggle::checkOwn(const AgentCapture& capture) const {
     checkLabel(capture.label);
-    if (!isDirectlyInside(resolvedPath(capture.plistPath)))
+    if (!folder_.holds(capture.plistPath))
         throw refused(capture.plistPath + " is outside your LaunchAgents folder.");
-}
-
-// Refuses a capture whose job file can't be loaded any more. It may have been replaced while a job was
-// waited for.
-void AgentToggle::checkLoadable(const AgentCapture& capture) const {
-    checkOwn(capture);
-    const fs::path file = resolvedPath(capture.plistPath);
-    std::error_code failed;
-    if (fs::status(file, failed).type() == fs::file_type::not_found)
-        throw refused("The file " + capture.plistPath + " is gone, so " + capture.label +
-                      " cannot be loaded again.");
-    checkStillLabelled(file, capture.label);
-}
-
-bool AgentToggle::isDirectlyInside(const fs::path& resolved) const {
-    return resolved.parent_path() == directory_ && resolved.filename().native().ends_with(".plist");
 }
 
 }  // namespace brell

@@ -1,21 +1,31 @@
 // Turns one of the user's own LaunchAgents off or on as a journaled change, and puts it back.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "BrellCore/Background/AgentFolder.h"
 #include "BrellCore/Background/AgentSteps.h"
 #include "BrellCore/Background/LaunchAgentReader.h"
 #include "BrellCore/Engine/TweakEngine.h"
 
 namespace brell {
 
-// Everything here blocks on launchctl: up to half a minute when it is slow. Off and on are each other's undo:
-// asking for the opposite of an applied change restores that change. Every refusal comes before the journal
-// is touched, every launchctl step after the entry is on disk.
+// What a switch would run, and where that leads.
+struct AgentPreview {
+    std::vector<std::string> commands;
+    AgentTarget target;
+    bool operator==(const AgentPreview&) const = default;
+};
+
+// Everything here blocks on launchctl: on a dozen commands or more, each of which may take as long as the
+// runner lets it, and for up to half a minute whenever a job takes its time to end. Off and on are each
+// other's undo: asking for the opposite of an applied change restores that change. Every refusal comes before
+// the journal is touched, every launchctl step after the entry is on disk.
 class AgentToggle final : public AgentRestoring {
 public:
     // What every command is built from; nothing of a record on screen reaches launchctl unchecked.
@@ -29,7 +39,13 @@ public:
     AgentToggle(CommandRunning& runner, TweakEngine& engine, std::uint32_t uid,
                 const std::filesystem::path& launchAgentsDirectory, Waiting waiting = Waiting::real());
 
-    std::string domain() const { return "gui/" + std::to_string(uid_); }
+    std::string domain() const { return AgentCommands::guiDomain(uid_); }
+
+    // Told, on the thread that waits, when a job takes its time to end, and how long it is given at most. To
+    // be set before the toggle is shared between threads.
+    void setWaitingHook(std::function<void(const std::string& label, std::chrono::seconds atMost)> hook) {
+        waiting_.tell = std::move(hook);
+    }
 
     // Why an agent can't be switched, as far as its record tells: a sentence; nothing when it can. Never
     // raises.
@@ -42,10 +58,12 @@ public:
     AgentOverrides overrides() const;
     AgentState currentState(const std::string& label, const AgentOverrides& known) const;
 
-    // The rendered commands that a change would run; those of the restore where it would undo an applied one.
+    // The rendered commands that a switch would run: those of the restore where it would undo an applied one.
+    // Refuses what an active change of the agent would make the switch refuse.
+    AgentPreview preview(const LaunchAgentRecord& record, AgentSwitch direction) const;
     std::vector<std::string> previewOff(const LaunchAgentRecord& record) const;
     std::vector<std::string> previewOn(const LaunchAgentRecord& record) const;
-    std::vector<std::string> previewRestore(const AgentCapture& capture) const;
+    std::vector<std::string> previewRestore(const AgentCapture& capture) const;  // never raises
 
     // Give the entry of the change, or the restored one. After an error the agent is as it was captured, or
     // its entry is still active and says why. One that is turned that way already is refused.
@@ -53,39 +71,36 @@ public:
     JournalEntry turnOn(const LaunchAgentRecord& record);
 
     // An override that was absent comes back as an explicit enabled one: launchctl can't remove an override.
-    void restore(const AgentCapture& capture) override;
+    // Loads the file of the folder that has the label now; gives a sentence where none has it any more.
+    std::optional<std::string> restore(const AgentCapture& capture) override;
 
     // The recorded change was a turning on.
-    static bool brellTurnedOn(const AgentCapture& capture) {
-        return capture.override == AgentOverride::disabled;
-    }
+    static bool brellTurnedOn(const AgentCapture& capture) { return capture.turnedOn(); }
 
 private:
-    enum class Direction { off, on };
-
     // How a change that did not succeed is recorded.
     struct Ending {
         EntryStatus status;
         std::string reason;
     };
 
-    static bool undoes(Direction direction, const JournalEntry& entry);
     AgentSteps stepsFor(const std::string& label) const;
-    std::vector<std::string> preview(const LaunchAgentRecord& record, Direction direction) const;
-    JournalEntry toggle(const LaunchAgentRecord& record, Direction direction);
-    AgentCapture captured(const LaunchAgentRecord& record, Direction direction) const;
-    void putBack(AgentSteps& steps, const AgentCapture& capture) const;
+    std::vector<std::string> rendered(const AgentPlan& plan, const std::string& label,
+                                      const std::string& jobFile) const;
+    JournalEntry toggle(const LaunchAgentRecord& record, AgentSwitch direction);
+    AgentCapture captured(const LaunchAgentRecord& record, AgentSwitch direction) const;
+    std::optional<std::string> putBack(AgentSteps& steps, const AgentCapture& capture) const;
+    std::optional<std::string> putBackWithoutFile(AgentSteps& steps, const AgentCapture& capture) const;
     Ending undone(AgentSteps& steps, const AgentCapture& capture, std::string reason) const;
-    std::optional<Uuid> restorableEntry(const std::string& label, Direction direction) const;
+    std::optional<JournalEntry> restorableEntry(const std::string& label, AgentSwitch direction) const;
     void checkOwn(const AgentCapture& capture) const;
-    void checkLoadable(const AgentCapture& capture) const;
-    bool isDirectlyInside(const std::filesystem::path& resolved) const;
+    bool isOwn(const LoadedState& loaded, bool hasFile) const;
 
     CommandRunning& runner_;
     TweakEngine& engine_;
     const std::uint32_t uid_;
-    const std::filesystem::path directory_;  // links resolved
-    const Waiting waiting_;
+    const AgentFolder folder_;
+    Waiting waiting_;
 };
 
 }  // namespace brell

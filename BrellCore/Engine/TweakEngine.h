@@ -24,8 +24,9 @@ namespace brell {
 class AgentRestoring {
 public:
     virtual ~AgentRestoring();
-    // Any exception derived from std::exception means that it is not back; its text is shown.
-    virtual void restore(const AgentCapture& capture) = 0;
+    // Any exception derived from std::exception means that it is not back; its text is shown. Gives a
+    // sentence when it is as far back as it can be, and why no further: nothing is left to undo then.
+    virtual std::optional<std::string> restore(const AgentCapture& capture) = 0;
 };
 
 // What restoring several entries came to.
@@ -143,7 +144,8 @@ private:
     JournalEntry restoreOne(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
-    JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held);
+    JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held,
+                              std::optional<std::string> remark = std::nullopt);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
                      const Journal::Exclusive& held);
 

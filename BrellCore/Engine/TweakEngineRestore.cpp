@@ -102,8 +102,7 @@ JournalEntry TweakEngine::restoreLocked(const Uuid& entryID, bool overridingDrif
             if (!entry.agent)
                 throw EngineError(Refused{"Entry " + entryID.text() + " has no agent capture."});
             if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
-            agentRestorer_->restore(*entry.agent);
-            return saveRestored(entry, held);
+            return saveRestored(entry, held, agentRestorer_->restore(*entry.agent));
         case EntryKind::preference: return restorePreferences(std::move(entry), overridingDrift, held);
     }
     return entry;
@@ -120,11 +119,12 @@ JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overriding
 }
 
 // Of an undo that is made: when it can't be saved, the journal still says what it said before.
-JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal::Exclusive& held) try {
+JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal::Exclusive& held,
+                                       std::optional<std::string> remark) try {
     JournalEntry restored = entry;
     restored.status = EntryStatus::restored;
     restored.restoredAt = settings_.clock();
-    restored.failure = std::nullopt;
+    restored.failure = std::move(remark);
     journal_.upsert(restored, held);
     return restored;
 } catch (const JournalError& error) {

@@ -70,7 +70,7 @@ constexpr std::string_view serviceLayout = R"({domain}/{label} = {{
 	domain = {domain} [100019]
 	asid = 100019
 	minimum runtime = 10
-	exit timeout = 5
+	exit timeout = {exitTimeout}
 	runs = {runs}
 {pid}	immediate reason = speculative
 	forks = 0
@@ -112,10 +112,10 @@ constexpr std::string_view serviceLayout = R"({domain}/{label} = {{
 }  // namespace
 
 std::string LaunchctlWords::service(std::string_view domain, std::string_view label, const SimulatedJob& job,
-                                    const std::filesystem::path& file) {
+                                    const JobManner& manner, const std::filesystem::path& file) {
     return fmt::format(fmt::runtime(serviceLayout), fmt::arg("domain", domain), fmt::arg("label", label),
-                       fmt::arg("active", job.pid ? 1 : 0), fmt::arg("file", file.string()),
-                       fmt::arg("state", job.state),
+                       fmt::arg("active", job.pid ? 1 : 0), fmt::arg("exitTimeout", manner.exitTimeout),
+                       fmt::arg("file", file.string()), fmt::arg("state", job.state),
                        fmt::arg("program", job.arguments.empty() ? "(unknown)" : job.arguments.front()),
                        fmt::arg("arguments", argumentLines(job)), fmt::arg("runs", job.runs),
                        fmt::arg("pid", job.pid ? fmt::format("\tpid = {}\n", *job.pid) : ""),

@@ -37,7 +37,8 @@ PlistValue written(bool flag) {
 PlistValue written(const JobManner& manner) {
     PlistDictionary fields{{{"AsksToLeave", written(manner.asksToLeave)},
                             {"BootoutAnswer", written(manner.bootoutAnswer)},
-                            {"BootstrapAnswer", written(manner.bootstrapAnswer)}}};
+                            {"BootstrapAnswer", written(manner.bootstrapAnswer)},
+                            {"ExitTimeout", written(manner.exitTimeout)}}};
     if (manner.failsWith) fields.set("FailsWith", written(*manner.failsWith));
     return {std::move(fields)};
 }
@@ -81,7 +82,8 @@ SimulatedJob jobFrom(const PlistValue& value) {
 JobManner mannerFrom(const PlistValue& value) {
     const auto& fields = typed<PlistDictionary>(value, "A manner");
     return {field<std::int64_t>(fields, "AsksToLeave"), field<std::int64_t>(fields, "BootoutAnswer"),
-            field<std::int64_t>(fields, "BootstrapAnswer"), optionalNumber(fields, "FailsWith")};
+            field<std::int64_t>(fields, "BootstrapAnswer"), optionalNumber(fields, "FailsWith"),
+            field<std::int64_t>(fields, "ExitTimeout")};
 }
 
 bool overrideFrom(const PlistValue& value) {

@@ -30,6 +30,7 @@ struct JobManner {
     std::int64_t bootoutAnswer = 0;     // of the bootout that makes it leave: 0 or 36, operation in progress
     std::int64_t bootstrapAnswer = 37;  // of a bootstrap while it is leaving: 37 or 5
     std::optional<std::int64_t> failsWith;  // the exit code with which it ends whenever it is started
+    std::int64_t exitTimeout = 5;           // seconds, as launchd shows it; asksToLeave may use it up
     bool operator==(const JobManner&) const = default;
 };
 

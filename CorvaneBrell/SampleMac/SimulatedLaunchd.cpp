@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Support/FileLock.h"
 #include "CorvaneBrell/SampleMac/LaunchctlWords.h"
 
@@ -107,7 +108,7 @@ void SimulatedLaunchd::setManner(const std::string& label, const JobManner& mann
 
 CommandResult SimulatedLaunchd::answer(const AllowedCommand& command, LaunchdState& state) const {
     if (command.kind == Kind::launchctlPrint) return print(command, state);
-    const bool isOurs = command.subject == fmt::format("gui/{}", uid_);
+    const bool isOurs = command.subject == AgentCommands::guiDomain(uid_);
     switch (command.kind) {
         case Kind::launchctlPrintDisabled:
             if (!isOurs) return {noSuchDomain, "", "Bad request.\nCould not find domain\n"};
@@ -129,7 +130,7 @@ CommandResult SimulatedLaunchd::answer(const AllowedCommand& command, LaunchdSta
 }
 
 CommandResult SimulatedLaunchd::print(const AllowedCommand& command, LaunchdState& state) const {
-    const std::string domain = fmt::format("gui/{}", uid_);
+    const std::string domain = AgentCommands::guiDomain(uid_);
     if (command.subject == domain || command.subject == domain + "/")
         return done(LaunchctlWords::services(domain, state));
     if (!command.subject.starts_with(domain + "/"))
@@ -144,7 +145,8 @@ CommandResult SimulatedLaunchd::print(const AllowedCommand& command, LaunchdStat
         return {noSuchService, "",
                 fmt::format("Bad request.\nCould not find service \"{}\" in domain for user gui: {}\n", label,
                             uid_)};
-    return done(LaunchctlWords::service(domain, label, found->second, root_ / found->second.file));
+    return done(LaunchctlWords::service(domain, label, found->second, mannerOf(state, label),
+                                        root_ / found->second.file));
 }
 
 CommandResult SimulatedLaunchd::bootout(const std::string& label, LaunchdState& state) const {

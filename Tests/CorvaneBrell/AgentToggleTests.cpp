@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
+#include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/FileLock.h"
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 
@@ -23,6 +26,15 @@ protected:
         tools->run(AllowedCommand::launchctlBootout("gui/501", label));
         return entry;
     }
+
+    // What a journal may claim that nobody did.
+    Uuid claimed(const AgentCapture& capture) {
+        now += 1s;
+        return engine
+            .finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::applied, {})
+            .id;
+    }
+    std::string launchdState() const { return contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())); }
 
     const std::string plain = "homebrew.mxcl.redis";
 };
@@ -51,6 +63,7 @@ TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
     const std::string noLabel = "This plist has no Label, so launchd cannot address it.";
     const fs::path sibling = mac.home() / "Library/LaunchAgents2/a.plist";
     const fs::path otherSuffix = mac.launchAgents() / "a.PLIST";
+    const LaunchAgentRecord linked = record("io.quillmark.backup.plist");
 
     const std::vector<std::pair<LaunchAgentRecord, std::string>> refusals{
         {reader().systemAgents().front(),
@@ -64,14 +77,18 @@ TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
         {record("com.apple.cleanup-helper.plist"),
          "com.apple.cleanup-helper is an Apple or Brell item; it is never changed."},
         {labelled("com.corvane.brell"), "com.corvane.brell is an Apple or Brell item; it is never changed."},
-        {record("io.quillmark.backup.plist"),
+        {linked,
+         linked.plist.path +
+             " is a link to ../../Dotfiles/io.quillmark.backup.plist, not a file directly inside your "
+             "LaunchAgents folder."},
+        {with([&](LaunchAgentRecord& record) { record.plist = LaunchAgentPlist::read(linked.plist.path); }),
          notDirectlyInside(mac.home() / "Dotfiles/io.quillmark.backup.plist")},
         {at(sibling), notDirectlyInside(sibling)},
         {at(otherSuffix), notDirectlyInside(otherSuffix)},
         {labelled("com.example.other"),
          "The plist's Label (homebrew.mxcl.redis) does not match com.example.other."},
     };
-    const std::string launchdBefore = contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot()));
+    const std::string launchdBefore = launchdState();
     for (const auto& [record, message] : refusals) {
         for (const auto change : {&AgentToggle::turnOff, &AgentToggle::turnOn})
             EXPECT_EQ(failureOf<AgentToggleError>([&] { (toggle.*change)(record); }),
@@ -79,7 +96,7 @@ TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
         EXPECT_EQ(messageOf([&] { toggle.previewOff(record); }), message);
         EXPECT_EQ(messageOf([&] { toggle.previewOn(record); }), message);
     }
-    EXPECT_EQ(contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())), launchdBefore);
+    EXPECT_EQ(launchdState(), launchdBefore);
     EXPECT_EQ(namesIn(journalDirectory), Names{});
 }
 
@@ -92,7 +109,7 @@ TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
 }
 
 TEST_F(AgentToggleTest, RefusesASwitchThatStandsThatWayAlreadyAndLeavesNothingBehind) {
-    const std::string launchdBefore = contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot()));
+    const std::string launchdBefore = launchdState();
     EXPECT_EQ(messageOf([&] { toggle.turnOff(agent("com.spotify.client.startuphelper")); }),
               "com.spotify.client.startuphelper is already turned off.");
     EXPECT_EQ(messageOf([&] { toggle.turnOff(agent("com.tallowgate.agent")); }),
@@ -100,7 +117,7 @@ TEST_F(AgentToggleTest, RefusesASwitchThatStandsThatWayAlreadyAndLeavesNothingBe
     for (const char* label : {"homebrew.mxcl.redis", "us.zoom.updater", "org.fernwright.notes"})
         EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(label)); }),
                   std::string(label) + " is not turned off.");
-    EXPECT_EQ(contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())), launchdBefore);
+    EXPECT_EQ(launchdState(), launchdBefore);
     EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
 }
 
@@ -181,14 +198,23 @@ TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
         restoring(true, AgentOverride::disabled),
         (Lines{enable + " (only if it is not loaded)", bootstrap + " (only if it is not loaded)", disable}));
 
-    // The opposite of an applied change restores that change.
+    // The opposite of an applied change restores that change; what the switch would refuse is refused.
     const JournalEntry off = toggle.turnOff(agent(plain));
-    EXPECT_EQ(toggle.previewOn(agent(plain)), toggle.previewRestore(*off.agent));
-    EXPECT_EQ(toggle.previewOff(agent(plain)), (Lines{bootout, disable}));
+    EXPECT_EQ(toggle.preview(agent(plain), AgentSwitch::on),
+              (AgentPreview{toggle.previewRestore(*off.agent), {false, true}}));
+    EXPECT_EQ(messageOf([&] { toggle.previewOff(agent(plain)); }),
+              messageOf([&] { toggle.turnOff(agent(plain)); }));
     const JournalEntry on = toggle.turnOn(agent("com.spotify.client.startuphelper"));
-    EXPECT_EQ(toggle.previewOff(agent(on.agent->label)), toggle.previewRestore(*on.agent));
+    EXPECT_EQ(toggle.preview(agent(on.agent->label), AgentSwitch::off),
+              (AgentPreview{toggle.previewRestore(*on.agent), {true, false}}));
     interruptedTurningOff("com.lumenfold.sync");
-    EXPECT_EQ(toggle.previewOn(agent("com.lumenfold.sync")).size(), 2u);
+    EXPECT_EQ(messageOf([&] { toggle.previewOn(agent("com.lumenfold.sync")); }),
+              "com.lumenfold.sync has an interrupted change; restore it from the Journal first.");
+
+    const fs::path renamed = mac.launchAgents() / "renamed.plist";
+    fs::rename(fileOf(plain), renamed);
+    EXPECT_EQ(toggle.previewRestore(*off.agent).back(),
+              "/bin/launchctl bootstrap gui/501 " + renamed.string() + " (only if it is not loaded)");
 }
 
 // Plain, slow, slow and talkative, crash-looping, in the binary form.
@@ -243,19 +269,41 @@ TEST_F(AgentToggleTest, TurnsOnWhatWasOffAndOffAgain) {
     EXPECT_EQ(stateOf(label), "disabled, not loaded");
 }
 
-TEST_F(AgentToggleTest, WaitsFiveSecondsForAJobToGo) {
-    tools->launchd().setManner(plain, {200, 0, 37, {}});
+TEST_F(AgentToggleTest, WaitsAsLongAsLaunchdGivesAJobToEnd) {
+    std::vector<std::string> told;
+    toggle.setWaitingHook([&](const std::string& label, std::chrono::seconds atMost) {
+        told.push_back(label + " " + std::to_string(atMost.count()));
+    });
+    tools->launchd().setManner(plain, {40, 36, 37, {}, 8});  // 8 seconds
+    toggle.turnOff(agent(plain));
+    EXPECT_EQ(told, std::vector{plain + " 13"});
+    EXPECT_EQ(stateOf(plain), "disabled, not loaded");
+
+    const std::string turnedOn = "com.spotify.client.startuphelper";
+    tools->launchd().setManner(turnedOn, {40, 0, 37, {}, 8});
+    toggle.turnOn(agent(turnedOn));
+    EXPECT_EQ(toggle.turnOff(agent(turnedOn)).status, EntryStatus::restored);
+
+    const std::string unlimited = "com.halverson.duskwatch";
+    tools->launchd().setManner(unlimited, {140, 0, 37, {}, 0});
+    toggle.turnOff(agent(unlimited));
+    EXPECT_EQ(told.back(), unlimited + " 30");
+}
+
+TEST_F(AgentToggleTest, AJobThatOutlivesItsTimeStaysInterrupted) {
+    tools->launchd().setManner(plain, {500, 0, 37, {}, 60});
     const auto error = thrownBy<AgentToggleError>([&] { toggle.turnOff(agent(plain)); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->failure(), (AgentToggleFailure{AgentToggleProblem::verifyFailed,
                                                     plain + " is loaded, expected not loaded"}));
     // As long for the way back, before it is looked at and while it is under way, and no longer.
-    EXPECT_GE(time.slept, 10s);
-    EXPECT_LE(time.slept, 20s);
+    EXPECT_GE(time.slept, 60s);
+    EXPECT_LE(time.slept, 120s);
     const auto entry = journal.activeEntry("agent:" + plain);
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->status, EntryStatus::capturing);
-    EXPECT_TRUE(entry->failure->starts_with(error->what())) << *entry->failure;
+    EXPECT_TRUE(entry->failure->starts_with(error->what() + std::string(". After the change, launchd ")))
+        << *entry->failure;
     EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
               plain + " has an interrupted change; restore it from the Journal first.");
 
@@ -271,6 +319,21 @@ TEST_F(AgentToggleTest, WaitsFiveSecondsForAJobToGo) {
     EXPECT_EQ(stateOf(plain), "enabled, not loaded");  // gone at last
     EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
     EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+TEST_F(AgentToggleTest, ASwitchIsDoneWhenLaunchdShowsIt) {
+    const std::string off = "com.spotify.client.startuphelper";
+    for (const auto lying :
+         {AllowedCommand::Kind::launchctlEnable, AllowedCommand::Kind::launchctlBootstrap}) {
+        const bool isEnable = lying == AllowedCommand::Kind::launchctlEnable;
+        const std::string label = isEnable ? "com.tallowgate.agent" : off;  // the first is loaded already
+        tools->failNext(lying, ToolFault::lying());
+        EXPECT_EQ(
+            messageOf([&] { toggle.turnOn(agent(label)); }),
+            "After the change, launchd reports something else: " + label +
+                (isEnable ? " override is disabled, expected enabled" : " is not loaded, expected loaded"));
+        EXPECT_EQ(journal.all().back().status, EntryStatus::failed);
+    }
 }
 
 TEST_F(AgentToggleTest, AJobThatIsStillLeavingIsNotTakenForPutBack) {
@@ -302,36 +365,114 @@ TEST_F(AgentToggleTest, JudgesABootstrapByWhatLaunchdThenShows) {
     }
 }
 
-TEST_F(AgentToggleTest, RestoringSaysWhichFileIsGoneOrChangedAndGoesOn) {
-    const std::string gone = "com.lumenfold.sync";
-    const std::string replaced = "io.verdigris.relay";
-    const std::string linked = "us.zoom.updater";
-    const std::string goneButLoaded = "com.orrerylabs.telemetry";
-    for (const std::string& label : {gone, plain, replaced, linked}) {
+TEST_F(AgentToggleTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHas) {
+    const std::string renamed = "com.halverson.duskwatch", gone = "com.lumenfold.sync";
+    const std::string replaced = "io.verdigris.relay", linked = "us.zoom.updater";
+    const std::string neverLoaded = "org.fernwright.notes", goneButLoaded = "com.orrerylabs.telemetry";
+    const std::string turnedOn = "com.spotify.client.startuphelper";
+    for (const std::string& label : {renamed, gone, replaced, linked, neverLoaded}) {
         now += 1s;
         toggle.turnOff(agent(label));
     }
+    toggle.turnOn(agent(turnedOn));
     interruptedTurningOff(goneButLoaded);
     tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(goneButLoaded).string()));
-    fs::remove(fileOf(gone));
-    fs::remove(fileOf(goneButLoaded));
+    tools->run(AllowedCommand::launchctlBootout("gui/501", turnedOn));
+    for (const std::string& label : {gone, neverLoaded, goneButLoaded, turnedOn}) fs::remove(fileOf(label));
+    fs::rename(fileOf(renamed), mac.launchAgents() / "renamed.plist");
     setContents(fileOf(replaced), jobFile("com.example.other"));
     fs::rename(fileOf(linked), mac.home() / "elsewhere.plist");
     fs::create_symlink(mac.home() / "elsewhere.plist", fileOf(linked));
 
-    const RestoreAllOutcome outcome = engine.restoreAll({});
+    // Whether one has it is not known while the folder can't be read.
+    fs::rename(mac.launchAgents(), mac.home() / "away");
+    setContents(mac.launchAgents(), "");
+    const std::string unread =
+        "Your LaunchAgents folder " + mac.launchAgents().string() + " can't be read: Not a directory.";
+    for (const auto& [id, reason] : engine.restoreAll({}).failed) EXPECT_EQ(reason, unread);
+    EXPECT_EQ(journal.active().size(), 7u);
+    fs::remove(mac.launchAgents());
+    fs::rename(mac.home() / "away", mac.launchAgents());
 
-    std::set<std::string> reasons;
-    for (const auto& [id, reason] : outcome.failed) reasons.insert(reason);
-    EXPECT_EQ(reasons, (Names{"The file " + fileOf(gone).string() + " is gone, so " + gone +
-                                  " cannot be loaded again.",
-                              "The plist's Label (com.example.other) does not match " + replaced + ".",
-                              fileOf(linked).string() + " is outside your LaunchAgents folder."}));
-    EXPECT_EQ(outcome.restored.size(), 2u);
-    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+    const RestoreAllOutcome outcome = engine.restoreAll({});
+    EXPECT_EQ(outcome.failed.size(), 0u);
+    EXPECT_EQ(outcome.restored.size(), 7u);
+    const auto noFile = [](const std::string& label, const char* end) {
+        return "No file in your LaunchAgents folder has the label " + label + " any more, so " + end;
+    };
+    std::map<std::string, std::optional<std::string>> remarks;
+    for (const JournalEntry& entry : journal.all()) remarks[entry.agent->label] = entry.failure;
+    std::map<std::string, std::optional<std::string>> expected{
+        {turnedOn, noFile(turnedOn, "there was nothing to turn off.")},
+        {renamed, {}},
+        {neverLoaded, {}},
+        {goneButLoaded, {}}};
+    for (const std::string& label : {gone, replaced, linked}) {
+        expected[label] = noFile(label, "it is allowed again, but there was nothing to load.");
+        EXPECT_EQ(stateOf(label), "enabled, not loaded");
+    }
+    EXPECT_EQ(remarks, expected);
+    EXPECT_EQ(toggle.currentState(renamed).loaded.path, mac.launchAgents() / "renamed.plist");
+    EXPECT_EQ(stateOf(neverLoaded), "enabled, not loaded");
     EXPECT_EQ(stateOf(goneButLoaded), "enabled, loaded");
-    EXPECT_EQ(stateOf(gone), "disabled, not loaded");
-    EXPECT_EQ(journal.active().size(), 3u);
+
+    tools->run(AllowedCommand::launchctlDisable("gui/501", turnedOn));  // as it was before Brell
+    EXPECT_EQ(toggle.restore({turnedOn, fileOf(turnedOn).string(), false, AgentOverride::disabled}),
+              std::nullopt);
+}
+
+TEST_F(AgentToggleTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
+    const std::string admins = "com.halverson.duskwatch.menu", absent = "com.example.absent";
+    const std::string adminsFile =
+        (mac.systemRoot() / "Library/LaunchAgents/com.halverson.duskwatch.menu.plist").string();
+    tools->run(AllowedCommand::launchctlBootstrap("gui/501", adminsFile));
+    const std::string launchdBefore = launchdState();
+    for (const bool wasLoaded : {false, true})
+        for (const AgentOverride override : {AgentOverride::disabled, AgentOverride::enabled}) {
+            const Uuid id = claimed({admins, fileOf(admins).string(), wasLoaded, override});
+            const bool isSo = wasLoaded && override == AgentOverride::enabled;  // nothing is to be done
+            EXPECT_EQ(messageOf([&] { EXPECT_TRUE(engine.restore(id, false).restoredAt && isSo); }),
+                      isSo ? ""
+                           : admins + " is loaded from " + adminsFile +
+                                 ", which is not in your LaunchAgents folder; it is not changed.");
+            JournalEntry entry = *journal.entry(id);
+            entry.status = EntryStatus::restored;
+            journal.upsert(entry);
+        }
+    claimed({absent, fileOf(absent).string(), false, AgentOverride::disabled});
+    claimed({"com.apple.x", fileOf(absent).string(), false, AgentOverride::disabled});
+    claimed({"com.example.x", "/Library/LaunchAgents/x.plist", false, AgentOverride::disabled});
+    EXPECT_EQ(engine.restoreAll({}).failed.size(), 2u);
+    EXPECT_EQ(launchdState(), launchdBefore);
+
+    // With a twin of the user's the override may be changed; the job of others is not ended all the same.
+    setContents(fileOf(admins), jobFile(admins));
+    const Uuid id = claimed({admins, fileOf(admins).string(), false, AgentOverride::disabled});
+    EXPECT_THROW(engine.restore(id, false), AgentToggleError);
+    EXPECT_EQ(launchdState(), launchdBefore);
+}
+
+TEST_F(AgentToggleTest, LoadsTheFileThatWasCheckedNotALinkToIt) {
+    fs::create_symlink(mac.home(), mac.systemRoot() / "alias");
+    const fs::path byLink = mac.systemRoot() / "alias/Library/LaunchAgents" / (plain + ".plist");
+    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    std::vector<std::string> loaded;
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind == AllowedCommand::Kind::launchctlBootstrap) loaded.push_back(command.item);
+        return std::nullopt;
+    });
+    EXPECT_EQ(toggle.restore({plain, byLink.string(), true, AgentOverride::enabled}), std::nullopt);
+    EXPECT_EQ(loaded, std::vector{fileOf(plain).string()});
+}
+
+TEST_F(AgentToggleTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
+    const fs::path renamed = mac.launchAgents() / "renamed.plist";
+    fs::rename(fileOf(plain), renamed);
+    EXPECT_EQ(toggle.whyNotSwitched(record("renamed.plist")), std::nullopt);
+    const JournalEntry off = toggle.turnOff(record("renamed.plist"));
+    EXPECT_EQ(off.agent->plistPath, renamed);
+    engine.restore(off.id, false);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
 }
 
 // What else happens while an agent is switched: late commands, other processes, files that are replaced.
@@ -351,6 +492,26 @@ TEST_F(AgentToggleTest, AStoppedCommandThatActsLateIsUndoneByRecovery) {
         EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
         EXPECT_EQ(stateOf(plain), "enabled, loaded");
     }
+}
+
+TEST_F(AgentToggleTest, AProcessThatIsStoppedForItsTimeMayHaveSetOffMore) {
+    const std::string late =
+        "BRELL_SAMPLE_MAC='" + mac.systemRoot().string() + "' '" BRELL_LAUNCHCTL "' bootout gui/501/" + plain;
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind != AllowedCommand::Kind::launchctlBootout) return std::nullopt;
+        const auto ended =
+            runProcess("/bin/sh", {"-c", "(sleep 0.4; " + late + ") >/dev/null 2>&1 & exec sleep 60"}, 0.1);
+        const auto* problem = std::get_if<CommandProblem>(&ended);
+        EXPECT_TRUE(problem && *problem == CommandProblem::timedOut);
+        return problem ? std::optional(ToolFault::hanging()) : std::nullopt;
+    });
+    EXPECT_THROW(toggle.turnOff(agent(plain)), AgentToggleError);
+    tools->interfere({});
+    EXPECT_EQ(journal.activeEntry("agent:" + plain).value().status, EntryStatus::capturing);
+
+    while (stateOf(plain).ends_with(", loaded")) std::this_thread::sleep_for(10ms);
+    EXPECT_EQ(engine.recoverInterrupted().restored.size(), 1u);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
 }
 
 TEST_F(AgentToggleTest, TheCaptureIsMadeUnderTheLock) {
@@ -389,7 +550,8 @@ TEST_F(AgentToggleTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
     const std::string foreign = "com.example.other";
     const fs::path file = fileOf(plain);
     const std::string fileContents = contentsOf(file);
-    const std::string mismatch = "The plist's Label (" + foreign + ") does not match " + plain + ".";
+    const std::string noFile = "No file in your LaunchAgents folder has the label " + plain +
+                               " any more, so it is allowed again, but there was nothing to load.";
     tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
         if (command.kind != AllowedCommand::Kind::launchctlDisable) return std::nullopt;
         setContents(file, jobFile(foreign));
@@ -399,19 +561,19 @@ TEST_F(AgentToggleTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
     tools->interfere({});
     const auto entry = journal.activeEntry("agent:" + plain);
     ASSERT_TRUE(entry) << message;
-    EXPECT_EQ(entry->failure, message + " " + mismatch);
+    EXPECT_EQ(entry->failure, message + ". " + noFile);
     EXPECT_EQ(stateOf(foreign), "absent, not loaded");
     setContents(file, fileContents);
     EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
 
     // The job takes longer to go than it is waited for: it is not missing yet, then it is.
-    tools->launchd().setManner(plain, {40, 0, 37, {}});
+    tools->launchd().setManner(plain, {80, 0, 37, {}});
     tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
     setContents(file, jobFile(foreign));
-    const auto restore = [&] { toggle.restore({plain, file.string(), true, AgentOverride::enabled}); };
+    const auto restore = [&] { return toggle.restore({plain, file.string(), true, AgentOverride::enabled}); };
     EXPECT_EQ(messageOf(restore), "After the change, launchd reports something else: " + plain +
                                       " is not loaded, expected loaded");
-    EXPECT_EQ(messageOf(restore), mismatch);
+    EXPECT_EQ(restore(), noFile);
     EXPECT_EQ(stateOf(foreign), "absent, not loaded");
 }
 

@@ -240,9 +240,10 @@ TEST_F(TweakEngineTest, AnEntryThatCannotBeReadHasDrifted) {
 
 class RememberingRestorer final : public AgentRestoring {
 public:
-    void restore(const AgentCapture& capture) override {
+    std::optional<std::string> restore(const AgentCapture& capture) override {
         if (!trouble.empty()) throw std::runtime_error(trouble);
         restored.push_back(capture);
+        return "The file is gone.";
     }
     std::string trouble;
     std::vector<AgentCapture> restored;
@@ -273,6 +274,7 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     restorer.trouble.clear();
     EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{id}, {}, {}, {}}));
     EXPECT_EQ(restorer.restored, std::vector{capture});
+    EXPECT_EQ(journal.entry(id)->failure, "The file is gone.");
 
     // What launchctl printed need not be text; it is kept all the same.
     expected = engine.finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::failed,
