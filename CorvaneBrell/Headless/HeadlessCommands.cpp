@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Headless/HeadlessCommands.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 
@@ -135,7 +137,8 @@ bool restoreAll(Dependencies& deps, std::ostream& out) {
         printLine(out, "drifted entries confirmed for restore: " + std::to_string(confirmed.size()));
 
     const RestoreAllOutcome outcome = deps.engine.restoreAll(confirmed);
-    for (const Uuid& id : outcome.restored) printLine(out, "restored " + id.text());
+    for (const JournalEntry& entry : deps.journal->entries(outcome.restored))
+        printLine(out, "restored " + entry.id.text() + (entry.failure ? ": " + *entry.failure : ""));
     for (const auto& [id, message] : outcome.failed) printLine(out, "failed " + id.text() + ": " + message);
     const std::size_t stillActive = deps.journal->active().size();
     if (stillActive > 0) printLine(out, "still active: " + std::to_string(stillActive));
@@ -153,6 +156,9 @@ int run(Dependencies& deps, std::ostream& out, std::ostream& warnings) {
         for (const std::string& warning : safetyWarnings(deps.machine))
             printLine(warnings, "warning: " + warning);
     if (options.quitAfterCapture) return quitAfterCapture(deps, *options.quitAfterCapture, out);
+    deps.toggle.setWaitingHook([&out](const std::string& label, std::chrono::seconds atMost) {
+        printLine(out, fmt::format("waiting up to {} seconds for {} to end", atMost.count(), label));
+    });
     bool allWell = true;
     if (options.applyAll) allWell &= applyAll(deps, out);
     if (options.toggleAgent) allWell &= toggleAgent(deps, *options.toggleAgent, out);

@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Model/AppModel.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "BrellCore/Engine/Report.h"
@@ -57,6 +59,10 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
                               ". Nothing can be changed until this is fixed.";
     }
     ownStore_ = deps_->machine.ownStore.get();
+    // Agents are switched and put back on the changes' lane only.
+    deps_->toggle.setWaitingHook([this](const std::string& label, std::chrono::seconds atMost) {
+        reportProgress(fmt::format("Waiting up to {} seconds for {} to end", atMost.count(), label), 0, 0);
+    });
     if (this->options().dryRun) {
         dryRunOwnStore_ = std::make_unique<DryRunStore>(*ownStore_, out);
         ownStore_ = dryRunOwnStore_.get();

@@ -54,7 +54,7 @@ std::string event(const HistoryLine& line) {
         case EntryStatus::failed: return "Failed" + (reason.empty() ? ": no reason was recorded." : reason);
         case EntryStatus::restored: break;
     }
-    return "Restored";
+    return "Restored" + reason;
 }
 
 std::vector<ToldLine> told(const std::vector<HistoryLine>& history, const TweakCatalog& catalog) {
