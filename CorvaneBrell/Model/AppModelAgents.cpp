@@ -1,10 +1,42 @@
 // What is read with the system's tools, and switching LaunchAgents: always beside the main thread.
 
 #include <algorithm>
+#include <functional>
+#include <string_view>
 
 #include "CorvaneBrell/Model/AppModel.h"
 
 namespace brell {
+
+namespace {
+
+// What launchd does with agents that are all led to the same.
+std::string_view wordsFor(const AgentTarget& target) {
+    if (target == AgentTarget{true, false}) return "launchd stops it now and starts it no more at login.";
+    if (target == AgentTarget{true, true})
+        return "launchd starts it no more at login. It stays loaded until you log out, as it was before "
+               "Brell "
+               "turned it on.";
+    if (target == AgentTarget{false, true}) return "launchd starts it again, now and at each login.";
+    return "launchd starts it again at each login, but not now: it was not loaded before Brell turned it "
+           "off.";
+}
+
+}  // namespace
+
+std::string AgentConfirmRequest::explanation() const {
+    const bool isSame =
+        std::adjacent_find(targets.begin(), targets.end(), std::not_equal_to<>()) == targets.end();
+    std::string words = "Brell runs exactly these commands: ";
+    if (isSame && !targets.empty())
+        words += wordsFor(targets.front());
+    else
+        words += turningOn ? "launchd starts them again at each login, and now those that were loaded before "
+                             "Brell turned them off."
+                           : "launchd starts them no more at login, and stops now those that were not loaded "
+                             "before Brell turned them on.";
+    return turningOn ? words : words + " The file that describes it stays as it is.";
+}
 
 // Rows are shown as they are read: first what the files say, then what launchd says of each agent, then with
 // the task database, which takes seconds.
@@ -160,15 +192,17 @@ void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
         });
 }
 
-// On the lane: reads the agents' job files.
+// On the lane: reads the agents' job files, and asks launchd about those that Brell has switched.
 AgentConfirmRequest AppModel::agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) const {
-    AgentConfirmRequest request{Uuid::random(), AgentConfirmRequest::Mode::single, "", {}, {}, {}, turnOn};
+    AgentConfirmRequest request{
+        Uuid::random(), AgentConfirmRequest::Mode::single, "", {}, {}, {}, turnOn, {}};
     for (const LaunchAgentRecord& agent : agents) {
         if (questions_.isEnding()) break;
         try {
-            const std::vector<std::string> commands =
-                turnOn ? deps_->toggle.previewOn(agent) : deps_->toggle.previewOff(agent);
-            request.commands.insert(request.commands.end(), commands.begin(), commands.end());
+            const AgentPreview preview =
+                deps_->toggle.preview(agent, turnOn ? AgentSwitch::on : AgentSwitch::off);
+            request.commands.insert(request.commands.end(), preview.commands.begin(), preview.commands.end());
+            request.targets.push_back(preview.target);
             request.agents.push_back(agent);
         } catch (const std::exception& error) {
             request.refusals.push_back(error.what());

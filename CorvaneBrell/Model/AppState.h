@@ -63,6 +63,9 @@ struct AgentConfirmRequest {
     std::vector<LaunchAgentRecord> agents;
     std::vector<std::string> refusals;  // why the others of the asked ones are left out
     bool turningOn;
+    std::vector<AgentTarget> targets;  // where each of the agents is led
+
+    std::string explanation() const;
     bool operator==(const AgentConfirmRequest&) const = default;
 };
 

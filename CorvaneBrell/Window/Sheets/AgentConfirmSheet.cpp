@@ -5,21 +5,8 @@
 
 namespace brell {
 
-namespace {
-
-QString explanation(const AgentConfirmRequest& request) {
-    if (request.turningOn)
-        return QObject::tr(
-            "Brell runs exactly these commands: launchd starts it again, now and at each login.");
-    return QObject::tr(
-        "Brell runs exactly these commands: launchd stops it now and starts it no more at login. The file "
-        "that describes it stays as it is.");
-}
-
-}  // namespace
-
 AgentConfirmSheet::AgentConfirmSheet(AppModel& model, QWidget* window, const AgentConfirmRequest& request)
-    : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelAgents) {
+    : RequestSheet(model, window, qt(request.title), qt(request.explanation()), &AppModel::cancelAgents) {
     addLines(tr("Commands"), qt(request.commands));
     addCard(request.refusals.size(), [refusals = request.refusals](std::size_t place) {
         return sheetRow({symbolLine("minus.circle", Tone::caution,

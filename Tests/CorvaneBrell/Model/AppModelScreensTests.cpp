@@ -59,6 +59,59 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_TRUE(model->state().driftedAgents.empty());
 }
 
+TEST_F(AppModelTest, ASwitchSaysBeforehandWhereItLeads) {
+    const auto model = openModel();
+    settled(*model)->loadLoginItems();
+    const auto ask = [&](const Texts& labels, bool turnOn) {
+        Texts rows;
+        for (const std::string& label : labels) rows.push_back(rowOf(*model, label)->id);
+        settled(*model)->askAgents(rows, turnOn);
+        return model->state().agentConfirm ? model->state().agentConfirm->explanation() : "";
+    };
+    const auto made = [&](const std::string& explanation) {
+        settled(*model)->confirmAgents();
+        return explanation;
+    };
+    const std::string commands = "Brell runs exactly these commands: ";
+    const std::string fileStays = " The file that describes it stays as it is.";
+    EXPECT_EQ(made(ask({"com.halverson.duskwatch", "org.fernwright.notes"}, false)),
+              commands + "launchd stops it now and starts it no more at login." + fileStays);
+    EXPECT_EQ(made(ask({"com.tallowgate.agent", "com.spotify.client.startuphelper"}, true)),
+              commands + "launchd starts it again, now and at each login.");
+
+    EXPECT_EQ(ask({"org.fernwright.notes"}, true),
+              commands +
+                  "launchd starts it again at each login, but not now: it was not loaded before Brell turned "
+                  "it off.");
+    model->cancelAgents();
+    EXPECT_EQ(
+        ask({"org.fernwright.notes", "com.halverson.duskwatch"}, true),
+        commands +
+            "launchd starts them again at each login, and now those that were loaded before Brell turned "
+            "them off.");
+    model->cancelAgents();
+    EXPECT_EQ(ask({"com.tallowgate.agent"}, false),
+              commands +
+                  "launchd starts it no more at login. It stays loaded until you log out, as it was before "
+                  "Brell turned it on." +
+                  fileStays);
+    model->cancelAgents();
+    EXPECT_EQ(
+        ask({"com.tallowgate.agent", "com.spotify.client.startuphelper"}, false),
+        commands +
+            "launchd starts them no more at login, and stops now those that were not loaded before Brell "
+            "turned them on." +
+            fileStays);
+    model->cancelAgents();
+
+    // What the switch would refuse is not offered first.
+    EXPECT_EQ(ask({"com.halverson.duskwatch"}, false), "");
+    EXPECT_EQ(
+        model->state().errorMessage,
+        "com.halverson.duskwatch was changed outside Brell since Brell turned it off; restore it from the "
+        "Journal first.");
+}
+
 TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
     const auto model = openModel();
     settled(*model)->loadLoginItems();
