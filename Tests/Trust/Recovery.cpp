@@ -26,6 +26,8 @@ bool isClear(const std::string& sentence, const Stage& stage) {
                                    "NSGlobalDomain", "/bin/launchctl "};
     for (const std::string& job : testing::namesIn(SampleMac(stage.world()).launchAgents()))
         names.push_back(job.substr(0, job.rfind('.')));
+    for (const JournalEntry& entry : stage.setting().entries)
+        if (entry.agent) names.push_back(entry.agent->label);
     return std::any_of(names.begin(), names.end(),
                        [&](const std::string& name) { return contains(sentence, name); });
 }

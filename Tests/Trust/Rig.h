@@ -23,6 +23,7 @@ public:
     const Tweak& tweak(std::string_view id) const { return *catalog.tweak(id); }
     // As listed when the program started.
     const LaunchAgentRecord& agent(const std::string& label) const { return agents_.at(label); }
+    bool hasJobFile(const std::string& label) const { return agents_.contains(label); }
 
     // Leave the entry of a change as a crash between the durable capture and the first step would.
     void breakOff(std::string_view tweakID) { testing::breakOff(engine, tweak(tweakID)); }

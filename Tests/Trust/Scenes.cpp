@@ -13,6 +13,7 @@ constexpr const char* slow = "com.pebblewick.indexer";
 constexpr const char* disabled = "com.spotify.client.startuphelper";
 constexpr const char* stillLoaded = "com.tallowgate.agent";  // and disabled
 constexpr const char* neverLoaded = "org.fernwright.notes";
+constexpr JobManner usesItsTimeUp{28, 36, 37, {}, 6};
 
 void nothing(Rig&) {}
 
@@ -54,6 +55,13 @@ auto turningOn(const char* label) {
     return raising([label](Rig& rig) { rig.toggle.turnOn(rig.agent(label)); });
 }
 
+auto turningOffAnd(const std::function<void(const std::filesystem::path& jobFile)>& then) {
+    return [then](Rig& rig) {
+        rig.toggle.turnOff(rig.agent(plain));
+        then(rig.agent(plain).plist.path);
+    };
+}
+
 }  // namespace
 
 const std::vector<Scene>& scenes() {
@@ -74,6 +82,8 @@ const std::vector<Scene>& scenes() {
          restoreAll},
         {"turn an agent off", some, turningOff(plain)},
         {"turn a slow agent off", nothing, turningOff(slow)},
+        {"turn off an agent that uses up its time",
+         [](Rig& rig) { rig.tools->launchd().setManner(plain, usesItsTimeUp); }, turningOff(plain)},
         {"turn off an agent that was never loaded", nothing, turningOff(neverLoaded)},
         {"turn an agent on", nothing, turningOn(disabled)},
         {"turn on a disabled agent that is still loaded", nothing, turningOn(stillLoaded)},
@@ -85,6 +95,12 @@ const std::vector<Scene>& scenes() {
          },
          restoreAll},
         {"restore an agent that was turned on", turningOn(disabled), restoreAll},
+        {"restore an agent whose job file was renamed", turningOffAnd([](const auto& file) {
+             std::filesystem::rename(file, file.parent_path() / "new.plist");
+         }),
+         restoreAll},
+        {"restore an agent whose job file was removed",
+         turningOffAnd([](const auto& file) { std::filesystem::remove(file); }), restoreAll},
         {"recover", [](Rig& rig) { rig.breakOff(drives); }, recover},
         {"recover an agent",
          [](Rig& rig) {

@@ -32,6 +32,10 @@ void Stage::prepare(const Scene& scene) {
     setting_.original = conditionOf(world());
     scene.prepare(rig);
     setting_.entries = rig.journal.all();
+    // What is loaded no more, because its job file was removed, can't come back.
+    const Rig after(world());
+    std::erase_if(setting_.original.agents,
+                  [&](const auto& agent) { return !after.hasJobFile(agent.first); });
     keep("prepared");
 }
 

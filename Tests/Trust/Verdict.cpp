@@ -84,13 +84,18 @@ Faults recoverAndRestore(Rig& rig) {
 }
 
 // The script can take no job away: one that was turned on ends at the next logout. And it can load none that
-// is disabled: one that was loaded all the same is gone as after a login.
-Condition asScriptLeavesIt(Condition original, const Condition& now) {
+// is disabled, or whose file has another name now: one that was loaded all the same is gone until the next
+// login.
+Condition asScriptLeavesIt(Condition original, const Condition& now,
+                           const std::vector<JournalEntry>& entries) {
     const std::set<std::pair<std::string, std::string>> allowed{{"disabled, not loaded", "disabled, loaded"},
                                                                 {"nothing", "enabled, loaded"},
                                                                 {"disabled, loaded", "disabled, not loaded"}};
     for (const auto& [label, state] : now.agents)
         if (allowed.contains({textIn(original.agents, label), state})) original.agents[label] = state;
+    for (const JournalEntry& entry : entries)
+        if (entry.agent && !fs::exists(entry.agent->plistPath) && !now.agents.contains(entry.agent->label))
+            original.agents.erase(entry.agent->label);
     return original;
 }
 
@@ -145,7 +150,7 @@ Faults judgeScript(const Stage& stage, const Claim& claim) try {
         if (finished.status != 0) faults.push_back("the script fails: " + finished.output);
     }
     const Condition now = conditionOf(stage.world());
-    append(faults, notBack(claim, entries, asScriptLeavesIt(stage.setting().original, now), now));
+    append(faults, notBack(claim, entries, asScriptLeavesIt(stage.setting().original, now, entries), now));
     return faults;
 } catch (const std::exception& error) {
     return {error.what()};
