@@ -85,26 +85,31 @@ void compareMerge(PairReport& report) {
         });
 }
 
-// Starts the program with its output in a pipe and reads that to its end.
+// Starts the program with no input and each of its outputs in a pipe, and reads these to their ends.
 void spawnAndDrain(const char* program) {
-    int pipe[2];
-    bare::checked(::pipe(pipe), "pipe");
-    for (const int end : pipe) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    int out[2], err[2];
+    for (int* pipe : {out, err}) {
+        bare::checked(::pipe(pipe), "pipe");
+        for (const int end : {pipe[0], pipe[1]}) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], STDERR_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, err[1], STDERR_FILENO);
     char* const arguments[] = {const_cast<char*>(program), nullptr};
     char* const environment[] = {nullptr};
     pid_t child = 0;
     if (posix_spawn(&child, program, &actions, nullptr, arguments, environment) != 0)
         throw std::runtime_error(std::string(program) + " can't be started");
     posix_spawn_file_actions_destroy(&actions);
-    ::close(pipe[1]);
-    char buffer[4096];
-    while (::read(pipe[0], buffer, sizeof buffer) > 0) {
+    for (const int* pipe : {out, err}) {
+        ::close(pipe[1]);
+        char buffer[4096];
+        while (::read(pipe[0], buffer, sizeof buffer) > 0) {
+        }
+        ::close(pipe[0]);
     }
-    ::close(pipe[0]);
     ::waitpid(child, nullptr, 0);
 }
 

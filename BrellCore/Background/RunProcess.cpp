@@ -24,8 +24,10 @@ using Deadline = SteadyClock::time_point;
 
 constexpr std::chrono::seconds grace{2};
 // How often the end of the child is looked for while something else may hold its outputs open. After they
-// have closed, it ends within a moment as a rule: the naps grow from the shortest to the longest.
+// have closed, it ends within a moment as a rule, sooner than a sleeper is woken: so the first looks only
+// yield, and then the naps grow from the shortest to the longest.
 constexpr std::chrono::milliseconds lookEvery{50};
+constexpr int mostYields = 200;
 constexpr std::chrono::microseconds shortestNap{20};
 constexpr std::chrono::microseconds longestNap{20'000};
 constexpr double longestTimeout = 1e6;  // seconds; keeps the arithmetic of deadlines in range
@@ -119,6 +121,7 @@ private:
     }
 
     void nap() {
+        if (yields_++ < mostYields) return std::this_thread::yield();
         std::this_thread::sleep_for(nap_);
         nap_ = std::min(2 * nap_, longestNap);
     }
@@ -130,6 +133,7 @@ private:
     std::optional<ChildProcess> child_;
     bool isStopped_ = false;
     std::array<Output, 2> outputs_;
+    int yields_ = 0;
     std::chrono::microseconds nap_ = shortestNap;
     Buffer buffer_;
 };

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -73,9 +74,19 @@ TEST(RunProcess, ReadsBothStreamsWholeHoweverMuchTheyHold) {
 
 TEST(RunProcess, RepairsTextAndReportsEveryKindOfEnd) {
     EXPECT_EQ(runChild({"invalid"}), (CommandResult{0, "a\uFFFDb\uFFFD", ""}));
-    EXPECT_EQ(runChild({"closes-early"}), (CommandResult{7, "before", ""}));
     EXPECT_EQ(runChild({"signal"}), (CommandResult{128 + SIGKILL, "", ""}));
     EXPECT_FALSE(hasZombies());
+}
+
+TEST(RunProcess, SleepsWhileItWaitsForASilentChild) {
+    const auto sleeps = [] {
+        struct rusage usage {};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_nvcsw;
+    };
+    const auto before = sleeps();
+    EXPECT_EQ(runChild({"closes-early"}), (CommandResult{7, "before", ""}));
+    EXPECT_GE(sleeps(), before + 5);
 }
 
 TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
