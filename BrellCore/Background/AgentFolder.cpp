@@ -54,8 +54,7 @@ std::optional<fs::path> AgentFolder::jobFile(const std::string& label, const fs:
     if (hasLabel(preferred, label)) return resolvedPath(preferred);
     checkCanBeListed(directory_);
     for (const LaunchAgentPlist& plist : LaunchAgentReader::plists(directory_, LinksOut::left))
-        if (plist.label == label && isDirectlyInside(resolvedPath(plist.path)))
-            return resolvedPath(plist.path);
+        if (plist.label == label) return resolvedPath(plist.path);
     if (isDirectlyInside(resolvedPath(preferred))) checkCanBeRead(preferred);
     return std::nullopt;
 }

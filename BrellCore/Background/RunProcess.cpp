@@ -79,15 +79,15 @@ public:
 
     std::variant<CommandResult, CommandProblem> finish(Deadline deadline) {
         waitForChild(deadline);
-        if (!child_->hasEnded()) {
-            isStopped_ = true;
+        const bool isStopped = !child_->hasEnded();
+        if (isStopped) {
             child_->terminate();
             waitForChild(SteadyClock::now() + grace);
         }
         // All that the child itself printed is in the pipes by now; more can come from what it left behind.
         waitForOutputs(SteadyClock::now() + grace);
         if (printedTooMuch()) return CommandProblem::tooMuchOutput;
-        if (isStopped_) return CommandProblem::timedOut;
+        if (isStopped) return CommandProblem::timedOut;
         return CommandResult{child_->exitCode(), text(outputs_[0]), text(outputs_[1])};
     }
 
@@ -99,7 +99,7 @@ private:
     // Both drain the outputs while they wait, so that a full pipe never stalls the child, and look at the
     // clock each time: something that prints without end must not hold us.
     void waitForChild(Deadline deadline) {
-        while (!child_->hasEnded() && SteadyClock::now() < deadline && (isStopped_ || !printedTooMuch())) {
+        while (!child_->hasEnded() && SteadyClock::now() < deadline && !printedTooMuch()) {
             if (outputsEnded())
                 nap();
             else
@@ -131,7 +131,6 @@ private:
     }
 
     std::optional<ChildProcess> child_;
-    bool isStopped_ = false;
     std::array<Output, 2> outputs_;
     int yields_ = 0;
     std::chrono::microseconds nap_ = shortestNap;

@@ -5,6 +5,7 @@
 #include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/FileLock.h"
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
+#include "Tests/Support/SystemCalls.h"
 
 namespace fs = std::filesystem;
 
@@ -37,6 +38,16 @@ protected:
     std::string launchdState() const { return contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())); }
 
     const std::string plain = "homebrew.mxcl.redis";
+};
+
+// A file that is there and can't be opened.
+class ClosedFile final : CallObserver {
+public:
+    explicit ClosedFile(const fs::path& file) : CallObserver(file) { start(); }
+    ~ClosedFile() override { stop(); }
+
+private:
+    int sees(SystemCall call, const std::string&) override { return call == SystemCall::open ? EACCES : 0; }
 };
 
 std::string jobFile(const std::string& label) {
@@ -322,6 +333,7 @@ TEST_F(AgentToggleTest, AJobThatOutlivesItsTimeStaysInterrupted) {
 }
 
 TEST_F(AgentToggleTest, ASwitchIsDoneWhenLaunchdShowsIt) {
+    toggle.setWaitingHook([](const std::string& label, auto) { ADD_FAILURE() << label << " is not ending"; });
     const std::string off = "com.spotify.client.startuphelper";
     for (const auto lying :
          {AllowedCommand::Kind::launchctlEnable, AllowedCommand::Kind::launchctlBootstrap}) {
@@ -379,12 +391,18 @@ TEST_F(AgentToggleTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHas
     tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(goneButLoaded).string()));
     tools->run(AllowedCommand::launchctlBootout("gui/501", turnedOn));
     for (const std::string& label : {gone, neverLoaded, goneButLoaded, turnedOn}) fs::remove(fileOf(label));
+    fs::create_directory(fileOf(neverLoaded));
     fs::rename(fileOf(renamed), mac.launchAgents() / "renamed.plist");
     setContents(fileOf(replaced), jobFile("com.example.other"));
     fs::rename(fileOf(linked), mac.home() / "elsewhere.plist");
     fs::create_symlink(mac.home() / "elsewhere.plist", fileOf(linked));
 
-    // Whether one has it is not known while the folder can't be read.
+    // Whether one has it is not known while the file or the folder can't be read.
+    if (systemCallsAreWatched()) {
+        const ClosedFile closed(fileOf(replaced));
+        EXPECT_EQ(messageOf([&] { engine.restore(journal.activeEntry("agent:" + replaced)->id, false); }),
+                  "The file " + fileOf(replaced).string() + " could not be read: Permission denied.");
+    }
     fs::rename(mac.launchAgents(), mac.home() / "away");
     setContents(mac.launchAgents(), "");
     const std::string unread =
@@ -455,6 +473,7 @@ TEST_F(AgentToggleTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
 TEST_F(AgentToggleTest, LoadsTheFileThatWasCheckedNotALinkToIt) {
     fs::create_symlink(mac.home(), mac.systemRoot() / "alias");
     const fs::path byLink = mac.systemRoot() / "alias/Library/LaunchAgents" / (plain + ".plist");
+    setContents(mac.launchAgents() / "another.plist", jobFile(plain));
     tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
     std::vector<std::string> loaded;
     tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {

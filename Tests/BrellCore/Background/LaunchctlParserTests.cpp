@@ -26,6 +26,7 @@ TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
 		"com.example.unclosed => disabled
 		com.example.bare => disabled
 	}
+	"com.example.on" => disabled
 	login item associations = {
 		"com.example.helper" => "com.example.app"
 		"com.example.on" => disabled
@@ -35,7 +36,9 @@ TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
               (Overrides{{"com.example.off", AgentOverride::disabled},
                          {"com.example.on", AgentOverride::enabled},
                          {"com.example.twice", AgentOverride::disabled}}));
-    EXPECT_EQ(LaunchctlParser::parsePrintDisabled("no disabled services\n"), Overrides{});
+    EXPECT_EQ(LaunchctlParser::parsePrintDisabled("no disabled services\nlogin item associations = {\n"
+                                                  "\"com.example.on\" => disabled\n}\n"),
+              Overrides{});
     EXPECT_EQ(
         LaunchctlParser::parsePrintDisabled("\"cut => off\" => disabled\n\"a \"quoted\" one\" => enabled\n"
                                             "\"cut\" => disabled\" => enabled\n\"wide\"  =>  disabled"),
@@ -95,7 +98,8 @@ TEST(ParsePrint, AnArgumentThatImitatesTheEndOfTheArgumentsDoesNotHideTheJobsNum
     const std::string text =
         "gui/501/x = {\n\tstate = spawn scheduled\n\targuments = {\n\t\tsh\n\t}\n\tstate = forged\n\truns = "
         "1\n"
-        "\tlast exit code = 1\n\t}\n\truns = 5\n\tlast exit code = (never exited)\n}\n";
+        "\tlast exit code = 1\n\t}\n\tworking directory = /x\n y = {\n\truns = 5\n\tlast exit code = (never "
+        "exited)\n}\n";
     EXPECT_EQ(parsed(text), loaded("spawn scheduled", 5, std::nullopt, std::nullopt));
 }
 

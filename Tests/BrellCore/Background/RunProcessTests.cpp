@@ -105,7 +105,10 @@ TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
 }
 
 TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
-    EXPECT_EQ(endOf({"floods"}, plenty), Ending(CommandProblem::tooMuchOutput));
+    const TemporaryFolder folder;
+    EXPECT_EQ(endOf({"floods", (folder.path / "tidied").string()}, plenty),
+              Ending(CommandProblem::tooMuchOutput));
+    EXPECT_EQ(namesIn(folder.path), Names{"tidied"}) << "it was stopped, and waited for then";
     EXPECT_EQ(describe({CommandProblem::tooMuchOutput, "x"}),
               "The command printed more than 64 MiB, which is more than Brell takes: x.");
 }

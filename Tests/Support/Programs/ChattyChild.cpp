@@ -26,6 +26,18 @@ void sleepLong() {
     ::sleep(10);
 }
 
+const char* tidied = nullptr;
+
+// Takes a moment to end when it is asked to, and leaves this file then.
+void tidyWhenStopped(const char* file) {
+    tidied = file;
+    ::signal(SIGTERM, [](int) {
+        ::usleep(300'000);
+        ::close(::open(tidied, O_WRONLY | O_CREAT, 0600));
+        ::_exit(0);
+    });
+}
+
 // Everything a child could have inherited, one line each.
 void reportInheritance(int argc, char** argv) {
     for (int i = 2; i < argc; ++i) std::printf("argument %s\n", argv[i]);
@@ -75,15 +87,15 @@ int main(int argc, char** argv) {
         sleepLong();
     }
     if (mode == "tidies") {
-        ::signal(SIGTERM, [](int) {});
+        tidyWhenStopped(argv[2]);
         ::close(1);
         ::close(2);
-        ::pause();
-        ::usleep(300'000);
-        ::close(::open(argv[2], O_WRONLY | O_CREAT, 0600));
+        sleepLong();
     }
-    if (mode == "floods")
-        for (;;) write(1, std::string(much, 'o'));
+    if (mode == "floods") {
+        tidyWhenStopped(argv[2]);
+        for (int i = 0; i < 20; ++i) write(1, std::string(much, 'o'));
+    }
     if (mode == "endless")
         for (;;) write(1, "more and more\n");
     if (mode == "grandchild" && ::fork() == 0) sleepLong();  // with our outputs open
