@@ -233,6 +233,22 @@ TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
     EXPECT_EQ(preferences(), original);
 }
 
+TEST_F(HeadlessCommandsTest, AnAgentIsWaitedForAndPutBackAsFarAsItsJobFileAllows) {
+    const std::string label = "com.lumenfold.sync";
+    mac.openTools()->launchd().setManner(label, {8, 36, 37, {}});  // nearly two seconds
+    const Finished off = run({"--toggle-agent", label.c_str()});
+    ASSERT_EQ(journal().active().size(), 1u);
+    const std::string id = journal().active().front().id.text();
+    EXPECT_EQ(off, (Finished{0, "run /bin/launchctl bootout gui/501/" + label +
+                                    "\nrun /bin/launchctl disable gui/501/" + label +
+                                    "\nwaiting up to 10 seconds for " + label + " to end\nturned off " +
+                                    label + " (entry " + id + ")\n"}));
+    fs::remove(mac.launchAgents() / (label + ".plist"));
+    EXPECT_EQ(run({"--restore-all"}),
+              (Finished{0, "restored " + id + ": No file in your LaunchAgents folder has the label " + label +
+                               " any more, so it is allowed again, but there was nothing to load.\n"}));
+}
+
 TEST_F(HeadlessCommandsTest, AnotherBrellThatStaysBusyIsWaitedForOnlyOnce) {
     const EngineError busy(JournalFailure{JournalFailure::Kind::isBusy, "others have it"});
     std::vector<std::string> tried;

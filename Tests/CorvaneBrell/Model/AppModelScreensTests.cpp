@@ -40,7 +40,15 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_EQ(model->state().agentConfirm->commands,
               (Texts{"/bin/launchctl bootout gui/501/com.halverson.duskwatch",
                      "/bin/launchctl disable gui/501/com.halverson.duskwatch"}));
+    sample.openTools()->launchd().setManner("com.halverson.duskwatch", {8, 0, 37, {}});  // nearly two seconds
+    Texts told;
+    model->setObserver([&](Property) {
+        const auto& activity = model->state().changeActivity;
+        if (activity && (told.empty() || told.back() != activity->what)) told.push_back(activity->what);
+    });
     settled(*model)->confirmAgents();
+    EXPECT_EQ(told, (Texts{"Turn off com.halverson.duskwatch",
+                           "Waiting up to 10 seconds for com.halverson.duskwatch to end"}));
     ASSERT_TRUE(rowOf(*model, "com.halverson.duskwatch"));
     EXPECT_FALSE(rowOf(*model, "com.halverson.duskwatch")->isOn);
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::applied);
