@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 
 #include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/FileLock.h"
@@ -506,41 +507,35 @@ TEST_F(AgentToggleTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
 
 // What else happens while an agent is switched: late commands, other processes, files that are replaced.
 
-TEST_F(AgentToggleTest, AStoppedCommandThatActsLateIsUndoneByRecovery) {
-    for (const AllowedCommand& late : {AllowedCommand::launchctlBootout("gui/501", plain),
-                                       AllowedCommand::launchctlDisable("gui/501", plain)}) {
-        tools->failNext(late.kind, ToolFault::hanging());
+TEST_F(AgentToggleTest, AStoppedProcessThatSetOffMoreIsUndoneByRecovery) {
+    const std::string root = mac.systemRoot().string();
+    for (const auto& [kind, word, done] :
+         {std::tuple(AllowedCommand::Kind::launchctlBootout, "bootout", ", not loaded"),
+          std::tuple(AllowedCommand::Kind::launchctlDisable, "disable", "disabled, loaded")}) {
+        const fs::path go = folder.path / (std::string("go ") + word);
+        const std::string late = "(while [ -d '" + root + "' ] && [ ! -e '" + go.string() +
+                                 "' ]; do sleep 0.05; done; BRELL_SAMPLE_MAC='" + root +
+                                 "' '" BRELL_LAUNCHCTL "' " + word + " gui/501/" + plain +
+                                 ") >/dev/null 2>&1 & exec sleep 60";
+        tools->interfere([&, kind = kind](const AllowedCommand& command) -> std::optional<ToolFault> {
+            if (command.kind != kind) return std::nullopt;
+            const auto ended = runProcess("/bin/sh", {"-c", late}, 0.1);
+            const auto* problem = std::get_if<CommandProblem>(&ended);
+            EXPECT_TRUE(problem && *problem == CommandProblem::timedOut);
+            return ToolFault::hanging();
+        });
         const std::string message = messageOf([&] { toggle.turnOff(agent(plain)); });
-        EXPECT_TRUE(stateOf(plain).ends_with(", loaded")) << stateOf(plain);  // put back as far as it goes
+        tools->interfere({});
         const auto entry = journal.activeEntry("agent:" + plain);
         ASSERT_TRUE(entry) << message;
         EXPECT_EQ(entry->status, EntryStatus::capturing);
         EXPECT_EQ(entry->failure, message + " The stopped command may still take effect.");
 
-        tools->run(late);
+        setContents(go, "");
+        while (!stateOf(plain).ends_with(done)) std::this_thread::sleep_for(10ms);
         EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
         EXPECT_EQ(stateOf(plain), "enabled, loaded");
     }
-}
-
-TEST_F(AgentToggleTest, AProcessThatIsStoppedForItsTimeMayHaveSetOffMore) {
-    const std::string late =
-        "BRELL_SAMPLE_MAC='" + mac.systemRoot().string() + "' '" BRELL_LAUNCHCTL "' bootout gui/501/" + plain;
-    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
-        if (command.kind != AllowedCommand::Kind::launchctlBootout) return std::nullopt;
-        const auto ended =
-            runProcess("/bin/sh", {"-c", "(sleep 0.4; " + late + ") >/dev/null 2>&1 & exec sleep 60"}, 0.1);
-        const auto* problem = std::get_if<CommandProblem>(&ended);
-        EXPECT_TRUE(problem && *problem == CommandProblem::timedOut);
-        return problem ? std::optional(ToolFault::hanging()) : std::nullopt;
-    });
-    EXPECT_THROW(toggle.turnOff(agent(plain)), AgentToggleError);
-    tools->interfere({});
-    EXPECT_EQ(journal.activeEntry("agent:" + plain).value().status, EntryStatus::capturing);
-
-    while (stateOf(plain).ends_with(", loaded")) std::this_thread::sleep_for(10ms);
-    EXPECT_EQ(engine.recoverInterrupted().restored.size(), 1u);
-    EXPECT_EQ(stateOf(plain), "enabled, loaded");
 }
 
 TEST_F(AgentToggleTest, TheCaptureIsMadeUnderTheLock) {

@@ -53,6 +53,14 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_FALSE(rowOf(*model, "com.halverson.duskwatch")->isOn);
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::applied);
 
+    const std::string id = rowOf(*model, "com.halverson.duskwatch")->id;
+    settled(*model)->askAgents({id}, true);
+    ASSERT_TRUE(model->state().agentConfirm);
+    EXPECT_EQ(model->state().agentConfirm->targets, (std::vector<AgentTarget>{{false, true}}));
+    model->cancelAgents();
+    settled(*model)->askAgents({id}, false);
+    EXPECT_FALSE(model->state().agentConfirm) << "what the switch would refuse is not offered first";
+
     // Its app turns it on again.
     const auto tools = sample.openTools();
     ASSERT_TRUE(
@@ -67,57 +75,36 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_TRUE(model->state().driftedAgents.empty());
 }
 
-TEST_F(AppModelTest, ASwitchSaysBeforehandWhereItLeads) {
-    const auto model = openModel();
-    settled(*model)->loadLoginItems();
-    const auto ask = [&](const Texts& labels, bool turnOn) {
-        Texts rows;
-        for (const std::string& label : labels) rows.push_back(rowOf(*model, label)->id);
-        settled(*model)->askAgents(rows, turnOn);
-        return model->state().agentConfirm ? model->state().agentConfirm->explanation() : "";
+TEST(AgentConfirmRequest, SaysWhereItLeads) {
+    const auto said = [](bool turningOn, std::vector<AgentTarget> targets) {
+        AgentConfirmRequest request{};
+        request.turningOn = turningOn;
+        request.targets = std::move(targets);
+        return request.explanation();
     };
-    const auto made = [&](const std::string& explanation) {
-        settled(*model)->confirmAgents();
-        return explanation;
-    };
-    const std::string commands = "Brell runs exactly these commands: ";
+    const AgentTarget off{true, false}, offButLoaded{true, true}, on{false, true}, onLater{false, false};
+    const std::string commands = "Brell runs exactly these commands: launchd ";
     const std::string fileStays = " The file that describes it stays as it is.";
-    EXPECT_EQ(made(ask({"com.halverson.duskwatch", "org.fernwright.notes"}, false)),
-              commands + "launchd stops it now and starts it no more at login." + fileStays);
-    EXPECT_EQ(made(ask({"com.tallowgate.agent", "com.spotify.client.startuphelper"}, true)),
-              commands + "launchd starts it again, now and at each login.");
-
-    EXPECT_EQ(ask({"org.fernwright.notes"}, true),
+    EXPECT_EQ(said(false, {off, off}), commands + "stops it now and starts it no more at login." + fileStays);
+    EXPECT_EQ(said(false, {offButLoaded}),
               commands +
-                  "launchd starts it again at each login, but not now: it was not loaded before Brell turned "
-                  "it off.");
-    model->cancelAgents();
-    EXPECT_EQ(
-        ask({"org.fernwright.notes", "com.halverson.duskwatch"}, true),
-        commands +
-            "launchd starts them again at each login, and now those that were loaded before Brell turned "
-            "them off.");
-    model->cancelAgents();
-    EXPECT_EQ(ask({"com.tallowgate.agent"}, false),
-              commands +
-                  "launchd starts it no more at login. It stays loaded until you log out, as it was before "
-                  "Brell turned it on." +
+                  "starts it no more at login. It stays loaded until you log out, as it was before Brell "
+                  "turned it on." +
                   fileStays);
-    model->cancelAgents();
+    EXPECT_EQ(said(false, {off, offButLoaded}),
+              commands +
+                  "starts them no more at login, and stops now those that were not loaded before Brell "
+                  "turned them on." +
+                  fileStays);
+    EXPECT_EQ(said(true, {on}), commands + "starts it again, now and at each login.");
     EXPECT_EQ(
-        ask({"com.tallowgate.agent", "com.spotify.client.startuphelper"}, false),
+        said(true, {onLater}),
         commands +
-            "launchd starts them no more at login, and stops now those that were not loaded before Brell "
-            "turned them on." +
-            fileStays);
-    model->cancelAgents();
-
-    // What the switch would refuse is not offered first.
-    EXPECT_EQ(ask({"com.halverson.duskwatch"}, false), "");
-    EXPECT_EQ(
-        model->state().errorMessage,
-        "com.halverson.duskwatch was changed outside Brell since Brell turned it off; restore it from the "
-        "Journal first.");
+            "starts it again at each login, but not now: it was not loaded before Brell turned it off.");
+    EXPECT_EQ(said(true, {on, onLater}),
+              commands +
+                  "starts them again at each login, and now those that were loaded before Brell turned them "
+                  "off.");
 }
 
 TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
