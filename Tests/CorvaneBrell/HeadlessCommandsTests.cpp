@@ -175,8 +175,10 @@ TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndL
     EXPECT_NE(dry.find("dry-run: would write com.apple.dock tilesize = 41\n"), std::string::npos);
     EXPECT_EQ(everythingIn(folder.path / "mac"), before);
     EXPECT_EQ(namesIn(copies).size(), 2u);
-    for (const fs::directory_entry& copy : fs::directory_iterator(copies))
+    for (const fs::directory_entry& copy : fs::directory_iterator(copies)) {
         EXPECT_EQ(copy.status().permissions(), fs::perms::owner_all) << "its values are the user's alone";
+        EXPECT_FALSE(namesIn(copy.path() / "history").empty());
+    }
 
     std::istringstream lines(dry);
     std::string results;

@@ -216,8 +216,10 @@ TEST_F(JournalWritingTest, ADryRunAndARealRunNeverShareAFolderEvenWhenBothHaveIt
         EXPECT_EQ(messageOf([&] { theirs->all(); }), "The change journal could not be read: " + why);
         EXPECT_TRUE(thrownBy<JournalError>([&] { theirs->upsert(entry); }));
         EXPECT_EQ(everythingIn(shared), before);
+
+        fs::remove(shared / "journal.json");  // the marker alone is enough
+        EXPECT_EQ(thrownBy<JournalError>([&] { theirs->upsert(entry); }).has_value(), isDry);
     }
-    fs::remove(folder.path / "dry/journal.json");  // the marker alone is enough
     EXPECT_TRUE(thrownBy<JournalError>([&] { Journal::open(folder.path / "dry"); }));
 }
 

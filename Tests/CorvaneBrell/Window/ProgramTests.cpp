@@ -29,6 +29,8 @@ TEST_F(WindowProgramTest, APictureReplacesItsFileAndFollowsNoLink) {
     setContents(victim, "mine");
     fs::create_symlink(victim, picture);
     EXPECT_EQ(run(mac, picture).status, 0);
+    EXPECT_TRUE(fs::exists(mac / "Users/sam/Library/Application Support/Corvane Brell/journal.json"))
+        << "a new Mac has a past, so that there is something to see";
     EXPECT_EQ(contentsOf(victim), "mine");
     EXPECT_FALSE(fs::is_symlink(picture));
     EXPECT_TRUE(contentsOf(picture).starts_with("\x89PNG"));
