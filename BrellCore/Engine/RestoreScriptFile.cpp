@@ -2,7 +2,7 @@
 
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/DurableFile.h"
-#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/Failure.h"
 
 namespace fs = std::filesystem;
 

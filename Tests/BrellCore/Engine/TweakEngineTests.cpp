@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include "BrellCore/Support/SystemMessage.h"
+#include "BrellCore/Support/Failure.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
