@@ -22,6 +22,14 @@ LaunchOptions fallbackFor(LaunchOptions options) {
     return options;
 }
 
+// Raises both reasons when that can't be had either.
+std::unique_ptr<Dependencies> fallback(const LaunchOptions& options, const JournalError& reason,
+                                       std::ostream& out) try {
+    return std::make_unique<Dependencies>(fallbackFor(options), out);
+} catch (const std::exception& error) {
+    throw std::runtime_error(std::string(reason.what()) + " " + error.what());
+}
+
 // For reading: of equal times the later change stands first.
 std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
     std::reverse(entries.begin(), entries.end());
@@ -53,7 +61,7 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
         deps_ = std::make_unique<Dependencies>(options, out);
         journalDirectory_ = deps_->journalDirectory();
     } catch (const JournalError& error) {
-        deps_ = std::make_unique<Dependencies>(fallbackFor(options), out);
+        deps_ = fallback(options, error, out);
         journalDirectory_ = options.journalDirectory.value_or(Journal::defaultDirectory(deps_->machine.home));
         state_.startupError = std::string("The change journal could not be opened: ") + error.what() +
                               ". Nothing can be changed until this is fixed.";

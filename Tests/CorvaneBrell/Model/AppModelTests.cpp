@@ -237,6 +237,14 @@ TEST_F(AppModelTest, AnUnreadableJournalLeavesADryRunThatSaysSo) {
     EXPECT_NE(out.str().find("dry-run: would write com.apple.dock autohide = true"), std::string::npos);
     EXPECT_EQ(changesIn(folder.path, whole), Texts());
     fs::remove_all(model->journalDirectory());
+
+    setContents(journal, "damaged");
+    const std::string before = fs::temp_directory_path();
+    ::setenv("TMPDIR", journal.c_str(), 1);
+    const std::string both = messageOf([&] { openModel(); });
+    ::setenv("TMPDIR", before.c_str(), 1);
+    EXPECT_TRUE(both.starts_with("The change journal could not be read: " + journal.string())) << both;
+    EXPECT_NE(both.find(". The folder for temporary files, TMPDIR, could not be used: "), std::string::npos);
 }
 
 TEST_F(AppModelTest, TwoModelsOverOneJournalSeeEachOther) {
