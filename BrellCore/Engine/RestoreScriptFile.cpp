@@ -13,11 +13,6 @@ namespace {
 // Run with sh and perhaps copied, so that others may read it; nobody else may write it.
 constexpr unsigned permissions = 0644;
 
-// From the third line on: the second one tells the time.
-std::string withoutTime(const std::string& text) {
-    return text.substr(text.find('\n', text.find('\n') + 1));
-}
-
 std::optional<FileIdentity> identityIfKnown(const fs::path& file) try {
     return identityOf(file);
 } catch (const ReadError&) {
@@ -51,18 +46,20 @@ bool RestoreScriptFile::keep() noexcept try {
 }
 
 bool RestoreScriptFile::keepLocked() {
-    const std::string now = text();
-    std::string commands = withoutTime(now);
-    if (isWritten(commands)) return false;
+    if (isWritten(journal_.activeIDs())) return false;
     written_ = std::nullopt;
-    replaceFile(*file_, now, Durability::powerCut, permissions);
-    if (const auto identity = identityIfKnown(*file_)) written_ = Written{std::move(commands), *identity};
+    const std::vector<JournalEntry> active = journal_.active();
+    replaceFile(*file_, RestoreScript::render(active, clock_()), Durability::powerCut, permissions);
+    if (const auto identity = identityIfKnown(*file_)) {
+        written_ = Written{{}, *identity};
+        for (const JournalEntry& entry : active) written_->entries.push_back(entry.id);
+    }
     return true;
 }
 
 // A file that somebody removed or replaced is not the one that was written.
-bool RestoreScriptFile::isWritten(const std::string& commands) const {
-    return written_ && written_->commands == commands && identityIfKnown(*file_) == written_->identity;
+bool RestoreScriptFile::isWritten(const std::vector<Uuid>& active) const {
+    return written_ && written_->entries == active && identityIfKnown(*file_) == written_->identity;
 }
 
 std::optional<std::string> RestoreScriptFile::untoldTrouble() {

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Support/FileContents.h"
@@ -20,9 +21,9 @@ public:
     // As it would be written now. Raises JournalError when the journal can't be read.
     std::string text();
 
-    // Makes the file say what undoes the active changes: writes it, unless it is the one written last and
-    // says that. True when it was written. A failure is no failure of the change before it: the script stays
-    // as it was, and the next call tries again.
+    // Makes the file say what undoes the active changes: writes it, unless it is the one written last, for
+    // the same entries; what it says of an entry never changes. True when it was written. A failure is no
+    // failure of the change before it: the script stays as it was, and the next call tries again.
     bool keep() noexcept;
 
     // In a whole sentence why the script is not as it should be; nothing when it is, or when that was told.
@@ -30,11 +31,11 @@ public:
 
 private:
     struct Written {
-        std::string commands;  // without the time of writing
+        std::vector<Uuid> entries;
         FileIdentity identity;
     };
     bool keepLocked();
-    bool isWritten(const std::string& commands) const;
+    bool isWritten(const std::vector<Uuid>& active) const;
     void note(std::optional<std::string> trouble);
 
     Journal& journal_;

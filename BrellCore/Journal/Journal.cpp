@@ -147,6 +147,15 @@ std::vector<JournalEntry> Journal::active() {
     return found;
 }
 
+std::vector<Uuid> Journal::activeIDs() {
+    const std::lock_guard lock(mutex_);
+    refreshLocked();
+    std::vector<Uuid> found;
+    for (const JournalEntry& entry : text_.entries())
+        if (entry.isActive()) found.push_back(entry.id);
+    return found;
+}
+
 std::vector<JournalEntry> Journal::entries(EntryStatus status) {
     const std::lock_guard lock(mutex_);
     refreshLocked();

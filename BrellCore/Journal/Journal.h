@@ -64,6 +64,7 @@ public:
     // Copies, in the order in which the entries were first saved.
     std::vector<JournalEntry> all();
     std::vector<JournalEntry> active();
+    std::vector<Uuid> activeIDs();
     std::vector<JournalEntry> entries(EntryStatus status);
     std::optional<JournalEntry> entry(const Uuid& id);
     std::vector<JournalEntry> entries(const std::vector<Uuid>& ids);  // in this order; none for an unknown id
