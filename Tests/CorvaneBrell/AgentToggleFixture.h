@@ -22,6 +22,10 @@ private:
     std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
 };
 
+inline std::string jobFile(const std::string& label) {
+    return "<plist version=\"1.0\"><dict><key>Label</key><string>" + label + "</string></dict></plist>";
+}
+
 struct AgentToggleFixture : EngineFixture {
     AgentToggleFixture() { engine.setAgentRestorer(&toggle); }
 
@@ -43,6 +47,19 @@ struct AgentToggleFixture : EngineFixture {
     std::filesystem::path fileOf(const std::string& label) const {
         return mac.launchAgents() / (label + ".plist");
     }
+    // What a toggle that dies right after its first step leaves behind.
+    JournalEntry interruptedTurningOff(const std::string& label) {
+        const AgentState before = toggle.currentState(label);
+        JournalEntry entry = engine
+                                 .beginAgentChange(label, {label, fileOf(label).string(),
+                                                           before.loaded.isLoaded(), before.override})
+                                 .entry;
+        tools->run(AllowedCommand::launchctlBootout("gui/501", label));
+        return entry;
+    }
+    std::string launchdState() const { return contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())); }
+
+    const std::string plain = "homebrew.mxcl.redis";
 
     SampleMac mac{folder.path / "mac"};
     std::unique_ptr<SimulatedTools> tools = mac.openTools();

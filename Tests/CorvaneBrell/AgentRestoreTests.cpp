@@ -1,0 +1,354 @@
+// What becomes of a switched agent: the time its job takes to end, the way back, and what others do
+// meanwhile.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <tuple>
+
+#include "BrellCore/Background/RunProcess.h"
+#include "BrellCore/Support/FileLock.h"
+#include "Tests/CorvaneBrell/AgentToggleFixture.h"
+#include "Tests/Support/SystemCalls.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+namespace {
+
+using namespace testing;
+using namespace std::chrono_literals;
+
+class AgentRestoreTest : public ::testing::Test, protected AgentToggleFixture {
+protected:
+    // What a journal may claim that nobody did.
+    Uuid claimed(const AgentCapture& capture) {
+        now += 1s;
+        return engine
+            .finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::applied, {})
+            .id;
+    }
+};
+
+// A file that is there and can't be opened.
+class ClosedFile final : CallObserver {
+public:
+    explicit ClosedFile(const fs::path& file) : CallObserver(file) { start(); }
+    ~ClosedFile() override { stop(); }
+
+private:
+    int sees(SystemCall call, const std::string&) override { return call == SystemCall::open ? EACCES : 0; }
+};
+
+TEST_F(AgentRestoreTest, WaitsAsLongAsLaunchdGivesAJobToEnd) {
+    std::vector<std::string> told;
+    toggle.setWaitingHook([&](const std::string& label, std::chrono::seconds atMost) {
+        told.push_back(label + " " + std::to_string(atMost.count()));
+    });
+    tools->launchd().setManner(plain, {40, 36, 37, {}, 8});  // 8 seconds
+    toggle.turnOff(agent(plain));
+    EXPECT_EQ(told, std::vector{plain + " 13"});
+    EXPECT_EQ(stateOf(plain), "disabled, not loaded");
+
+    const std::string turnedOn = "com.spotify.client.startuphelper";
+    tools->launchd().setManner(turnedOn, {40, 0, 37, {}, 8});
+    toggle.turnOn(agent(turnedOn));
+    EXPECT_EQ(toggle.turnOff(agent(turnedOn)).status, EntryStatus::restored);
+
+    const std::string unlimited = "com.halverson.duskwatch";
+    tools->launchd().setManner(unlimited, {140, 0, 37, {}, 0});
+    toggle.turnOff(agent(unlimited));
+    EXPECT_EQ(told.back(), unlimited + " 30");
+}
+
+TEST_F(AgentRestoreTest, AJobThatOutlivesItsTimeStaysInterrupted) {
+    tools->launchd().setManner(plain, {500, 0, 37, {}, 60});
+    const auto error = thrownBy<AgentToggleError>([&] { toggle.turnOff(agent(plain)); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure(), (AgentToggleFailure{AgentToggleProblem::verifyFailed,
+                                                    plain + " is loaded, expected not loaded"}));
+    // As long for the way back, before it is looked at and while it is under way, and no longer.
+    EXPECT_GE(time.slept, 60s);
+    EXPECT_LE(time.slept, 120s);
+    const auto entry = journal.activeEntry("agent:" + plain);
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->status, EntryStatus::capturing);
+    EXPECT_TRUE(entry->failure->starts_with(error->what() + std::string(". After the change, launchd ")))
+        << *entry->failure;
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
+              plain + " has an interrupted change; restore it from the Journal first.");
+
+    const std::string other = "com.lumenfold.sync";
+    tools->launchd().setManner(other, {200, 0, 37, {}});
+    tools->run(AllowedCommand::launchctlBootout("gui/501", other));
+    const std::size_t historyBefore = journal.history().size();
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(other)); }),
+              other + " is about to end; try again when it has.");
+    EXPECT_EQ(journal.all().size(), 1u);
+    EXPECT_EQ(journal.history().size(), historyBefore);
+
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");  // gone at last
+    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+TEST_F(AgentRestoreTest, ASwitchIsDoneWhenLaunchdShowsIt) {
+    toggle.setWaitingHook([](const std::string& label, auto) { ADD_FAILURE() << label << " is not ending"; });
+    const std::string off = "com.spotify.client.startuphelper";
+    for (const auto lying :
+         {AllowedCommand::Kind::launchctlEnable, AllowedCommand::Kind::launchctlBootstrap}) {
+        const bool isEnable = lying == AllowedCommand::Kind::launchctlEnable;
+        const std::string label = isEnable ? "com.tallowgate.agent" : off;  // the first is loaded already
+        tools->failNext(lying, ToolFault::lying());
+        EXPECT_EQ(
+            messageOf([&] { toggle.turnOn(agent(label)); }),
+            "After the change, launchd reports something else: " + label +
+                (isEnable ? " override is disabled, expected enabled" : " is not loaded, expected loaded"));
+        EXPECT_EQ(journal.all().back().status, EntryStatus::failed);
+    }
+}
+
+TEST_F(AgentRestoreTest, AJobThatIsStillLeavingIsNotTakenForPutBack) {
+    tools->launchd().setManner(plain, {200, 0, 37, {}});
+    tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
+    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(plain)); }),
+              "launchctl refused: /bin/launchctl disable gui/501/" + plain + ": no");
+    ASSERT_TRUE(journal.activeEntry("agent:" + plain));
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+    EXPECT_EQ(engine.recoverInterrupted().restored.size(), 1u);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+TEST_F(AgentRestoreTest, JudgesABootstrapByWhatLaunchdThenShows) {
+    const std::string loadedBefore = "com.tallowgate.agent";  // answered with "File exists"
+    EXPECT_EQ(toggle.turnOn(agent(loadedBefore)).status, EntryStatus::applied);
+    const std::string loadedAfterAll = "com.spotify.client.startuphelper";
+    tools->failNext(AllowedCommand::Kind::launchctlBootstrap, ToolFault::refusingAfterAll(37, "busy"));
+    EXPECT_EQ(toggle.turnOn(agent(loadedAfterAll)).status, EntryStatus::applied);
+
+    // Right after a bootout one that is not loaded is tried once more, and only once.
+    for (const int failures : {1, 2}) {
+        tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
+        for (int i = 0; i < failures; ++i)
+            tools->failNext(AllowedCommand::Kind::launchctlBootstrap, ToolFault::refusing(5, "busy"));
+        EXPECT_THROW(toggle.turnOff(agent(plain)), AgentToggleError);
+        EXPECT_EQ(journal.all().back().status, failures == 1 ? EntryStatus::failed : EntryStatus::capturing);
+        EXPECT_EQ(stateOf(plain), failures == 1 ? "enabled, loaded" : "enabled, not loaded");
+    }
+}
+
+TEST_F(AgentRestoreTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHas) {
+    const std::string renamed = "com.halverson.duskwatch", gone = "com.lumenfold.sync";
+    const std::string replaced = "io.verdigris.relay", linked = "us.zoom.updater";
+    const std::string neverLoaded = "org.fernwright.notes", goneButLoaded = "com.orrerylabs.telemetry";
+    const std::string turnedOn = "com.spotify.client.startuphelper";
+    for (const std::string& label : {renamed, gone, replaced, linked, neverLoaded}) {
+        now += 1s;
+        toggle.turnOff(agent(label));
+    }
+    toggle.turnOn(agent(turnedOn));
+    interruptedTurningOff(goneButLoaded);
+    tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(goneButLoaded).string()));
+    tools->run(AllowedCommand::launchctlBootout("gui/501", turnedOn));
+    for (const std::string& label : {gone, neverLoaded, goneButLoaded, turnedOn}) fs::remove(fileOf(label));
+    fs::create_directory(fileOf(neverLoaded));
+    fs::rename(fileOf(renamed), mac.launchAgents() / "renamed.plist");
+    setContents(fileOf(replaced), jobFile("com.example.other"));
+    fs::rename(fileOf(linked), mac.home() / "elsewhere.plist");
+    fs::create_symlink(mac.home() / "elsewhere.plist", fileOf(linked));
+
+    // Whether one has it is not known while the file or the folder can't be read.
+    if (systemCallsAreWatched()) {
+        const ClosedFile closed(fileOf(replaced));
+        EXPECT_EQ(messageOf([&] { engine.restore(journal.activeEntry("agent:" + replaced)->id, false); }),
+                  "The file " + fileOf(replaced).string() + " could not be read: Permission denied.");
+    }
+    fs::rename(mac.launchAgents(), mac.home() / "away");
+    setContents(mac.launchAgents(), "");
+    const std::string unread =
+        "Your LaunchAgents folder " + mac.launchAgents().string() + " can't be read: Not a directory.";
+    for (const auto& [id, reason] : engine.restoreAll({}).failed) EXPECT_EQ(reason, unread);
+    EXPECT_EQ(journal.active().size(), 7u);
+    fs::remove(mac.launchAgents());
+    fs::rename(mac.home() / "away", mac.launchAgents());
+
+    const RestoreAllOutcome outcome = engine.restoreAll({});
+    EXPECT_EQ(outcome.failed.size(), 0u);
+    EXPECT_EQ(outcome.restored.size(), 7u);
+    const auto noFile = [](const std::string& label, const char* end) {
+        return "No file in your LaunchAgents folder has the label " + label + " any more, so " + end;
+    };
+    std::map<std::string, std::optional<std::string>> remarks;
+    for (const JournalEntry& entry : journal.all()) remarks[entry.agent->label] = entry.failure;
+    std::map<std::string, std::optional<std::string>> expected{
+        {turnedOn, noFile(turnedOn, "there was nothing to turn off.")},
+        {renamed, {}},
+        {neverLoaded, {}},
+        {goneButLoaded, {}}};
+    for (const std::string& label : {gone, replaced, linked}) {
+        expected[label] = noFile(label, "it is allowed again, but there was nothing to load.");
+        EXPECT_EQ(stateOf(label), "enabled, not loaded");
+    }
+    EXPECT_EQ(remarks, expected);
+    EXPECT_EQ(toggle.currentState(renamed).loaded.path, mac.launchAgents() / "renamed.plist");
+    EXPECT_EQ(stateOf(neverLoaded), "enabled, not loaded");
+    EXPECT_EQ(stateOf(goneButLoaded), "enabled, loaded");
+
+    tools->run(AllowedCommand::launchctlDisable("gui/501", turnedOn));  // as it was before Brell
+    EXPECT_EQ(toggle.restore({turnedOn, fileOf(turnedOn).string(), false, AgentOverride::disabled}),
+              std::nullopt);
+}
+
+TEST_F(AgentRestoreTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
+    const std::string admins = "com.halverson.duskwatch.menu", absent = "com.example.absent";
+    const std::string adminsFile =
+        (mac.systemRoot() / "Library/LaunchAgents/com.halverson.duskwatch.menu.plist").string();
+    tools->run(AllowedCommand::launchctlBootstrap("gui/501", adminsFile));
+    const std::string launchdBefore = launchdState();
+    for (const bool wasLoaded : {false, true})
+        for (const AgentOverride override : {AgentOverride::disabled, AgentOverride::enabled}) {
+            const Uuid id = claimed({admins, fileOf(admins).string(), wasLoaded, override});
+            const bool isSo = wasLoaded && override == AgentOverride::enabled;  // nothing is to be done
+            EXPECT_EQ(messageOf([&] { EXPECT_TRUE(engine.restore(id, false).restoredAt && isSo); }),
+                      isSo ? ""
+                           : admins + " is loaded from " + adminsFile +
+                                 ", which is not in your LaunchAgents folder; it is not changed.");
+            JournalEntry entry = *journal.entry(id);
+            entry.status = EntryStatus::restored;
+            journal.upsert(entry);
+        }
+    claimed({absent, fileOf(absent).string(), false, AgentOverride::disabled});
+    claimed({"com.apple.x", fileOf(absent).string(), false, AgentOverride::disabled});
+    claimed({"com.example.x", "/Library/LaunchAgents/x.plist", false, AgentOverride::disabled});
+    EXPECT_EQ(engine.restoreAll({}).failed.size(), 2u);
+    EXPECT_EQ(launchdState(), launchdBefore);
+
+    // With a twin of the user's the override may be changed; the job of others is not ended all the same.
+    setContents(fileOf(admins), jobFile(admins));
+    const Uuid id = claimed({admins, fileOf(admins).string(), false, AgentOverride::disabled});
+    EXPECT_THROW(engine.restore(id, false), AgentToggleError);
+    EXPECT_EQ(launchdState(), launchdBefore);
+}
+
+TEST_F(AgentRestoreTest, LoadsTheFileThatWasCheckedNotALinkToIt) {
+    fs::create_symlink(mac.home(), mac.systemRoot() / "alias");
+    const fs::path byLink = mac.systemRoot() / "alias/Library/LaunchAgents" / (plain + ".plist");
+    setContents(mac.launchAgents() / "another.plist", jobFile(plain));
+    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    std::vector<std::string> loaded;
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind == AllowedCommand::Kind::launchctlBootstrap) loaded.push_back(command.item);
+        return std::nullopt;
+    });
+    EXPECT_EQ(toggle.restore({plain, byLink.string(), true, AgentOverride::enabled}), std::nullopt);
+    EXPECT_EQ(loaded, std::vector{fileOf(plain).string()});
+}
+
+TEST_F(AgentRestoreTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
+    const fs::path renamed = mac.launchAgents() / "renamed.plist";
+    fs::rename(fileOf(plain), renamed);
+    EXPECT_EQ(toggle.whyNotSwitched(record("renamed.plist")), std::nullopt);
+    const JournalEntry off = toggle.turnOff(record("renamed.plist"));
+    EXPECT_EQ(off.agent->plistPath, renamed);
+    engine.restore(off.id, false);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+}
+
+// What else happens while an agent is switched: late commands, other processes, files that are replaced.
+
+TEST_F(AgentRestoreTest, AStoppedProcessThatSetOffMoreIsUndoneByRecovery) {
+    const std::string root = mac.systemRoot().string();
+    for (const auto& [kind, word, done] :
+         {std::tuple(AllowedCommand::Kind::launchctlBootout, "bootout", ", not loaded"),
+          std::tuple(AllowedCommand::Kind::launchctlDisable, "disable", "disabled, loaded")}) {
+        const fs::path go = folder.path / (std::string("go ") + word);
+        const std::string late = "(while [ -d '" + root + "' ] && [ ! -e '" + go.string() +
+                                 "' ]; do sleep 0.05; done; BRELL_SAMPLE_MAC='" + root +
+                                 "' '" BRELL_LAUNCHCTL "' " + word + " gui/501/" + plain +
+                                 ") >/dev/null 2>&1 & exec sleep 60";
+        tools->interfere([&, kind = kind](const AllowedCommand& command) -> std::optional<ToolFault> {
+            if (command.kind != kind) return std::nullopt;
+            const auto ended = runProcess("/bin/sh", {"-c", late}, 0.1);
+            const auto* problem = std::get_if<CommandProblem>(&ended);
+            EXPECT_TRUE(problem && *problem == CommandProblem::timedOut);
+            return ToolFault::hanging();
+        });
+        const std::string message = messageOf([&] { toggle.turnOff(agent(plain)); });
+        tools->interfere({});
+        const auto entry = journal.activeEntry("agent:" + plain);
+        ASSERT_TRUE(entry) << message;
+        EXPECT_EQ(entry->status, EntryStatus::capturing);
+        EXPECT_EQ(entry->failure, message + " The stopped command may still take effect.");
+
+        setContents(go, "");
+        while (!stateOf(plain).ends_with(done)) std::this_thread::sleep_for(10ms);
+        EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+        EXPECT_EQ(stateOf(plain), "enabled, loaded");
+    }
+}
+
+TEST_F(AgentRestoreTest, TheCaptureIsMadeUnderTheLock) {
+    const LaunchAgentRecord record = agent(plain);
+    const auto otherTools = mac.openTools();
+    int asked = 0;
+    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
+        if (++asked != 3) return std::nullopt;  // the first two are asked before the lock is taken
+        EXPECT_FALSE(FileLock::acquire(journalDirectory / ".journal.lock", std::chrono::milliseconds(0)));
+        otherTools->run(AllowedCommand::launchctlBootout("gui/501", plain));  // somebody who knows no lock
+        return std::nullopt;
+    });
+    EXPECT_EQ(toggle.turnOff(record).agent,
+              (AgentCapture{plain, fileOf(plain).string(), false, AgentOverride::absent}));
+}
+
+TEST_F(AgentRestoreTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwritten) {
+    const JournalEntry off = toggle.turnOff(agent(plain));
+    const LaunchAgentRecord record = agent(plain);
+    const auto otherTools = mac.openTools();
+    int asked = 0;
+    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
+        if (++asked == 3) otherTools->run(AllowedCommand::launchctlEnable("gui/501", plain));
+        return std::nullopt;
+    });
+    EXPECT_EQ(messageOf([&] { toggle.turnOn(record); }),
+              plain +
+                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
+                  "Journal first.");
+    EXPECT_EQ(journal.active(), std::vector{off});
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+}
+
+TEST_F(AgentRestoreTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
+    const LaunchAgentRecord record = agent(plain);
+    const std::string foreign = "com.example.other";
+    const fs::path file = fileOf(plain);
+    const std::string fileContents = contentsOf(file);
+    const std::string noFile = "No file in your LaunchAgents folder has the label " + plain +
+                               " any more, so it is allowed again, but there was nothing to load.";
+    tools->interfere([&](const AllowedCommand& command) -> std::optional<ToolFault> {
+        if (command.kind != AllowedCommand::Kind::launchctlDisable) return std::nullopt;
+        setContents(file, jobFile(foreign));
+        return ToolFault::refusing(150, "no");
+    });
+    const std::string message = messageOf([&] { toggle.turnOff(record); });
+    tools->interfere({});
+    const auto entry = journal.activeEntry("agent:" + plain);
+    ASSERT_TRUE(entry) << message;
+    EXPECT_EQ(entry->failure, message + ". " + noFile);
+    EXPECT_EQ(stateOf(foreign), "absent, not loaded");
+    setContents(file, fileContents);
+    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
+
+    // The job takes longer to go than it is waited for: it is not missing yet, then it is.
+    tools->launchd().setManner(plain, {80, 0, 37, {}});
+    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    setContents(file, jobFile(foreign));
+    const auto restore = [&] { return toggle.restore({plain, file.string(), true, AgentOverride::enabled}); };
+    EXPECT_EQ(messageOf(restore), "After the change, launchd reports something else: " + plain +
+                                      " is not loaded, expected loaded");
+    EXPECT_EQ(restore(), noFile);
+    EXPECT_EQ(stateOf(foreign), "absent, not loaded");
+}
+
+}  // namespace
+}  // namespace brell
