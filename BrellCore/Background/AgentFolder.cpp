@@ -19,21 +19,6 @@ bool isJobName(const fs::path& file) {
     return file.filename().native().ends_with(".plist");
 }
 
-// A folder that can't be listed and a file that can't be read may hold what is looked for.
-void checkCanBeListed(const fs::path& folder) {
-    std::error_code failed;
-    const fs::directory_iterator first(folder, failed);
-    if (failed && failed != std::errc::no_such_file_or_directory)
-        throw refused("Your LaunchAgents folder " + folder.string() + " can't be read: " + failed.message() +
-                      ".");
-}
-
-void checkCanBeRead(const fs::path& file) try {
-    readFile(file, LaunchAgentPlist::mostBytes);
-} catch (const ReadError& error) {
-    if (error.failure().code != 0) throw refused(error.what());  // else it is no job file at all
-}
-
 }  // namespace
 
 AgentFolder::AgentFolder(const fs::path& directory) : directory_(resolvedPath(directory)) {}
@@ -47,15 +32,33 @@ bool AgentFolder::isDirectlyInside(const fs::path& resolved) const {
 }
 
 bool AgentFolder::hasLabel(const fs::path& file, const std::string& label) const {
-    return isDirectlyInside(resolvedPath(file)) && LaunchAgentPlist::read(file).label == label;
+    return isDirectlyInside(resolvedPath(file)) &&
+           LaunchAgentPlist::readOrRaise(file, LinksOut::left).label == label;
+}
+
+std::vector<fs::path> AgentFolder::jobFiles() const {
+    std::error_code failed;
+    std::vector<fs::path> files = LaunchAgentReader::jobFiles(directory_, failed);
+    if (failed && failed != std::errc::no_such_file_or_directory)
+        throw refused("Your LaunchAgents folder " + directory_.string() +
+                      " can't be read: " + failed.message() + ".");
+    return files;
 }
 
 std::optional<fs::path> AgentFolder::jobFile(const std::string& label, const fs::path& preferred) const {
-    if (hasLabel(preferred, label)) return resolvedPath(preferred);
-    checkCanBeListed(directory_);
-    for (const LaunchAgentPlist& plist : LaunchAgentReader::plists(directory_, LinksOut::left))
-        if (plist.label == label) return resolvedPath(plist.path);
-    if (isDirectlyInside(resolvedPath(preferred))) checkCanBeRead(preferred);
+    std::optional<ReadFailure> unread;
+    const auto isIt = [&](const fs::path& file) {
+        try {
+            return hasLabel(file, label);
+        } catch (const ReadError& error) {
+            if (!unread) unread = error.failure();
+            return false;
+        }
+    };
+    if (isIt(preferred)) return resolvedPath(preferred);
+    for (const fs::path& file : jobFiles())
+        if (isIt(file)) return resolvedPath(file);
+    if (unread) throw refused(describe(*unread));  // it may be the one
     return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brell {
 
@@ -24,6 +25,7 @@ public:
                                                  const std::filesystem::path& preferred) const;
 
 private:
+    std::vector<std::filesystem::path> jobFiles() const;
     bool hasLabel(const std::filesystem::path& file, const std::string& label) const;
 
     const std::filesystem::path directory_;  // links resolved

@@ -14,19 +14,31 @@ namespace brell {
 
 namespace {
 
+constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
+
 std::optional<std::uint32_t> ownerOf(const fs::path& file) {
     struct stat status;
     if (::stat(file.c_str(), &status) != 0) return std::nullopt;
     return static_cast<std::uint32_t>(status.st_uid);
 }
 
+// What is known of a file that can't be read.
+LaunchAgentPlist nothingOf(const fs::path& file) {
+    LaunchAgentPlist plist;
+    plist.path = file.string();
+    plist.fileOwnerUID = ownerOf(file);
+    return plist;
+}
+
+// Nothing of what is no job file. Raises ReadError where the system is the reason.
 std::optional<PlistDictionary> readDictionary(const fs::path& file) {
     try {
-        const auto contents = readFile(file, LaunchAgentPlist::mostBytes);
+        const auto contents = readFile(file, mostBytes);
         if (!contents) return std::nullopt;
         PlistValue root = readPropertyList(contents->bytes);
         if (auto* dictionary = std::get_if<PlistDictionary>(&root.payload)) return std::move(*dictionary);
-    } catch (const ReadError&) {
+    } catch (const ReadError& error) {
+        if (error.failure().code != 0) throw;
     } catch (const PlistError&) {
     }
     return std::nullopt;
@@ -63,12 +75,20 @@ std::vector<std::string> textsOf(const PlistDictionary& job, std::string_view ke
 
 }  // namespace
 
-LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file, LinksOut links) {
-    LaunchAgentPlist plist;
-    plist.path = file.string();
-    if (links == LinksOut::left) plist.leadsTo = leadingOut(file);
-    if (plist.leadsTo) return plist;
-    plist.fileOwnerUID = ownerOf(file);
+LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file, LinksOut links) try {
+    return readOrRaise(file, links);
+} catch (const ReadError&) {
+    return nothingOf(file);
+}
+
+LaunchAgentPlist LaunchAgentPlist::readOrRaise(const fs::path& file, LinksOut links) {
+    if (const auto target = links == LinksOut::left ? leadingOut(file) : std::nullopt) {
+        LaunchAgentPlist link;
+        link.path = file.string();
+        link.leadsTo = target;
+        return link;
+    }
+    LaunchAgentPlist plist = nothingOf(file);
     const auto job = readDictionary(file);
     if (!job) return plist;
 

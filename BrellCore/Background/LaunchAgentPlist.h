@@ -14,8 +14,6 @@ namespace brell {
 enum class LinksOut { followed, left };
 
 struct LaunchAgentPlist {
-    static constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
-
     std::string path;
     std::optional<std::string> label;
     std::optional<std::string> program;
@@ -31,6 +29,9 @@ struct LaunchAgentPlist {
     // Never raises: of a file that can't be read, is not a property list or is beyond all measure, only the
     // path and the owner are known.
     static LaunchAgentPlist read(const std::filesystem::path& file, LinksOut links = LinksOut::followed);
+    // The same, but raises ReadError where the system does not let an ordinary file be read: nothing is known
+    // of it then, not even that it has no label.
+    static LaunchAgentPlist readOrRaise(const std::filesystem::path& file, LinksOut links);
 
     std::optional<std::string> executable() const;
     std::string trigger() const;  // when the job runs: "at login, every 3600 s"; or that it is a link

@@ -13,16 +13,6 @@ namespace brell {
 
 namespace {
 
-std::vector<fs::path> jobFilesIn(const fs::path& folder) {
-    std::vector<fs::path> files;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
-        if (entry->path().filename().native().ends_with(".plist")) files.push_back(entry->path());
-    std::sort(files.begin(), files.end(),
-              [](const fs::path& a, const fs::path& b) { return a.native() < b.native(); });
-    return files;
-}
-
 AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& overrides) {
     const auto found = plist.label ? overrides.find(*plist.label) : overrides.end();
     return found == overrides.end() ? AgentOverride::absent : found->second;
@@ -36,9 +26,20 @@ std::string describe(const LaunchctlFailure& failure) {
 
 LaunchctlError::~LaunchctlError() = default;
 
+std::vector<fs::path> LaunchAgentReader::jobFiles(const fs::path& folder, std::error_code& error) {
+    std::vector<fs::path> files;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+        if (entry->path().filename().native().ends_with(".plist")) files.push_back(entry->path());
+    std::sort(files.begin(), files.end(),
+              [](const fs::path& a, const fs::path& b) { return a.native() < b.native(); });
+    return files;
+}
+
 std::vector<LaunchAgentPlist> LaunchAgentReader::plists(const fs::path& folder, LinksOut links) {
     std::vector<LaunchAgentPlist> plists;
-    for (const fs::path& file : jobFilesIn(folder)) plists.push_back(LaunchAgentPlist::read(file, links));
+    std::error_code ignored;
+    for (const fs::path& file : jobFiles(folder, ignored))
+        plists.push_back(LaunchAgentPlist::read(file, links));
     return plists;
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "BrellCore/Background/CommandRunning.h"
@@ -60,7 +61,10 @@ struct LaunchAgentReader {
     std::filesystem::path userAgentsDirectory() const { return home / "Library/LaunchAgents"; }
     std::string domain() const { return AgentCommands::guiDomain(uid); }
 
-    // The job files of a folder in the order of their names; empty when it can't be listed.
+    // The job files of a folder in the order of their names. What can't be listed is left out and gives the
+    // error.
+    static std::vector<std::filesystem::path> jobFiles(const std::filesystem::path& folder,
+                                                       std::error_code& error);
     static std::vector<LaunchAgentPlist> plists(const std::filesystem::path& folder,
                                                 LinksOut links = LinksOut::followed);
 

@@ -157,11 +157,11 @@ TEST_F(AgentRestoreTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHa
     fs::rename(fileOf(linked), mac.home() / "elsewhere.plist");
     fs::create_symlink(mac.home() / "elsewhere.plist", fileOf(linked));
 
-    // Whether one has it is not known while the file or the folder can't be read.
+    // Whether one has it is not known while a file or the folder can't be read.
     if (systemCallsAreWatched()) {
-        const ClosedFile closed(fileOf(replaced));
+        const ClosedFile closed(fileOf(plain));
         EXPECT_EQ(messageOf([&] { engine.restore(journal.activeEntry("agent:" + replaced)->id, false); }),
-                  "The file " + fileOf(replaced).string() + " could not be read: Permission denied.");
+                  "The file " + fileOf(plain).string() + " could not be read: Permission denied.");
     }
     fs::rename(mac.launchAgents(), mac.home() / "away");
     setContents(mac.launchAgents(), "");

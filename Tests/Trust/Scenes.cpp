@@ -13,7 +13,6 @@ constexpr const char* slow = "com.pebblewick.indexer";
 constexpr const char* disabled = "com.spotify.client.startuphelper";
 constexpr const char* stillLoaded = "com.tallowgate.agent";  // and disabled
 constexpr const char* neverLoaded = "org.fernwright.notes";
-constexpr JobManner usesItsTimeUp{28, 36, 37, {}, 6};
 
 void nothing(Rig&) {}
 
@@ -82,8 +81,6 @@ const std::vector<Scene>& scenes() {
          restoreAll},
         {"turn an agent off", some, turningOff(plain)},
         {"turn a slow agent off", nothing, turningOff(slow)},
-        {"turn off an agent that uses up its time",
-         [](Rig& rig) { rig.tools->launchd().setManner(plain, usesItsTimeUp); }, turningOff(plain)},
         {"turn off an agent that was never loaded", nothing, turningOff(neverLoaded)},
         {"turn an agent on", nothing, turningOn(disabled)},
         {"turn on a disabled agent that is still loaded", nothing, turningOn(stillLoaded)},
