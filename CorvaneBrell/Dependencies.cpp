@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/DryRunCommandRunner.h"
 #include "CorvaneBrell/DryRunJournal.h"
@@ -64,5 +65,7 @@ Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out
     engine.setAgentRestorer(&toggle);
     if (options.quitAfterCapture) engine.setAfterCaptureHook(endAfterCapture(out));
 }
+
+Dependencies::~Dependencies() = default;
 
 }  // namespace brell

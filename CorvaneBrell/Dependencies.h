@@ -23,6 +23,7 @@ struct Dependencies {
     // be made. out gets the lines of a dry run and of the capture hook, and must outlive the object; notes
     // gets what there is to say about the journal of a dry run.
     Dependencies(const LaunchOptions& launchOptions, std::ostream& out, std::ostream& notes = std::cerr);
+    ~Dependencies();
     Dependencies(const Dependencies&) = delete;
     Dependencies& operator=(const Dependencies&) = delete;
 

@@ -10,6 +10,7 @@
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Uuid.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "BrellCore/Background/CommandRunning.h"
-#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Journal/AgentCapture.h"
 
 namespace brell {
 

@@ -7,7 +7,8 @@
 #include <variant>
 #include <vector>
 
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/PrefKey.h"
+#include "BrellCore/Preferences/PrefValue.h"
 #include "BrellCore/Support/EnumText.h"
 
 namespace brell {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "BrellCore/Preferences/PreferenceStore.h"
+
 namespace brell {
 
 bool isInForce(const JournalEntry& entry, PreferenceReader& preferences) try {

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "BrellCore/Journal/JournalEntry.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
+
+class PreferenceReader;
 
 // Every key holds what the change wrote. A key that can't be read counts as one that does not.
 bool isInForce(const JournalEntry& entry, PreferenceReader& preferences);

@@ -4,8 +4,10 @@
 #include <string>
 #include <variant>
 
-#include "BrellCore/Journal/Journal.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Preferences/PrefValue.h"
+#include "BrellCore/Preferences/StoreError.h"
+#include "BrellCore/Support/Uuid.h"
 
 namespace brell {
 

@@ -5,6 +5,7 @@
 #include "BrellCore/Engine/VerifiedWrite.h"
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PrefValueJson.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {

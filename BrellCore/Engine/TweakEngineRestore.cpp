@@ -3,6 +3,7 @@
 #include "BrellCore/Engine/TweakEngine.h"
 #include "BrellCore/Engine/VerifiedWrite.h"
 #include "BrellCore/Journal/EntryOrder.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
 

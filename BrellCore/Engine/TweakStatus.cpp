@@ -4,6 +4,8 @@
 #include <unordered_map>
 
 #include "BrellCore/Engine/Drift.h"
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
 

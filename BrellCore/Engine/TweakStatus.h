@@ -7,10 +7,14 @@
 #include <vector>
 
 #include "BrellCore/Catalog/Tweak.h"
-#include "BrellCore/Journal/Journal.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Preferences/StoreError.h"
+#include "BrellCore/Support/Uuid.h"
 
 namespace brell {
+
+class Journal;
+class PreferenceStore;
 
 struct OnByBrell {  // an active change of ours set values, and nobody else changed them since
     Uuid entry;

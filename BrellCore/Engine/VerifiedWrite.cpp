@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include "BrellCore/Preferences/PreferenceStore.h"
+
 namespace brell {
 
 std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store) try {

@@ -6,9 +6,10 @@
 
 #include "BrellCore/Engine/EngineError.h"
 #include "BrellCore/Journal/JournalEntry.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 // Makes the key hold what the change writes. Gives what went wrong; the key may then hold anything.
 std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store);

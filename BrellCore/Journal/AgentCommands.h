@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Journal/AgentCapture.h"
 
 namespace brell {
 

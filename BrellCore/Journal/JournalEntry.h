@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Journal/AgentCapture.h"
+#include "BrellCore/Preferences/PrefKey.h"
+#include "BrellCore/Preferences/PrefValue.h"
 #include "BrellCore/Support/EnumText.h"
 #include "BrellCore/Support/TimeStamp.h"
 #include "BrellCore/Support/Uuid.h"
@@ -33,28 +35,11 @@ template <>
 inline constexpr std::array<std::string_view, 4> enumTexts<EntryStatus>{"capturing", "applied", "failed",
                                                                         "restored"};
 
-// launchd's per-user override for a label; absent when it holds none.
-enum class AgentOverride { absent, enabled, disabled };
-template <>
-inline constexpr std::array<std::string_view, 3> enumTexts<AgentOverride>{"absent", "enabled", "disabled"};
-
 struct JournaledWrite {
     PrefKey key;
     StoredValue original;  // the exact reading before the change
     StoredValue written;   // what the change stored; absent for a removal
     bool operator==(const JournaledWrite&) const = default;
-};
-
-// A LaunchAgent before it was changed.
-struct AgentCapture {
-    std::string label;
-    std::string plistPath;  // absolute
-    bool wasLoaded;
-    AgentOverride override;
-
-    // Whether the change turned it on. It turned off what was not disabled.
-    bool turnedOn() const { return override == AgentOverride::disabled; }
-    bool operator==(const AgentCapture&) const = default;
 };
 
 struct JournalEntry {

@@ -2,56 +2,13 @@
 #pragma once
 
 #include <memory>
-#include <set>
 #include <string>
-#include <string_view>
-#include <variant>
 
+#include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Preferences/PrefValue.h"
-#include "BrellCore/Support/Failure.h"
+#include "BrellCore/Preferences/StoreError.h"
 
 namespace brell {
-
-inline constexpr std::string_view globalDomain = "NSGlobalDomain";
-
-// A key of a preference domain. Both are compared exactly, letter case included.
-struct PrefKey {
-    std::string domain;  // "com.apple.dock", or globalDomain
-    std::string name;    // "autohide"
-
-    std::string rendered() const { return domain + " " + name; }
-    bool operator==(const PrefKey&) const = default;
-    auto operator<=>(const PrefKey&) const = default;
-};
-
-struct DomainNotAllowed {
-    std::string domain;
-    bool operator==(const DomainNotAllowed&) const = default;
-};
-struct UnsupportedType {
-    PrefKey key;
-    std::string typeWord;  // from propertyListTypeName
-    bool operator==(const UnsupportedType&) const = default;
-};
-struct SynchronizeFailed {
-    std::string domain;
-    bool operator==(const SynchronizeFailed&) const = default;
-};
-struct StoreIo {
-    std::string message;  // a whole sentence
-    bool operator==(const StoreIo&) const = default;
-};
-
-using StoreFailure = std::variant<DomainNotAllowed, UnsupportedType, SynchronizeFailed, StoreIo>;
-std::string describe(const StoreFailure& failure);
-
-class StoreError final : public FailureError<StoreFailure> {
-public:
-    using FailureError::FailureError;
-    ~StoreError() override;
-};
-
-using DomainSet = std::set<std::string, std::less<>>;
 
 // Every reading refuses a domain outside the store's allowed ones before anything else and raises StoreError
 // only; a value that is not one of the PrefValue kinds raises UnsupportedType.

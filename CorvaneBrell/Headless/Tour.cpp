@@ -6,6 +6,7 @@
 
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Dependencies.h"

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Model/EntryText.h"
 #include "CorvaneBrell/Model/UndoProof.h"

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "CorvaneBrell/Model/UndoProof.h"
 
 namespace brell {

@@ -7,9 +7,10 @@
 
 #include "BrellCore/Background/AgentSteps.h"
 #include "BrellCore/Journal/JournalEntry.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 struct DriftedEntry {
     JournalEntry entry;

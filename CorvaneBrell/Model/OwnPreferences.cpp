@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Model/OwnPreferences.h"
 
+#include "BrellCore/Preferences/PreferenceStore.h"
+
 namespace brell {
 
 namespace {

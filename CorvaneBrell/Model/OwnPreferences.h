@@ -6,10 +6,12 @@
 #include <string_view>
 
 #include "BrellCore/Preferences/NeverTouch.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 // A reading never raises: what can't be read counts as not there. A change raises StoreError.
 class OwnPreferences final : public KeyedNumbers {

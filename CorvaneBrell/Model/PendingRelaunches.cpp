@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {

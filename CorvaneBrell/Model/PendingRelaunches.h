@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/PrefValue.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 struct KeptRelaunch {
     std::string before;    // what the tweak's keys held when the app was last started, rendered

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {

@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "BrellCore/Journal/JournalEntry.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 struct KeyProof {
     PrefKey key;

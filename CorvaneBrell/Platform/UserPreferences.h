@@ -6,9 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/PrefKey.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 // A store of these domains: macOS's user defaults, never root's; elsewhere property-list files in this
 // folder, which the first write makes. Raises std::exception when there can be none.

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Preferences/PrefKey.h"
 
 namespace brell {
 

@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "BrellCore/Journal/JournalEntry.h"
+#include "BrellCore/Journal/AgentCapture.h"
 #include "BrellCore/Support/PropertyList.h"
 #include "CorvaneBrell/SampleMac/LaunchdState.h"
 
