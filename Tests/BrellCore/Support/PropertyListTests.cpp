@@ -238,7 +238,7 @@ TEST(XmlPropertyListTest, WrittenValuesReadBackExactlyUnderAnyLocale) {
                                 std::numeric_limits<double>::infinity()})
         values.push_back({number});
     for (const std::string_view text : {"", " ", "\r", "\r\n", "\n \t", "]]>", "&amp;", "<!-- -->",
-                                        "\xF0\x9F\x98\x80", "a\xCC\x81", "\xC2\x85"})
+                                        "\xF0\x9F\x98\x80", "a\xCC\x81", "\xC2\x85", "\uFEFFa"})
         values.push_back({std::string(text)});
     for (std::size_t size = 0; size < 130; ++size) values.push_back({PlistData{std::string(size, '\xA5')}});
     const PlistValue value{dictionaryOf({{"all", {values}}, {" \r&", {nestedArrays(20)}}})};
