@@ -114,21 +114,28 @@ tryAgent() {
     rm "$(fileOf "$label")"
 }
 
+# notAllowedAgain LABEL: why an agent without a file is not as it can be: on at the next login of whoever brings one.
+notAllowedAgain() {
+    brell --restore-all || echo "restoring failed"
+    if ! said "^restored .*$1.*\.\$" >/dev/null; then echo "no sentence says that its file is gone"; fi
+    if isLoaded "$1"; then echo "it is loaded without a file"; fi
+    if isDisabled "$1"; then echo "it is still turned off"; fi
+}
+
 # An agent whose file has another name, or is gone, when it is to come back.
 tryMissingFile() {
-    local label=$labels.plain file place
+    local label=$labels.plain file renamed=$agents/$labels.renamed.plist
     file=$(fileOf "$label")
-    for place in "$agents/$labels.renamed.plist" "$work/removed.plist"; do
-        addAgent "$label" 'exec sleep 3600'
-        brell "--toggle-agent=$label"
-        mv "$file" "$place"
-        brell --restore-all
-        conclude "An agent whose file is $([ "$place" = "$work/removed.plist" ] && echo removed || echo renamed) is kept in the journal" \
-            "$(said "^failed .*$label.*\.\$" >/dev/null || echo 'no sentence names it'; said '^still active: 1$' >/dev/null || echo 'no change is active')"
-        mv "$place" "$file"
-        conclude "It comes back with its file" "$(notBack "$label" | head -n 1)"
-        launchctl bootout "$domain/$label" >/dev/null 2>&1
-        waitUntilGone "$label" || true
-        rm "$file"
-    done
+    addAgent "$label" 'exec sleep 3600'
+    brell "--toggle-agent=$label"
+    mv "$file" "$renamed"
+    conclude "An agent whose file is renamed comes back" "$(notBack "$label" | head -n 1)"
+    launchctl bootout "$domain/$label" >/dev/null 2>&1
+    waitUntilGone "$label" || true
+    rm "$renamed"
+
+    addAgent "$label" 'exec sleep 3600'
+    brell "--toggle-agent=$label"
+    rm "$file"
+    conclude "An agent whose file is removed is allowed again" "$(notAllowedAgain "$label" | head -n 1)"
 }
