@@ -30,7 +30,7 @@ bool isLeaving(const LoadedState& loaded);
 // Loaded, and from this file as far as launchd tells.
 bool isLoadedFrom(const LoadedState& loaded, const std::string& plistPath);
 
-// What runs this command. jobFile is what a bootstrap loads.
+// The allowed command for one of a plan's. jobFile is the file that a bootstrap loads.
 AllowedCommand allowedCommand(AgentCommand::Verb verb, const std::string& domain, const std::string& label,
                               const std::string& jobFile);
 

@@ -15,7 +15,7 @@
 
 namespace brell {
 
-// What a switch would run, and where that leads.
+// The commands that a switch would run, and where they lead.
 struct AgentPreview {
     std::vector<std::string> commands;
     AgentTarget target;

@@ -1,5 +1,5 @@
-// What launchctl is told to do to a LaunchAgent, said once: the toggle runs it, the confirmation and the text
-// for Terminal show it, the restore script prints it.
+// The commands that launchctl is given for a LaunchAgent, said once: the toggle runs them, the confirmation
+// and the text for Terminal show them, the restore script prints them.
 #pragma once
 
 #include <cstdint>
@@ -23,14 +23,14 @@ struct AgentCommand {
     bool operator==(const AgentCommand&) const = default;
 };
 
-// What launchd shows once all is done. An override of "enabled" and none are the same to it.
+// The state that launchd shows once all is done. An override of "enabled" and none are the same to it.
 struct AgentTarget {
     bool isDisabled;
     bool isLoaded;
     bool operator==(const AgentTarget&) const = default;
 };
 
-// What is run, in this order, and where it leads.
+// The commands that are run, in this order, and where they lead.
 struct AgentPlan {
     std::vector<AgentCommand> commands;
     AgentTarget target;
@@ -50,8 +50,8 @@ AgentPlan switching(AgentSwitch direction);
 AgentPlan making(const AgentCapture& before);
 AgentPlan undoing(const AgentCapture& before);
 
-// What the restore script runs to undo it. It can't ask launchd, and takes no job away that runs: the
-// override comes first, and a bootstrap of what is loaded already, or was disabled, does nothing.
+// The same for the restore script, which can't ask launchd and takes no job away that runs: the override
+// comes first, and a bootstrap of an agent that is loaded already, or was disabled, does nothing.
 std::vector<AgentCommand> undoingByScript(const AgentCapture& before);
 
 // One command for a POSIX shell, which puts in its user's own number. quote makes a word of the shell of any
