@@ -273,7 +273,7 @@ TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
         messageOf([&] { exact("k", {"dock" + noText}); }),
         "macOS takes no preference key or domain that is not UTF-8 or begins with a byte order mark, such "
         "as \"dock\uFFFD\".");
-    for (const std::string name : {noText, std::string("\uFEFFk")}) {
+    for (const std::string& name : {noText, std::string("\uFEFFk")}) {
         EXPECT_TRUE(refused([&] { exact(name, dock); }));
         EXPECT_TRUE(refused([&] { calls->setValue(name, {true}, dock); }));
         EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, {name}); }));
