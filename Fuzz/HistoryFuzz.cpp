@@ -13,9 +13,9 @@ using namespace brell;
 using namespace brell::fuzz;
 
 std::vector<HistoryLine> linesOf(std::string_view text, std::optional<TimeStamp> cutOff = std::nullopt) {
-    std::vector<HistoryLine> lines;
-    readHistoryLines(padded(text), cutOff, lines);
-    return lines;
+    HistoryReading reading;
+    readHistoryLines(padded(text), cutOff, reading);
+    return std::move(reading.lines);
 }
 
 HistoryLine goodLine() {

@@ -35,32 +35,36 @@ bool endsInsideALine(const UniqueFd& file, off_t size) {
 
 struct HistoryFile {
     fs::path path;
-    std::uintmax_t size;
+    std::uintmax_t size;  // 0 where it is unknown, or more than is read
 };
 
-std::vector<HistoryFile> filesOf(const fs::path& directory) {
+// A folder that is missing has none.
+std::vector<HistoryFile> filesOf(const fs::path& directory, std::error_code& failed) {
     std::vector<HistoryFile> files;
-    std::error_code failed;
     for (fs::directory_iterator entry(directory, failed), end; !failed && entry != end;
          entry.increment(failed)) {
         if (!entry->path().filename().string().ends_with(extension)) continue;
         std::error_code unknown;
         const std::uintmax_t size = entry->file_size(unknown);
-        files.push_back({entry->path(), unknown ? 0 : size});
+        files.push_back({entry->path(), unknown || size > mostBytes ? 0 : size});
     }
+    if (failed == std::errc::no_such_file_or_directory) failed.clear();
     std::sort(files.begin(), files.end(),
               [](const HistoryFile& one, const HistoryFile& other) { return one.path < other.path; });
     return files;
 }
 
-// How many lines all files hold when they are as long as these, which a file of so many bytes had. A little
-// more: growing a list of so large records costs more than room that stays untouched.
-std::size_t expectedLines(const std::vector<HistoryFile>& files, std::size_t lines, std::size_t bytes) {
-    constexpr std::uintmax_t mostLines = 1'000'000;  // room is made for; there may be more
+std::uintmax_t bytesOf(const std::vector<HistoryFile>& files) {
     std::uintmax_t all = 0;
-    for (const HistoryFile& file : files)
-        if (file.size <= mostBytes) all += file.size;
-    return static_cast<std::size_t>(std::min<std::uintmax_t>(lines * (all / bytes * 9 / 8 + 1), mostLines));
+    for (const HistoryFile& file : files) all += file.size;
+    return all;
+}
+
+// How many lines so many bytes hold, by a file that had so many in so many. A little more: growing a list of
+// so large records costs more than room that stays untouched.
+std::size_t expectedLines(std::uintmax_t total, std::size_t lines, std::size_t bytes) {
+    constexpr std::uintmax_t mostLines = 1'000'000;  // room is made for; there may be more
+    return static_cast<std::size_t>(std::min<std::uintmax_t>(lines * (total / bytes * 9 / 8 + 1), mostLines));
 }
 
 }  // namespace
@@ -80,22 +84,35 @@ bool appendHistoryLine(const fs::path& directory, TimeStamp at, const JournalEnt
     return ::write(file.get(), line.data(), line.size()) == static_cast<ssize_t>(line.size());
 }
 
-std::vector<HistoryLine> readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff) {
-    const std::vector<HistoryFile> files = filesOf(directory);
-    std::vector<HistoryLine> lines;
+HistoryReading readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff,
+                           const HistoryProgress& goOn) {
+    HistoryReading reading;
+    std::error_code failed;
+    const std::vector<HistoryFile> files = filesOf(directory, failed);
+    if (failed)
+        reading.unread.push_back("The folder " + directory.string() +
+                                 " could not be read: " + failed.message() + ".");
+    const std::uintmax_t total = bytesOf(files);
+    std::uintmax_t done = 0;
     for (const HistoryFile& file : files) {
+        if (!goOn(done, total)) return reading;
+        done += file.size;
         try {
             const auto contents = readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING);
             if (!contents) continue;
-            const bool isFirst = lines.empty();
-            readHistoryLines(contents->bytes, cutOff, lines);
-            if (isFirst && !lines.empty())
-                lines.reserve(expectedLines(files, lines.size(), contents->bytes.size()));
-        } catch (const ReadError&) {
-            // The other days are still shown.
+            const bool isFirst = reading.lines.empty();
+            readHistoryLines(contents->bytes, cutOff, reading);
+            if (isFirst && !reading.lines.empty())
+                reading.lines.reserve(expectedLines(total, reading.lines.size(), contents->bytes.size()));
+        } catch (const ReadError& error) {
+            reading.unread.emplace_back(error.what());  // the other days are still told
         }
     }
-    return lines;
+    return reading;
+}
+
+std::vector<HistoryLine> readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff) {
+    return readHistory(directory, cutOff, [](std::uintmax_t, std::uintmax_t) { return true; }).lines;
 }
 
 }  // namespace brell

@@ -1,7 +1,9 @@
 // The append-only record of what happened to every entry: one JSON-lines file a day.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,8 +26,22 @@ struct HistoryLine {
 // line could not be written.
 bool appendHistoryLine(const std::filesystem::path& directory, TimeStamp at, const JournalEntry& entry);
 
-// Every line not earlier than the cut-off, oldest file first and in each file's order. Lines and files that
-// can't be read are passed over; a missing folder gives nothing.
+// The lines of a history, oldest file first and in each file's order, and what could not be read of it.
+struct HistoryReading {
+    std::vector<HistoryLine> lines;
+    std::size_t torn = 0;     // lines that are no whole JSON: cut short, or damaged
+    std::size_t foreign = 0;  // whole ones that are no history line, or one that only a newer Brell knows
+    std::vector<std::string> unread;  // for each file that could not be read a sentence
+    bool operator==(const HistoryReading&) const = default;
+};
+
+// Told how many bytes of the history were read; false ends the reading there.
+using HistoryProgress = std::function<bool(std::uintmax_t done, std::uintmax_t total)>;
+
+// Every line not earlier than the cut-off. A missing folder gives nothing.
+HistoryReading readHistory(const std::filesystem::path& directory, std::optional<TimeStamp> cutOff,
+                           const HistoryProgress& goOn);
+// The same of what can be read.
 std::vector<HistoryLine> readHistory(const std::filesystem::path& directory, std::optional<TimeStamp> cutOff);
 
 }  // namespace brell

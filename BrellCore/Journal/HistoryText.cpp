@@ -33,13 +33,30 @@ void readLine(json::object object, HistoryLine& line) {
     if (!hasAt || !hasEvent || !hasEntry) throw std::runtime_error("a key is missing");
 }
 
-// False for a line that is corrupt: it is passed over, and the others still tell their story.
 bool tryReadLine(json::parser& parser, simdjson::padded_string_view text, HistoryLine& line) try {
     json::document document = parser.iterate(text);
     readLine(document.get_object(), line);
     return isAtEnd(document);
 } catch (const std::exception&) {
     return false;
+}
+
+bool isWholeJson(json::parser& parser, simdjson::padded_string_view text) try {
+    json::document document = parser.iterate(text);
+    checkWellFormed(document.get_value());
+    return isAtEnd(document);
+} catch (const std::exception&) {
+    return false;
+}
+
+bool isBlank(std::string_view line) {
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
+// Of a line that can't be read: it is passed over, and the others still tell their story.
+void countLoss(json::parser& parser, simdjson::padded_string_view text, HistoryReading& reading) {
+    if (isBlank(text)) return;
+    ++(isWholeJson(parser, text) ? reading.foreign : reading.torn);
 }
 
 }  // namespace
@@ -57,8 +74,7 @@ std::string historyLineText(TimeStamp at, const JournalEntry& entry) {
     return line.take() + '\n';
 }
 
-void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff,
-                      std::vector<HistoryLine>& lines) {
+void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff, HistoryReading& reading) {
     json::parser parser;
     const char* const end = text.data() + text.size();
     for (const char* at = text.data(); at < end;) {
@@ -67,9 +83,11 @@ void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff,
         if (!lineEnd) lineEnd = end;
         const auto length = static_cast<std::size_t>(lineEnd - at);
         const auto room = text.capacity() - static_cast<std::size_t>(at - text.data());
-        HistoryLine& line = lines.emplace_back();
-        const bool isRead = tryReadLine(parser, simdjson::padded_string_view(at, length, room), line);
-        if (!isRead || (cutOff && line.at < *cutOff)) lines.pop_back();
+        const simdjson::padded_string_view lineText(at, length, room);
+        HistoryLine& line = reading.lines.emplace_back();
+        const bool isRead = tryReadLine(parser, lineText, line);
+        if (!isRead || (cutOff && line.at < *cutOff)) reading.lines.pop_back();
+        if (!isRead) countLoss(parser, lineText, reading);
         at = lineEnd + 1;
     }
 }

@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "BrellCore/Journal/History.h"
 
@@ -12,9 +11,8 @@ namespace brell {
 // With its line feed. Raises JsonWriteError for a value that JSON can't carry.
 std::string historyLineText(TimeStamp at, const JournalEntry& entry);
 
-// Adds every line not earlier than the cut-off; those that can't be read are passed over. The text has
-// simdjson's padding behind it.
-void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff,
-                      std::vector<HistoryLine>& lines);
+// Adds every line not earlier than the cut-off, and counts those that can't be read. The text has simdjson's
+// padding behind it.
+void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff, HistoryReading& reading);
 
 }  // namespace brell

@@ -18,6 +18,10 @@ namespace {
 using namespace testing;
 using Lines = std::vector<HistoryLine>;
 
+bool neverStopped(std::uintmax_t, std::uintmax_t) {
+    return true;
+}
+
 // The machine's time zone, in the form of TZ, as long as it lives.
 class TimeZone {
 public:
@@ -44,6 +48,10 @@ protected:
     const HistoryLine line{at("2026-11-16T00:00:01Z"), EntryStatus::restored, sampleEntries()[1]};
 
     Lines all() const { return readHistory(history, std::nullopt); }
+    HistoryReading reading() const { return readHistory(history, std::nullopt, neverStopped); }
+    std::string unreadable(const char* name) const {
+        return "The file " + (history / name).string() + " could not be read: it is not an ordinary file.";
+    }
 };
 
 }  // namespace
@@ -94,7 +102,7 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
     for (std::size_t length = 0; length < good.size(); ++length) {
         fs::remove(day);  // a new file is written faster than a shortened one
         setContents(day, sample + good.substr(0, length) + "\n" + sample);
-        ASSERT_EQ(all(), (Lines{line, line})) << length;
+        ASSERT_EQ(reading(), (HistoryReading{{line, line}, length > 0 ? 1u : 0u, 0, {}})) << length;
     }
     const auto with = [&](std::string_view from, std::string_view to) {
         std::string text = good;
@@ -105,7 +113,8 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
                          with("Z\",\"entry", "\",\"entry") + std::string(300, '{') + "\n" +
                          std::string(5000, '\0') + "\n" + with("{\"at\"", "{\"later\":[1,,2],\"at\"") + good +
                          "\r\n" + good);
-    EXPECT_EQ(all(), (Lines{line, line}));
+    // Whole, but of no history that is known: two with another word, one without its date's end.
+    EXPECT_EQ(reading(), (HistoryReading{{line, line}, 6, 3, {}}));
 }
 
 TEST_F(HistoryTest, ALineBehindAnUnfinishedOneStandsOnItsOwn) {
@@ -121,10 +130,13 @@ TEST_F(HistoryTest, WhatIsInTheWayIsPassedOver) {
     fs::create_directory(history / "2026-11-14.jsonl");
     ASSERT_EQ(::mkfifo((history / "2026-11-15.jsonl").c_str(), 0600), 0);
     EXPECT_EQ(all(), Lines{line});
+    EXPECT_EQ(reading().unread, (Texts{unreadable("2026-11-14.jsonl"), unreadable("2026-11-15.jsonl")}));
     for (const char* time : {"2026-11-14T12:00:00Z", "2026-11-15T12:00:00Z"})
         EXPECT_FALSE(appendHistoryLine(history, at(time), line.entry));
     EXPECT_FALSE(appendHistoryLine(day, line.at, line.entry));
     EXPECT_EQ(readHistory(day, std::nullopt), Lines());
+    EXPECT_EQ(readHistory(day, std::nullopt, neverStopped).unread,
+              Texts{"The folder " + day.string() + " could not be read: Not a directory."});
 }
 
 }  // namespace brell
