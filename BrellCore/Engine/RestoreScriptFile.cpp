@@ -10,9 +10,6 @@ namespace brell {
 
 namespace {
 
-// Run with sh and perhaps copied, so that others may read it; nobody else may write it.
-constexpr unsigned permissions = 0644;
-
 std::optional<FileIdentity> identityIfKnown(const fs::path& file) try {
     return identityOf(file);
 } catch (const ReadError&) {
@@ -49,7 +46,7 @@ bool RestoreScriptFile::keepLocked() {
     if (isWritten(journal_.activeIDs())) return false;
     written_ = std::nullopt;
     const std::vector<JournalEntry> active = journal_.active();
-    replaceFile(*file_, RestoreScript::render(active, clock_()), Durability::powerCut, permissions);
+    RestoreScript::save(*file_, RestoreScript::render(active, clock_()));
     if (const auto identity = identityIfKnown(*file_)) {
         written_ = Written{{}, *identity};
         for (const JournalEntry& entry : active) written_->entries.push_back(entry.id);

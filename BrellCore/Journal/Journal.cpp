@@ -1,15 +1,13 @@
 #include "BrellCore/Journal/Journal.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <iterator>
 #include <map>
 
+#include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/JsonWriter.h"
-#include "BrellCore/Support/Ownership.h"
 
 namespace fs = std::filesystem;
 
@@ -18,9 +16,6 @@ namespace brell {
 namespace {
 
 using Kind = JournalFailure::Kind;
-
-constexpr std::chrono::seconds patience{30};
-constexpr std::size_t mostBytes = 1024 * 1024 * 1024;
 
 JournalError cannotRead(std::string text) {
     return JournalError({Kind::cannotRead, std::move(text)});
@@ -48,37 +43,13 @@ std::optional<FileIdentity> identityOfSaved(const fs::path& file) try {
     return std::nullopt;
 }
 
-// Saving replaces the file itself, not the link that leads to it.
-fs::path withoutLink(const fs::path& file) {
-    std::error_code failed;
-    const fs::file_type type = fs::symlink_status(file, failed).type();
-    if (type == fs::file_type::none) throw cannotWrite(file.string() + ": " + failed.message());
-    if (type != fs::file_type::symlink) return file;
-    fs::path target = fs::canonical(file, failed);
-    if (failed) throw cannotWrite(file.string() + ": it is a link to a file that is not there");
-    return target;
-}
-
 // Beside the file itself: the same one whichever link leads there.
 fs::path lockFile(const fs::path& journal) {
-    return withoutLink(journal).parent_path() / ".journal.lock";
-}
-
-// Why the journal may say what others want: for its folder, its file, or where that is a link the file it
-// leads to and the folder of that.
-std::optional<std::string> whyNotTrusted(const fs::path& journal) {
-    std::error_code unknown;
-    const fs::path real = fs::is_symlink(journal, unknown) ? fs::canonical(journal, unknown) : journal;
-    std::vector<fs::path> places{journal.parent_path(), real};
-    if (real != journal) places.push_back(real.parent_path());
-    for (const fs::path& place : places)
-        if (auto reason = whyNotOnlyOurs(place))
-            return *reason + ", so that others could choose what an undo puts back";
-    return std::nullopt;
+    return lockIn(withoutLink(journal).parent_path());
 }
 
 void checkTrusted(const fs::path& journal) try {
-    if (auto reason = whyNotTrusted(journal)) throw cannotRead(*std::move(reason));
+    if (auto reason = whyNotTrusted(sourcesOf(journal))) throw cannotRead(*std::move(reason));
 } catch (const std::system_error& error) {
     throw cannotRead(error.what());
 }
@@ -121,8 +92,14 @@ void Journal::markForDryRun(const fs::path& directory) {
                 Durability::powerCut);
 }
 
+void Journal::checkNoDryRun(const fs::path& directory) {
+    if (isMarkedForDryRun(directory))
+        throw cannotRead((directory / dryRunMarkerName).string() +
+                         " says that it is a dry run's, whose changes were never made");
+}
+
 std::unique_ptr<Journal> Journal::open(const fs::path& directory, Clock clock, JournalUse use) {
-    return std::make_unique<Journal>(directory / fileName, directory / "history", std::move(clock), use);
+    return std::make_unique<Journal>(directory / fileName, historyFolder(directory), std::move(clock), use);
 }
 
 Journal::Journal(const fs::path& file, fs::path historyDirectory, Clock clock, JournalUse use)
@@ -200,12 +177,8 @@ Journal::Exclusive Journal::exclusive() {
 }
 
 FileLock Journal::takenLock() const {
-    if (auto reason = whyNotTrusted(file_)) throw cannotWrite(*std::move(reason));
-    auto lock = FileLock::acquire(lockFile(file_), patience);
-    if (!lock)
-        throw JournalError({Kind::isBusy, fmt::format("another change has been under way for {} seconds",
-                                                      patience.count())});
-    return *std::move(lock);
+    if (auto reason = whyNotTrusted(sourcesOf(file_))) throw cannotWrite(*std::move(reason));
+    return takeLock(lockFile(file_));
 }
 
 bool Journal::isLost(const Exclusive& held) const {
@@ -238,12 +211,10 @@ std::vector<HistoryLine> Journal::history(std::optional<int> days) const {
 
 // At every look at another file, too: one that was begun meanwhile may be for the other use.
 void Journal::checkUse() const {
-    const bool isMarked = isMarkedForDryRun(file_.parent_path());
+    const fs::path folder = file_.parent_path();
+    if (use_ == JournalUse::changes) return checkNoDryRun(folder);
     std::error_code unknown;
-    if (use_ == JournalUse::changes && isMarked)
-        throw cannotRead((file_.parent_path() / dryRunMarkerName).string() +
-                         " says that it is a dry run's, whose changes were never made");
-    if (use_ == JournalUse::dryRun && !isMarked && fs::exists(file_, unknown))
+    if (!isMarkedForDryRun(folder) && fs::exists(file_, unknown))
         throw cannotRead(file_.string() + ": it holds changes that were made, which a dry run leaves alone");
 }
 
@@ -251,9 +222,11 @@ void Journal::refreshLocked() try {
     const auto identity = identityOf(file_);
     // A file that is gone does not empty the list: what undoes changes is kept, and saved again with the
     // next.
+    if (const auto reason = identity ? std::nullopt : whyNoFreshStart(file_))
+        throw cannotRead(file_.string() + ": " + *reason);
     if (!identity || identity == identity_) return;
     checkUse();
-    auto read = readFile(file_, mostBytes, simdjson::SIMDJSON_PADDING);
+    auto read = readFile(file_, JournalText::mostBytes, simdjson::SIMDJSON_PADDING);
     if (!read) return;
     try {
         JournalText text = JournalText::read(std::move(read->bytes));

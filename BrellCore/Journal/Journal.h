@@ -48,6 +48,7 @@ public:
     static constexpr const char* dryRunMarkerName = "dry-run.txt";
     static bool isMarkedForDryRun(const std::filesystem::path& directory);
     static void markForDryRun(const std::filesystem::path& directory);  // raises ReplaceError
+    static void checkNoDryRun(const std::filesystem::path& directory);  // raises JournalError (cannotRead)
 
     // The journal of this directory: its file, which may be a link, and the folder "history" in it. Creates
     // nothing. Raises JournalError (cannotRead) for a file that is damaged, of a newer format or for the

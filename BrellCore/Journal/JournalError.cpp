@@ -9,13 +9,20 @@ std::string describeAlone(const JournalFailure& failure) {
             return "The change journal could not be written: " + failure.text + ".";
         case JournalFailure::Kind::cannotRead:
             return "The change journal could not be read: " + failure.text + ".";
+        case JournalFailure::Kind::cannotRebuild:
+            return "The change journal could not be rebuilt: " + failure.text + ".";
     }
     return {};
 }
 
 std::string describe(const JournalFailure& failure) {
-    const bool wasToBeSaved = failure.kind != JournalFailure::Kind::cannotRead;
-    return describeAlone(failure) + (wasToBeSaved ? " Nothing was changed." : "");
+    switch (failure.kind) {
+        case JournalFailure::Kind::cannotWrite:
+        case JournalFailure::Kind::isBusy: return describeAlone(failure) + " Nothing was changed.";
+        case JournalFailure::Kind::cannotRebuild: return describeAlone(failure) + " Nothing was lost.";
+        case JournalFailure::Kind::cannotRead: break;
+    }
+    return describeAlone(failure);
 }
 
 JournalError::~JournalError() = default;

@@ -1,4 +1,4 @@
-// Why the journal could not be read or saved.
+// Why the journal could not be read, saved or rebuilt.
 #pragma once
 
 #include <string>
@@ -8,7 +8,12 @@
 namespace brell {
 
 struct JournalFailure {
-    enum class Kind { cannotWrite, cannotRead, isBusy };  // isBusy: others held its lock all the time
+    enum class Kind {
+        cannotWrite,
+        cannotRead,
+        isBusy,  // others held its lock all the time
+        cannotRebuild,
+    };
     Kind kind;
     std::string text;  // what happened, without a final stop
     bool operator==(const JournalFailure&) const = default;

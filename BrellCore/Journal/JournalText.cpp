@@ -72,6 +72,16 @@ JournalText JournalText::read(std::string text) {
     return journal;
 }
 
+std::string JournalText::of(const std::vector<JournalEntry>& entries) {
+    std::string text(beforeEntries);
+    for (const JournalEntry& entry : entries) {
+        if (&entry != &entries.front()) text += betweenEntries;
+        text += encoded(entry);
+    }
+    text += afterEntries;
+    return text;
+}
+
 std::string_view JournalText::textOf(std::size_t index) const {
     return std::string_view(text_).substr(spans_[index].begin, spans_[index].length);
 }

@@ -20,7 +20,8 @@ class JournalText {
     class Composer;
 
 public:
-    static constexpr std::int64_t formatVersion = 1;  // written, and the highest that is read
+    static constexpr std::int64_t formatVersion = 1;              // written, and the highest that is read
+    static constexpr std::size_t mostBytes = 1024 * 1024 * 1024;  // of a file that is read
 
     // What one entry, new or changed, makes of the text: for the file first, and then for take().
     struct Change {
@@ -34,6 +35,8 @@ public:
     // std::runtime_error, which says why on one line, without a final stop. The text has simdjson's padding
     // behind it.
     static JournalText read(std::string text);
+    // The whole text for these entries. Raises JsonWriteError for a value that JSON can't carry.
+    static std::string of(const std::vector<JournalEntry>& entries);
 
     const std::string& text() const { return text_; }
     const std::vector<JournalEntry>& entries() const { return entries_; }  // in the order of the text

@@ -5,6 +5,7 @@
 
 #include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/EntryOrder.h"
+#include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/Numbers.h"
 #include "BrellCore/Support/Text.h"
 
@@ -74,6 +75,12 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
         "echo 'Done. Relaunch Finder and the Dock, or log out and back in, for every change to take "
         "effect.'");
     return join(lines, "\n") + "\n";
+}
+
+void save(const std::filesystem::path& file, std::string_view text) {
+    // Run with sh and perhaps copied, so that others may read it; nobody else may write it.
+    constexpr unsigned permissions = 0644;
+    replaceFile(file, text, Durability::powerCut, permissions);
 }
 
 std::string quote(std::string_view text) {

@@ -1,6 +1,7 @@
 // The POSIX shell script beside the journal that undoes every active change when the application is gone.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,8 @@ inline constexpr std::string_view exportName = "corvane-brell-restore.sh";  // o
 // The whole text for the active ones of these entries, newest first. Whatever the entries hold, none of it
 // can become a command: data stands in single quotes, comments stay on one line.
 std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt);
+// Makes the text this file's contents, durably. Raises ReplaceError.
+void save(const std::filesystem::path& file, std::string_view text);
 
 // One single-quoted shell word.
 std::string quote(std::string_view text);

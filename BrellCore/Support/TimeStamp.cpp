@@ -28,6 +28,13 @@ bool hasTheMarks(std::string_view text) {
            text[16] == ':' && text[19] == 'Z';
 }
 
+std::tm localTime(TimeStamp time) {
+    const std::time_t seconds = chr::system_clock::to_time_t(time);
+    std::tm local{};
+    ::localtime_r(&seconds, &local);
+    return local;
+}
+
 }  // namespace
 
 TimeStamp systemNow() {
@@ -54,10 +61,13 @@ std::optional<TimeStamp> parseIso8601(std::string_view text) {
 }
 
 std::string localDay(TimeStamp time) {
-    const std::time_t seconds = chr::system_clock::to_time_t(time);
-    std::tm local{};
-    ::localtime_r(&seconds, &local);
+    const std::tm local = localTime(time);
     return fmt::format("{:04}-{:02}-{:02}", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+}
+
+std::string localMoment(TimeStamp time) {
+    const std::tm local = localTime(time);
+    return localDay(time) + fmt::format("-{:02}{:02}{:02}", local.tm_hour, local.tm_min, local.tm_sec);
 }
 
 }  // namespace brell

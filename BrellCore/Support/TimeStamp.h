@@ -23,5 +23,7 @@ std::optional<TimeStamp> parseIso8601(std::string_view text);
 
 // The day of this moment in the machine's time zone, for example 2026-11-15.
 std::string localDay(TimeStamp time);
+// The moment there, for a file's name: 2026-11-22-153000.
+std::string localMoment(TimeStamp time);
 
 }  // namespace brell

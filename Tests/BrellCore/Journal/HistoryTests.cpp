@@ -66,11 +66,13 @@ TEST_F(HistoryTest, TheSampleLineIsReadAndWrittenToTheByte) {
 }
 
 TEST_F(HistoryTest, EachLocalDayHasItsFileAndTheyAreReadInOrder) {
-    for (const auto& [zoneText, name] :
-         {std::pair("EAST-14", "2026-11-16.jsonl"), {"WEST12", "2026-11-15.jsonl"}}) {
+    for (const auto& [zoneText, name, moment] :
+         {std::tuple("EAST-14", "2026-11-16.jsonl", "2026-11-16-100304"),
+          {"WEST12", "2026-11-15.jsonl", "2026-11-15-080304"}}) {
         const TimeZone other(zoneText);
         EXPECT_TRUE(appendHistoryLine(folder.path / zoneText, at("2026-11-15T20:23:13Z"), line.entry));
         EXPECT_EQ(namesIn(folder.path / zoneText), Names{name});
+        EXPECT_EQ(localMoment(at("2026-11-15T20:03:04Z")), moment);
     }
     const std::vector<const char*> times{"2026-11-16T00:00:00Z", "2026-11-15T23:59:59Z",
                                          "2026-11-16T10:00:00Z", "2026-01-02T00:00:00Z"};

@@ -1,0 +1,196 @@
+#include "BrellCore/Journal/JournalRebuild.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Journal/JournalPlace.h"
+#include "BrellCore/Journal/JournalText.h"
+#include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/DiskFlush.h"
+#include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/JsonReader.h"
+#include "BrellCore/Support/JsonWriter.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+using Kind = JournalFailure::Kind;
+
+JournalError cannotRebuild(std::string text) {
+    return JournalError({Kind::cannotRebuild, std::move(text)});
+}
+JournalError cannotRebuild(const fs::path& path, int code) {
+    return cannotRebuild(path.string() + ": " + systemMessage(code));
+}
+
+JournalError cannotRead(std::string text) {
+    return JournalError({Kind::cannotRead, std::move(text)});
+}
+
+// Everything else may be gone the next time: a missing permission, a disk that is not there with the file
+// that a link leads to.
+bool isDamage(const ReadFailure& failure) {
+    std::error_code unknown;
+    const bool leadsNowhere = fs::status(failure.path, unknown).type() == fs::file_type::not_found;
+    return (failure.code == 0 && !leadsNowhere) || failure.code == EIO || failure.code == ELOOP;
+}
+
+void checkTrusted(const std::vector<fs::path>& sources) try {
+    if (auto reason = whyNotTrusted(sources)) throw cannotRead(*std::move(reason));
+} catch (const std::system_error& error) {
+    throw cannotRead(error.what());
+}
+
+// Its lines are to say what an undo puts back.
+void checkHistoryTrusted(const fs::path& directory) {
+    std::vector<fs::path> sources{directory, historyFolder(directory)};
+    std::error_code failed;
+    for (fs::directory_iterator entry(sources[1], failed), end; !failed && entry != end;
+         entry.increment(failed))
+        sources.push_back(entry->path());
+    checkTrusted(sources);
+}
+
+std::optional<std::string> damageOf(std::string text) try {
+    JournalText::read(std::move(text));
+    return std::nullopt;
+} catch (const JournalError&) {
+    throw;
+} catch (const std::exception& error) {
+    return error.what();
+}
+
+bool isThere(const fs::path& file) {
+    std::error_code failed;
+    const fs::file_type type = fs::symlink_status(file, failed).type();
+    if (type == fs::file_type::none) throw cannotRebuild(file, failed.value());
+    return type != fs::file_type::not_found;
+}
+
+// A name that nothing has: what is kept replaces nothing that was kept before.
+fs::path freeName(const fs::path& file, const std::string& ending) {
+    for (int n = 1;; ++n) {
+        fs::path name = file;
+        name += ending + (n > 1 ? "-" + std::to_string(n) : "");
+        if (!isThere(name)) return name;
+    }
+}
+
+void replace(const fs::path& file, const std::string& text) try {
+    replaceFile(file, text, Durability::powerCut);
+} catch (const ReplaceError& error) {
+    throw cannotRebuild(error.failure().path, error.failure().code);
+}
+
+// What can't have two names, such as a folder, leaves its place before the new journal takes it. The mark
+// tells whoever starts in between.
+void moveAside(const fs::path& file, const fs::path& aside) {
+    replace(rebuildMark(file), "");
+    if (::rename(file.c_str(), aside.c_str()) != 0) {
+        const int code = errno;
+        ::unlink(rebuildMark(file).c_str());
+        throw cannotRebuild(aside, code);
+    }
+}
+
+// A second name, so that the place is never empty. Of a link: what it leads to stays where it is.
+std::error_code giveName(const fs::path& file, const fs::path& name) {
+    std::error_code failed;
+    if (fs::is_symlink(file, failed))
+        fs::copy_symlink(file, name, failed);
+    else
+        fs::create_hard_link(file, name, failed);
+    return failed;
+}
+
+fs::path keepAside(const fs::path& file, const std::string& moment) {
+    for (;;) {
+        const fs::path aside = freeName(file, ".damaged-" + moment);
+        const std::error_code failed = giveName(file, aside);
+        if (failed == std::errc::file_exists) continue;
+        if (failed) moveAside(file, aside);
+        flushFolder(file.parent_path());
+        return aside;
+    }
+}
+
+// The script that stands there may know of a change whose history lines a power cut took: it is kept, too.
+void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& plan, TimeStamp now) try {
+    constexpr std::size_t mostBytes = 256 * 1024 * 1024;
+    if (const auto before = readFile(script, mostBytes)) {
+        const fs::path copy = freeName(script, ".before-" + localMoment(now));
+        replaceFile(copy, before->bytes, Durability::powerCut);
+        rebuilt.scriptBefore = copy;
+    }
+    RestoreScript::save(script, RestoreScript::render(plan.entries, now));
+} catch (const std::exception& error) {
+    rebuilt.scriptFailure = error.what();
+}
+
+void checkDamaged(const fs::path& directory) {
+    if (!journalDamage(directory)) throw cannotRebuild("it is not damaged");
+}
+
+FileLock lockOf(const fs::path& directory) try {
+    return takeLock(lockIn(directory));
+} catch (const JournalError&) {
+    throw;
+} catch (const std::runtime_error& error) {
+    throw cannotRebuild(error.what());
+}
+
+}  // namespace
+
+std::optional<std::string> journalDamage(const fs::path& directory) try {
+    Journal::checkNoDryRun(directory);
+    checkTrusted({directory});
+    const fs::path file = directory / Journal::fileName;
+    auto read = readFile(file, JournalText::mostBytes, simdjson::SIMDJSON_PADDING);
+    if (!read) return whyNoFreshStart(file);
+    checkTrusted(sourcesOf(file));
+    return damageOf(std::move(read->bytes));
+} catch (const ReadError& error) {
+    if (isDamage(error.failure())) return error.failure().reason;
+    throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
+}
+
+std::optional<RebuildPlan> planRebuild(const fs::path& directory, const HistoryProgress& goOn) {
+    checkHistoryTrusted(directory);
+    bool isStopped = false;
+    HistoryReading history = readHistory(historyFolder(directory), std::nullopt, [&](auto done, auto total) {
+        isStopped = !goOn(done, total);
+        return !isStopped;
+    });
+    if (isStopped) return std::nullopt;
+    return planRebuild(std::move(history));
+}
+
+std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPlan& confirmed,
+                                      const HistoryProgress& goOn, const Clock& clock) {
+    checkDamaged(directory);  // before the lock's file is made, so that a refusal leaves nothing behind
+    const FileLock lock = lockOf(directory);
+    checkDamaged(directory);  // again: somebody else may have rebuilt it meanwhile
+    const auto plan = planRebuild(directory, goOn);
+    if (!plan) return std::nullopt;
+    if (*plan != confirmed) throw cannotRebuild("its history tells something else than before");
+    if (plan->entries.empty()) throw cannotRebuild("its history holds no change");
+
+    const fs::path file = directory / Journal::fileName;
+    const TimeStamp now = clock();
+    const std::string text = JournalText::of(plan->entries);
+    Rebuilt rebuilt;
+    if (isThere(file)) rebuilt.damaged = keepAside(file, localMoment(now));
+    replace(file, text);
+    ::unlink(rebuildMark(file).c_str());
+    renewScript(rebuilt, directory / RestoreScript::fileName, *plan, now);
+    return rebuilt;
+}
+
+}  // namespace brell

@@ -1,0 +1,38 @@
+// A journal that can't be read any more, replaced by what its history tells.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Journal/RebuildPlan.h"
+
+namespace brell {
+
+// Why the journal of this directory can't be read, without a final stop; nothing when it can be read or was
+// never written. Raises JournalError (cannotRead) for one that can't be read either but is not damaged: a
+// newer Brell's, a dry run's, one that others could have written, one that may not be read, a link to
+// nowhere.
+std::optional<std::string> journalDamage(const std::filesystem::path& directory);
+
+// What rebuilding would make of this directory's journal. Nothing when goOn ended it.
+std::optional<RebuildPlan> planRebuild(const std::filesystem::path& directory, const HistoryProgress& goOn);
+
+struct Rebuilt {
+    std::optional<std::filesystem::path> damaged;  // where it is now; nothing after an interrupted rebuilding
+    std::optional<std::filesystem::path> scriptBefore;  // a copy of the restore script as it was
+    std::optional<std::string> scriptFailure;           // why the script is as it was: a whole sentence
+    bool operator==(const Rebuilt&) const = default;
+};
+
+// Replaces the damaged journal by the entries of the plan that the user confirmed, and writes the restore
+// script. Holds the journal's lock and reads the history again under it; goOn can end it there, and gets
+// nothing. JournalError (cannotRebuild, or cannotRead as above) when the history tells something else than
+// the plan or nothing at all, when the journal is not damaged any more, or when it can't be written. Wherever
+// this ends, and however, the damaged one is kept and rebuilding can begin anew. Nothing outside the
+// directory is touched: of a link only the link is replaced.
+std::optional<Rebuilt> rebuildJournal(const std::filesystem::path& directory, const RebuildPlan& confirmed,
+                                      const HistoryProgress& goOn, const Clock& clock = systemNow);
+
+}  // namespace brell
