@@ -58,6 +58,16 @@ bool isAsCaptured(const AgentState& state, const AgentCapture& capture) {
            state.loaded.isLoaded() == capture.wasLoaded && !isLeaving(state.loaded);
 }
 
+bool isAsLeft(const AgentState& state, bool turnedOn) {
+    return state.override == (turnedOn ? AgentOverride::enabled : AgentOverride::disabled) &&
+           state.loaded.isLoaded() == turnedOn;
+}
+
+std::string shown(const AgentState& state) {
+    return "launchd shows " + std::string(rawValue(state.override)) + ", " +
+           (state.loaded.isLoaded() ? "loaded" : "not loaded");
+}
+
 // The override tells afterwards which way a change went.
 void checkTurns(const std::string& label, const AgentState& before, AgentSwitch direction) {
     const bool isOff = before.override == AgentOverride::disabled;
@@ -181,6 +191,12 @@ std::optional<std::string> AgentToggle::restore(const AgentCapture& capture) {
     return putBack(steps, capture);
 }
 
+std::optional<std::string> AgentToggle::otherState(const AgentCapture& capture) {
+    checkLabel(capture.label);
+    const AgentState now = stepsFor(capture.label).settledState();
+    return isAsLeft(now, brellTurnedOn(capture)) ? std::nullopt : std::optional(shown(now));
+}
+
 AgentSteps AgentToggle::stepsFor(const std::string& label) const {
     return AgentSteps(runner_, waiting_, domain(), label);
 }
@@ -284,11 +300,8 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
         throw refused(label + " was changed outside Brell since Brell " +
                       (turnedOn ? "turned it on" : "turned it off") + "; restore it from the Journal first.");
     const AgentState now = currentState(label);
-    if (now.override != (turnedOn ? AgentOverride::enabled : AgentOverride::disabled) ||
-        now.loaded.isLoaded() != turnedOn)
-        throw refused(label + " was changed outside Brell (launchd shows " +
-                      std::string(rawValue(now.override)) + ", " +
-                      (now.loaded.isLoaded() ? "loaded" : "not loaded") +
+    if (!isAsLeft(now, turnedOn))
+        throw refused(label + " was changed outside Brell (" + shown(now) +
                       "); restore it from the Journal first.");
     checkSource(now.loaded, label, entry->agent->plistPath);
     return entry;

@@ -73,6 +73,7 @@ public:
     // An override that was absent comes back as an explicit enabled one: launchctl can't remove an override.
     // Loads the file of the folder that has the label now; gives a sentence where none has it any more.
     std::optional<std::string> restore(const AgentCapture& capture) override;
+    std::optional<std::string> otherState(const AgentCapture& capture) override;
 
     // The recorded change was a turning on.
     static bool brellTurnedOn(const AgentCapture& capture) { return capture.turnedOn(); }

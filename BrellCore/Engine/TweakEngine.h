@@ -27,6 +27,9 @@ public:
     // Any exception derived from std::exception means that it is not back; its text is shown. Gives a
     // sentence when it is as far back as it can be, and why no further: nothing is left to undo then.
     virtual std::optional<std::string> restore(const AgentCapture& capture) = 0;
+    // In which state it is, in words, when that is not the one that the change of this capture left; else
+    // nothing. Any such exception means that it can't be told.
+    virtual std::optional<std::string> otherState(const AgentCapture& capture) = 0;
 };
 
 // What restoring several entries came to.
@@ -91,6 +94,10 @@ public:
     // Undoes whatever makes the tweak on: our entry, or values set before we came.
     JournalEntry turnOff(const Tweak& tweak, bool overridingDrift);
 
+    // Closes an applied entry that others changed since, without writing: what is there now stays. Refused
+    // when nobody did. Gives the entry as saved: restored, with a failure text that says what was kept.
+    JournalEntry keepTheirs(const Uuid& entryID);
+
     // Undo every active entry, newest first, those that drifted only when their id is confirmed. Failures of
     // entries, and a lock that can't be had, are part of the outcome; EngineError when the journal can't be
     // read.
@@ -144,6 +151,7 @@ private:
     JournalEntry restoreOne(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
+    std::string whatIsKept(const JournalEntry& entry);
     JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held,
                               std::optional<std::string> remark = std::nullopt);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,

@@ -316,6 +316,12 @@ TEST_F(AgentRestoreTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwr
                   "Journal first.");
     EXPECT_EQ(journal.active(), std::vector{off});
     EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+    EXPECT_EQ(
+        engine.keepTheirs(off.id).failure,
+        "Nothing was switched back, because another state was kept: launchd shows enabled, not loaded.");
+    EXPECT_EQ(journal.active(), std::vector<JournalEntry>{});
+    EXPECT_EQ(stateOf(plain), "enabled, not loaded");
+    EXPECT_EQ(toggle.otherState(toggle.turnOff(agent(plain)).agent.value()), std::nullopt);
 }
 
 TEST_F(AgentRestoreTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {

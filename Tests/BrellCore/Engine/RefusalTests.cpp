@@ -179,6 +179,13 @@ TEST_F(EngineConcurrencyTest, WhatWasReadBeforeTheLockIsReadAgainUnderIt) {
               EngineFailure(Refused{"Show the path bar is not on."}));
     EXPECT_EQ(files.exactValue(pathBar), StoredValue(false));
     EXPECT_TRUE(files.exactValue({"com.apple.dock", "tilesize"}).isAbsent());
+
+    const Uuid drifted = engine.apply(tweak("dock.magnify")).id;
+    files.write(41, largeSize);
+    EXPECT_EQ(
+        failureWhile([&](const auto&) { files.write(80, largeSize); }, [&] { engine.keepTheirs(drifted); }),
+        EngineFailure(Refused{"Magnify icons under the pointer was not changed outside Brell; there is "
+                              "nothing else to keep."}));
 }
 
 }  // namespace

@@ -245,7 +245,9 @@ public:
         restored.push_back(capture);
         return "The file is gone.";
     }
+    std::optional<std::string> otherState(const AgentCapture&) override { return state; }
     std::string trouble;
+    std::optional<std::string> state;
     std::vector<AgentCapture> restored;
 };
 
@@ -271,6 +273,8 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     restorer.trouble = "launchctl is out.";
     EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{}, {}, {{id, "launchctl is out."}}, {}}));
     EXPECT_EQ(statuses(), std::vector{EntryStatus::applied});
+    EXPECT_EQ(messageOf([&] { engine.keepTheirs(id); }),
+              "org.example.sync was not changed outside Brell; there is nothing else to keep.");
     restorer.trouble.clear();
     EXPECT_EQ(engine.restoreAll({}), (RestoreAllOutcome{{id}, {}, {}, {}}));
     EXPECT_EQ(restorer.restored, std::vector{capture});
