@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/Leftovers.h"
 #include "BrellCore/Support/PropertyList.h"
 
 namespace fs = std::filesystem;
@@ -121,6 +122,10 @@ void PlistFileStore::remove(const PrefKey& key) {
 
 void PlistFileStore::synchronize(const std::string& domain) {
     checkAllowed(domain);
+}
+
+void PlistFileStore::removeLeftovers() noexcept {
+    for (const std::string& domain : allowedDomains_) brell::removeLeftovers(fileOf(directory_, domain));
 }
 
 std::unique_ptr<PreferenceReader> PlistFileStore::reader() {

@@ -38,6 +38,7 @@ public:
     void write(const PrefValue& value, const PrefKey& key) override;
     void remove(const PrefKey& key) override;
     void synchronize(const std::string& domain) override;  // every write is already in its file
+    void removeLeftovers() noexcept override;
     std::unique_ptr<PreferenceReader> reader() override;
 
     // The allowed domains that hold anything, with all their keys.

@@ -39,6 +39,10 @@ public:
     // Flushes what was written to the domain; SynchronizeFailed when the platform does not confirm it.
     virtual void synchronize(const std::string& domain) = 0;
 
+    // Removes what killed processes left of their writes, where a store of its own files has such. Raises
+    // nothing.
+    virtual void removeLeftovers() noexcept {}
+
     // For reading many keys at once, on one thread. A store for which looking is dear looks at each domain
     // once, when its first key is read; changes that others make to it afterwards may or may not be seen.
     // Must not outlive the store.

@@ -6,8 +6,8 @@
 #include <cerrno>
 
 #include "BrellCore/Support/DiskFlush.h"
+#include "BrellCore/Support/Leftovers.h"
 #include "BrellCore/Support/UniqueFd.h"
-#include "BrellCore/Support/Uuid.h"
 
 namespace fs = std::filesystem;
 
@@ -64,9 +64,7 @@ ReplaceError::~ReplaceError() = default;
 void replaceFile(const fs::path& target, std::string_view contents, Durability durability,
                  unsigned permissions) {
     const fs::path folder = target.parent_path();
-    // A hidden sibling: the same folder, so the rename is atomic.
-    const fs::path temporary =
-        folder / ("." + target.filename().string() + "." + Uuid::random().text() + ".tmp");
+    const fs::path temporary = temporaryFor(target);  // in the same folder, so the rename is atomic
     const auto failedAt = [&](ReplaceStep step, const fs::path& path) {
         const int code = errno;  // first: copying the path may change it
         return ReplaceError({step, path, code});

@@ -1,10 +1,15 @@
 // Reading and replacing whole files.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+
+#include <ctime>
 
 #include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/Leftovers.h"
+#include "BrellCore/Support/Uuid.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
@@ -151,6 +156,43 @@ TEST_F(FilesTest, ReplacingStopsAtAFolderOrFileInTheWay) {
     EXPECT_EQ(failureOfReplacing(folder.path / "plain" / "x"),
               (ReplaceFailure{ReplaceStep::createFolder, folder.path / "plain", ENOTDIR}));
     EXPECT_EQ(contentsOf(folder.path / "plain"), "kept");
+}
+
+TEST_F(FilesTest, OnlyOldLeftoversOfReplacingAreRemoved) {
+    const std::string id = Uuid::random().text();
+    const auto make = [&](const std::string& name, std::time_t age) {
+        if (name.starts_with(".notes.json.folder"))
+            fs::create_directory(folder.path / name);
+        else if (name.starts_with(".notes.json.link"))
+            fs::create_symlink("nowhere", folder.path / name);
+        else
+            setContents(folder.path / name, "half");
+        const timespec times[] = {{std::time(nullptr) - age, 0}, {std::time(nullptr) - age, 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, (folder.path / name).c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+    };
+    constexpr std::time_t day = 24 * 60 * 60;
+    const Names others{"notes.json",
+                       "notes.json." + id + ".tmp",
+                       ".notes.json." + id + ".tm",
+                       ".notes.json.tmp",
+                       ".notes.jso." + id + ".tmp",
+                       ".notes.json" + id + ".tmp",
+                       ".notes.json." + id.substr(1) + ".tmp",
+                       ".notes.jsonx." + id + ".tmp",
+                       ".notes.json.x" + id + ".tmp",
+                       ".notes.json.folder." + id + ".tmp",
+                       ".notes.json.link." + id + ".tmp"};
+    for (const std::string& name : others) make(name, 400 * day);
+    const std::string young = temporaryFor(file).filename().string();
+    make(young, day - 100);
+    make(temporaryFor(file).filename().string(), day + 100);
+    make(".notes.json.before-now." + id + ".tmp", day + 100);
+
+    removeLeftovers(file);
+    Names left = others;
+    left.insert(young);
+    EXPECT_EQ(namesIn(folder.path), left);
+    removeLeftovers(folder.path / "missing" / "notes.json");
 }
 
 TEST_F(FilesTest, ReadingGivesTheBytesTheIdentityAndRoomBehindThem) {

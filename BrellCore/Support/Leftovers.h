@@ -1,0 +1,15 @@
+// The hidden files through which others are replaced, and what killed processes leave of them.
+#pragma once
+
+#include <filesystem>
+
+namespace brell {
+
+// A new name beside the file: ".NAME.UUID.tmp".
+std::filesystem::path temporaryFor(const std::filesystem::path& target);
+
+// Removes such files, and those for names that begin with the target's and a dot, when they are ordinary ones
+// and older than a day: nobody writes for so long. Best effort.
+void removeLeftovers(const std::filesystem::path& target) noexcept;
+
+}  // namespace brell
