@@ -137,8 +137,9 @@ private:
     std::atomic<void*> found_ = nullptr;
 };
 constinit Next nextOpen("open"), nextRead("read"), nextPread("pread"), nextWrite("write"), nextFsync("fsync"),
-    nextFdatasync("fdatasync"), nextRename("rename"), nextUnlink("unlink"), nextMkdir("mkdir"),
-    nextClose("close"), nextStat("stat"), nextLstat("lstat"), nextFstat("fstat"), nextFlock("flock");
+    nextFdatasync("fdatasync"), nextRename("rename"), nextLink("link"), nextUnlink("unlink"),
+    nextMkdir("mkdir"), nextClose("close"), nextStat("stat"), nextLstat("lstat"), nextFstat("fstat"),
+    nextFlock("flock");
 
 int failedWith(int code) {
     errno = code;
@@ -231,6 +232,11 @@ int fdatasync(int descriptor) {
 int rename(const char* from, const char* to) noexcept {
     if (const int code = codeFor(SystemCall::rename, to)) return failedWith(code);
     return brell::testing::nextRename.as<int(const char*, const char*)>()(from, to);
+}
+
+int link(const char* from, const char* to) noexcept {
+    if (const int code = codeFor(SystemCall::link, to)) return failedWith(code);
+    return brell::testing::nextLink.as<int(const char*, const char*)>()(from, to);
 }
 
 int unlink(const char* path) noexcept {

@@ -19,6 +19,7 @@ enum class SystemCall {
     write,
     fsync,
     rename,
+    link,
     unlink,
     mkdir,
     close,
@@ -32,7 +33,7 @@ enum class SystemCall {
 bool systemCallsAreWatched();
 
 // What an observer sees: calls on this path and everything below it; the path of a descriptor is that of its
-// file, that of a rename its target.
+// file, that of a rename or a link its new name.
 class CallObserver {
 public:
     CallObserver(const CallObserver&) = delete;

@@ -37,6 +37,7 @@ const std::vector<Trouble>& troubles() {
 std::size_t commandsOf(const Stage& stage, const Scene& scene) {
     stage.reset();
     Rig rig(stage.world());
+    damageJournal(scene, rig);
     std::size_t commands = 0;
     rig.tools->interfere([&](const AllowedCommand&) {
         ++commands;
@@ -50,6 +51,7 @@ Faults tryTrouble(const Stage& stage, const Scene& scene, const Goal& goal, std:
                   const Trouble& trouble) {
     stage.reset();
     Rig rig(stage.world());
+    damageJournal(scene, rig);
     std::size_t seen = 0;
     rig.tools->interfere([&](const AllowedCommand& command) {
         const std::size_t number = seen++;

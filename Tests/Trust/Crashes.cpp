@@ -37,6 +37,7 @@ int performInChild(const Stage& stage, const Scene& scene, std::size_t n) {
     if (child == 0) {
         try {
             Rig rig(stage.world());
+            damageJournal(scene, rig);
             const EndingCall ending(stage.world(), n);
             scene.perform(rig);
         } catch (const std::exception&) {
@@ -54,6 +55,7 @@ int performInChild(const Stage& stage, const Scene& scene, std::size_t n) {
 std::size_t callsOf(const Stage& stage, const Scene& scene) {
     stage.reset();
     Rig rig(stage.world());
+    damageJournal(scene, rig);
     const testing::CountedCalls counted(stage.world());
     scene.perform(rig);
     return counted.all();

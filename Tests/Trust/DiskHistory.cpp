@@ -41,6 +41,7 @@ bool changesTheDisk(SystemCall call) {
         case SystemCall::write:
         case SystemCall::fsync:
         case SystemCall::rename:
+        case SystemCall::link:
         case SystemCall::unlink:
         case SystemCall::mkdir: return true;
         case SystemCall::read:
@@ -266,16 +267,19 @@ void DiskHistory::noteContents(const Snapshot& before, const Snapshot& after) {
 
 void DiskHistory::noteNames(const Snapshot& before, const Snapshot& after) {
     std::map<Object, Naming> changed;
-    const auto folderOf = [&](const std::string& path) { return objectOf(after.ours.at(parentOf(path))); };
+    // What lies in a folder that was renamed stays in it.
+    const auto folderOf = [&](const Snapshot& snapshot, const std::string& path) {
+        return objectOf(snapshot.ours.at(parentOf(path)));
+    };
     const auto nameOf = [](const std::string& path) { return fs::path(path).filename().string(); };
     for (const auto& [path, node] : before.ours)
         if (path != library && !after.ours.contains(path))
-            changed[folderOf(path)][nameOf(path)] = std::nullopt;
+            changed[folderOf(before, path)][nameOf(path)] = std::nullopt;
     for (const auto& [path, node] : after.ours) {
         if (path == library) continue;
         const auto old = before.ours.find(path);
         if (old == before.ours.end() || old->second.inode != node.inode)
-            changed[folderOf(path)][nameOf(path)] = objectOf(node);
+            changed[folderOf(after, path)][nameOf(path)] = objectOf(node);
     }
     for (auto& [folder, naming] : changed) folders_[folder].pending.push_back(std::move(naming));
 }

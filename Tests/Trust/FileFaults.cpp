@@ -68,6 +68,7 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
     Rig rig(stage.world());
     const std::size_t descriptors = openDescriptors();
     OneWay undo(rig);
+    damageJournal(scene, rig);
     Attempt made;
     std::optional<SystemCall> failed;
     {

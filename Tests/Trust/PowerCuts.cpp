@@ -18,6 +18,7 @@ struct Run {
 Run recorded(const Stage& stage, const Scene& scene) {
     stage.reset();
     Rig rig(stage.world());
+    damageJournal(scene, rig);
     Run run;
     {
         DiskRecorder recorder(stage.world());

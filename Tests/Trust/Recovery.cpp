@@ -89,6 +89,7 @@ bool isWhole(const std::string& sentence) {
 Goal goalOf(const Stage& stage, const Scene& scene) {
     stage.reset();
     Rig rig(stage.world());
+    damageJournal(scene, rig);
     for (const std::string& sentence : scene.perform(rig)) throw std::runtime_error(sentence);
     return reached(stage.world());
 }
@@ -110,6 +111,7 @@ Attempt attempt(const Scene& scene, Rig& rig) {
 Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Attempt& made, bool troubleLasted,
                     const Goal& goal) try {
     Faults faults = checkSentences(stage, made);
+    if (stage.isDamagedNow()) append(faults, attempt(scene, rig).sentences, "the next try: ");
     append(faults, checkRecorded(stage));
     const auto untold = rig.engine.untoldScriptTrouble();
     if (untold && !isClear(*untold, stage)) faults.push_back("no clear sentence: " + *untold);

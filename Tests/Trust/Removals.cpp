@@ -54,6 +54,7 @@ Faults tryRemoval(const Stage& stage, const Scene& scene, const Goal& goal, std:
 }  // namespace
 
 void tryRemovals(const Stage& stage, const Scene& scene, Share& share, const Report& report) {
+    if (scene.damage) return;  // what is removed here is all that a damaged journal leaves
     const Goal goal = goalOf(stage, scene);
     const std::size_t calls = callsOf(stage, scene);
     for (std::size_t n = 0; n < calls; ++n)

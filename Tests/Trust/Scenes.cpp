@@ -1,5 +1,7 @@
 #include "Tests/Trust/Scenes.h"
 
+#include "BrellCore/Journal/JournalRebuild.h"
+
 namespace brell::trust {
 
 namespace {
@@ -44,6 +46,19 @@ Sentences recover(Rig& rig) {
 
 Sentences restoreAll(Rig& rig) {
     return reasonsOf(rig.engine.restoreAll({}));
+}
+
+Sentences rebuild(Rig& rig) {
+    return rebuildFromHistory(rig.journalDirectory);
+}
+
+void cutInHalf(const std::filesystem::path& journal) {
+    std::filesystem::resize_file(journal, std::filesystem::file_size(journal) / 2);
+}
+
+void replaceByAFolder(const std::filesystem::path& journal) {
+    std::filesystem::remove(journal);
+    testing::setContents(journal / "inside", "somebody else's");
 }
 
 auto turningOff(const char* label) {
@@ -105,8 +120,22 @@ const std::vector<Scene>& scenes() {
              rig.breakOffAgent(plain);
          },
          recover},
+        {"rebuild a journal that was cut", some, rebuild, cutInHalf},
+        {"rebuild a journal in whose place a folder stands", some, rebuild, replaceByAFolder},
     };
     return all;
+}
+
+void damageJournal(const Scene& scene, const Rig& rig) {
+    if (scene.damage) scene.damage(rig.journalDirectory / "journal.json");
+}
+
+std::vector<std::string> rebuildFromHistory(const std::filesystem::path& journalDirectory) {
+    const auto toTheEnd = [](std::uintmax_t, std::uintmax_t) { return true; };
+    const RebuildPlan plan = planRebuild(journalDirectory, toTheEnd).value();
+    if (!plan.unread.empty()) return plan.unread;  // a user waits until these days can be read
+    const auto failure = rebuildJournal(journalDirectory, plan, toTheEnd).value().scriptFailure;
+    return failure ? Sentences{*failure} : Sentences();
 }
 
 }  // namespace brell::trust

@@ -14,7 +14,15 @@ struct Scene {
     std::function<void(Rig&)> prepare;
     // Gives the sentences in which the operation reports failures of single entries; raises its other errors.
     std::function<std::vector<std::string>(Rig&)> perform;
+    // What becomes of the journal of a running program, just before; nothing where none is given.
+    std::function<void(const std::filesystem::path& journal)> damage = nullptr;
 };
+
+// To be called before the operation, and before anything watches it.
+void damageJournal(const Scene& scene, const Rig& rig);
+
+// Gives the sentences in which it says what it could not do; raises JournalError.
+std::vector<std::string> rebuildFromHistory(const std::filesystem::path& journalDirectory);
 
 const std::vector<Scene>& scenes();
 

@@ -1,5 +1,7 @@
 #include "Tests/Trust/Stage.h"
 
+#include "BrellCore/Journal/JournalRebuild.h"
+
 namespace fs = std::filesystem;
 
 namespace brell::trust {
@@ -19,6 +21,13 @@ void liveIn(const Rig& rig) {
 
 }  // namespace
 
+std::map<std::string, std::string> below(const fs::path& folder, const std::string& name) {
+    std::map<std::string, std::string> found;
+    for (auto& [path, contents] : testing::everythingIn(folder))
+        if (path == name || path.starts_with(name + "/")) found[path.substr(name.size())] = contents;
+    return found;
+}
+
 Stage::Stage(fs::path folder) : folder_(std::move(folder)) {
     // The restore script asks who its user is.
     testing::setContents(tools() / "id", "#!/bin/sh\necho " + std::to_string(SampleMac::uid) + "\n");
@@ -36,7 +45,19 @@ void Stage::prepare(const Scene& scene) {
     const Rig after(world());
     std::erase_if(setting_.original.agents,
                   [&](const auto& agent) { return !after.hasJobFile(agent.first); });
+    setting_.damaged = std::nullopt;
     keep("prepared");
+    if (!scene.damage) return;
+    damageJournal(scene, rig);
+    setting_.damaged = below(journalDirectory(), "journal.json");
+}
+
+fs::path Stage::journalDirectory() const {
+    return Journal::defaultDirectory(SampleMac(world()).home());
+}
+
+bool Stage::isDamagedNow() const {
+    return setting_.damaged && journalDamage(journalDirectory());
 }
 
 void Stage::keep(const std::string& name) const {

@@ -3,11 +3,16 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <string>
 
 #include "Tests/Trust/Scenes.h"
 
 namespace brell::trust {
+
+// What the file or folder of this name holds, by path within it.
+std::map<std::string, std::string> below(const std::filesystem::path& folder, const std::string& name);
 
 class Stage {
 public:
@@ -28,8 +33,14 @@ public:
     struct Setting {
         Condition original;                 // before Brell changed anything
         std::vector<JournalEntry> entries;  // what the journal holds before the operation
+        // Where the operation begins with a damaged journal: what that holds, by path within it.
+        std::optional<std::map<std::string, std::string>> damaged;
     };
     const Setting& setting() const { return setting_; }
+    // Whether the journal is one that the scene damaged.
+    bool isDamagedNow() const;
+
+    std::filesystem::path journalDirectory() const;
 
 private:
     const std::filesystem::path folder_;

@@ -70,6 +70,19 @@ Faults checkEntries(const Stage& stage, const Claim& claim, const std::vector<Jo
     return faults;
 }
 
+// What a user does first where the journal can't be read. The damaged one is there for good.
+Faults rebuildIfDamaged(const Stage& stage) {
+    if (!stage.setting().damaged) return {};
+    Faults faults;
+    if (stage.isDamagedNow()) append(faults, rebuildFromHistory(stage.journalDirectory()), "rebuilding: ");
+    for (const std::string& name : testing::namesIn(stage.journalDirectory()))
+        if (name.starts_with("journal.json.damaged-") &&
+            below(stage.journalDirectory(), name) == stage.setting().damaged)
+            return faults;
+    faults.push_back("the damaged journal is lost");
+    return faults;
+}
+
 Faults recoverAndRestore(Rig& rig) {
     Faults faults;
     const auto report = [&](const char* what, const RestoreAllOutcome& outcome) {
@@ -126,9 +139,10 @@ std::set<std::string> namesOf(const JournalEntry& entry) {
 }
 
 Faults judgeProgram(const Stage& stage, const Claim& claim) try {
+    Faults faults = rebuildIfDamaged(stage);
     Rig rig(stage.world());
     const std::vector<JournalEntry> entries = rig.journal.all();
-    Faults faults = checkEntries(stage, claim, entries);
+    append(faults, checkEntries(stage, claim, entries));
     append(faults, recoverAndRestore(rig));
     append(faults, notBack(claim, entries, stage.setting().original, conditionOf(stage.world())));
     return faults;
@@ -138,8 +152,9 @@ Faults judgeProgram(const Stage& stage, const Claim& claim) try {
 
 Faults judgeScript(const Stage& stage, const Claim& claim) try {
     letJobsEnd(stage.world());
-    const fs::path directory = Journal::defaultDirectory(SampleMac(stage.world()).home());
-    const std::vector<JournalEntry> entries = Journal::open(directory)->all();
+    const fs::path directory = stage.journalDirectory();
+    const std::vector<JournalEntry> entries =
+        stage.isDamagedNow() ? stage.setting().entries : Journal::open(directory)->all();
     const fs::path script = directory / RestoreScript::fileName;
     Faults faults;
     if (fs::exists(script)) {

@@ -120,6 +120,12 @@ TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
         setContents(file, text);
         check("\"" + text.substr(0, 20) + "\" of " + std::to_string(text.size()) + " bytes");
     }
+    if (systemCallsAreWatched()) {
+        const FailingCall noLinks(directory, SystemCall::link, EPERM);  // as some file systems have none
+        setContents(file, "");
+        check("a file that can't have two names");
+        EXPECT_TRUE(noLinks.hasFailed());
+    }
     for (const Obstacle obstacle : obstacles) {
         if (obstacle == Obstacle::linkToNothing) continue;
         place(obstacle, file, elsewhere);
