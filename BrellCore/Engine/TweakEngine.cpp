@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include "BrellCore/Engine/VerifiedWrite.h"
+#include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PrefValueJson.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/Leftovers.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -162,10 +164,23 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
 void TweakEngine::saveApplied(const JournalEntry& entry, const Journal::Exclusive& held) try {
     journal_.upsert(entry, held);
     script_.keep();
+    tidyUp(held);
 } catch (const JournalError& error) {
     script_.keep();
     throw EngineError(error.failure(),
                       subjectOf(entry) + " was changed all the same; it is listed as interrupted.");
+}
+
+// Once a day, after a success: nobody else writes these files while the lock is held.
+void TweakEngine::tidyUp(const Journal::Exclusive&) noexcept try {
+    const std::int64_t today =
+        std::chrono::floor<std::chrono::days>(settings_.clock()).time_since_epoch().count();
+    if (tidiedOn_.exchange(today) == today) return;
+    removeLeftovers(withoutLink(journal_.fileURL()));
+    if (settings_.restoreScriptURL) removeLeftovers(*settings_.restoreScriptURL);
+    store_.removeLeftovers();
+} catch (const std::exception&) {
+    // Tomorrow, then.
 }
 
 // For a sentence.

@@ -2,6 +2,8 @@
 // back after it, and can be undone.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <mutex>
@@ -152,6 +154,7 @@ private:
     JournalEntry restoreLocked(const Uuid& entryID, bool overridingDrift, const Journal::Exclusive& held);
     JournalEntry restorePreferences(JournalEntry entry, bool overridingDrift, const Journal::Exclusive& held);
     std::string whatIsKept(const JournalEntry& entry);
+    void tidyUp(const Journal::Exclusive& held) noexcept;
     JournalEntry saveRestored(const JournalEntry& entry, const Journal::Exclusive& held,
                               std::optional<std::string> remark = std::nullopt);
     void restoreInto(RestoreAllOutcome& outcome, const JournalEntry& entry, bool overridingDrift,
@@ -163,6 +166,7 @@ private:
     const EngineSettings settings_;
     RestoreScriptFile script_;
     AgentRestoring* agentRestorer_ = nullptr;
+    std::atomic<std::int64_t> tidiedOn_ = 0;  // the day, counted from 1970
     std::function<void(const JournalEntry&)> afterCaptureHook_;
 
     std::mutex mutex_;  // held for the whole of every operation that changes preferences

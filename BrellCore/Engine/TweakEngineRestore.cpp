@@ -127,6 +127,7 @@ JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal:
     restored.restoredAt = settings_.clock();
     restored.failure = std::move(remark);
     journal_.upsert(restored, held);
+    tidyUp(held);
     return restored;
 } catch (const JournalError& error) {
     const bool wasApplied = entry.status == EntryStatus::applied;

@@ -44,6 +44,7 @@ public:
     void write(const PrefValue& value, const PrefKey& key) override;
     void remove(const PrefKey& key) override;
     void synchronize(const std::string& domain) override;
+    void removeLeftovers() noexcept override { base_.removeLeftovers(); }
 
 private:
     bool goesWrong(const std::string& call);

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "BrellCore/Support/Failure.h"
+#include "BrellCore/Support/Leftovers.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
@@ -236,6 +237,32 @@ TEST_F(TweakEngineTest, AnEntryThatCannotBeReadHasDrifted) {
     setContents(folder.path / "preferences" / "com.apple.dock.plist", "damaged");
     ASSERT_EQ(engine.driftedEntries().size(), 1u);
     EXPECT_EQ(engine.driftedEntries()[0].id, size);
+}
+
+TEST_F(TweakEngineTest, ASuccessTakesAwayWhatKilledProcessesLeftLongAgo) {
+    const auto leave = [](const std::filesystem::path& target) {
+        const auto file = temporaryFor(target);
+        setContents(file, "half");
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - 25h);
+        return file;
+    };
+    const auto leaveEach = [&] {
+        return std::vector{leave(journal.fileURL()), leave(journalDirectory / RestoreScript::fileName),
+                           leave(folder.path / "preferences" / "com.apple.dock.plist")};
+    };
+    const auto there = [](const auto& all) {
+        return std::count_if(all.begin(), all.end(), [](const auto& file) { return exists(file); });
+    };
+    auto leftovers = leaveEach();
+    engineFailure([&] { engine.turnOff(tweak("dock.size"), false); });
+    EXPECT_EQ(there(leftovers), 3);
+    engine.apply(tweak("dock.size"));
+    EXPECT_EQ(there(leftovers), 0);
+
+    leftovers = leaveEach();
+    now += 24h;  // it is not looked for more than once a day
+    engine.turnOff(tweak("dock.size"), false);
+    EXPECT_EQ(there(leftovers), 0);
 }
 
 class RememberingRestorer final : public AgentRestoring {
