@@ -2,11 +2,13 @@
 // the same files with simdjson and doing nothing with what they say.
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 #include "Benchmarks/Bare.h"
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Journal/JournalRebuild.h"
 #include "Tests/Support/BigHome.h"
 
 namespace fs = std::filesystem;
@@ -79,6 +81,25 @@ void compareHistory(PairReport& report) {
         });
 }
 
+// Ours reads the history, makes the journal of it and writes that.
+void compareRebuilding(PairReport& report) {
+    constexpr std::size_t days = 100, linesPerDay = 1000;
+    const bare::ScratchFolder folder;
+    const fs::path journal = folder.path / "journal.json";
+    writeSampleHistory(folder.path / "history", days, linesPerDay);
+    const auto goOn = [](std::uintmax_t, std::uintmax_t) { return true; };
+    const RebuildPlan plan = planRebuild(folder.path, goOn).value();
+    const auto damage = [&] {
+        for (const auto& entry : fs::directory_iterator(folder.path))
+            if (!entry.is_directory()) fs::remove(entry.path());
+        std::ofstream(journal) << "damaged";
+    };
+    report.compare(
+        {.name = "rebuild from 100,000 history lines", .limit = 1.5, .prepare = damage},
+        [&] { rebuildJournal(folder.path, plan, goOn); },
+        [&] { readHistory(folder.path / "history", std::nullopt); });
+}
+
 }  // namespace
 
 int main() try {
@@ -88,6 +109,7 @@ int main() try {
     compareUpsert(report, 10'000, 1.4);
     compareOpening(report);
     compareHistory(report);
+    compareRebuilding(report);
     return report.exitStatus();
 } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

@@ -5,6 +5,7 @@
 
 #include "BrellCore/Background/Lines.h"
 #include "BrellCore/Journal/HistoryText.h"
+#include "BrellCore/Journal/RebuildPlan.h"
 #include "Fuzz/Checks.h"
 
 namespace {
@@ -55,6 +56,15 @@ void checkCutOff(std::string_view text, std::vector<HistoryLine> lines) {
     require(linesOf(text, cutOff) == lines);
 }
 
+// Lines that are not read for the sake of later ones change nothing about how each entry ended.
+void checkLastLines(std::string_view text, std::vector<HistoryLine> lines) {
+    HistoryReading all, last;
+    all.lines = std::move(lines);
+    readLastLines(padded(text), last);
+    const RebuildPlan expected = planRebuild(std::move(all)), plan = planRebuild(std::move(last));
+    require(plan.entries == expected.entries && plan.overtaken == expected.overtaken);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -64,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(lines.size() <= jsonLines(text));
     require(linesOf(text) == lines);
     for (const HistoryLine& line : lines) checkWrittenAgain(line);
+    checkLastLines(text, lines);
     checkCutOff(text, lines);
     return 0;
 }

@@ -60,11 +60,35 @@ std::uintmax_t bytesOf(const std::vector<HistoryFile>& files) {
     return all;
 }
 
-// How many lines so many bytes hold, by a file that had so many in so many. A little more: growing a list of
-// so large records costs more than room that stays untouched.
-std::size_t expectedLines(std::uintmax_t total, std::size_t lines, std::size_t bytes) {
+// How many lines all files hold when they are as long as these, which a file of so many bytes had. A little
+// more: growing a list of so large records costs more than room that stays untouched.
+std::size_t expectedLines(std::uintmax_t total, std::size_t lines, std::uintmax_t bytes) {
     constexpr std::uintmax_t mostLines = 1'000'000;  // room is made for; there may be more
-    return static_cast<std::size_t>(std::min<std::uintmax_t>(lines * (total / bytes * 9 / 8 + 1), mostLines));
+    const std::uintmax_t files = total / std::max<std::uintmax_t>(bytes, 1);
+    return static_cast<std::size_t>(std::min<std::uintmax_t>(lines * (files * 9 / 8 + 1), mostLines));
+}
+
+template <class ReadText>
+HistoryReading readFiles(const fs::path& directory, const BetweenFiles& goOn, ReadText&& readText) {
+    HistoryReading reading;
+    std::error_code failed;
+    const std::vector<HistoryFile> files = filesOf(directory, failed);
+    if (failed)
+        reading.unread.push_back("The folder " + directory.string() +
+                                 " could not be read: " + failed.message() + ".");
+    const std::uintmax_t total = bytesOf(files);
+    std::uintmax_t done = 0;
+    for (const HistoryFile& file : files) {
+        if (!goOn(reading.lines, done, total)) return reading;
+        try {
+            const auto contents = readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING);
+            if (contents) readText(contents->bytes, reading);
+        } catch (const ReadError& error) {
+            reading.unread.emplace_back(error.what());  // the other days are still told
+        }
+        done += file.size;
+    }
+    return reading;
 }
 
 }  // namespace
@@ -84,35 +108,24 @@ bool appendHistoryLine(const fs::path& directory, TimeStamp at, const JournalEnt
     return ::write(file.get(), line.data(), line.size()) == static_cast<ssize_t>(line.size());
 }
 
-HistoryReading readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff,
-                           const HistoryProgress& goOn) {
-    HistoryReading reading;
-    std::error_code failed;
-    const std::vector<HistoryFile> files = filesOf(directory, failed);
-    if (failed)
-        reading.unread.push_back("The folder " + directory.string() +
-                                 " could not be read: " + failed.message() + ".");
-    const std::uintmax_t total = bytesOf(files);
-    std::uintmax_t done = 0;
-    for (const HistoryFile& file : files) {
-        if (!goOn(done, total)) return reading;
-        done += file.size;
-        try {
-            const auto contents = readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING);
-            if (!contents) continue;
-            const bool isFirst = reading.lines.empty();
-            readHistoryLines(contents->bytes, cutOff, reading);
-            if (isFirst && !reading.lines.empty())
-                reading.lines.reserve(expectedLines(total, reading.lines.size(), contents->bytes.size()));
-        } catch (const ReadError& error) {
-            reading.unread.emplace_back(error.what());  // the other days are still told
-        }
-    }
-    return reading;
+std::vector<HistoryLine> readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff) {
+    bool hasRoom = false;
+    std::uintmax_t before = 0;
+    const auto makeRoom = [&](std::vector<HistoryLine>& lines, std::uintmax_t done, std::uintmax_t total) {
+        if (!hasRoom && !lines.empty()) lines.reserve(expectedLines(total, lines.size(), done - before));
+        hasRoom = !lines.empty();
+        before = done;
+        return true;
+    };
+    return readFiles(directory, makeRoom,
+                     [&](const std::string& text, HistoryReading& reading) {
+                         readHistoryLines(text, cutOff, reading);
+                     })
+        .lines;
 }
 
-std::vector<HistoryLine> readHistory(const fs::path& directory, std::optional<TimeStamp> cutOff) {
-    return readHistory(directory, cutOff, [](std::uintmax_t, std::uintmax_t) { return true; }).lines;
+HistoryReading readLastOfHistory(const fs::path& directory, const BetweenFiles& goOn) {
+    return readFiles(directory, goOn, readLastLines);
 }
 
 }  // namespace brell

@@ -35,13 +35,15 @@ struct HistoryReading {
     bool operator==(const HistoryReading&) const = default;
 };
 
-// Told how many bytes of the history were read; false ends the reading there.
-using HistoryProgress = std::function<bool(std::uintmax_t done, std::uintmax_t total)>;
-
-// Every line not earlier than the cut-off. A missing folder gives nothing.
-HistoryReading readHistory(const std::filesystem::path& directory, std::optional<TimeStamp> cutOff,
-                           const HistoryProgress& goOn);
-// The same of what can be read.
+// Every line not earlier than the cut-off that can be read. A missing folder gives nothing.
 std::vector<HistoryLine> readHistory(const std::filesystem::path& directory, std::optional<TimeStamp> cutOff);
+
+// Called before each file, with the lines since it last took any away, and with how many bytes of all were
+// read; false ends the reading there.
+using BetweenFiles =
+    std::function<bool(std::vector<HistoryLine>& lines, std::uintmax_t done, std::uintmax_t total)>;
+
+// What tells how each entry ended: of lines of one day about one entry that follow each other the last.
+HistoryReading readLastOfHistory(const std::filesystem::path& directory, const BetweenFiles& goOn);
 
 }  // namespace brell

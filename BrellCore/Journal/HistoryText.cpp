@@ -1,7 +1,10 @@
 #include "BrellCore/Journal/HistoryText.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <stdexcept>
+#include <vector>
 
 #include "BrellCore/Journal/JournalJson.h"
 #include "BrellCore/Support/JsonReader.h"
@@ -59,6 +62,49 @@ void countLoss(json::parser& parser, simdjson::padded_string_view text, HistoryR
     ++(isWholeJson(parser, text) ? reading.foreign : reading.torn);
 }
 
+// False for a line that is none, which is counted.
+bool addLine(json::parser& parser, simdjson::padded_string_view text, HistoryReading& reading) {
+    if (tryReadLine(parser, text, reading.lines.emplace_back())) return true;
+    reading.lines.pop_back();
+    countLoss(parser, text, reading);
+    return false;
+}
+
+template <class Use>
+void forEachLine(const std::string& text, Use&& use) {
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data(); at < end;) {
+        const auto* lineEnd =
+            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+        if (!lineEnd) lineEnd = end;
+        const auto room = text.capacity() - static_cast<std::size_t>(at - text.data());
+        use(simdjson::padded_string_view(at, static_cast<std::size_t>(lineEnd - at), room));
+        at = lineEnd + 1;
+    }
+}
+
+// Whether it is whole, if historyLineText made it.
+bool endsWithEvent(std::string_view line) {
+    if (!line.ends_with("\"}")) return false;
+    line.remove_suffix(2);
+    const std::size_t quote = line.rfind('"');
+    return quote != line.npos && fromRawValue<EntryStatus>(line.substr(quote + 1)) &&
+           line.substr(0, quote).ends_with(",\"event\":");
+}
+
+// The identifier of the entry in a line as historyLineText makes it, found without reading the line: under
+// the only key "id" that it can have. Empty for any other text.
+std::string_view idIn(std::string_view line) {
+    constexpr std::string_view key = "id\"", rest = ":\"";
+    if (!line.starts_with("{\"at\":\"") || !endsWithEvent(line)) return {};
+    if (line.find("\\u") != line.npos) return {};  // which may spell a key
+    const std::size_t place = line.find(key);
+    if (place == line.npos || line.find(key, place + 1) != line.npos) return {};
+    const std::string_view behind = line.substr(place + key.size());
+    return line[place - 1] == '"' && behind.starts_with(rest) ? behind.substr(rest.size(), 36)
+                                                              : std::string_view();
+}
+
 }  // namespace
 
 std::string historyLineText(TimeStamp at, const JournalEntry& entry) {
@@ -76,20 +122,23 @@ std::string historyLineText(TimeStamp at, const JournalEntry& entry) {
 
 void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff, HistoryReading& reading) {
     json::parser parser;
-    const char* const end = text.data() + text.size();
-    for (const char* at = text.data(); at < end;) {
-        const auto* lineEnd =
-            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
-        if (!lineEnd) lineEnd = end;
-        const auto length = static_cast<std::size_t>(lineEnd - at);
-        const auto room = text.capacity() - static_cast<std::size_t>(at - text.data());
-        const simdjson::padded_string_view lineText(at, length, room);
-        HistoryLine& line = reading.lines.emplace_back();
-        const bool isRead = tryReadLine(parser, lineText, line);
-        if (!isRead || (cutOff && line.at < *cutOff)) reading.lines.pop_back();
-        if (!isRead) countLoss(parser, lineText, reading);
-        at = lineEnd + 1;
-    }
+    forEachLine(text, [&](simdjson::padded_string_view line) {
+        if (addLine(parser, line, reading) && cutOff && reading.lines.back().at < *cutOff)
+            reading.lines.pop_back();
+    });
+}
+
+// Backwards: a line is left unread only for the sake of one that could be read.
+void readLastLines(const std::string& text, HistoryReading& reading) {
+    std::vector<simdjson::padded_string_view> lines;
+    forEachLine(text, [&](simdjson::padded_string_view line) { lines.push_back(line); });
+    const auto begin = static_cast<std::ptrdiff_t>(reading.lines.size());
+    json::parser parser;
+    std::string known;  // the entry of the line that was read last
+    for (std::size_t i = lines.size(); i-- > 0;)
+        if ((known.empty() || idIn(lines[i]) != known) && addLine(parser, lines[i], reading))
+            known = reading.lines.back().entry.id.text();
+    std::reverse(reading.lines.begin() + begin, reading.lines.end());
 }
 
 }  // namespace brell

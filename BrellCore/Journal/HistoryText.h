@@ -14,5 +14,8 @@ std::string historyLineText(TimeStamp at, const JournalEntry& entry);
 // Adds every line not earlier than the cut-off, and counts those that can't be read. The text has simdjson's
 // padding behind it.
 void readHistoryLines(const std::string& text, std::optional<TimeStamp> cutOff, HistoryReading& reading);
+// The same for who wants to know how each entry ended: of lines about one entry that follow each other only
+// the last is added, and those before it are hardly looked at.
+void readLastLines(const std::string& text, HistoryReading& reading);
 
 }  // namespace brell

@@ -161,19 +161,21 @@ std::optional<std::string> journalDamage(const fs::path& directory) try {
     throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
 }
 
-std::optional<RebuildPlan> planRebuild(const fs::path& directory, const HistoryProgress& goOn) {
+std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildProgress& goOn) {
     checkHistoryTrusted(directory);
-    bool isStopped = false;
-    HistoryReading history = readHistory(historyFolder(directory), std::nullopt, [&](auto done, auto total) {
-        isStopped = !goOn(done, total);
-        return !isStopped;
-    });
-    if (isStopped) return std::nullopt;
-    return planRebuild(std::move(history));
+    RebuildPlanner planner;
+    bool goesOn = true;
+    HistoryReading rest =
+        readLastOfHistory(historyFolder(directory), [&](auto& lines, auto done, auto total) {
+            planner.take(lines);
+            return goesOn = goOn(done, total);
+        });
+    if (!goesOn) return std::nullopt;
+    return std::move(planner).finish(std::move(rest));
 }
 
 std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPlan& confirmed,
-                                      const HistoryProgress& goOn, const Clock& clock) {
+                                      const RebuildProgress& goOn, const Clock& clock) {
     checkDamaged(directory);  // before the lock's file is made, so that a refusal leaves nothing behind
     const FileLock lock = lockOf(directory);
     checkDamaged(directory);  // again: somebody else may have rebuilt it meanwhile

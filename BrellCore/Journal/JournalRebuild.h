@@ -1,7 +1,9 @@
 // A journal that can't be read any more, replaced by what its history tells.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,8 +18,11 @@ namespace brell {
 // nowhere.
 std::optional<std::string> journalDamage(const std::filesystem::path& directory);
 
+// Told how many bytes of the history were read; false ends the reading there.
+using RebuildProgress = std::function<bool(std::uintmax_t done, std::uintmax_t total)>;
+
 // What rebuilding would make of this directory's journal. Nothing when goOn ended it.
-std::optional<RebuildPlan> planRebuild(const std::filesystem::path& directory, const HistoryProgress& goOn);
+std::optional<RebuildPlan> planRebuild(const std::filesystem::path& directory, const RebuildProgress& goOn);
 
 struct Rebuilt {
     std::optional<std::filesystem::path> damaged;  // where it is now; nothing after an interrupted rebuilding
@@ -33,6 +38,6 @@ struct Rebuilt {
 // this ends, and however, the damaged one is kept and rebuilding can begin anew. Nothing outside the
 // directory is touched: of a link only the link is replaced.
 std::optional<Rebuilt> rebuildJournal(const std::filesystem::path& directory, const RebuildPlan& confirmed,
-                                      const HistoryProgress& goOn, const Clock& clock = systemNow);
+                                      const RebuildProgress& goOn, const Clock& clock = systemNow);
 
 }  // namespace brell

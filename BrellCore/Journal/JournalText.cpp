@@ -73,13 +73,18 @@ JournalText JournalText::read(std::string text) {
 }
 
 std::string JournalText::of(const std::vector<JournalEntry>& entries) {
-    std::string text(beforeEntries);
-    for (const JournalEntry& entry : entries) {
-        if (&entry != &entries.front()) text += betweenEntries;
-        text += encoded(entry);
-    }
-    text += afterEntries;
-    return text;
+    constexpr std::size_t bytesOfMost = 1024;  // room that stays untouched costs nothing
+    JsonWriter json(JsonWriter::Layout::pretty);
+    json.reserve(entries.size() * bytesOfMost);
+    json.beginObject();
+    json.key(fileKeys[0]);
+    json.beginArray();
+    for (const JournalEntry& entry : entries) writeJson(json, entry);
+    json.endArray();
+    json.key(fileKeys[1]);
+    json.integer(formatVersion);
+    json.endObject();
+    return json.take() + "\n";
 }
 
 std::string_view JournalText::textOf(std::size_t index) const {

@@ -10,27 +10,6 @@ namespace brell {
 
 namespace {
 
-struct HashOfId {
-    std::size_t operator()(const Uuid& id) const {
-        std::size_t hash;
-        std::memcpy(&hash, id.bytes.data(), sizeof hash);  // random as it is
-        return hash;
-    }
-};
-
-std::vector<JournalEntry> lastOfEach(std::vector<HistoryLine> lines) {
-    std::vector<JournalEntry> entries;
-    std::unordered_map<Uuid, std::size_t, HashOfId> places;
-    for (HistoryLine& line : lines) {
-        const auto [known, isNew] = places.try_emplace(line.entry.id, entries.size());
-        if (isNew)
-            entries.push_back(std::move(line.entry));
-        else
-            entries[known->second] = std::move(line.entry);
-    }
-    return entries;
-}
-
 // A tweak is changed only when it has no active change: when the later one was made this one had ended, and
 // its keys were back.
 void overtake(JournalEntry& entry, const JournalEntry& later) {
@@ -65,19 +44,35 @@ std::vector<JournalEntry> RebuildPlan::active() const {
 }
 
 RebuildPlan planRebuild(HistoryReading history) {
-    RebuildPlan plan;
-    plan.torn = history.torn;
-    plan.foreign = history.foreign;
-    plan.unread = std::move(history.unread);
-    const auto earlier = [](const HistoryLine& one, const HistoryLine& other) { return one.at < other.at; };
-    if (!history.lines.empty()) {
-        const auto [first, last] = std::minmax_element(history.lines.begin(), history.lines.end(), earlier);
-        plan.from = first->at;
-        plan.to = last->at;
+    return RebuildPlanner().finish(std::move(history));
+}
+
+std::size_t RebuildPlanner::HashOfId::operator()(const Uuid& id) const noexcept {
+    std::size_t hash;
+    std::memcpy(&hash, id.bytes.data(), sizeof hash);  // random as it is
+    return hash;
+}
+
+void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
+    for (HistoryLine& line : lines) {
+        plan_.from = std::min(plan_.from.value_or(line.at), line.at);
+        plan_.to = std::max(plan_.to.value_or(line.at), line.at);
+        const auto [known, isNew] = places_.try_emplace(line.entry.id, plan_.entries.size());
+        if (isNew)
+            plan_.entries.push_back(std::move(line.entry));
+        else
+            plan_.entries[known->second] = std::move(line.entry);
     }
-    plan.entries = lastOfEach(std::move(history.lines));
-    plan.overtaken = overtakeAllButTheLast(plan.entries);
-    return plan;
+    lines.clear();
+}
+
+RebuildPlan RebuildPlanner::finish(HistoryReading rest) && {
+    take(rest.lines);
+    plan_.overtaken = overtakeAllButTheLast(plan_.entries);
+    plan_.torn = rest.torn;
+    plan_.foreign = rest.foreign;
+    plan_.unread = std::move(rest.unread);
+    return std::move(plan_);
 }
 
 }  // namespace brell

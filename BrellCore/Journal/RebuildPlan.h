@@ -1,9 +1,9 @@
 // The journal as its history tells it: every history line holds its whole entry.
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "BrellCore/Journal/History.h"
@@ -16,7 +16,7 @@ struct RebuildPlan {
     // tweak followed: their end is missing from the history. The entries have them as restored, with a
     // failure text that says so.
     std::vector<Uuid> overtaken;
-    std::optional<TimeStamp> from, to;  // the earliest and the latest line; nothing without one
+    std::optional<TimeStamp> from, to;  // on the days of the first and of the last line; nothing without one
     std::size_t torn = 0;               // as in HistoryReading
     std::size_t foreign = 0;
     std::vector<std::string> unread;
@@ -26,5 +26,19 @@ struct RebuildPlan {
 };
 
 RebuildPlan planRebuild(HistoryReading history);
+
+// The same from a history that comes in pieces: most of its lines are not kept.
+class RebuildPlanner {
+public:
+    void take(std::vector<HistoryLine>& lines);  // leaves it empty
+    RebuildPlan finish(HistoryReading rest) &&;
+
+private:
+    struct HashOfId {
+        std::size_t operator()(const Uuid& id) const noexcept;
+    };
+    RebuildPlan plan_;
+    std::unordered_map<Uuid, std::size_t, HashOfId> places_;  // in the plan's entries
+};
 
 }  // namespace brell

@@ -1,6 +1,7 @@
 // Writes JSON text straight from records; the caller gives the keys in sorted order.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -24,6 +25,8 @@ public:
 
     // depth is the number of levels around what is written, for the indentation.
     explicit JsonWriter(Layout layout, int depth = 0) : layout_(layout), depth_(depth) {}
+
+    void reserve(std::size_t bytes) { text_.reserve(bytes); }
 
     void beginObject() { open('{'); }
     void endObject() { close('}'); }

@@ -2,6 +2,7 @@
 // of background tasks. For tests and benchmarks of how time and memory grow.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
@@ -86,14 +87,26 @@ inline void writeSampleJournal(const std::filesystem::path& file, std::size_t en
     writeJournal(file, sampleJournal(entries));
 }
 
-// History files of so many days with so many lines each.
+// The entry as it was saved for the first, second or third time.
+inline JournalEntry sampleStage(JournalEntry entry, std::size_t saved) {
+    constexpr std::array stages{EntryStatus::capturing, EntryStatus::applied};
+    if (saved >= stages.size()) return entry;
+    entry.status = stages[saved];
+    entry.restoredAt = std::nullopt;
+    entry.failure = std::nullopt;
+    return entry;
+}
+
+// History files of so many days with so many lines each, three for every change.
 inline void writeSampleHistory(const std::filesystem::path& directory, std::size_t days,
                                std::size_t linesPerDay) {
+    constexpr std::size_t linesPerChange = 3;
+    JournalEntry entry;
     for (std::size_t day = 0; day < days; ++day) {
         std::string lines;
-        for (std::size_t i = 0; i < linesPerDay; ++i) {
-            const JournalEntry entry = sampleEntry(day * linesPerDay + i);
-            lines += historyLineText(entry.appliedAt, entry);
+        for (std::size_t i = day * linesPerDay; i < (day + 1) * linesPerDay; ++i) {
+            if (i % linesPerChange == 0) entry = sampleEntry(i / linesPerChange);
+            lines += historyLineText(entry.appliedAt, sampleStage(entry, i % linesPerChange));
         }
         replaceFile(directory / ("day" + std::to_string(1000 + day) + ".jsonl"), lines,
                     Durability::readersOnly);

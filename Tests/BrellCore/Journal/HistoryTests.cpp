@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Journal/Journal.h"
 #include "Tests/BrellCore/Journal/SampleEntries.h"
 
@@ -18,7 +19,7 @@ namespace {
 using namespace testing;
 using Lines = std::vector<HistoryLine>;
 
-bool neverStopped(std::uintmax_t, std::uintmax_t) {
+bool neverStopped(Lines&, std::uintmax_t, std::uintmax_t) {
     return true;
 }
 
@@ -48,7 +49,7 @@ protected:
     const HistoryLine line{at("2026-11-16T00:00:01Z"), EntryStatus::restored, sampleEntries()[1]};
 
     Lines all() const { return readHistory(history, std::nullopt); }
-    HistoryReading reading() const { return readHistory(history, std::nullopt, neverStopped); }
+    HistoryReading lastOfAll() const { return readLastOfHistory(history, neverStopped); }
     std::string unreadable(const char* name) const {
         return "The file " + (history / name).string() + " could not be read: it is not an ordinary file.";
     }
@@ -104,7 +105,8 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
     for (std::size_t length = 0; length < good.size(); ++length) {
         fs::remove(day);  // a new file is written faster than a shortened one
         setContents(day, sample + good.substr(0, length) + "\n" + sample);
-        ASSERT_EQ(reading(), (HistoryReading{{line, line}, length > 0 ? 1u : 0u, 0, {}})) << length;
+        ASSERT_EQ(all(), (Lines{line, line})) << length;
+        ASSERT_EQ(lastOfAll(), (HistoryReading{{line}, length > 0 ? 1u : 0u, 0, {}})) << length;
     }
     const auto with = [&](std::string_view from, std::string_view to) {
         std::string text = good;
@@ -115,8 +117,39 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
                          with("Z\",\"entry", "\",\"entry") + std::string(300, '{') + "\n" +
                          std::string(5000, '\0') + "\n" + with("{\"at\"", "{\"later\":[1,,2],\"at\"") + good +
                          "\r\n" + good);
-    // Whole, but of no history that is known: two with another word, one without its date's end.
-    EXPECT_EQ(reading(), (HistoryReading{{line, line}, 6, 3, {}}));
+    EXPECT_EQ(all(), (Lines{line, line}));
+    // Two damaged ones stand before a good one about the entry that they name, and are not looked at.
+    EXPECT_EQ(lastOfAll(), (HistoryReading{{line, line}, 5, 2, {}}));
+}
+
+TEST_F(HistoryTest, OfLinesThatFollowEachOtherOnlyTheLastThatCanBeReadIsTaken) {
+    HistoryLine other = line, later = line;
+    other.entry.id = Uuid::random();
+    other.entry.failure = R"("id":")" + line.entry.id.text();
+    later.event = later.entry.status = EntryStatus::applied;
+    const auto text = [](const HistoryLine& each) { return historyLineText(each.at, each.entry); };
+    const auto with = [](std::string from, std::string_view piece, std::string_view to) {
+        return from.replace(from.find(piece), piece.size(), to);
+    };
+    const std::string unknown = with(text(later), "\"applied\"}", "\"undone\"}");
+    // It names the entry, but is another's: its own identifier comes second.
+    const std::string nested =
+        with(text(other), "{\"agent\"", "{\"a\":{\"id\":\"" + line.entry.id.text() + "\"},\"agent\"");
+    const struct {
+        std::string text;
+        Lines last;
+        std::size_t foreign;
+    } rows[] = {
+        {sample + text(later), {later}, 0},
+        {sample + text(other) + text(later), {line, other, later}, 0},
+        {sample + text(later) + unknown, {later}, 1},
+        {nested + sample, {other, line}, 0},
+        {with(sample, "{\"at\"", "{ \"at\"") + text(later), {line, later}, 0},
+    };
+    for (const auto& row : rows) {
+        setContents(day, row.text);
+        EXPECT_EQ(lastOfAll(), (HistoryReading{row.last, 0, row.foreign, {}})) << row.text;
+    }
 }
 
 TEST_F(HistoryTest, ALineBehindAnUnfinishedOneStandsOnItsOwn) {
@@ -132,12 +165,12 @@ TEST_F(HistoryTest, WhatIsInTheWayIsPassedOver) {
     fs::create_directory(history / "2026-11-14.jsonl");
     ASSERT_EQ(::mkfifo((history / "2026-11-15.jsonl").c_str(), 0600), 0);
     EXPECT_EQ(all(), Lines{line});
-    EXPECT_EQ(reading().unread, (Texts{unreadable("2026-11-14.jsonl"), unreadable("2026-11-15.jsonl")}));
+    EXPECT_EQ(lastOfAll().unread, (Texts{unreadable("2026-11-14.jsonl"), unreadable("2026-11-15.jsonl")}));
     for (const char* time : {"2026-11-14T12:00:00Z", "2026-11-15T12:00:00Z"})
         EXPECT_FALSE(appendHistoryLine(history, at(time), line.entry));
     EXPECT_FALSE(appendHistoryLine(day, line.at, line.entry));
     EXPECT_EQ(readHistory(day, std::nullopt), Lines());
-    EXPECT_EQ(readHistory(day, std::nullopt, neverStopped).unread,
+    EXPECT_EQ(readLastOfHistory(day, neverStopped).unread,
               Texts{"The folder " + day.string() + " could not be read: Not a directory."});
 }
 
