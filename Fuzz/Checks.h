@@ -29,13 +29,17 @@ inline bool isReason(std::string_view text) {
     return !text.empty() && oneLine(text) == text && (!text.ends_with('.') || text.ends_with("..."));
 }
 
-// By a reader that looks at every byte, but knows only numbers of 64 bits: long ones are shortened for it.
+// By a reader that looks at every byte, but knows only numbers of 64 bits: what is larger, or longer, is shortened for
+// it. A number stays well-formed by that, or remains malformed.
 inline bool isJson(std::string_view text) {
-    constexpr std::size_t mostDigits = 15;
+    constexpr std::size_t mostDigits = 2;  // of a number, or of its exponent
     std::string shortened;
     std::size_t digits = 0;
+    bool isInText = false, isEscaped = false;
     for (const char c : text) {
-        digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+        if (c == '"' && !isEscaped) isInText = !isInText;
+        isEscaped = isInText && c == '\\' && !isEscaped;
+        digits = !isInText && c >= '0' && c <= '9' ? digits + 1 : 0;
         if (digits <= mostDigits) shortened += c;
     }
     thread_local simdjson::dom::parser parser;
