@@ -29,8 +29,8 @@ inline bool isReason(std::string_view text) {
     return !text.empty() && oneLine(text) == text && (!text.ends_with('.') || text.ends_with("..."));
 }
 
-// By a reader that looks at every byte, but knows only numbers of 64 bits: what is larger, or longer, is shortened for
-// it. A number stays well-formed by that, or remains malformed.
+// By a reader that looks at every byte, but knows only numbers of 64 bits: all are shortened for it. They
+// stay well-formed by that, or malformed.
 inline bool isJson(std::string_view text) {
     constexpr std::size_t mostDigits = 2;  // of a number, or of its exponent
     std::string shortened;
