@@ -10,12 +10,39 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// One table cell: on one line, with nothing that ends it early.
+bool isLetterOrDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// Whether a character of a cell would end it, or begin a link, an image, HTML or what reads as another
+// character. The rest of the cell begins with it.
+bool isMarkup(std::string_view rest, std::string_view before) {
+    const char next = rest.size() > 1 ? rest[1] : ' ';
+    switch (rest.front()) {
+        case '|':
+        case '<': return true;
+        case '\\': return isPrintableAscii(next) && next != ' ' && !isLetterOrDigit(next);
+        case '&': return next == '#' || isLetterOrDigit(next);
+        case '(': return before.ends_with(']');
+        case '/': return before.ends_with(':') && next == '/';
+        case '.': return before.ends_with("www");
+        // These only work in pairs: the first of a kind stays as it is.
+        case '*':
+        case '_':
+        case '`':
+        case '~': return before.find(rest.front()) != std::string_view::npos;
+        default: return false;
+    }
+}
+
+// One table cell that reads as the text, whatever the text is.
 std::string cell(std::string_view text) {
+    const std::string line = oneLine(text);
     std::string escaped;
-    for (const char c : oneLine(text)) {
-        if (c == '|') escaped += '\\';
-        escaped += c;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const std::string_view whole = line;
+        if (isMarkup(whole.substr(i), whole.substr(0, i))) escaped += '\\';
+        escaped += line[i];
     }
     return escaped.empty() ? "-" : escaped;
 }

@@ -3,6 +3,7 @@
 #include "BrellCore/Engine/Report.h"
 
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Entries.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -28,6 +29,26 @@ TEST_F(ReportTest, SaysThatNothingIsChanged) {
               "- Active changes: 0\n- Login items changed by Brell: 0\n\n## Active changes\n\n"
               "None. Every setting Brell changed is back to what it was.\n\n"
               "## Login items changed by Brell\n\nNone.\n\n## History\n\nNo events recorded.");
+}
+
+TEST_F(ReportTest, ValuesReadAsTheyAreAndNothingInThemIsMarkup) {
+    const std::vector<std::pair<std::string, std::string>> cells{
+        {"_FXSortFoldersFirst", "_FXSortFoldersFirst"},
+        {"~/Desktop", "~/Desktop"},
+        {"C:\\Program", "C:\\Program"},
+        {"a & b > c [1] (2) e.g. 3*4", "a & b > c [1] (2) e.g. 3*4"},
+        {"a|b", "a\\|b"},
+        {"a\\|b", "a\\\\\\|b"},
+        {"a\\*b\\", "a\\\\*b\\"},
+        {"![i](http://x)", "![i]\\(http:\\//x)"},
+        {"<img src=x> &lt; &#60;", "\\<img src=x> \\&lt; \\&#60;"},
+        {"www.x.org", "www\\.x.org"},
+        {"**a** `b` ~~c~~ _d_", "*\\*a\\*\\* `b\\` ~\\~c\\~\\~ _d\\_"},
+    };
+    for (const auto& [text, cell] : cells) journal.upsert(entryOf(text, {}));
+    const std::string whole = report();
+    for (const auto& [text, cell] : cells)
+        EXPECT_NE(whole.find("\n| " + cell + " | - | - | - | "), std::string::npos) << text;
 }
 
 TEST_F(ReportTest, TellsEverythingThatHappened) {
