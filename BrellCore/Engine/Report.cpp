@@ -14,6 +14,11 @@ bool isLetterOrDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+// Viewers make links of these, and not of file URLs.
+bool beginsAddress(std::string_view before) {
+    return before.ends_with("http:") || before.ends_with("https:") || before.ends_with("ftp:");
+}
+
 // Whether a character of a cell would end it, or begin a link, an image, HTML or what reads as another
 // character. The rest of the cell begins with it.
 bool isMarkup(std::string_view rest, std::string_view before) {
@@ -24,7 +29,7 @@ bool isMarkup(std::string_view rest, std::string_view before) {
         case '\\': return isPrintableAscii(next) && next != ' ' && !isLetterOrDigit(next);
         case '&': return next == '#' || isLetterOrDigit(next);
         case '(': return before.ends_with(']');
-        case '/': return before.ends_with(':') && next == '/';
+        case '/': return next == '/' && beginsAddress(before);
         case '.': return before.ends_with("www");
         // These only work in pairs: the first of a kind stays as it is.
         case '*':
