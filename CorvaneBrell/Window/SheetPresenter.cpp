@@ -3,34 +3,7 @@
 #include <QEvent>
 #include <QTimer>
 
-#include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
-#include "CorvaneBrell/Window/Sheets/DriftSheet.h"
-#include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
-#include "CorvaneBrell/Window/Sheets/PresetSheet.h"
-#include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
-#include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
-#include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
-
 namespace brell {
-
-namespace {
-
-struct SheetFor {
-    AppModel& model;
-    QWidget* window;
-
-    Sheet* operator()(const RecoveryRequest& request) { return new RecoverySheet(model, window, request); }
-    Sheet* operator()(const DriftRequest& request) { return new DriftSheet(model, window, request); }
-    Sheet* operator()(const AgentConfirmRequest& request) {
-        return new AgentConfirmSheet(model, window, request);
-    }
-    Sheet* operator()(const RelaunchRequest& request) { return new RelaunchSheet(model, window, request); }
-    Sheet* operator()(const RestoreRequest& request) { return new RestoreSheet(model, window, request); }
-    Sheet* operator()(const PresetRequest& request) { return new PresetSheet(model, window, request); }
-    Sheet* operator()(const PresetReport& report) { return new PresetResultSheet(window, report); }
-};
-
-}  // namespace
 
 SheetPresenter::SheetPresenter(AppModel& model, QWidget* window)
     : QObject(window), model_(model), window_(window) {
@@ -64,7 +37,7 @@ void SheetPresenter::close() {
 }
 
 void SheetPresenter::open() {
-    sheet_ = std::visit(SheetFor{model_, window_}, *shown_);
+    sheet_ = makeSheet(model_, window_, *shown_);
     connect(sheet_, &QDialog::rejected, this, [this] {
         if (shown_ && std::holds_alternative<PresetReport>(*shown_))
             readReport_ = model_.state().presetReport;

@@ -11,6 +11,10 @@
 
 namespace brell {
 
+// The sheet that asks this; it belongs to the window. Every sheet knows the window's widgets, and none of
+// them knows a sheet.
+Sheet* makeSheet(AppModel& model, QWidget* window, const SheetRequest& request);
+
 // The model must outlive the presenter, which belongs to the window.
 class SheetPresenter final : public QObject {
     Q_OBJECT

@@ -1,0 +1,37 @@
+// Which sheet asks which request.
+
+#include "CorvaneBrell/Window/SheetPresenter.h"
+#include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
+#include "CorvaneBrell/Window/Sheets/DriftSheet.h"
+#include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
+#include "CorvaneBrell/Window/Sheets/PresetSheet.h"
+#include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
+#include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
+#include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
+
+namespace brell {
+
+namespace {
+
+struct SheetFor {
+    AppModel& model;
+    QWidget* window;
+
+    Sheet* operator()(const RecoveryRequest& request) { return new RecoverySheet(model, window, request); }
+    Sheet* operator()(const DriftRequest& request) { return new DriftSheet(model, window, request); }
+    Sheet* operator()(const AgentConfirmRequest& request) {
+        return new AgentConfirmSheet(model, window, request);
+    }
+    Sheet* operator()(const RelaunchRequest& request) { return new RelaunchSheet(model, window, request); }
+    Sheet* operator()(const RestoreRequest& request) { return new RestoreSheet(model, window, request); }
+    Sheet* operator()(const PresetRequest& request) { return new PresetSheet(model, window, request); }
+    Sheet* operator()(const PresetReport& report) { return new PresetResultSheet(window, report); }
+};
+
+}  // namespace
+
+Sheet* makeSheet(AppModel& model, QWidget* window, const SheetRequest& request) {
+    return std::visit(SheetFor{model, window}, request);
+}
+
+}  // namespace brell
