@@ -76,6 +76,11 @@ const Tweak* TweakCatalog::tweak(std::string_view id) const {
     return found == byID_.end() ? nullptr : found->second;
 }
 
+std::string TweakCatalog::titleOf(std::string_view id) const {
+    const Tweak* known = tweak(id);
+    return known ? known->title : std::string(id);
+}
+
 std::vector<const Tweak*> TweakCatalog::available(int major) const {
     std::vector<const Tweak*> tweaks;
     for (const Tweak& tweak : all_)

@@ -65,17 +65,12 @@ std::string joinedWrites(const JournalEntry& entry,
     return join(texts, "; ");
 }
 
-std::string nameOf(const TweakCatalog& catalog, const std::string& tweakID) {
-    const Tweak* tweak = catalog.tweak(tweakID);
-    return tweak ? tweak->title : tweakID;
-}
-
 void appendChangeTable(Lines& lines, const TweakCatalog& catalog, const std::vector<JournalEntry>& entries) {
     lines.push_back("| Tweak | Writes | Original | Written | Applied |");
     lines.push_back("|---|---|---|---|---|");
     for (const JournalEntry& entry : entries)
         lines.push_back(
-            row({nameOf(catalog, entry.tweakID),
+            row({catalog.titleOf(entry.tweakID),
                  joinedWrites(entry, [](const JournaledWrite& write) { return write.key.rendered(); }),
                  joinedWrites(entry, [](const JournaledWrite& write) { return write.original.rendered(); }),
                  joinedWrites(entry, [](const JournaledWrite& write) { return write.written.rendered(); }),
@@ -100,7 +95,7 @@ void appendHistory(Lines& lines, const TweakCatalog& catalog, const std::vector<
     lines.push_back("|---|---|---|");
     for (const HistoryLine& line : history)
         lines.push_back(
-            row({iso8601(line.at), std::string(rawValue(line.event)), nameOf(catalog, line.entry.tweakID)}));
+            row({iso8601(line.at), std::string(rawValue(line.event)), catalog.titleOf(line.entry.tweakID)}));
 }
 
 }  // namespace

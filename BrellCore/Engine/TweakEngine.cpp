@@ -185,9 +185,7 @@ void TweakEngine::tidyUp(const Journal::Exclusive&) noexcept try {
 
 // For a sentence.
 std::string TweakEngine::subjectOf(const JournalEntry& entry) const {
-    if (entry.agent) return entry.agent->label;
-    const Tweak* tweak = catalog_.tweak(entry.tweakID);
-    return tweak ? tweak->title : entry.tweakID;
+    return entryTitle(entry, catalog_);
 }
 
 JournalEntry TweakEngine::newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const {

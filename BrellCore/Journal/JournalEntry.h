@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "BrellCore/Journal/AgentCapture.h"
@@ -13,6 +14,8 @@
 #include "BrellCore/Support/Uuid.h"
 
 namespace brell {
+
+class TweakCatalog;
 
 enum class EntryKind { preference, launchAgent };
 template <>
@@ -65,5 +68,11 @@ struct JournalEntry {
 inline std::string agentTweakID(std::string_view label) {
     return "agent:" + std::string(label);
 }
+
+// The tweak's title or the agent's label; the id of a tweak that the catalog does not have any more.
+std::string entryTitle(const JournalEntry& entry, const TweakCatalog& catalog);
+
+// The active change of this tweak or agent among these entries; nullptr when there is none.
+const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, std::string_view tweakID);
 
 }  // namespace brell
