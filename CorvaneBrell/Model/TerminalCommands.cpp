@@ -9,7 +9,7 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 
-namespace brell::TerminalCommands {
+namespace brell {
 
 namespace {
 
@@ -94,7 +94,7 @@ std::string withHint(Lines lines, const std::set<EffectClass>& effects) {
 
 }  // namespace
 
-std::string making(const Tweak& tweak, const std::optional<std::vector<PrefValue>>& values) {
+std::string commandsMaking(const Tweak& tweak, const std::optional<std::vector<PrefValue>>& values) {
     const std::vector<PrefValue> chosen = values ? *values : tweak.targets();
     Lines lines;
     for (std::size_t i = 0; i < tweak.writes.size(); ++i)
@@ -102,7 +102,7 @@ std::string making(const Tweak& tweak, const std::optional<std::vector<PrefValue
     return withHint(std::move(lines), {tweak.effect});
 }
 
-std::string making(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog) {
+std::string commandsMaking(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog) {
     Lines lines;
     std::set<EffectClass> effects;
     for (const JournalEntry& entry : entries) {
@@ -113,7 +113,7 @@ std::string making(const std::vector<JournalEntry>& entries, const TweakCatalog&
     return withHint(std::move(lines), effects);
 }
 
-std::string undoing(const JournalEntry& entry, const TweakCatalog& catalog) {
+std::string commandsUndoing(const JournalEntry& entry, const TweakCatalog& catalog) {
     Lines lines = entry.agent ? linesOf(AgentCommands::undoing(*entry.agent), *entry.agent) : Lines();
     for (const JournaledWrite& write : entry.writes) lines.push_back(putting(write.key, write.original));
     std::set<EffectClass> effects;
@@ -121,4 +121,4 @@ std::string undoing(const JournalEntry& entry, const TweakCatalog& catalog) {
     return withHint(std::move(lines), effects);
 }
 
-}  // namespace brell::TerminalCommands
+}  // namespace brell

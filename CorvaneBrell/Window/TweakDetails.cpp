@@ -90,8 +90,7 @@ QString TweakDetails::terminalCommand() const {
     std::vector<JournalEntry> active;
     for (const JournalEntry& entry : model_.state().entries)
         if (entry.isActive() && entry.tweakID == tweak_.id) active.push_back(entry);
-    return qt(active.empty() ? TerminalCommands::making(tweak_)
-                             : TerminalCommands::making(active, model_.catalog()));
+    return qt(active.empty() ? commandsMaking(tweak_) : commandsMaking(active, model_.catalog()));
 }
 
 QWidget* TweakDetails::buttons(const TweakRowState& state) {

@@ -25,16 +25,18 @@ protected:
 };
 
 TEST_F(TerminalCommandsTest, ReadAsPeopleWriteThem) {
-    EXPECT_EQ(TerminalCommands::making(tweak("finder.show_hidden")),
+    EXPECT_EQ(commandsMaking(tweak("finder.show_hidden")),
               "defaults write com.apple.finder AppleShowAllFiles -bool true\n"
               "echo 'Relaunch Finder, or log out and back in, for every change to take effect.'\n");
-    EXPECT_EQ(TerminalCommands::making(tweak("anim.fast_sheets")),
+    EXPECT_EQ(commandsMaking(tweak("anim.fast_sheets")),
               "defaults write -g NSWindowResizeTime -float 0.001\n"
               "echo 'Relaunch the apps that are open, or log out and back in, for every change to take "
               "effect.'\n");
-    EXPECT_EQ(TerminalCommands::making(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/My 'Shots'"}),
+    EXPECT_EQ(commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/My 'Shots'"}),
               "defaults write com.apple.screencapture location -string '/Users/sam/My '\\''Shots'\\'''\n");
-    EXPECT_EQ(TerminalCommands::undoing(engine.resetToDefault(tweak("dock.size")), catalog),
+    EXPECT_EQ(commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/A_2-b.c"}),
+              "defaults write com.apple.screencapture location -string /Users/sam/A_2-b.c\n");
+    EXPECT_EQ(commandsUndoing(engine.resetToDefault(tweak("dock.size")), catalog),
               "defaults delete com.apple.dock tilesize\n"
               "echo 'Relaunch the Dock, or log out and back in, for every change to take effect.'\n");
 }
@@ -50,10 +52,10 @@ TEST_F(TerminalCommandsTest, MakeAndUndoTheSameAsTheEngine) {
     const auto after = files.snapshot();
 
     for (const JournalEntry& entry : entries)
-        EXPECT_EQ(paste(TerminalCommands::undoing(entry, catalog)).status, 0) << entry.tweakID;
+        EXPECT_EQ(paste(commandsUndoing(entry, catalog)).status, 0) << entry.tweakID;
     EXPECT_EQ(files.snapshot(), before);
 
-    const Finished made = paste(TerminalCommands::making(entries, catalog));
+    const Finished made = paste(commandsMaking(entries, catalog));
     EXPECT_EQ(made, (Finished{0,
                               "Relaunch Finder and the Dock and the apps that are open, or log out and back "
                               "in, for every change to take effect.\n"}));
@@ -61,7 +63,7 @@ TEST_F(TerminalCommandsTest, MakeAndUndoTheSameAsTheEngine) {
 
     entries.resize(1);
     entries[0].status = EntryStatus::restored;
-    EXPECT_EQ(TerminalCommands::making(entries, catalog), "");
+    EXPECT_EQ(commandsMaking(entries, catalog), "");
 }
 
 TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
@@ -81,7 +83,7 @@ TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
                                         false};
     for (const PrefValue& value : values) {
         const JournalEntry entry = entryOf("odd", {{key, value, {}}});
-        const std::string text = TerminalCommands::undoing(entry, catalog);
+        const std::string text = commandsUndoing(entry, catalog);
         EXPECT_EQ(paste(text).status, 0) << text;
         EXPECT_EQ(files.exactValue(key), StoredValue(value)) << text;
         // Only line ends are left of what a terminal takes for a key.
@@ -114,8 +116,8 @@ TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
               "launchctl enable" + at + load + "launchctl disable" + at},
          }) {
         const JournalEntry entry = agentEntry(before);
-        EXPECT_EQ(TerminalCommands::making({entry}, catalog), making);
-        EXPECT_EQ(TerminalCommands::undoing(entry, catalog), undoing);
+        EXPECT_EQ(commandsMaking({entry}, catalog), making);
+        EXPECT_EQ(commandsUndoing(entry, catalog), undoing);
     }
 }
 
