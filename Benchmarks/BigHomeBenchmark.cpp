@@ -119,8 +119,7 @@ void compareReading(Growth& growth) {
     const TweakCatalog catalog(sampleHome.string());
     growth.compare("history told", [&](const Home& home) {
         const auto journal = Journal::open(home.journalDirectory());
-        if (JournalWords::told(journal->history(), catalog).empty())
-            throw std::runtime_error("nothing is told");
+        if (toldHistory(journal->history(), catalog).empty()) throw std::runtime_error("nothing is told");
     });
     growth.compare("report", [&](const Home& home) {
         const auto journal = Journal::open(home.journalDirectory());
@@ -150,7 +149,7 @@ void compareWindow(Growth& growth) {
     });
     for (OpenWindow* open : {&few, &many}) open->show(Screen::journal);
     compare("journal page", [](OpenWindow& open) {
-        open.window.currentPage()->refresh({Property::entries, Property::driftedAgents, Property::history});
+        open.window.currentPage()->refresh({Topic::journal, Topic::history});
         open.settle();
     });
     compare("restore sheet", [](OpenWindow& open) {
@@ -161,7 +160,7 @@ void compareWindow(Growth& growth) {
     });
     for (OpenWindow* open : {&few, &many}) open->show(Screen::loginItems);
     compare("login items page", [](OpenWindow& open) {
-        open.window.currentPage()->refresh({Property::loginItems, Property::entries});
+        open.window.currentPage()->refresh({Topic::loginItems, Topic::journal});
         open.settle();
     });
     compare("filter typed", [](OpenWindow& open) {

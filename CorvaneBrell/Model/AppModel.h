@@ -2,10 +2,8 @@
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -19,27 +17,18 @@
 #include "BrellCore/Review/PrivacyChecklist.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppState.h"
-#include "CorvaneBrell/Model/BackgroundLane.h"
-#include "CorvaneBrell/Model/NewsPace.h"
+#include "CorvaneBrell/Model/ChangeWork.h"
+#include "CorvaneBrell/Model/Lane.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
-#include "CorvaneBrell/Model/PendingRelaunches.h"
+#include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/Model/TweakSearch.h"
 #include "CorvaneBrell/Platform/MainLoop.h"
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 
-// The size of the window in points, and the page it shows.
-struct WindowPlace {
-    int width;
-    int height;
-    Screen screen;
-    bool operator==(const WindowPlace&) const = default;
-};
-
-// Made, used and destroyed on the main thread, which nothing here blocks after the first look at everything.
-// Changes run one after another beside it, and so do refreshes and the system's tools; all of them come back
-// through the main loop, and only while the model lives. Every change of a property is announced once. What
+// The main thread makes, uses and destroys it; nothing here blocks that after the first look at everything.
+// The lanes do the work and can't reach the state; a change of the state is announced when it is made. What
 // goes wrong becomes text in the state; no action throws. The end waits for the step that is running, and no
 // further one begins.
 class AppModel {
@@ -58,18 +47,20 @@ public:
     std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
     // The one asked for, or the user's, also where a throw-away journal had to take its place.
     const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
+    OwnPreferences& ownPreferences() { return own_; }
+    const TweakSearch& search() const { return search_; }
 
-    // The observer is called on the main thread, after the property has its new value. It may call the model.
-    void setObserver(std::function<void(Property)> observer) { observer_ = std::move(observer); }
+    // The observer is called when the state has changed. It may call the model.
+    void setObserver(std::function<void(Topic)> observer) { observer_ = std::move(observer); }
 
-    // What every changing action would come to instead of a real change; nothing when changes are real.
+    // Says why no action changes anything real; nothing when changes are real.
     std::optional<std::string> whyNothingReal() const;
     // Something runs beside the main thread: the state may be about to change.
     bool isBusy() const {
-        return changesUnderWay_ + refreshesUnderWay_ + readingsUnderWay_ + questionsUnderWay_ > 0;
+        return changes_.isBusy() || refreshes_.isBusy() || readings_.isBusy() || questions_.isBusy();
     }
     // Something that the user asked for is not finished: a change, or a file that is being saved.
-    bool isWorking() const { return changesUnderWay_ + savesUnderWay_ > 0; }
+    bool isWorking() const { return changes_.isBusy() || savesUnderWay_ > 0; }
     // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
     bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
 
@@ -124,188 +115,83 @@ public:
     void cancelPreset();
     void exportPreset(const Preset& preset, const std::filesystem::path& file);
     // The changes that are active now as a preset, and what a preset can't carry of them.
-    ActivePreset activePreset(std::string name) const {
-        return presetFromActive(state_.entries, catalog(), std::move(name));
-    }
+    ActivePreset activePreset(std::string name) const;
 
     void saveRestoreScript(const std::filesystem::path& file);
-    void saveReport(const std::filesystem::path& file);
+    void saveReport(const std::filesystem::path& file);  // of real changes only
     // Gives it to show once it is made; a failure becomes the error message instead.
     void makeRestoreScript(std::function<void(const std::string&)> show);
 
     void markReviewed(std::string_view cardID);
-    std::optional<TimeStamp> reviewedDate(std::string_view cardID) const;
-
-    // Finds tweaks and pages by what people call them.
-    const TweakSearch& search() const { return *search_; }
+    std::optional<TimeStamp> reviewedDate(std::string_view cardID);
 
     // The tweaks with an active change, drifted ones among them, and how many active changes each page has.
     std::vector<std::string> changedTweaks() const;
     std::size_t changedCount(Screen screen) const { return changedCounts_[static_cast<std::size_t>(screen)]; }
 
-    // How the window was left; nothing when it never was open.
-    std::optional<WindowPlace> windowPlace() const;
-    void keepWindowPlace(const WindowPlace& place);
-
 private:
-    // What a change is to the undoing of the last action: nothing; all of it; those of its changes that
-    // drifted and that the user confirmed, with the rest to follow, or only some of them.
-    enum class Undo { none, whole, untilTheRest, part };
-
-    // What one job beside the main thread came to.
-    struct Change {
-        std::string name;  // of what was done, for undoing it
-        std::vector<JournalEntry> made;
-        std::vector<JournalEntry> restored;
-        std::vector<Uuid> drifted;                                 // left alone: they are asked for
-        std::vector<DriftedEntry> driftedNow;                      // the same with what their keys hold
-        std::vector<Uuid> others;                                  // wait for the answer, too
-        DriftRequest::Mode driftMode = DriftRequest::Mode::tweak;  // of one that drifted
-        std::vector<std::string> failures;
-        std::vector<std::string> report;                           // of a preset
-        std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery
-        std::vector<std::string> alreadyBack;        // names of entries that had been put back before
-        std::string proof;                           // what the restored keys read as now
-        bool isProved = true;                        // every one of them as before
-        std::map<std::string, std::string> touched;  // by tweak: what its keys hold now
-        std::vector<std::pair<Uuid, Uuid>> remade;   // entries made again, and what they are now
-        Undo undo = Undo::none;
-        bool leadsToOriginals = false;  // undoing it does not make again what it restored
-        bool agentsTouched = false;
-    };
-    using Job = std::function<Change()>;
-
-    struct Refresh {
-        TweakStatuses statuses;
-        TweakStatusErrors statusErrors;
-        std::vector<JournalEntry> entries;
-        std::vector<DriftedEntry> drifted;
-        std::optional<std::string> error;
-        int changesFinished = 0;  // when the reading began
-    };
-    struct LoginItems {
-        std::vector<LoginItemRow> rows;
-        std::map<std::string, std::string> refusals;
-        bool hasDatabase = false;
-        std::optional<std::string> error;  // launchd could not be asked for the user's own
-    };
-
-    void announce(Property property);
-    // Announces once, and only when the value is another.
+    void announce(Topic topic);
+    // True when the field had another value.
     template <class Value>
-    void set(Value AppState::*field, std::type_identity_t<Value> value, Property property) {
-        if (state_.*field == value) return;
+    bool put(Value AppState::*field, std::type_identity_t<Value> value) {
+        if (state_.*field == value) return false;
         state_.*field = std::move(value);
-        announce(property);
+        return true;
     }
-    void fail(const std::string& message);
-    std::string nameOf(const JournalEntry& entry) const;
-    PresetSurroundings presetSurroundings() const {
-        return {catalog(), deps_->macOSMajor(), state_.statuses, state_.statusErrors, state_.entries};
+    template <class Value>
+    void set(Value AppState::*field, std::type_identity_t<Value> value, Topic topic) {
+        if (put(field, std::move(value))) announce(topic);
     }
+    void fail(const std::string& message) { set(&AppState::errorMessage, message, Topic::notices); }
+    // For a lane, to show there what it does.
+    std::function<void(std::optional<Activity>)> shownIn(std::optional<Activity> AppState::*field);
 
-    // A job of the refreshes, shown as what is being done.
-    template <class Work, class Done>
-    void look(std::string what, Work work, Done done) {
-        if (!state_.lookActivity) set(&AppState::lookActivity, Activity{what}, Property::lookActivity);
-        runCounted(
-            refreshes_, refreshesUnderWay_,
-            [this, what = std::move(what), work = std::move(work)]() mutable {
-                refreshes_.report([this, activity = Activity{std::move(what)}] {
-                    set(&AppState::lookActivity, activity, Property::lookActivity);
-                });
-                return work();
-            },
-            [this, done = std::move(done)](auto result) {
-                if (refreshesUnderWay_ == 0)
-                    set(&AppState::lookActivity, std::nullopt, Property::lookActivity);
-                done(std::move(result));
-            });
-    }
-
-    // One job on a lane, counted as under way until its result is back.
-    template <class Work, class Done>
-    void runCounted(BackgroundLane& lane, int& underWay, Work work, Done done) {
-        ++underWay;
-        lane.run(std::move(work), [&underWay, done = std::move(done)](auto result) {
-            --underWay;
-            done(std::move(result));
-        });
-    }
-
-    Refresh readEverything() const;
-    void showEverything(Refresh refresh);
+    std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
+    void showEverything(Everything everything);
     void countChanges(const std::vector<JournalEntry>& entries);
-    void saveBeside(const std::filesystem::path& file, std::function<std::string()> contents);
+    void showLoginItems(LoginItems items, bool isAll);
+    // Gives a file to save to the lane of the refreshes, with an operation of ReadingWork.
+    template <class Job, class... Arguments>
+    void save(Job job, const std::filesystem::path& file, Arguments... arguments);
 
-    void change(std::string what, std::vector<std::string> tweakIDs, Job job,
-                std::optional<PendingApply> ifDrifted = std::nullopt);
-    void changeTo(const PendingApply& wish, std::string what);
-    std::optional<JournalEntry> carryOut(const PendingApply& wish);
-    Change carriedOut(const Job& job) const;
-    void readDrift(Change& change) const;
-    void finishChange(const JobResult<Change>& result, const std::optional<PendingApply>& ifDrifted);
+    // Gives a change to its lane, an operation of ChangeWork; the tweaks are those it changes.
+    template <class Job, class... Arguments>
+    void change(std::string what, std::vector<std::string> tweakIDs, Job job, Arguments... arguments);
+    void finishChange(const ChangeOutcome& outcome);
     void dropInterrupted(const std::vector<JournalEntry>& restored);
-    void showProof(const Change& change);
-    void noteForUndo(const Change& change);
-    void reportProgress(std::string what, std::size_t done, std::size_t total);
-    JournalEntry makeAgain(const JournalEntry& entry);
-    void addAgain(Change& change, const JournalEntry& entry);
-    void restoreFirst(Change& change, const JournalEntry& active);
-    void undoEntry(Change& change, const Uuid& id);
-    void redoEntry(Change& change, const Uuid& id);
-    void pruneUndo();
-
-    void openDrift(const Change& change, const std::optional<PendingApply>& pending);
+    void noteRelaunches(const ChangeOutcome& outcome);
+    void askDrift(const DriftRequest& request);
     void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
-    bool asksForDrift(const JournalEntry& entry) const;
-    void restoreBeside(std::vector<Uuid> ids, std::set<Uuid> confirmed,
-                       const std::optional<PendingApply>& then, Undo undo);
-    Change restored(const std::string& what, const std::vector<JournalEntry>& entries,
-                    const std::set<Uuid>& confirmed);
-
-    LoginItems readLoginItems(bool showsSoFar);
-    std::vector<AgentDrift> readAgentDrift();
-    void showLoginItems(std::vector<LoginItemRow> rows, std::map<std::string, std::string> refusals);
-    AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) const;
-    void openAgentConfirm(AgentConfirmRequest request);
-    void showReading(std::string what, std::size_t done = 0, std::size_t total = 0);  // from a job
-    void endReading();
 
     std::int64_t processNow(EffectClass effect) const;
-    KeptRelaunches notedRelaunches() const;
-    void loadPendingRelaunches();
-    void notePendingRelaunches(const Change& change);
-    void showPendingRelaunches(const KeptRelaunches& pending);
+    void updateRelaunches(const std::function<void(PendingRelaunches&)>& change);
     void relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines);
-    void dropPendingRelaunches(EffectClass effect);
+    PresetSurroundings presetSurroundings() const;
 
     MainLoop& loop_;
     RunningApplications& applications_;
-    std::function<void(Property)> observer_;
+    std::function<void(Topic)> observer_;
     AppState state_;
-    std::unique_ptr<Dependencies> deps_;
-    std::filesystem::path journalDirectory_;
-    std::unique_ptr<PreferenceStore> dryRunOwnStore_;
-    PreferenceStore* ownStore_ = nullptr;
-    std::unique_ptr<OwnPreferences> own_;
-    std::unique_ptr<TweakSearch> search_;
+    const std::unique_ptr<Dependencies> deps_;
+    const std::filesystem::path journalDirectory_;
+    const std::unique_ptr<PreferenceStore> dryRunOwnStore_;  // over the machine's, in a dry run
+    PreferenceStore& ownStore_;
+    OwnPreferences own_;
+    const TweakSearch search_;
     std::array<std::size_t, enumTexts<Screen>.size()> changedCounts_{};  // by screen
     std::optional<int> historyDays_;
-    NewsPace changePace_, readingPace_;     // of the lanes
-    std::multiset<std::string> changing_;   // tweaks with a change under way
-    bool driftIsUndo_ = false;              // the open drift request comes from an undo
-    bool refreshWaits_ = false;             // a refresh is asked for and has not begun
-    std::atomic<int> changesFinished_ = 0;  // read by the lanes
-    int changesUnderWay_ = 0, refreshesUnderWay_ = 0, readingsUnderWay_ = 0, questionsUnderWay_ = 0;
-    int savesUnderWay_ = 0;        // of the refreshes
+    std::multiset<std::string> changing_;  // tweaks with a change under way
+    bool refreshWaits_ = false;            // a refresh is asked for and has not begun
+    int changesFinished_ = 0;
+    int changesSeen_ = 0;  // finished when the last refresh began
+    int savesUnderWay_ = 0;
     Relauncher::Handle relaunch_;  // while one is under way
 
-    // Last: their threads use the above.
-    BackgroundLane changes_;
-    BackgroundLane refreshes_;  // of preferences and journal; saves files, too
-    BackgroundLane readings_;   // with the system's tools
-    BackgroundLane questions_;  // what the user waits for: short, and behind nothing that is long
+    // Last: their threads end before anything else does.
+    Lane<ChangeWork> changes_;
+    Lane<ReadingWork> refreshes_;  // of preferences and journal; saves files, too
+    Lane<ReadingWork> readings_;   // with the system's tools
+    Lane<ReadingWork> questions_;  // what the user waits for: short, and behind nothing that is long
 };
 
 }  // namespace brell

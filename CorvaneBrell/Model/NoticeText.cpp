@@ -9,8 +9,8 @@ namespace brell {
 std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog& catalog,
                                        EffectClass effect) {
     std::vector<std::string> titles;
-    for (const PendingRelaunch& pending : state.pendingRelaunches)
-        if (const Tweak* tweak = catalog.tweak(pending.tweakID); tweak && pending.effect == effect)
+    for (const auto& [tweakID, pending] : state.pendingRelaunches)
+        if (const Tweak* tweak = catalog.tweak(tweakID); tweak && tweak->effect == effect)
             titles.push_back(tweak->title);
     return titles;
 }
@@ -26,12 +26,11 @@ std::string interruptedText(const AppState& state) {
 
 std::string relaunchText(const AppState& state, const TweakCatalog& catalog) {
     std::vector<std::string> lines;
-    for (const Relauncher::Target target : Relauncher::targetsFor(state.pendingEffects)) {
+    const std::set<EffectClass> effects = pendingEffects(state.pendingRelaunches, catalog);
+    for (const Relauncher::Target target : Relauncher::targetsFor(effects)) {
         const Relauncher::TargetFacts& app = Relauncher::facts(target);
-        const std::vector<std::string> titles = waitingTitles(state, catalog, app.effectClass);
-        lines.push_back(titles.empty() ? fmt::format("Relaunch {} to see what was changed.", app.name)
-                                       : fmt::format("Relaunch {} to see what was changed: {}.", app.name,
-                                                     join(titles, ", ")));
+        lines.push_back(fmt::format("Relaunch {} to see what was changed: {}.", app.name,
+                                    join(waitingTitles(state, catalog, app.effectClass), ", ")));
     }
     return join(lines, "\n");
 }

@@ -32,4 +32,25 @@ void OwnPreferences::setNumber(const std::string& key, double value) {
     store_.synchronize(std::string(domain));
 }
 
+std::optional<WindowPlace> OwnPreferences::windowPlace() const {
+    const auto width = number("windowWidth"), height = number("windowHeight"),
+               screen = number("windowScreen");
+    const auto isWithin = [](std::optional<double> number, double most) {
+        return number && *number >= 0 && *number <= most;
+    };
+    if (!isWithin(width, 32767) || !isWithin(height, 32767) ||
+        !isWithin(screen, static_cast<double>(enumTexts<Screen>.size() - 1)))
+        return std::nullopt;
+    return WindowPlace{static_cast<int>(*width), static_cast<int>(*height),
+                       static_cast<Screen>(static_cast<int>(*screen))};
+}
+
+void OwnPreferences::keepWindowPlace(const WindowPlace& place) try {
+    if (windowPlace() == place) return;
+    setNumber("windowWidth", place.width);
+    setNumber("windowHeight", place.height);
+    setNumber("windowScreen", static_cast<double>(place.screen));
+} catch (const StoreError&) {
+}
+
 }  // namespace brell

@@ -1,4 +1,4 @@
-// What the application remembers for itself, in a preference domain of its own.
+// The application's own memory, in a preference domain of its own.
 #pragma once
 
 #include <optional>
@@ -8,10 +8,19 @@
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
+#include "CorvaneBrell/Model/Screen.h"
 
 namespace brell {
 
 class PreferenceStore;
+
+// How the window was left: its size in points, and the page it showed.
+struct WindowPlace {
+    int width;
+    int height;
+    Screen screen;
+    bool operator==(const WindowPlace&) const = default;
+};
 
 // A reading never raises: what can't be read counts as not there. A change raises StoreError.
 class OwnPreferences final : public KeyedNumbers {
@@ -24,6 +33,10 @@ public:
 
     std::optional<double> number(const std::string& key) const override;
     void setNumber(const std::string& key, double value) override;
+
+    // Nothing when the window never was open.
+    std::optional<WindowPlace> windowPlace() const;
+    void keepWindowPlace(const WindowPlace& place);  // one that can't be kept is no reason to stay open
 
 private:
     PreferenceStore& store_;

@@ -12,19 +12,11 @@ namespace {
 
 using Outcome = decltype(PresetStep::outcome);
 
-const JournalEntry* activeEntryFor(const std::vector<JournalEntry>& entries, std::string_view tweakID) {
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
-        return entry.tweakID == tweakID && entry.isActive();
-    });
-    return found == entries.end() ? nullptr : &*found;
-}
-
 bool setsTheTargets(const JournalEntry& entry, const Tweak& tweak) {
-    if (entry.direction != EntryDirection::on || entry.writes.size() != tweak.writes.size()) return false;
-    for (std::size_t i = 0; i < entry.writes.size(); ++i)
-        if (entry.writes[i].key != tweak.writes[i].key || entry.writes[i].written != tweak.writes[i].target)
-            return false;
-    return true;
+    return std::equal(entry.writes.begin(), entry.writes.end(), tweak.writes.begin(), tweak.writes.end(),
+                      [](const JournaledWrite& made, const Write& write) {
+                          return made.key == write.key && made.written == write.target;
+                      });
 }
 
 bool isSo(const TweakStatus& status, const Tweak& tweak, const JournalEntry* active) {
@@ -83,7 +75,7 @@ Outcome outcomeOf(const Tweak& tweak, const PresetSurroundings& now) {
     const auto status = now.statuses.find(tweak.id);
     if (status == now.statuses.end()) return WouldBeRefused{tweak.title + " has not been read yet."};
 
-    const JournalEntry* active = activeEntryFor(now.entries, tweak.id);
+    const JournalEntry* active = activeEntry(now.entries, tweak.id);
     if (isSo(status->second, tweak, active)) return AlreadySo{};
     if (std::string reason = refusal(tweak, status->second.state, active); !reason.empty())
         return WouldBeRefused{std::move(reason)};
@@ -143,8 +135,7 @@ ActivePreset presetFromActive(const std::vector<JournalEntry>& entries, const Tw
             if (std::string reason = whyLeftOut(entry, catalog); !reason.empty())
                 active.leftOut.push_back(std::move(reason));
     for (const Tweak& tweak : catalog.all())
-        if (const auto* entry = activeEntryFor(entries, tweak.id);
-            entry && whyLeftOut(*entry, catalog).empty())
+        if (const auto* entry = activeEntry(entries, tweak.id); entry && whyLeftOut(*entry, catalog).empty())
             active.preset.tweakIDs.push_back(tweak.id);
     return active;
 }

@@ -1,4 +1,4 @@
-// What applying a preset would come to, and a preset made of what is active now.
+// A preset's effect before it is applied, and a preset made of the changes that are active now.
 #pragma once
 
 #include <map>
@@ -54,7 +54,7 @@ struct PresetPlan {
     bool operator==(const PresetPlan&) const = default;
 };
 
-// What was last read of this Mac.
+// This Mac as it was last read.
 struct PresetSurroundings {
     const TweakCatalog& catalog;
     int macOSMajor;

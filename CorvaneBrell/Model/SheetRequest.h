@@ -17,17 +17,17 @@ struct RecoveryRequest {
     bool operator==(const RecoveryRequest&) const = default;
 };
 
-// What a preset came to; nothing is left to decide.
+// The result of a preset; nothing is left to decide.
 struct PresetReport {
     std::vector<std::string> lines;
     bool operator==(const PresetReport&) const = default;
 };
 
-// In the order of importance.
 using SheetRequest = std::variant<RecoveryRequest, DriftRequest, AgentConfirmRequest, RelaunchRequest,
                                   RestoreRequest, PresetRequest, PresetReport>;
 
-// The most important question that waits. readReport is the preset's report that the user has read already.
+// The question that waits and goes before the others: recovery first, reports last. readReport is the
+// preset's report that the user has read already.
 std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vector<std::string>& readReport);
 
 }  // namespace brell

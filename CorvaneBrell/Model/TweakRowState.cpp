@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "CorvaneBrell/Model/JournalWords.h"
-#include "CorvaneBrell/Model/UndoProof.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 
 namespace brell {
 
@@ -11,56 +10,49 @@ namespace {
 
 using Weight = StateBadge::Weight;
 
-// What a state looks like: its badge, whether the switch is on, and the reason when it can't be changed.
-struct Look {
+// A state as its row shows it: the badge, the switch, and the reason when it can't be changed.
+struct Shown {
     std::optional<StateBadge> badge;
     bool isOn = false;
     bool canChange = true;
     std::string reason = {};
 };
 
-struct LookOf {
-    Look operator()(const OnByBrell&) const {
+struct ShownFor {
+    Shown operator()(const OnByBrell&) const {
         return {StateBadge{"On by Brell", "checkmark.circle", Weight::good, ""}, true};
     }
-    Look operator()(const OffByBrell&) const {
+    Shown operator()(const OffByBrell&) const {
         return {StateBadge{"Reset by Brell", "minus.circle", Weight::good, ""}};
     }
-    Look operator()(const ChangedOutsideBrell&) const {
+    Shown operator()(const ChangedOutsideBrell&) const {
         return {StateBadge{"Changed outside Brell", "exclamationmark.triangle", Weight::attention,
                            "A key no longer holds what Brell wrote. Turning it off asks before overwriting."},
                 true};
     }
-    Look operator()(const PerHost& state) const {
+    Shown operator()(const PerHost& state) const {
         return {StateBadge{"Set per host", "desktopcomputer", Weight::plain, ""}, false, false,
                 state.key + " has a by-host value; Brell does not change it here."};
     }
-    Look operator()(const Managed& state) const {
+    Shown operator()(const Managed& state) const {
         return {StateBadge{"Managed by a profile", "lock", Weight::plain, ""}, false, false,
                 state.key + " is forced by a management profile; a change would have no effect."};
     }
-    Look operator()(const Unsupported& state) const {
+    Shown operator()(const Unsupported& state) const {
         return {StateBadge{"Unexpected type", "questionmark.circle", Weight::attention, ""}, false, false,
                 state.message + ". Brell does not change a value of this kind."};
     }
-    Look operator()(const Off&) const { return {}; }
-    Look operator()(const OnByDefault&) const {
+    Shown operator()(const Off&) const { return {}; }
+    Shown operator()(const OnByDefault&) const {
         return {std::nullopt, true, false, "macOS already does this.\nNothing to change."};
     }
-    Look operator()(const SetBeforeBrell&) const {
+    Shown operator()(const SetBeforeBrell&) const {
         return {StateBadge{"Set before Brell", "person", Weight::plain,
                            "Set before Brell, by you or another app. Turning it off resets this to the macOS "
                            "default; Brell can undo that."},
                 true};
     }
 };
-
-const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, const std::string& tweakID) {
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
-        return entry.isActive() && entry.tweakID == tweakID;
-    });
-    return found == entries.end() ? nullptr : &*found;
-}
 
 const JournaledWrite* writeOf(const PrefKey& key, const JournalEntry* active) {
     if (!active) return nullptr;
@@ -123,18 +115,17 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
     row.confirmed = (tweak.isConfirmed(major) ? "Confirmed on macOS " : "Not confirmed on macOS ") +
                     std::to_string(major);
     if (active)
-        row.undo = RowUndo{active->id, JournalWords::wayBack(*active),
-                           madeOnAnotherMacOS(*active, model.macOSVersion())};
+        row.undo = RowUndo{active->id, wayBack(*active), madeOnAnotherMacOS(*active, model.macOSVersion())};
     if (!status) {
         const auto error = state.statusErrors.find(tweak.id);
         row.reason = error != state.statusErrors.end() ? error->second : "Not offered on this macOS.";
         return row;
     }
-    Look look = std::visit(LookOf{}, status->state);
-    row.badge = active && isPartlyBack(*status, *active) ? partlyBack : std::move(look.badge);
-    row.isOn = look.isOn;
-    row.canChange = look.canChange && !state.startupError;
-    row.reason = std::move(look.reason);
+    Shown shown = std::visit(ShownFor{}, status->state);
+    row.badge = active && isPartlyBack(*status, *active) ? partlyBack : std::move(shown.badge);
+    row.isOn = shown.isOn;
+    row.canChange = shown.canChange && !state.startupError;
+    row.reason = std::move(shown.reason);
     row.choiceID = status->currentChoiceID;
     row.nothingStored =
         !status->exact.empty() && std::all_of(status->exact.begin(), status->exact.end(),

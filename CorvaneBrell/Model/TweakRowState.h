@@ -1,4 +1,4 @@
-// What the row of one tweak shows, and what can be done in it.
+// The contents of one tweak's row, and the ways in which it can be changed.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace brell {
 
-// Who is responsible for the value, in a word or two.
+// A word or two that say who set the value.
 struct StateBadge {
     enum class Weight { plain, good, attention };
     std::string text;

@@ -41,17 +41,14 @@ std::vector<std::string> wordsOf(std::string_view text) {
 bool isUpper(char c) {
     return c >= 'A' && c <= 'Z';
 }
-bool isLetterOrDigit(char c) {
-    return isUpper(c) || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+bool isLower(char c) {
+    return c >= 'a' && c <= 'z';
 }
 
-// Whether a part of a key begins here, as at each capital in "AppleShowAllFiles" and at "Key" in "FXKey".
+// A part begins at each capital in "AppleShowAllFiles" and at "Key" in "FXKey".
 bool partBeginsAt(std::string_view key, std::size_t i) {
-    if (!isLetterOrDigit(key[i])) return false;
-    if (i == 0 || !isLetterOrDigit(key[i - 1])) return true;
-    if (!isUpper(key[i])) return false;
-    const bool lowerFollows = i + 1 < key.size() && isLetterOrDigit(key[i + 1]) && !isUpper(key[i + 1]);
-    return !isUpper(key[i - 1]) || lowerFollows;
+    if (i == 0) return true;
+    return isUpper(key[i]) && (!isUpper(key[i - 1]) || (i + 1 < key.size() && isLower(key[i + 1])));
 }
 
 }  // namespace
@@ -70,12 +67,8 @@ void TweakSearch::index(std::size_t subject, std::string_view text, int weight) 
 
 // Every part of the key with all that follows it, so that "allfiles" finds AppleShowAllFiles.
 void TweakSearch::indexKey(std::size_t subject, std::string_view key, int weight) {
-    for (std::size_t begin = 0; begin < key.size(); ++begin) {
-        if (!partBeginsAt(key, begin)) continue;
-        std::size_t end = begin;
-        while (end < key.size() && isLetterOrDigit(key[end])) ++end;
-        index(subject, key.substr(begin, end - begin), weight);
-    }
+    for (std::size_t begin = 0; begin < key.size(); ++begin)
+        if (partBeginsAt(key, begin)) index(subject, key.substr(begin), weight);
 }
 
 void TweakSearch::indexTweak(std::size_t subject) {

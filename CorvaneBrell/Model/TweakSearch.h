@@ -24,8 +24,8 @@ public:
     // Over the tweaks offered on this macOS. The catalog must outlive the search.
     TweakSearch(const TweakCatalog& catalog, int macOSMajor);
 
-    // What holds every word of the query, as the beginning of a word of its own; letter case and accents do
-    // not count. A query without words finds nothing. Takes well under a millisecond.
+    // Finds what holds every word of the query, as the beginning of a word of its own; letter case and
+    // accents do not count. A query without words finds nothing. Takes well under a millisecond.
     SearchResults find(std::string_view query) const;
 
 private:

@@ -1,6 +1,6 @@
 #include "CorvaneBrell/Window/ActiveChangeRow.h"
 
-#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/WayBackButtons.h"
@@ -10,7 +10,7 @@ namespace brell {
 namespace {
 
 QString whatOf(const JournalEntry& entry) {
-    QStringList lines = qt(JournalWords::keyLines(entry));
+    QStringList lines = qt(changeLines(entry));
     lines << QObject::tr("Since %1 at %2, on macOS %3")
                  .arg(dayText(entry.appliedAt), clockText(entry.appliedAt), qt(entry.macOSVersion));
     return lines.join('\n');

@@ -67,6 +67,7 @@ void showScript(const QString& script, QWidget* over) {
 }  // namespace
 
 void FileActions::saveReport(AppModel& model, QWidget* over) {
+    if (model.whyNothingReal()) return model.saveReport({});  // there is none, and the model says why
     askWhere(model, over, QObject::tr("Save Report"), Report::fileName, &AppModel::saveReport);
 }
 

@@ -5,10 +5,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "CorvaneBrell/Model/EntryText.h"
-#include "CorvaneBrell/Model/JournalWords.h"
 #include "CorvaneBrell/Model/TerminalCommands.h"
-#include "CorvaneBrell/Model/UndoProof.h"
 #include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/HistoryList.h"
@@ -16,17 +13,6 @@
 #include "CorvaneBrell/Window/ReadingLine.h"
 
 namespace brell {
-
-namespace {
-
-bool concernsChanges(const Changes& changed) {
-    constexpr std::array shown{Property::entries, Property::drifted, Property::driftedAgents,
-                               Property::interrupted, Property::startupError};
-    return std::any_of(shown.begin(), shown.end(),
-                       [&](Property property) { return changed.contains(property); });
-}
-
-}  // namespace
 
 JournalPage::JournalPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::journal)), qt(purpose(Screen::journal)), parent),
@@ -107,19 +93,21 @@ void JournalPage::refresh(const Changes& changed) {
     if (!asked_) model_.loadAgentDrift();
     asked_ = true;
     reading_->setActivity(model_.state().readingActivity);
-    if (changed.contains(Property::undoProof)) showProof();
-    if (concernsChanges(changed)) showChanges();
-    if (changed.contains(Property::history)) history_->refresh();
+    if (changed.contains(Topic::notices)) showProof();
+    if (changed.contains(Topic::journal)) showChanges();
+    if (changed.contains(Topic::history)) history_->refresh();
 }
 
 void JournalPage::showProof() {
+    if (shownProof_ == model_.state().undoProof) return;
+    shownProof_ = model_.state().undoProof;
     delete proofLine_;
     proofLine_ = nullptr;
-    const AppState& state = model_.state();
-    if (!state.undoProof) return;
-    proofLine_ = symbolLine(state.undoIsComplete ? "checkmark.circle" : "exclamationmark.triangle",
-                            state.undoIsComplete ? Tone::positive : Tone::caution,
-                            tr("Last undo: %1").arg(qt(*state.undoProof).trimmed()), this);
+    if (!shownProof_) return;
+    const UndoProof& proof = *shownProof_;
+    proofLine_ = symbolLine(proof.isComplete ? "checkmark.circle" : "exclamationmark.triangle",
+                            proof.isComplete ? Tone::positive : Tone::caution,
+                            tr("Last undo: %1").arg(qt(proof.words)), this);
     proof_->addWidget(proofLine_);
 }
 
@@ -154,17 +142,15 @@ void JournalPage::showSummary(std::size_t drifted) {
 }
 
 // What is restored already stays in the list of drifted agents until they are read again.
-std::vector<const AgentDrift*> JournalPage::driftedAgents() const {
+std::vector<const DriftedEntry*> JournalPage::driftedAgents() const {
     const AppState& state = model_.state();
-    std::vector<const AgentDrift*> drifted;
+    std::vector<const DriftedEntry*> drifted;
     if (state.driftedAgents.empty()) return drifted;
-    std::map<Uuid, const JournalEntry*> active;
+    std::set<Uuid> applied;
     for (const JournalEntry& entry : state.entries)
-        if (entry.isActive()) active.emplace(entry.id, &entry);
-    for (const AgentDrift& agent : state.driftedAgents)
-        if (const auto entry = active.find(agent.entry.id);
-            entry != active.end() && *entry->second == agent.entry)
-            drifted.push_back(&agent);
+        if (entry.status == EntryStatus::applied) applied.insert(entry.id);
+    for (const DriftedEntry& agent : state.driftedAgents)
+        if (applied.contains(agent.entry.id)) drifted.push_back(&agent);
     return drifted;
 }
 
@@ -194,7 +180,7 @@ std::set<Uuid> JournalPage::showDrifted() {
             first.push_back(driftedChange(entry, lines, entry.id == newest));
     };
     for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
-    for (const AgentDrift* agent : driftedAgents()) show(agent->entry, {agent->line});
+    for (const DriftedEntry* agent : driftedAgents()) show(agent->entry, agent->lines);
     drifted_->setRecords(first, ids.size());
     driftSection_->setVisible(!ids.empty());
     showTicks();
@@ -237,7 +223,7 @@ QString JournalPage::terminalCommands() const {
     const std::vector<JournalEntry>& entries = model_.state().entries;
     std::copy_if(entries.rbegin(), entries.rend(), std::back_inserter(oldestFirst),
                  [](const JournalEntry& entry) { return entry.isActive(); });
-    return qt(TerminalCommands::making(oldestFirst, model_.catalog()));
+    return qt(commandsMaking(oldestFirst, model_.catalog()));
 }
 
 }  // namespace brell

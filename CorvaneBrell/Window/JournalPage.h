@@ -32,7 +32,7 @@ private:
     void showTicks();
     DriftedChange driftedChange(const JournalEntry& entry, std::vector<std::string> lines,
                                 bool isNewest) const;
-    std::vector<const AgentDrift*> driftedAgents() const;
+    std::vector<const DriftedEntry*> driftedAgents() const;
     std::optional<Uuid> newestActive() const;
     bool isLocked() const { return model_.state().startupError.has_value(); }  // nothing can be changed
     std::vector<Uuid> ticked() const;
@@ -46,6 +46,7 @@ private:
     ReadingLine* reading_;
     QVBoxLayout* proof_;
     QWidget* proofLine_ = nullptr;
+    std::optional<UndoProof> shownProof_;
     RecordList<DriftedChangeRow>* drifted_;
     QPushButton* applyAgain_;
     QWidget* driftSection_;

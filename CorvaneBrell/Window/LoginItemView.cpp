@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QPushButton>
 
-#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -143,9 +143,9 @@ void LoginItemView::fillDetails() {
     column->setSpacing(10);
     column->addWidget(factsOf(record_->row));
     if (record_->change) {
-        const QString wayBack = qt(JournalWords::wayBack(*record_->change));
-        auto* restore = actionButton(tr("Restore: back to %1").arg(wayBack), "arrow.uturn.backward");
-        restore->setAccessibleName(tr("Restore %1: back to %2").arg(qt(record_->row.title), wayBack));
+        const QString leadsTo = qt(wayBack(*record_->change));
+        auto* restore = actionButton(tr("Restore: back to %1").arg(leadsTo), "arrow.uturn.backward");
+        restore->setAccessibleName(tr("Restore %1: back to %2").arg(qt(record_->row.title), leadsTo));
         restore->setEnabled(!record_->isLocked);
         connect(restore, &QPushButton::clicked, this,
                 [this, id = record_->change->id] { model_.askRestore(id); });

@@ -1,7 +1,6 @@
 #include "CorvaneBrell/Window/LoginItemsPage.h"
 
 #include <QPushButton>
-#include <algorithm>
 
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -9,17 +8,6 @@
 #include "CorvaneBrell/Window/SearchField.h"
 
 namespace brell {
-
-namespace {
-
-bool concernsItems(const Changes& changed) {
-    constexpr std::array shown{Property::loginItems, Property::entries, Property::driftedAgents,
-                               Property::startupError};
-    return std::any_of(shown.begin(), shown.end(),
-                       [&](Property property) { return changed.contains(property); });
-}
-
-}  // namespace
 
 LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
@@ -65,8 +53,8 @@ void LoginItemsPage::refresh(const Changes& changed) {
     asked_ = true;
     reading_->setActivity(model_.state().readingActivity);
     withoutDatabase_->setVisible(model_.state().btmUnavailable);
-    if (changed.contains(Property::loginItems)) collectTexts();
-    if (concernsItems(changed)) showItems();
+    if (changed.contains(Topic::loginItems)) collectTexts();
+    if (changed.contains(Topic::loginItems) || changed.contains(Topic::journal)) showItems();
     showEmptyState();
 }
 
@@ -84,8 +72,8 @@ LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
     OwnChanges changes;
     for (const JournalEntry& entry : model_.state().entries)
         if (entry.agent && entry.isActive()) changes.active.emplace(entry.tweakID, &entry);
-    for (const AgentDrift& drift : model_.state().driftedAgents)
-        changes.drifted.emplace(drift.entry.id, &drift.line);
+    for (const DriftedEntry& drift : model_.state().driftedAgents)
+        changes.drifted.emplace(drift.entry.id, &drift.lines.front());
     return changes;
 }
 

@@ -9,6 +9,7 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QTimer>
+#include <algorithm>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/Appearance.h"
@@ -34,22 +35,20 @@ constexpr QSize usual(1040, 720);
 
 Changes everything() {
     Changes all;
-    for (int i = 0; i <= static_cast<int>(Property::readingActivity); ++i)
-        all.insert(static_cast<Property>(i));
+    for (const Topic topic : allCases<Topic>()) all.insert(topic);
     return all;
 }
 
-// A question, or news of something that went wrong: a window that is about to close stays for it.
-bool hasToBeSeen(const AppState& state, Property changed) {
-    switch (changed) {
-        case Property::errorMessage: return state.errorMessage.has_value();
-        case Property::driftRequest: return state.driftRequest.has_value();
-        case Property::recoveryFailures: return !state.recoveryFailures.empty();
-        case Property::presetReport: return state.presetReport.size() > 1;  // more than how many were made
-        case Property::undoProof: return !state.undoIsComplete;
-        case Property::relaunchReport: return state.relaunchReport && !state.pendingEffects.empty();
-        default: return false;
-    }
+// Questions, and news of something that went wrong: a window that is about to close stays open for new ones.
+std::set<std::string> keepsWindowOpen(const AppState& state) {
+    std::set<std::string> news(state.recoveryFailures.begin(), state.recoveryFailures.end());
+    if (state.errorMessage) news.insert(*state.errorMessage);
+    if (state.driftRequest) news.insert(state.driftRequest->id.text());
+    // Its first line tells how many changes were made.
+    if (state.presetReport.size() > 1) news.insert(state.presetReport.begin(), state.presetReport.end());
+    if (state.undoProof && !state.undoProof->isComplete) news.insert(state.undoProof->words);
+    if (state.relaunchReport && !state.pendingRelaunches.empty()) news.insert(*state.relaunchReport);
+    return news;
 }
 
 QString windowTitle(const AppModel& model) {
@@ -84,7 +83,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     setCentralWidget(center);
     makeMenus();
 
-    const std::optional<WindowPlace> place = model.windowPlace();
+    const std::optional<WindowPlace> place = model.ownPreferences().windowPlace();
     resize(place ? QSize(place->width, place->height).expandedTo(smallest) : usual);
     if (place && !model.options().openGroup) model.show(place->screen);
     connect(sidebar_, &Sidebar::searched, this, &MainWindow::search);
@@ -93,7 +92,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     connect(leaveSearch, &QShortcut::activated, this, [this] { sidebar_->search().clear(); });
     refresh_->setSingleShot(true);
     connect(refresh_, &QTimer::timeout, this, &MainWindow::refreshNow);
-    model.setObserver([this](Property property) { modelChanged(property); });
+    model.setObserver([this](Topic topic) { modelChanged(topic); });
     refreshNow();
     sidebar_->pages().setFocus();
 }
@@ -106,9 +105,12 @@ Page* MainWindow::currentPage() const {
     return static_cast<Page*>(stack_->currentWidget());
 }
 
-void MainWindow::modelChanged(Property property) {
-    if (hasToBeSeen(model_.state(), property)) closesWhenDone_ = false;
-    for (auto& [page, changes] : stale_) changes.insert(property);
+void MainWindow::modelChanged(Topic topic) {
+    if (closesWhenDone_) {
+        const std::set<std::string> news = keepsWindowOpen(model_.state());
+        closesWhenDone_ = std::includes(seen_.begin(), seen_.end(), news.begin(), news.end());
+    }
+    for (auto& [page, changes] : stale_) changes.insert(topic);
     if (!refresh_->isActive()) refresh_->start(0);
 }
 
@@ -170,7 +172,7 @@ void MainWindow::setChangedOnly(bool changedOnly) {
     for (const auto& [screen, page] : pages_)
         if (auto* tweaks = qobject_cast<TweakPage*>(page)) {
             tweaks->setChangedOnly(changedOnly);
-            stale_[page].insert(Property::entries);
+            stale_[page].insert(Topic::journal);
         }
     refreshNow();
 }
@@ -209,8 +211,9 @@ void MainWindow::enterPage() {
 void MainWindow::closeEvent(QCloseEvent* event) {
     const bool isAskedAgain = closesWhenDone_;
     closesWhenDone_ = model_.isWorking() || (model_.state().relaunchActivity && !isAskedAgain);
+    seen_ = keepsWindowOpen(model_.state());
     if (closesWhenDone_) return event->ignore();
-    model_.keepWindowPlace({width(), height(), model_.state().screen});
+    model_.ownPreferences().keepWindowPlace({width(), height(), model_.state().screen});
     event->accept();
 }
 

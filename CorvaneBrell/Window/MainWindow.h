@@ -47,7 +47,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    void modelChanged(Property property);
+    void modelChanged(Topic topic);
     void showScreen(Screen screen);
     void search(const QString& query);
     void enterPage();
@@ -72,6 +72,7 @@ private:
     std::map<const Page*, Changes> stale_;  // what each page has not shown yet
     bool changedOnly_ = false;
     bool closesWhenDone_ = false;
+    std::set<std::string> seen_;  // what would keep it open, when it was to close
 
     std::vector<QAction*> ofTheJournal_;  // without a journal that can be read they would say what is not so
     QAction* undo_ = nullptr;

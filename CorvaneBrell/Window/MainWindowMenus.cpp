@@ -108,9 +108,9 @@ void MainWindow::makeOtherMenus() {
 // "Undo Hide the Dock automatically", grey when there is nothing to undo.
 void MainWindow::refreshMenus() {
     const AppState& state = model_.state();
-    const bool canUndo = !state.undoStack.empty() && !state.startupError;
-    undo_->setEnabled(canUndo && !state.changeActivity);
-    undo_->setText(canUndo ? tr("Undo %1").arg(label(qt(state.undoStack.back().name))) : tr("Undo"));
+    const SessionChange* last = state.startupError ? nullptr : state.undo.next();
+    undo_->setEnabled(last && !state.changeActivity);
+    undo_->setText(last ? tr("Undo %1").arg(label(qt(last->name))) : tr("Undo"));
     for (QAction* action : ofTheJournal_) action->setEnabled(!state.startupError);
     changedOnlyAction_->setEnabled(qobject_cast<TweakPage*>(currentPage()));
     restoreAll_->setEnabled(model_.changedCount(Screen::journal) > 0 && !state.startupError);

@@ -21,7 +21,7 @@ QString words(const std::optional<std::string>& text) {
 
 const std::optional<Activity>& activityOf(const AppState& state) {
     if (state.changeActivity) return state.changeActivity;
-    return state.relaunchActivity ? state.relaunchActivity : state.lookActivity;
+    return state.relaunchActivity ? state.relaunchActivity : state.fileActivity;
 }
 
 }  // namespace
@@ -123,9 +123,11 @@ void NoticeBars::refreshProof() {
     if (state.changeActivity) isProofOld_ = true;
     if (state.undoProof != readProof_ || (isProofOld_ && !state.changeActivity)) readProof_.reset();
     if (!state.changeActivity) isProofOld_ = false;
-    const QString text = readProof_ ? QString() : words(state.undoProof);
-    proof_->setWords(state.undoIsComplete ? text : QString());
-    incompleteProof_->setWords(state.undoIsComplete ? QString() : text);
+    const bool isShown = state.undoProof && !readProof_;
+    const QString text = isShown ? qt(state.undoProof->words) : QString();
+    const bool isComplete = isShown && state.undoProof->isComplete;
+    proof_->setWords(isComplete ? text : QString());
+    incompleteProof_->setWords(isComplete ? QString() : text);
 }
 
 }  // namespace brell

@@ -51,7 +51,7 @@ private:
     QTimer patience_;                                     // what is done sooner needs no words
     const std::optional<Activity>* waitedFor_ = nullptr;  // in the state; what is being done began already
     std::optional<std::string> readReport_;
-    std::optional<std::string> readProof_;
+    std::optional<UndoProof> readProof_;
     bool isProofOld_ = false;
 };
 

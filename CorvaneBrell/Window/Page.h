@@ -13,14 +13,14 @@ class QPushButton;
 
 namespace brell {
 
-using Changes = std::set<Property>;
+using Changes = std::set<Topic>;
 
 class Page : public QWidget {
     Q_OBJECT
 public:
     Page(const QString& title, const QString& purpose, QWidget* parent = nullptr);
 
-    // Shows what the model says now. changed holds the properties that have new values since the last call;
+    // Shows what the model says now. changed holds what has changed since the last call;
     // the first call names every one. Called only while the page is shown, on the main thread.
     virtual void refresh(const Changes& changed) = 0;
 

@@ -60,7 +60,7 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
 
 void PrivacyPage::refresh(const Changes& changed) {
     tweaks_->refresh();
-    if (changed.contains(Property::reviewedTick))
+    if (changed.contains(Topic::privacy))
         for (PrivacyCardRow* card : cards_) card->refresh();
 }
 

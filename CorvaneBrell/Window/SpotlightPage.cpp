@@ -48,7 +48,7 @@ SpotlightPage::SpotlightPage(AppModel& model, QWidget* parent)
     content()->addWidget(tweaks_);
     content()->addWidget(reading_);
     content()->addWidget(volumes_);
-    connect(volumes_, &RowColumn::moreWanted, this, [this] { refresh({Property::volumes}); });
+    connect(volumes_, &RowColumn::moreWanted, this, [this] { refresh({Topic::volumes}); });
 }
 
 void SpotlightPage::refresh(const Changes& changed) {
@@ -57,7 +57,7 @@ void SpotlightPage::refresh(const Changes& changed) {
     asked_ = true;
     tweaks_->refresh();
     reading_->setActivity(model_.state().readingActivity);
-    if (changed.contains(Property::volumes)) {
+    if (changed.contains(Topic::volumes)) {
         const std::size_t shown = std::min(volumes.size(), volumes_->limit());
         volumes_->setRecords({volumes.begin(), volumes.begin() + static_cast<std::ptrdiff_t>(shown)},
                              volumes.size());

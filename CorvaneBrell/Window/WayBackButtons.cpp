@@ -3,7 +3,7 @@
 #include <QPushButton>
 #include <algorithm>
 
-#include "CorvaneBrell/Model/JournalWords.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 
@@ -27,7 +27,7 @@ WayBackButtons::WayBackButtons(AppModel& model, QWidget* parent)
 void WayBackButtons::setEntry(const JournalEntry& entry, const QString& title, bool isNewest, bool isLocked) {
     entry_ = entry.id;
     restore_->setAccessibleName(tr("Restore %1").arg(title));
-    restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(JournalWords::wayBack(entry))));
+    restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(wayBack(entry))));
     restore_->setEnabled(!isLocked);
     undoSince_->setAccessibleName(tr("Undo everything since %1").arg(title));
     undoSince_->setAccessibleDescription(tr("Restores this change and every later one."));

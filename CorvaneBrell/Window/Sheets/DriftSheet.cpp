@@ -1,6 +1,6 @@
 #include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 
-#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/QtText.h"
 
 namespace brell {
@@ -23,7 +23,7 @@ DriftSheet::DriftSheet(AppModel& model, QWidget* window, const DriftRequest& req
     addCard(request.entries.size(),
             [this, entries = request.entries](std::size_t place) { return entryRow(entries[place]); });
     addFootnote(whatElse(request));
-    if (const auto& pending = model.state().pendingAfterDrift)
+    if (const auto& pending = request.pendingAfterDrift)
         addNote("info.circle", Tone::plain,
                 tr("When it is restored, Brell changes %1 as you asked.").arg(qt(pending->tweak.title)));
 

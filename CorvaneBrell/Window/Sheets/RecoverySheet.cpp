@@ -1,6 +1,6 @@
 #include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
 
-#include "CorvaneBrell/Model/EntryText.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"

@@ -22,7 +22,7 @@ protected:
     // Opens the model as the application does, and waits until it has read everything.
     std::unique_ptr<AppModel> openModel() {
         auto model = std::make_unique<AppModel>(options, loop, applications, out);
-        model->setObserver([this](Property property) { ++announced[property]; });
+        model->setObserver([this](Topic topic) { ++announced[topic]; });
         settle(*model);
         return model;
     }
@@ -49,6 +49,10 @@ protected:
         return sample.openPreferences()->snapshot();
     }
 
+    static std::set<EffectClass> waiting(const AppModel& model) {
+        return pendingEffects(model.state().pendingRelaunches, model.catalog());
+    }
+
     // Another tool, behind our back.
     void writeFromOutside(const PrefKey& key, const PrefValue& value) {
         sample.openPreferences()->write(value, key);
@@ -60,7 +64,7 @@ protected:
     FakeMainLoop loop;
     SimulatedApplications applications{loop};
     std::ostringstream out;
-    std::map<Property, int> announced;
+    std::map<Topic, int> announced;
 };
 
 }  // namespace brell::testing

@@ -34,7 +34,7 @@ TEST_F(AppModelTest, FirstLaunchShowsEveryTweakAndWritesNothing) {
     EXPECT_FALSE(fs::exists(model->journalDirectory()));
 }
 
-TEST_F(AppModelTest, ApplyTurnOffAndUndoTellEachPropertyOnceAndLeaveThePreferencesAsTheyWere) {
+TEST_F(AppModelTest, ApplyTurnOffAndUndoAreAnnouncedOnceAndLeaveThePreferencesAsTheyWere) {
     const auto before = preferences();
     const auto model = openModel();
     announced.clear();
@@ -46,23 +46,24 @@ TEST_F(AppModelTest, ApplyTurnOffAndUndoTellEachPropertyOnceAndLeaveThePreferenc
     settle(*model);
 
     EXPECT_TRUE(std::holds_alternative<OnByBrell>(status(*model, "dock.autohide").state));
-    EXPECT_EQ(model->state().pendingEffects, std::set{EffectClass::dockRelaunch});
+    EXPECT_EQ(waiting(*model), std::set{EffectClass::dockRelaunch});
     EXPECT_EQ(model->changedTweaks(), Texts{"dock.autohide"});
     EXPECT_EQ(model->changedCount(Screen::dock), 1u);
     EXPECT_EQ(model->changedCount(Screen::finder), 0u);
-    EXPECT_EQ(announced[Property::statuses], 1);
-    EXPECT_EQ(announced[Property::entries], 1);
-    EXPECT_EQ(announced[Property::changeActivity], 2) << "begun and ended";
-    EXPECT_EQ(announced.count(Property::errorMessage), 0u);
-    ASSERT_EQ(model->state().undoStack.size(), 1u);
-    EXPECT_EQ(model->state().undoStack.back().name, "Hide the Dock automatically");
+    EXPECT_EQ(announced, (std::map<Topic, int>{{Topic::settings, 1},
+                                               {Topic::journal, 2},  // the undo, the entries
+                                               {Topic::history, 1},
+                                               {Topic::notices, 1},     // the relaunch
+                                               {Topic::activity, 5}}))  // change and look, begun and ended
+        << "each once";
+    ASSERT_EQ(model->state().undo.size(), 1u);
+    EXPECT_EQ(model->state().undo.next()->name, "Hide the Dock automatically");
 
     settled(*model)->undoLast();
     EXPECT_EQ(preferences(), before);
-    EXPECT_EQ(model->state().undoProof, "1 of 1 key is exactly as before.");
-    EXPECT_TRUE(model->state().undoStack.empty());
-    EXPECT_TRUE(model->state().pendingEffects.empty())
-        << "undone before the relaunch: nothing to relaunch for";
+    EXPECT_EQ(model->state().undoProof, (UndoProof{"1 of 1 key is exactly as before.", true}));
+    EXPECT_TRUE(model->state().undo.next() == nullptr);
+    EXPECT_TRUE(waiting(*model).empty()) << "undone before the relaunch: nothing to relaunch for";
 
     settled(*model)->apply("dock.autohide");
     settled(*model)->turnOff("dock.autohide");
@@ -111,6 +112,25 @@ TEST_F(AppModelTest, ASecondClickWhileTheFirstIsUnderWayChangesNothingMore) {
     EXPECT_TRUE(std::holds_alternative<OffByBrell>(status(*model, "finder.show_extensions").state));
 }
 
+TEST_F(AppModelTest, AnUndoDuringAChangeDoesNothing) {
+    const auto model = openModel();
+    settled(*model)->apply("finder.show_hidden");
+    model->apply("dock.autohide");
+    model->undoLast();  // nobody can say yet of what
+    settle(*model);
+    EXPECT_EQ(model->changedTweaks(), (Texts{"finder.show_hidden", "dock.autohide"}));
+    EXPECT_EQ(model->state().undo.size(), 2u);
+}
+
+TEST_F(AppModelTest, ARefreshThatCannotReadTheJournalSaysSoAndKeepsWhatWasShown) {
+    const auto model = openModel();
+    settled(*model)->apply("dock.autohide");
+    setContents(model->journalDirectory() / "journal.json", "damaged");
+    settled(*model)->refreshAll();
+    EXPECT_TRUE(model->state().errorMessage.value_or("").starts_with("The change journal could not be read"));
+    EXPECT_EQ(model->changedTweaks(), Texts{"dock.autohide"});
+}
+
 TEST_F(AppModelTest, DriftIsAskedForAndSaysWhatIsThereNow) {
     const auto model = openModel();
     model->apply("dock.autohide");
@@ -128,7 +148,7 @@ TEST_F(AppModelTest, DriftIsAskedForAndSaysWhatIsThereNow) {
 
     settled(*model)->confirmDrift({model->state().driftRequest->entries.front().entry.id});
     EXPECT_EQ(sample.openPreferences()->exactValue(autohide), StoredValue(false));
-    EXPECT_EQ(model->state().undoProof, "1 of 1 key is exactly as before.");
+    EXPECT_EQ(model->state().undoProof, (UndoProof{"1 of 1 key is exactly as before.", true}));
 }
 
 TEST_F(AppModelTest, RestoreAllShowsEveryKeyAndRestoresWhatWasTickedAndWhatDidNotDrift) {
@@ -179,7 +199,7 @@ TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
 
     EXPECT_FALSE(model->state().driftRequest);
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::restored);
-    EXPECT_EQ(model->state().undoProof,
+    EXPECT_EQ(model->state().undoProof->words,
               "1 of 1 key is exactly as before. Hide the Dock automatically was already back as it was.");
 }
 
@@ -212,7 +232,12 @@ TEST_F(AppModelTest, AnInterruptedChangeIsFoundDeferredAndRecovered) {
 
     model = openModel();  // the next launch asks again
     EXPECT_FALSE(model->state().recoveryDeferred);
+    std::size_t shownAfterwards = 0;  // before everything was read again
+    model->setObserver([&](Topic) {
+        if (!model->state().changeActivity) shownAfterwards += model->state().interrupted.size();
+    });
     settled(*model)->recover();
+    EXPECT_EQ(shownAfterwards, 0u) << "what was put back is not asked for once more";
     EXPECT_TRUE(model->state().interrupted.empty());
     EXPECT_TRUE(model->state().recoveryFailures.empty());
     EXPECT_EQ(preferences(), before);
@@ -287,21 +312,21 @@ TEST_F(AppModelTest, UndoingGoesBackThroughReplacedChoicesAlsoWhereOthersInterfe
     EXPECT_EQ(sizeNow(), StoredValue(50)) << "nothing of others is overwritten unasked";
     ASSERT_NO_FATAL_FAILURE(confirmAllDrift());
     EXPECT_EQ(sizeNow(), StoredValue(64)) << "the undo went on to what the last action had replaced";
-    EXPECT_EQ(model->state().undoStack.size(), 1u);
+    EXPECT_EQ(model->state().undo.size(), 1u);
 
     settled(*model)->undoLast();
     EXPECT_EQ(preferences(), before);
-    EXPECT_TRUE(model->state().undoStack.empty());
+    EXPECT_TRUE(model->state().undo.next() == nullptr);
 
     // macOS's own value over a choice that others changed since; then back to what was there at first.
     settled(*model)->applyChoice("dock.size", "large");
     writeFromOutside(tileSize, 50);
     settled(*model)->useSystemDefault("dock.size");
-    EXPECT_TRUE(model->state().pendingAfterDrift);
+    EXPECT_TRUE(model->state().driftRequest->pendingAfterDrift);
     EXPECT_EQ(sizeNow(), StoredValue(50));
     ASSERT_NO_FATAL_FAILURE(confirmAllDrift());
     EXPECT_EQ(sizeNow(), StoredValue::absent());
-    EXPECT_FALSE(model->state().pendingAfterDrift);
+    EXPECT_FALSE(model->state().driftRequest);
     settled(*model)->undoLast();
     EXPECT_EQ(preferences(), before);
 }

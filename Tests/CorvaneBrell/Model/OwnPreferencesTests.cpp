@@ -37,4 +37,20 @@ TEST_F(OwnPreferencesTest, KeepsNumbersAndReadsNothingElse) {
     EXPECT_TRUE(thrownBy<StoreError>([&] { own.setNumber("width", 1); }));
 }
 
+TEST_F(OwnPreferencesTest, TheWindowsPlaceIsKeptAndOneThatCannotBeIsNone) {
+    EXPECT_EQ(own.windowPlace(), std::nullopt);
+    const WindowPlace place{820, 560, Screen::journal};
+    own.keepWindowPlace(place);
+    EXPECT_EQ(own.windowPlace(), place);
+    for (const auto& [name, value] : std::initializer_list<std::pair<const char*, double>>{
+             {"windowScreen", 12}, {"windowScreen", -1}, {"windowWidth", 32768}, {"windowHeight", -1}}) {
+        own.setNumber(name, value);
+        EXPECT_EQ(own.windowPlace(), std::nullopt) << name << " " << value;
+        own.keepWindowPlace(place);
+        EXPECT_EQ(own.windowPlace(), place);
+    }
+    setContents(folder.path / "com.corvane.brell.plist", "not a property list");
+    own.keepWindowPlace(place);  // no reason to keep the window open
+}
+
 }  // namespace

@@ -104,6 +104,8 @@ TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeaves
     std::vector<JournalEntry> entries = journal.all();
     entries.push_back(entries[0]);
     entries.back().tweakID = "dock.future";
+    entries.push_back(engine.apply(tweak("finder.new_window_home")));
+    entries.back().writes.pop_back();  // made by a version whose tweak wrote one key fewer
 
     const ActivePreset active = presetFromActive(entries, catalog, "My Été");
     EXPECT_EQ(active.preset.id, "my-été");
@@ -111,13 +113,16 @@ TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeaves
     EXPECT_EQ(active.preset.tweakIDs, (Texts{"finder.view_style", "dock.autohide", "text.no_smart_quotes"}));
     EXPECT_EQ(
         active.leftOut,
-        (Texts{"Icon size is set to another choice than its own; presets do not carry choices.",
-               "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
-               "Faster Mission Control animation is experimental; presets never apply it.",
-               "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
-               "Show the path bar was interrupted; restore it or apply it again first.",
-               "agent:com.acme.agent is a login item; presets hold settings only.",
-               "dock.future is not a tweak this version of Brell knows."}));
+        (Texts{
+            "Icon size is set to another choice than its own; presets do not carry choices.",
+            "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
+            "Faster Mission Control animation is experimental; presets never apply it.",
+            "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
+            "Show the path bar was interrupted; restore it or apply it again first.",
+            "agent:com.acme.agent is a login item; presets hold settings only.",
+            "dock.future is not a tweak this version of Brell knows.",
+            "New windows open your home folder is set to another choice than its own; presets do not carry "
+            "choices."}));
     const DecodedPreset again = PresetFile::decode(PresetFile::encode(active.preset), catalog);
     EXPECT_EQ(again.preset.tweakIDs, active.preset.tweakIDs);
 }

@@ -296,7 +296,7 @@ TEST_F(DemandsTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarStays) {
     for (const QAction* action : presets.actions())
         EXPECT_EQ(action->isEnabled(), !action->text().contains("port Preset")) << utf8(action->text());
     EXPECT_EQ(model->journalDirectory(), *options.journalDirectory) << "where the damaged one lies";
-    EXPECT_FALSE(model->state().undoStack.size());
+    EXPECT_FALSE(model->state().undo.size());
     auto after = changesIn(folder.path, before);
     std::erase(after, "mac/private/var/db/.launchd.lock");
     EXPECT_EQ(after, Texts{});

@@ -62,7 +62,7 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
 
     expectLeavingChangesNothing<RestoreSheet>([&] { model->askRestoreAll(); });
     expectLeavingChangesNothing<DriftSheet>([&] { model->turnOff("dock.autohide_instant"); });
-    EXPECT_FALSE(model->state().pendingAfterDrift);
+    EXPECT_FALSE(model->state().driftRequest);
     expectLeavingChangesNothing<AgentConfirmSheet>([&] { model->askAgents({agent->id}, false); });
     expectLeavingChangesNothing<RelaunchSheet>([&] { model->askRelaunch(); });
     expectLeavingChangesNothing<PresetSheet>([&] { model->askPreset(Presets::shipped().front()); });

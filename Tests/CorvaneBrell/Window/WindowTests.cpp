@@ -99,7 +99,7 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     ASSERT_TRUE(window->sheets().current());
     settled()->confirmRestore();
     EXPECT_FALSE(window->sheets().current());
-    EXPECT_EQ(model->state().undoProof, "2 of 2 keys are exactly as before.");
+    EXPECT_EQ(model->state().undoProof, (UndoProof{"2 of 2 keys are exactly as before.", true}));
     EXPECT_EQ(preferences(), before);
     EXPECT_FALSE(menuAction(*window, "Restore All")->isEnabled()) << "nothing is left to restore";
 }
@@ -162,7 +162,7 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     EXPECT_EQ(stored(autohide), StoredValue(true));
     EXPECT_EQ(stored(showHidden), StoredValue(true));
     openWindow();
-    EXPECT_EQ(model->state().pendingEffects,
+    EXPECT_EQ(pendingEffects(model->state().pendingRelaunches, model->catalog()),
               (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
 
     model->saveReport(folder.path / "report.md");
@@ -172,7 +172,7 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     EXPECT_TRUE(window->isVisible())
         << "an app that was asked to quit is opened again, and the file is saved";
     QTRY_VERIFY_WITH_TIMEOUT(!window->isVisible(), 30'000);
-    EXPECT_TRUE(model->state().pendingEffects.empty());
+    EXPECT_TRUE(pendingEffects(model->state().pendingRelaunches, model->catalog()).empty());
     EXPECT_TRUE(fs::exists(folder.path / "report.md"));
 
     openWindow();

@@ -1,15 +1,15 @@
-#include "CorvaneBrell/Model/BackgroundLane.h"
+#include "CorvaneBrell/Model/Lane.h"
 
 namespace brell {
 
-BackgroundLane::BackgroundLane(MainLoop& loop) : loop_(loop), thread_([this] { work(); }) {}
+LaneThread::LaneThread(MainLoop& loop) : loop_(loop), thread_([this] { work(); }) {}
 
-BackgroundLane::~BackgroundLane() {
+LaneThread::~LaneThread() {
     end();
     thread_.join();
 }
 
-void BackgroundLane::end() {
+void LaneThread::end() {
     alive_.reset();
     {
         const std::lock_guard lock(mutex_);
@@ -19,13 +19,13 @@ void BackgroundLane::end() {
     changed_.notify_all();
 }
 
-void BackgroundLane::report(std::function<void()> news) {
+void LaneThread::report(std::function<void()> news) {
     loop_.post([watched = watched_, news = std::move(news)] {
         if (watched.lock()) news();
     });
 }
 
-void BackgroundLane::enqueue(std::function<void()> job) {
+void LaneThread::enqueue(std::function<void()> job) {
     {
         const std::lock_guard lock(mutex_);
         jobs_.push_back(std::move(job));
@@ -33,7 +33,7 @@ void BackgroundLane::enqueue(std::function<void()> job) {
     changed_.notify_all();
 }
 
-void BackgroundLane::work() {
+void LaneThread::work() {
     for (;;) {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [this] { return ending_ || !jobs_.empty(); });

@@ -1,0 +1,341 @@
+#include "CorvaneBrell/Model/ChangeWork.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/Text.h"
+
+namespace brell {
+
+namespace {
+
+std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
+    std::vector<Uuid> ids;
+    for (const JournalEntry& entry : entries) ids.push_back(entry.id);
+    return ids;
+}
+
+std::vector<PrefValue> writtenValues(const JournalEntry& entry) {
+    std::vector<PrefValue> values;
+    for (const JournaledWrite& write : entry.writes)
+        if (write.written.value) values.push_back(*write.written.value);
+    return values;
+}
+
+bool nothingIsStored(const Tweak& tweak, PreferenceReader& preferences) {
+    return std::all_of(tweak.writes.begin(), tweak.writes.end(), [&](const Write& write) {
+        return readIfPossible(write.key, preferences) == StoredValue::absent();
+    });
+}
+
+// Nothing when a key can't be read: what was done is done all the same.
+std::optional<std::string> renderedNow(const Tweak& tweak, PreferenceReader& preferences) {
+    std::vector<StoredValue> values;
+    for (const Write& write : tweak.writes) {
+        auto value = readIfPossible(write.key, preferences);
+        if (!value) return std::nullopt;
+        values.push_back(*std::move(value));
+    }
+    return renderedTogether(values);
+}
+
+// The keys of restored entries; those that were changed anew are left out.
+KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences) {
+    KeyReadings keys;
+    std::set<std::string_view> changedAnew;
+    for (const JournalEntry& entry : outcome.made) changedAnew.insert(entry.tweakID);
+    for (const JournalEntry& entry : outcome.restored) {
+        if (changedAnew.contains(entry.tweakID)) continue;
+        for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
+    }
+    return keys;
+}
+
+// Where undoing an action leads that restored changes to make others.
+enum class LeadsTo { whatItRestored, theOriginals };
+
+// Nothing for one that changed nothing.
+std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name,
+                                      LeadsTo leadsTo = LeadsTo::whatItRestored) {
+    if (outcome.made.empty() && outcome.restored.empty()) return std::nullopt;
+    SessionChange action{std::move(name), idsOf(outcome.made), {}};
+    if (leadsTo == LeadsTo::whatItRestored) action.restored = idsOf(outcome.restored);
+    return action;
+}
+
+std::string leftOut(const std::vector<std::string>& ids, std::string_view reason) {
+    return "Left out, because " + std::string(reason) + ": " + firstNames(ids) + ".";
+}
+
+// One step of several: the others are taken all the same.
+template <class Step>
+void tryStep(std::vector<std::string>& failures, Step step) try {
+    step();
+} catch (const std::exception& error) {
+    failures.push_back(error.what());
+}
+
+}  // namespace
+
+ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
+    : deps_(dependencies), progress_(progress) {
+    // Agents are switched and put back by this work only.
+    deps_.toggle.setWaitingHook([&progress](const std::string& label, std::chrono::seconds atMost) {
+        progress.tell(fmt::format("Waiting up to {} seconds for {} to end", atMost.count(), label));
+    });
+}
+
+ChangeOutcome ChangeWork::apply(const PendingApply& wish) {
+    ChangeOutcome outcome;
+    const auto active = deps_.journal->activeEntry(wish.tweak.id);
+    if (active && !restoreUnlessDrifted(outcome, *active, false)) {
+        ask(outcome, {active->id}, {.pendingAfterDrift = wish});
+        return finished(std::move(outcome));
+    }
+    try {
+        carryOut(outcome, wish);
+    } catch (const EngineError& error) {
+        if (!active) throw;
+        outcome.failures.push_back(error.what());
+        // The user still has what was there before.
+        tryStep(outcome.failures, [&] { makeAgain(outcome, *active); });
+    }
+    outcome.undo.done = actionOf(outcome, wish.tweak.title);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
+    ChangeOutcome outcome;
+    const Tweak& tweak = *deps_.catalog.tweak(tweakID);
+    const auto active = deps_.journal->activeEntry(tweakID);
+    if (!active)
+        outcome.made.push_back(deps_.engine.turnOff(tweak, false));
+    else if (!restoreUnlessDrifted(outcome, *active, false))
+        ask(outcome, {active->id}, {});
+    outcome.undo.done = actionOf(outcome, tweak.title);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::restore(const std::vector<Uuid>& ids) {
+    ChangeOutcome outcome;
+    const std::vector<JournalEntry> entries = deps_.journal->entries(ids);
+    std::vector<Uuid> drifted, others;
+    for (const JournalEntry& entry : entries) (asksForDrift(entry) ? drifted : others).push_back(entry.id);
+    if (drifted.empty())
+        restoreTogether(outcome, entries, {}, std::nullopt);
+    else
+        ask(outcome, drifted, {.others = others});
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked) {
+    if (request.undoing) return undoWith(*request.undoing, ticked);
+    ChangeOutcome outcome;
+    std::vector<Uuid> ids = request.others;
+    for (const DriftedEntry& drifted : request.entries)
+        if (ticked.contains(drifted.entry.id)) ids.push_back(drifted.entry.id);
+    restoreTogether(outcome, deps_.journal->entries(ids), ticked, request.pendingAfterDrift);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::undoAction(const SessionChange& action) {
+    return undoWith(action, std::nullopt);
+}
+
+// ticked: the answer about what drifted; nothing while that was not asked for.
+ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::optional<std::set<Uuid>>& ticked) {
+    ChangeOutcome outcome;
+    std::vector<Uuid> drifted;
+    for (auto id = action.made.rbegin(); id != action.made.rend(); ++id)
+        tryStep(outcome.failures, [&] {
+            const auto entry = deps_.journal->entry(*id);
+            if (!entry || !entry->isActive()) return;
+            if (!restoreUnlessDrifted(outcome, *entry, ticked && ticked->contains(*id)))
+                drifted.push_back(*id);
+        });
+    if (!drifted.empty() && !ticked) ask(outcome, drifted, {.undoing = action});
+    if (!drifted.empty() || !outcome.failures.empty()) return finished(std::move(outcome));
+
+    for (const Uuid& id : action.restored)
+        tryStep(outcome.failures, [&] {
+            const auto entry = deps_.journal->entry(id);
+            // A tweak that was changed anew since stays as it is.
+            if (!entry || deps_.journal->activeEntry(entry->tweakID)) return;
+            makeAgain(outcome, *entry);
+            outcome.undo.remade.emplace_back(id, outcome.made.back().id);
+        });
+    if (outcome.failures.empty()) outcome.undo.undone = action;
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::applyAgain(const std::vector<Uuid>& ids) {
+    ChangeOutcome outcome;
+    for (const Uuid& id : ids) {
+        if (progress_.isEnding()) break;
+        progress_.tell(outcome.made.size(), ids.size());
+        tryStep(outcome.failures, [&] {
+            const auto entry = deps_.journal->entry(id);
+            if (!entry || !entry->isActive()) return;
+            outcome.agentsTouched = outcome.agentsTouched || entry->agent;
+            outcome.restored.push_back(deps_.engine.restore(id, true));
+            makeAgain(outcome, *entry);
+        });
+    }
+    outcome.undo.done = actionOf(outcome, "what was applied again", LeadsTo::theOriginals);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::recover() {
+    ChangeOutcome outcome;
+    outcome.recoveryFailures.emplace();
+    for (const JournalEntry& entry : deps_.engine.interruptedEntries())
+        outcome.agentsTouched = outcome.agentsTouched || entry.agent;
+    const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn());
+    outcome.restored = deps_.journal->entries(recovered.restored);
+    for (const auto& [id, message] : recovered.failed) outcome.recoveryFailures->push_back(message);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
+    ChangeOutcome outcome;
+    outcome.agentsTouched = true;
+    for (const LaunchAgentRecord& agent : request.agents) {
+        if (progress_.isEnding()) break;
+        progress_.tell(outcome.made.size() + outcome.restored.size(), request.agents.size());
+        tryStep(outcome.failures, [&] {
+            JournalEntry entry = request.turningOn ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
+            (entry.status == EntryStatus::restored ? outcome.restored : outcome.made)
+                .push_back(std::move(entry));
+        });
+    }
+    outcome.undo.done = actionOf(outcome, request.agents.front().label().value_or(""));
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::applyPreset(const PresetPlan& plan) {
+    ChangeOutcome outcome;
+    const std::vector<std::string> ids = plan.toApply();
+    for (const std::string& id : ids) {
+        if (progress_.isEnding()) break;
+        progress_.tell(outcome.made.size(), ids.size());
+        const Tweak& tweak = *deps_.catalog.tweak(id);
+        try {
+            outcome.made.push_back(deps_.engine.apply(tweak));
+        } catch (const EngineError& error) {
+            outcome.report.push_back(tweak.title + ": " + error.what());
+        }
+    }
+    outcome.report.insert(outcome.report.begin(), std::to_string(outcome.made.size()) + " of " +
+                                                      std::to_string(ids.size()) + " changes were made.");
+    if (!plan.unknown.empty())
+        outcome.report.push_back(leftOut(plan.unknown, "this version of Brell does not know them"));
+    if (!plan.experimental.empty())
+        outcome.report.push_back(
+            leftOut(plan.experimental, "experimental tweaks are never applied by a preset"));
+    outcome.undo.done = actionOf(outcome, plan.preset.name);
+    return finished(std::move(outcome));
+}
+
+// Makes nothing when there is nothing to do.
+void ChangeWork::carryOut(ChangeOutcome& outcome, const PendingApply& wish) {
+    const Tweak* tweak = deps_.catalog.tweak(wish.tweak.id);
+    if (!tweak) return;
+    if (!wish.usesSystemDefault)
+        outcome.made.push_back(deps_.engine.apply(*tweak, wish.values, wish.choiceID));
+    else if (!nothingIsStored(*tweak, deps_.store))
+        outcome.made.push_back(deps_.engine.resetToDefault(*tweak));
+}
+
+// Before it is restored: what can be told only now, or even if that fails.
+void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
+    outcome.agentsTouched = outcome.agentsTouched || entry.agent;
+    if (isAlreadyBack(entry, deps_.store)) outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
+}
+
+// False when it drifted, and that was not confirmed: then it is left as it is.
+bool ChangeWork::restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active,
+                                      bool isConfirmed) try {
+    noteBefore(outcome, active);
+    outcome.restored.push_back(deps_.engine.restore(active.id, isConfirmed));
+    return true;
+} catch (const EngineError& error) {
+    if (!std::holds_alternative<Drift>(error.failure())) throw;
+    return false;
+}
+
+// Those that drifted only when they are confirmed; then what waited for them.
+void ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
+                                 const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then) {
+    for (const JournalEntry& entry : entries) noteBefore(outcome, entry);
+    const RestoreAllOutcome restored = deps_.engine.restoreSelected(idsOf(entries), confirmed, goOn());
+    outcome.restored = deps_.journal->entries(restored.restored);
+    for (const auto& [id, message] : restored.failed) outcome.failures.push_back(message);
+    if (!restored.skippedDrifted.empty())
+        ask(outcome, restored.skippedDrifted, {.pendingAfterDrift = then});
+    else if (then && outcome.failures.empty())
+        tryStep(outcome.failures, [&] { carryOut(outcome, *then); });
+
+    if (then)
+        outcome.undo.done = actionOf(outcome, then->tweak.title, LeadsTo::theOriginals);
+    else
+        outcome.undo.done =
+            actionOf(outcome, entries.size() == 1 ? entryTitle(entries.front(), deps_.catalog) : "restoring");
+}
+
+// Makes what a restored entry had made.
+void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
+    const Tweak* tweak = deps_.catalog.tweak(entry.tweakID);
+    if (entry.agent) {
+        outcome.agentsTouched = true;
+        outcome.made.push_back(switchedAgain(*entry.agent));
+    } else if (!tweak) {
+        throw EngineError(Refused{"There is no tweak " + entry.tweakID + " any more."});
+    } else if (entry.direction == EntryDirection::on) {
+        outcome.made.push_back(deps_.engine.apply(*tweak, writtenValues(entry), entry.choiceID));
+    } else {
+        outcome.made.push_back(deps_.engine.resetToDefault(*tweak));
+    }
+}
+
+JournalEntry ChangeWork::switchedAgain(const AgentCapture& before) {
+    const LaunchAgentRecord agent{LaunchAgentPlist::read(before.plistPath), AgentScope::user, before.override,
+                                  LoadedState::unknown()};
+    return before.turnedOn() ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
+}
+
+// The question says what the keys hold now.
+void ChangeWork::ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request) {
+    tryStep(outcome.failures, [&] {
+        request.id = Uuid::random();
+        for (const JournalEntry& entry : deps_.journal->entries(drifted))
+            request.entries.push_back(driftedEntry(entry, readKeys(entry, deps_.store)));
+        if (!request.entries.empty()) outcome.question = std::move(request);
+    });
+}
+
+bool ChangeWork::asksForDrift(const JournalEntry& entry) {
+    return entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
+           hasDrifted(entry, deps_.store);
+}
+
+TweakEngine::Progress ChangeWork::goOn() {
+    return [this](std::size_t done, std::size_t total) {
+        progress_.tell(done, total);
+        return !progress_.isEnding();
+    };
+}
+
+// Reads what a change came to, while nothing else changes.
+ChangeOutcome ChangeWork::finished(ChangeOutcome outcome) {
+    outcome.proof = undoProof(keysToProve(outcome, deps_.store), outcome.alreadyBack);
+    for (const auto* entries : {&outcome.restored, &outcome.made})
+        for (const JournalEntry& entry : *entries)
+            if (const Tweak* tweak = deps_.catalog.tweak(entry.tweakID))
+                if (auto now = renderedNow(*tweak, deps_.store))
+                    outcome.touched.insert_or_assign(tweak->id, *std::move(now));
+    return outcome;
+}
+
+}  // namespace brell

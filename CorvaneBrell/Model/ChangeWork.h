@@ -1,0 +1,79 @@
+// Every change, made beside the main thread: an operation makes one and tells how it went.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "CorvaneBrell/Dependencies.h"
+#include "CorvaneBrell/Model/AppState.h"
+#include "CorvaneBrell/Model/Progress.h"
+
+namespace brell {
+
+struct ChangeOutcome {
+    std::vector<JournalEntry> made;
+    std::vector<JournalEntry> restored;
+    std::vector<std::string> failures;  // sentences
+    std::optional<DriftRequest>
+        question;  // about changes that drifted: they are left alone until it is answered
+    UndoNote undo;
+    std::optional<UndoProof> proof;        // of what was restored
+    std::vector<std::string> alreadyBack;  // titles of restored changes that others had undone before
+    std::map<std::string, std::string>
+        touched;                      // by tweak: what its keys hold now, as it is kept for a relaunch
+    bool agentsTouched = false;       // some agent may be in another state than before
+    std::vector<std::string> report;  // of a preset, sentences
+    std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery, sentences
+};
+
+// Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
+// operation may raise std::exception, and has then changed nothing that it would tell of.
+class ChangeWork {
+public:
+    ChangeWork(Dependencies& dependencies, Progress& progress);
+
+    // A tweak with an active change is restored first, and made again as it was when the new one fails.
+    ChangeOutcome apply(const PendingApply& wish);
+    ChangeOutcome turnOff(const std::string& tweakID);
+
+    // Restore nothing while one of the entries has drifted and is not back as it was by itself: then all of
+    // them wait for the answer. The second is for the answer, with the drifted ones that are to be restored
+    // all the same.
+    ChangeOutcome restore(const std::vector<Uuid>& ids);
+    ChangeOutcome restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked);
+    // Restores what the action made and makes again what it restored. A change that drifted is asked for,
+    // and the rest waits; with an answer the ticked ones are restored, and the rest follows if those were
+    // all.
+    ChangeOutcome undoAction(const SessionChange& action);
+    // Makes again what others reset; the first originals are kept.
+    ChangeOutcome applyAgain(const std::vector<Uuid>& ids);
+    // Restores what an earlier run left unfinished.
+    ChangeOutcome recover();
+
+    ChangeOutcome switchAgents(const AgentConfirmRequest& request);
+    // Applies what is valid, in order, and reports the rest.
+    ChangeOutcome applyPreset(const PresetPlan& plan);
+
+private:
+    ChangeOutcome undoWith(const SessionChange& action, const std::optional<std::set<Uuid>>& ticked);
+    void carryOut(ChangeOutcome& outcome, const PendingApply& wish);
+    void noteBefore(ChangeOutcome& outcome, const JournalEntry& entry);
+    bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active, bool isConfirmed);
+    void restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
+                         const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then);
+    void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
+    JournalEntry switchedAgain(const AgentCapture& before);
+    void ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request);
+    bool asksForDrift(const JournalEntry& entry);
+    TweakEngine::Progress goOn();
+    ChangeOutcome finished(ChangeOutcome outcome);
+
+    Dependencies& deps_;
+    Progress& progress_;
+};
+
+}  // namespace brell

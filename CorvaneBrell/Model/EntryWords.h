@@ -1,0 +1,71 @@
+// Every sentence about a change of the journal: what it did, where its undo leads, what others did to it
+// since, what became of it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Journal/History.h"
+#include "CorvaneBrell/Model/KeyReadings.h"
+
+namespace brell {
+
+struct AgentState;
+
+// One line for each key: "com.apple.dock autohide: true; back to absent". For an agent how it was switched.
+std::vector<std::string> changeLines(const JournalEntry& entry);
+
+// One line for each key: "com.apple.dock autohide: back to absent". An agent's entry has none.
+std::vector<std::string> putBackLines(const JournalEntry& entry);
+
+// Where an undo leads: "absent"; with several keys "autohide absent, tilesize 36"; for an agent "on".
+std::string wayBack(const JournalEntry& entry);
+
+// Says so when the change was made on another version of macOS than the running one.
+std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion);
+
+// A change that others changed since.
+struct DriftedEntry {
+    JournalEntry entry;
+    // One for each key that no longer holds what was written, "com.apple.dock autohide: now absent; Brell
+    // wrote true; original false", or the one of an agent: "com.acme.agent: now override enabled, loaded;
+    // Brell left override disabled, not loaded; original override absent, loaded".
+    std::vector<std::string> lines;
+    bool operator==(const DriftedEntry&) const = default;
+};
+
+// keys are the entry's as they read now; one that can't be read counts as drifted.
+DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys);
+
+// now is what launchd says about the entry's label. Nothing when the agent is as the change left it, for an
+// entry that is not applied or not an agent's, and where launchd could not say.
+std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentState& now);
+
+// The result of an undo.
+struct UndoProof {
+    std::string words;  // "3 of 3 keys are exactly as before."; every key that is not is named
+    bool isComplete;    // every key is as before
+    bool operator==(const UndoProof&) const = default;
+};
+
+// keys are those of the undone changes; alreadyBack names the changes that others had undone before.
+// Nothing where there is neither.
+std::optional<UndoProof> undoProof(const KeyReadings& keys, const std::vector<std::string>& alreadyBack);
+
+// A line of the history, as far as it is told: there may be a hundred thousand.
+struct ToldLine {
+    TimeStamp at;
+    EntryStatus event;
+    std::string title;  // of what was changed
+    std::string words;  // what became of it: "Applied", "Restored", "Failed: reason", "Interrupted"
+    bool operator==(const ToldLine&) const = default;
+};
+
+// The lines that tell something, newest first. The beginning of a change that came to its end says nothing
+// that its end does not.
+std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const TweakCatalog& catalog);
+
+}  // namespace brell

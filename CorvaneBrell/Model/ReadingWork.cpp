@@ -1,0 +1,218 @@
+#include "CorvaneBrell/Model/ReadingWork.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "BrellCore/Engine/Report.h"
+#include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Preferences/PreferenceStore.h"
+#include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/FileContents.h"
+
+namespace fs = std::filesystem;
+
+namespace brell {
+
+namespace {
+
+constexpr std::size_t mostPresetBytes = 1024 * 1024;
+
+// For reading: of equal times the later change stands first.
+std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
+    std::reverse(entries.begin(), entries.end());
+    const auto later = [](const JournalEntry& one, const JournalEntry& other) {
+        return one.appliedAt > other.appliedAt;
+    };
+    // In a journal written by one clock they are in order already.
+    if (!std::is_sorted(entries.begin(), entries.end(), later))
+        std::stable_sort(entries.begin(), entries.end(), later);
+    return entries;
+}
+
+bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences) {
+    return entry.kind == EntryKind::preference && entry.status == EntryStatus::applied &&
+           !isInForce(entry, preferences);
+}
+
+bool isSamePlace(const fs::path& one, const fs::path& other) {
+    std::error_code unknown;
+    return one == other || fs::equivalent(one, other, unknown) ||
+           (one.filename() == other.filename() &&
+            fs::equivalent(one.parent_path(), other.parent_path(), unknown));
+}
+
+bool isOfTheJournal(const fs::path& file, const Journal& journal) {
+    const fs::path folder = journal.fileURL().parent_path();
+    const std::array own{journal.fileURL(), folder / RestoreScript::fileName, folder / ".journal.lock",
+                         folder / ".relaunches.lock"};
+    return isSamePlace(file.parent_path(), journal.historyDirectory()) ||
+           std::any_of(own.begin(), own.end(), [&](const fs::path& one) { return isSamePlace(file, one); });
+}
+
+fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
+    if (isOfTheJournal(file, journal))
+        throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
+    const fs::file_status found = fs::symlink_status(file);
+    if (fs::exists(found) && !fs::is_regular_file(found))
+        throw std::runtime_error(file.string() + " is not an ordinary file; choose another name.");
+    replaceFile(file, contents, Durability::powerCut, 0666);
+    return file;
+}
+
+}  // namespace
+
+Everything ReadingWork::everything(const Posted<>& begun) {
+    begun();
+    Everything everything;
+    const auto tweaks = deps_.catalog.available(deps_.macOSMajor());
+    std::vector<StatusReading> readings = deps_.engine.statuses(tweaks);
+    for (std::size_t i = 0; i < tweaks.size(); ++i) {
+        if (const auto* failure = std::get_if<StatusFailure>(&readings[i]))
+            everything.statusErrors.emplace(tweaks[i]->id, describe(*failure));
+        else
+            everything.statuses.emplace(tweaks[i]->id, std::get<TweakStatus>(std::move(readings[i])));
+    }
+    try {
+        everything.entries = latestOnTop(deps_.journal->all());
+    } catch (const JournalError& error) {
+        everything.error = error.what();
+    }
+    const auto preferences = deps_.store.reader();
+    for (const JournalEntry& entry : everything.entries)
+        if (isNoLongerInForce(entry, *preferences))
+            everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences)));
+    return everything;
+}
+
+ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& shown) {
+    auto told = toldHistory(deps_.journal->history(days), deps_.catalog);
+    return told == *shown ? shown : std::make_shared<const std::vector<ToldLine>>(std::move(told));
+}
+
+// First what the files say, then what launchd says of each agent, then with the task database, which takes
+// seconds.
+LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar) {
+    progress_.tell("Reading the LaunchAgents");
+    LoginItems items;
+    std::vector<LaunchAgentRecord> user;
+    const std::vector<LaunchAgentRecord> system = deps_.reader.systemAgents();
+    try {
+        user = deps_.reader.listUserAgents();
+    } catch (const std::exception& error) {
+        items.error = error.what();  // the others are shown all the same
+    }
+    const auto merge = [&](const std::optional<BTMDump>& dump) {
+        items.rows = LoginItemsMerger::merge(user, system, dump, deps_.machine.uid);
+        items.hasDatabase = dump.has_value();
+    };
+    const auto showSoFar = [&] {
+        if (!soFar) return;
+        merge(std::nullopt);
+        soFar(items);
+    };
+    for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) noteRefusal(user[i], items);
+    showSoFar();
+    for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) {
+        progress_.tell("Asking launchd about each LaunchAgent", i, user.size());
+        const auto& label = user[i].label();
+        if (!label) continue;
+        user[i].loaded = deps_.reader.loadedState(*label);
+        noteRefusal(user[i], items);  // it may be loaded from another file
+    }
+    showSoFar();
+    progress_.tell("Reading the background task database");
+    merge(progress_.isEnding() ? std::nullopt : deps_.btmReader.dump());
+    return items;
+}
+
+void ReadingWork::noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const {
+    if (auto why = deps_.toggle.whyNotSwitched(agent))
+        items.refusals.insert_or_assign(agent.id(), *std::move(why));
+}
+
+// The overrides are asked for once: each answer tells those of every agent.
+std::vector<DriftedEntry> ReadingWork::driftedAgents() {
+    std::vector<DriftedEntry> drifted;
+    std::vector<JournalEntry> switched = deps_.journal->entries(EntryStatus::applied);
+    std::erase_if(switched, [](const JournalEntry& entry) { return !entry.agent; });
+    if (switched.empty()) return drifted;
+    AgentOverrides overrides;
+    try {
+        overrides = deps_.toggle.overrides();
+    } catch (const std::exception&) {
+        return drifted;  // not known of any
+    }
+    for (std::size_t i = 0; i < switched.size() && !progress_.isEnding(); ++i) {
+        progress_.tell("Asking launchd about what Brell switched", i, switched.size());
+        try {
+            const AgentState now = deps_.toggle.currentState(switched[i].agent->label, overrides);
+            if (auto drift = driftedAgent(switched[i], now)) drifted.push_back(std::move(*drift));
+        } catch (const std::exception&) {
+            // Not known to have drifted; the page shows what launchd says of the others.
+        }
+    }
+    return drifted;
+}
+
+Volumes ReadingWork::volumes(const Posted<Volumes>& soFar) {
+    Volumes statuses;
+    const std::vector<std::string> volumes = SpotlightStatusReader::mountedVolumes(deps_.machine.systemRoot);
+    for (const std::string& volume : volumes) {
+        if (progress_.isEnding()) break;
+        progress_.tell("Asking each volume about Spotlight", statuses.size(), volumes.size());
+        for (VolumeIndexStatus& status : deps_.spotlight.statuses({volume}))
+            statuses.push_back(std::move(status));
+        soFar(statuses);
+    }
+    return statuses;
+}
+
+AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn) {
+    AgentConfirmRequest request{Uuid::random(), "", {}, {}, {}, turnOn, {}};
+    for (const LaunchAgentRecord& agent : agents) {
+        if (progress_.isEnding()) break;
+        try {
+            const AgentPreview preview =
+                deps_.toggle.preview(agent, turnOn ? AgentSwitch::on : AgentSwitch::off);
+            request.commands.insert(request.commands.end(), preview.commands.begin(), preview.commands.end());
+            request.targets.push_back(preview.target);
+            request.agents.push_back(agent);
+        } catch (const std::exception& error) {
+            request.refusals.push_back(error.what());
+        }
+    }
+    request.title = std::string(turnOn ? "Turn on " : "Turn off ") +
+                    (request.agents.size() == 1 ? request.agents.front().label().value_or("")
+                                                : std::to_string(request.agents.size()) + " items");
+    return request;
+}
+
+DecodedPreset ReadingWork::preset(const fs::path& file) {
+    const auto contents = readFile(file, mostPresetBytes);
+    if (!contents) throw std::runtime_error("There is no file " + file.string() + ".");
+    DecodedPreset decoded = PresetFile::decode(contents->bytes, deps_.catalog);
+    PresetFile::checkName(decoded.preset.name);
+    return decoded;
+}
+
+std::string ReadingWork::restoreScript() {
+    return deps_.engine.restoreScriptText();
+}
+
+fs::path ReadingWork::saveRestoreScript(const fs::path& file) {
+    return save(file, restoreScript(), *deps_.journal);
+}
+
+fs::path ReadingWork::saveReport(const fs::path& file) {
+    const std::string report = Report::markdown(*deps_.journal, deps_.catalog, deps_.machine.osVersion.text(),
+                                                systemNow(), deps_.engine.driftedEntries());
+    return save(file, report, *deps_.journal);
+}
+
+fs::path ReadingWork::savePreset(const fs::path& file, const Preset& preset) {
+    PresetFile::checkName(preset.name);
+    return save(file, PresetFile::encode(preset), *deps_.journal);
+}
+
+}  // namespace brell

@@ -1,0 +1,73 @@
+// Every reading beside the main thread, and the saving of files that the user asked for.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BrellCore/Catalog/Presets.h"
+#include "CorvaneBrell/Dependencies.h"
+#include "CorvaneBrell/Model/AppState.h"
+#include "CorvaneBrell/Model/Progress.h"
+
+namespace brell {
+
+// One look at everything.
+struct Everything {
+    TweakStatuses statuses;
+    TweakStatusErrors statusErrors;
+    std::vector<JournalEntry> entries;  // newest first
+    std::vector<DriftedEntry> drifted;
+    std::optional<std::string> error;  // why the journal can't be read; there are no entries then
+};
+
+struct LoginItems {
+    std::vector<LoginItemRow> rows;
+    std::map<std::string, std::string>
+        refusals;  // why the user's own can't be switched, by their records' ids
+    bool hasDatabase = false;
+    std::optional<std::string> error;  // why launchd could not be asked for the user's own
+};
+
+using Volumes = std::vector<VolumeIndexStatus>;
+using ToldHistory = std::shared_ptr<const std::vector<ToldLine>>;
+
+// Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
+// operation may raise std::exception.
+class ReadingWork {
+public:
+    ReadingWork(Dependencies& dependencies, Progress& progress) : deps_(dependencies), progress_(progress) {}
+
+    // begun is called before anything is read.
+    Everything everything(const Posted<>& begun);
+    // Lines of the last so many days, or all. Gives what is shown where it tells the same.
+    ToldHistory history(std::optional<int> days, const ToldHistory& shown);
+
+    // With the system's tools, which may take seconds. soFar gets what is known in the meantime, if it is
+    // asked for.
+    LoginItems loginItems(const Posted<LoginItems>& soFar);
+    std::vector<DriftedEntry> driftedAgents();
+    Volumes volumes(const Posted<Volumes>& soFar);
+
+    // For an answer that the user waits for.
+    AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn);
+    DecodedPreset preset(const std::filesystem::path& file);
+    std::string restoreScript();
+
+    // Make a file or replace an ordinary one, and give its path; the journal's own files, links and devices
+    // are refused.
+    std::filesystem::path saveRestoreScript(const std::filesystem::path& file);
+    std::filesystem::path saveReport(const std::filesystem::path& file);
+    std::filesystem::path savePreset(const std::filesystem::path& file, const Preset& preset);
+
+private:
+    void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
+
+    Dependencies& deps_;
+    Progress& progress_;
+};
+
+}  // namespace brell

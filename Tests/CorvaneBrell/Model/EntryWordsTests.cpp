@@ -1,0 +1,143 @@
+#include "CorvaneBrell/Model/EntryWords.h"
+
+#include <gtest/gtest.h>
+
+#include "BrellCore/Background/AgentSteps.h"
+#include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Entries.h"
+
+using namespace brell;
+using namespace brell::testing;
+
+namespace {
+
+// Lines of entries that are told apart by one digit, which is what they are called, too.
+HistoryLine line(unsigned char entry, EntryStatus event) {
+    HistoryLine line{};
+    line.event = event;
+    line.entry.id.bytes[0] = entry;
+    line.entry.tweakID = std::to_string(entry);
+    return line;
+}
+
+std::vector<std::string> told(const std::vector<HistoryLine>& history) {
+    std::vector<std::string> texts;
+    for (const ToldLine& line : toldHistory(history, TweakCatalog("/Users/sam")))
+        texts.push_back(line.title + " " + line.words);
+    return texts;
+}
+
+TEST(EntryWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
+    JournalEntry entry = entryOf("dock", {{{"com.apple.dock", "autohide"}, {}, PrefValue(true)},
+                                          {{"com.apple.dock", "tilesize"}, PrefValue(36), {}}});
+    EXPECT_EQ(changeLines(entry), (Texts{"com.apple.dock autohide: true; back to absent",
+                                         "com.apple.dock tilesize: absent; back to 36"}));
+    EXPECT_EQ(wayBack(entry), "autohide absent, tilesize 36");
+    entry.writes.pop_back();
+    EXPECT_EQ(wayBack(entry), "absent");
+    EXPECT_EQ(madeOnAnotherMacOS(entry, "26.1.0"), std::nullopt);
+    EXPECT_EQ(madeOnAnotherMacOS(entry, "27.0.0"), "Made on macOS 26.1.0; this Mac now runs 27.0.0.");
+
+    const auto said = [](AgentOverride before, bool wasLoaded) {
+        return changeLines(agentEntry({"a", "/a.plist", wasLoaded, before})).front();
+    };
+    EXPECT_EQ(said(AgentOverride::absent, true), "Turned off; back to on");
+    EXPECT_EQ(said(AgentOverride::enabled, false), "Turned off; back to on, but not loaded");
+    EXPECT_EQ(said(AgentOverride::disabled, false), "Turned on; back to off");
+    EXPECT_EQ(said(AgentOverride::disabled, true), "Turned on; back to off, but still loaded");
+}
+
+TEST(EntryWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
+    using enum EntryStatus;
+    const std::vector<HistoryLine> history{line(1, capturing), line(1, applied),   line(2, capturing),
+                                           line(2, capturing), line(3, capturing), line(1, restored),
+                                           line(2, restored),  line(4, capturing), line(4, failed)};
+    // The second of entry 2, which a recovery ended; that of 3, which nothing ended.
+    EXPECT_EQ(told(history), (Texts{"4 Failed: no reason was recorded.", "2 Restored", "1 Restored",
+                                    "3 Interrupted", "2 Interrupted", "1 Applied"}));
+    EXPECT_TRUE(told({}).empty());
+    HistoryLine failure = history.back();
+    failure.entry.failure = "The disk is full.";
+    EXPECT_EQ(told({failure}), Texts{"4 Failed: The disk is full."});
+}
+
+class KeyReadingsTest : public ::testing::Test, protected EngineFixture {
+protected:
+    // Two keys: one was false, one absent.
+    JournalEntry magnify() {
+        files.write(false, magnification);
+        return engine.apply(tweak("dock.magnify"));
+    }
+    std::optional<UndoProof> proof(const JournalEntry& entry, const Texts& alreadyBack = {}) {
+        return undoProof(readKeys(entry, store), alreadyBack);
+    }
+};
+
+TEST_F(KeyReadingsTest, AnUndoIsProvedKeyByKey) {
+    const JournalEntry entry = magnify();
+    EXPECT_FALSE(isAlreadyBack(agentEntry({}), store)) << "it has no keys";
+    EXPECT_EQ(proof(agentEntry({})), std::nullopt);
+    EXPECT_FALSE(isAlreadyBack(entry, store));
+    engine.restore(entry.id, false);
+    EXPECT_EQ(proof(entry), (UndoProof{"2 of 2 keys are exactly as before.", true}));
+    EXPECT_TRUE(isAlreadyBack(entry, store));
+    EXPECT_EQ(proof(agentEntry({}), {"Magnify"})->words, "Magnify was already back as it was.");
+    EXPECT_EQ(proof(entry, {"Magnify"})->words,
+              "2 of 2 keys are exactly as before. Magnify was already back as it was.");
+
+    files.write(0, magnification);  // not a truth value
+    EXPECT_EQ(
+        proof(entry),
+        (UndoProof{"1 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false.",
+                   false}));
+    EXPECT_FALSE(isAlreadyBack(entry, store));
+    files.markUnsupported(largeSize);
+    EXPECT_EQ(proof(entry)->words,
+              "0 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false. "
+              "com.apple.dock largesize cannot be read; it was absent.");
+    EXPECT_EQ(proof(engine.apply(tweak("dock.size")))->words,
+              "0 of 1 key is exactly as before. com.apple.dock tilesize is 48; it was absent.");
+}
+
+TEST_F(KeyReadingsTest, EveryDriftedKeyIsDescribedAndNoOther) {
+    const auto lines = [&](const JournalEntry& entry) {
+        return driftedEntry(entry, readKeys(entry, store)).lines;
+    };
+    const JournalEntry entry = magnify();
+    EXPECT_EQ(lines(entry), Texts());
+    files.remove(magnification);
+    EXPECT_EQ(lines(entry),
+              Texts{"com.apple.dock magnification: now absent; Brell wrote true; original false"});
+    files.write("big", largeSize);
+    files.markUnsupported(magnification);
+    EXPECT_EQ(lines(entry),
+              (Texts{"com.apple.dock magnification: now unreadable; Brell wrote true; original false",
+                     "com.apple.dock largesize: now \"big\"; Brell wrote 80; original absent"}));
+}
+
+TEST(AgentDriftTest, ComparesWithWhatTheSwitchLeft) {
+    const LoadedState loaded{LoadedState::Kind::loaded, "running", {}, {}, {}};
+    const LoadedState gone = LoadedState::notLoaded();
+    JournalEntry off = agentEntry({"com.acme.agent", "/Users/sam/a.plist", true, AgentOverride::absent});
+    const JournalEntry on =
+        agentEntry({"com.acme.agent", "/Users/sam/a.plist", false, AgentOverride::disabled});
+
+    EXPECT_EQ(driftedAgent(off, {AgentOverride::disabled, gone}), std::nullopt);
+    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, loaded}), std::nullopt);
+    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, LoadedState::unknown()}), std::nullopt);
+    EXPECT_EQ(
+        driftedAgent(off, {AgentOverride::enabled, loaded}),
+        (DriftedEntry{off,
+                      {"com.acme.agent: now override enabled, loaded; Brell left override disabled, not "
+                       "loaded; original override absent, loaded"}}));
+    EXPECT_TRUE(driftedAgent(off, {AgentOverride::disabled, loaded}));
+    EXPECT_TRUE(driftedAgent(off, {AgentOverride::absent, gone}));
+    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, gone})->lines,
+              Texts{"com.acme.agent: now override enabled, not loaded; Brell left override enabled, loaded; "
+                    "original override disabled, not loaded"});
+
+    off.status = EntryStatus::capturing;  // nobody can say what an interrupted one left
+    EXPECT_EQ(driftedAgent(off, {AgentOverride::enabled, loaded}), std::nullopt);
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+// What the lanes do, over the sample Mac, without a model and without a main loop.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "BrellCore/Journal/RestoreScript.h"
+#include "CorvaneBrell/Model/ChangeWork.h"
+#include "CorvaneBrell/Model/ReadingWork.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Obstacles.h"
+
+namespace brell {
+
+namespace fs = std::filesystem;
+using namespace testing;
+
+namespace {
+
+const PrefKey autohide{"com.apple.dock", "autohide"};
+const PrefKey hiddenFiles{"com.apple.finder", "AppleShowAllFiles"};
+
+LaunchOptions optionsFor(const fs::path& mac) {
+    LaunchOptions options;
+    options.sampleMac = mac;
+    return options;
+}
+
+class LaneWorkTest : public ::testing::Test {
+protected:
+    PendingApply wishFor(const std::string& id) const {
+        const Tweak& tweak = *dependencies.catalog.tweak(id);
+        return {tweak, tweak.targets(), std::nullopt, false};
+    }
+    Uuid made(const std::string& id) { return changes.apply(wishFor(id)).made.at(0).id; }
+    StoredValue stored(const PrefKey& key) { return sample.openPreferences()->exactValue(key); }
+    void writeFromOutside(const PrefKey& key, const PrefValue& value) {
+        sample.openPreferences()->write(value, key);
+    }
+    LaunchAgentRecord agent(const std::string& label) const {
+        for (const LaunchAgentRecord& one : dependencies.reader.listUserAgents())
+            if (one.label() == label) return one;
+        throw std::runtime_error("no agent " + label);
+    }
+
+    TemporaryFolder folder;
+    SampleMac sample{folder.path / "mac"};
+    std::ostringstream out;
+    Dependencies dependencies{optionsFor(folder.path / "mac"), out};
+    std::vector<Activity> told;
+    bool isEnding = false;
+    Progress progress{Posted<Activity>([this](Activity activity) { told.push_back(std::move(activity)); }),
+                      [this] { return isEnding; }};
+    ChangeWork changes{dependencies, progress};
+    ReadingWork readings{dependencies, progress};
+};
+
+}  // namespace
+
+TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
+    const Uuid replaced = made("finder.show_hidden");
+    changes.restore({replaced});
+    const SessionChange action{"two", {made("dock.autohide"), made("dock.size")}, {replaced}};
+    writeFromOutside(autohide, "no");
+    writeFromOutside(tileSize, 50);
+
+    const ChangeOutcome asked = changes.undoAction(action);
+    ASSERT_TRUE(asked.question);
+    EXPECT_EQ(asked.question->entries.size(), 2u);
+    const ChangeOutcome partly = changes.restoreConfirmed(*asked.question, {action.made[0]});
+    EXPECT_EQ(stored(autohide), StoredValue(false));
+    EXPECT_EQ(stored(tileSize), StoredValue(50)) << "not ticked";
+    EXPECT_FALSE(partly.question) << "it was answered";
+
+    const ChangeOutcome again = changes.undoAction(action);
+    ASSERT_TRUE(again.question);
+    ASSERT_EQ(again.question->entries.size(), 1u);
+    EXPECT_EQ(again.question->entries[0].entry.id, action.made[1]);
+    EXPECT_EQ(stored(hiddenFiles), StoredValue::absent())
+        << "what it restored waits until all of it is undone";
+    for (const ChangeOutcome& unfinished : {asked, partly, again}) EXPECT_EQ(unfinished.undo, UndoNote());
+
+    const ChangeOutcome whole = changes.restoreConfirmed(*again.question, {action.made[1]});
+    EXPECT_EQ(stored(tileSize), StoredValue(41));
+    EXPECT_EQ(stored(hiddenFiles), StoredValue(true));
+    ASSERT_EQ(whole.made.size(), 1u);
+    EXPECT_EQ(whole.undo, (UndoNote{{}, action, {{replaced, whole.made[0].id}}}));
+}
+
+TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
+    const DriftRequest request{
+        .entries = {{dependencies.engine.apply(*dependencies.catalog.tweak("dock.size")), {}}},
+        .pendingAfterDrift = wishFor("finder.show_hidden")};
+    setContents(sample.preferences() / "com.apple.dock.plist", "damaged");
+    const ChangeOutcome outcome = changes.restoreConfirmed(request, {request.entries[0].entry.id});
+    EXPECT_EQ(outcome.failures.size(), 1u);
+    EXPECT_TRUE(outcome.made.empty());
+    EXPECT_EQ(stored(hiddenFiles), StoredValue::absent());
+}
+
+TEST_F(LaneWorkTest, APresetReportsWhatWasRefusedAndWhatWasLeftOut) {
+    made("dock.autohide");
+    told.clear();
+    const PresetPlan plan{{"mine", "Mine", "", {}},
+                          {{"dock.autohide", "", WouldChange{}}, {"dock.size", "", WouldChange{}}},
+                          {"dock.unheard_of"},
+                          {"mc.fast_animation"}};
+    const ChangeOutcome outcome = changes.applyPreset(plan);
+    EXPECT_EQ(
+        outcome.report,
+        (Texts{"1 of 2 changes were made.",
+               "Hide the Dock automatically: Hide the Dock automatically already has an active change "
+               "(applied); turn it off first.",
+               "Left out, because this version of Brell does not know them: dock.unheard_of.",
+               "Left out, because experimental tweaks are never applied by a preset: mc.fast_animation."}));
+    ASSERT_EQ(outcome.made.size(), 1u);
+    EXPECT_EQ(outcome.undo.done, (SessionChange{"Mine", {outcome.made[0].id}, {}}));
+    EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 2}})) << "of so few it tells only once";
+
+    isEnding = true;
+    EXPECT_TRUE(
+        changes.applyPreset({plan.preset, {{"dock.magnify", "", WouldChange{}}}, {}, {}}).made.empty());
+}
+
+TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
+    const AgentConfirmRequest off =
+        readings.agentConfirm({agent("com.halverson.duskwatch"), agent("com.apple.cleanup-helper")}, false);
+    EXPECT_EQ(off.title, "Turn off com.halverson.duskwatch");
+    EXPECT_EQ(off.refusals,
+              Texts{"com.apple.cleanup-helper is an Apple or Brell item; it is never changed."});
+    const ChangeOutcome switched = changes.switchAgents(off);
+    ASSERT_EQ(switched.made.size(), 1u);
+    EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 1}}));
+
+    // Its app turns it on again; Brell turns it off again.
+    const auto tools = sample.openTools();
+    ASSERT_TRUE(
+        tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
+    ASSERT_EQ(readings.driftedAgents().size(), 1u);
+    const ChangeOutcome again = changes.applyAgain({switched.made[0].id});
+    EXPECT_EQ(again.failures, Texts());
+    EXPECT_TRUE(again.agentsTouched);
+    EXPECT_TRUE(readings.driftedAgents().empty());
+
+    // What a restore put back is made again by its undo, which the page of the login items has to show.
+    ASSERT_EQ(again.made.size(), 1u);
+    const ChangeOutcome restored = changes.restore({again.made[0].id});
+    ASSERT_TRUE(restored.undo.done);
+    const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
+    EXPECT_EQ(undone.failures, Texts());
+    EXPECT_EQ(undone.made.size(), 1u);
+    EXPECT_TRUE(undone.agentsTouched);
+}
+
+TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
+    std::vector<LoginItems> soFar;
+    const LoginItems items =
+        readings.loginItems(Posted<LoginItems>([&](LoginItems known) { soFar.push_back(std::move(known)); }));
+    ASSERT_EQ(soFar.size(), 2u) << "from the files, with launchd's answers";
+    EXPECT_FALSE(soFar[1].hasDatabase);
+    EXPECT_TRUE(items.hasDatabase);
+    EXPECT_GT(items.rows.size(), soFar[1].rows.size());
+    Texts whats;
+    for (const Activity& activity : told)
+        if (whats.empty() || whats.back() != activity.what) whats.push_back(activity.what);
+    EXPECT_EQ(whats, (Texts{"Reading the LaunchAgents", "Asking launchd about each LaunchAgent",
+                            "Reading the background task database"}));
+}
+
+TEST_F(LaneWorkTest, AFileIsSavedOnlyWhereAnOrdinaryOneMayStand) {
+    const Preset preset = Presets::shipped().back();
+    const fs::path elsewhere = folder.path / "elsewhere", file = folder.path / "mine.corvanepreset";
+    setContents(elsewhere / "victim", PresetFile::encode(preset));
+    for (const Obstacle obstacle : obstacles) {
+        SCOPED_TRACE(nameOf(obstacle));
+        place(obstacle, file, elsewhere);
+        const auto before = everythingIn(elsewhere);
+        const std::string unread = messageOf([&] { readings.preset(file); });
+        EXPECT_EQ(unread.empty(), obstacle == Obstacle::linkToFile);
+        EXPECT_TRUE(unread.empty() || unread.find(file.string()) != std::string::npos) << unread;
+
+        const std::string unsaved = messageOf([&] { readings.savePreset(file, preset); });
+        EXPECT_EQ(unsaved, obstacle == Obstacle::huge
+                               ? ""
+                               : file.string() + " is not an ordinary file; choose another name.");
+        EXPECT_EQ(everythingIn(elsewhere), before);
+        EXPECT_EQ(namesIn(folder.path), (Names{"elsewhere", "mac", "mine.corvanepreset"}));
+    }
+    EXPECT_EQ(contentsOf(file), PresetFile::encode(preset)) << "in place of the huge one";
+}
+
+TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
+    made("dock.autohide");
+    const fs::path journal = dependencies.journalDirectory();
+    const auto before = everythingIn(journal);
+    fs::create_directory_symlink(journal, folder.path / "link");
+    for (const fs::path& file : {journal / "journal.json", journal / "restore.sh", journal / ".journal.lock",
+                                 folder.path / "link" / "journal.json", journal / "history" / "report.md",
+                                 journal / ".." / journal.filename() / ".relaunches.lock"}) {
+        EXPECT_EQ(messageOf([&] { readings.saveReport(file); }),
+                  file.string() + " belongs to Brell's journal; choose another name.");
+        EXPECT_EQ(everythingIn(journal), before);
+    }
+    readings.saveReport(journal / "report.md");
+    EXPECT_NE(contentsOf(journal / "report.md").find("Hide the Dock automatically"), std::string::npos);
+}
+
+}  // namespace brell
