@@ -7,6 +7,7 @@
 
 #include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -65,8 +66,27 @@ Lines linesOf(const AgentPlan& plan, const AgentCapture& agent) {
     return lines;
 }
 
-void append(Lines& lines, Lines more) {
-    for (std::string& line : more) lines.push_back(std::move(line));
+bool looksLikeAFlag(const std::string& text) {
+    return text.starts_with('-');
+}
+
+// In a list, where a type may stand before each element, and where a key is expected. A text after its type
+// is taken as it is.
+bool hasFlag(const JournaledWrite& write) {
+    const auto* strings = write.written.value ? write.written.value->as<PrefValue::StringArray>() : nullptr;
+    return looksLikeAFlag(write.key.name) ||
+           (strings && std::any_of(strings->begin(), strings->end(), looksLikeAFlag));
+}
+
+// A journal may be another program's.
+bool isFitForTerminal(const JournalEntry& entry) {
+    if (entry.agent)
+        return AgentCommands::isPlainLabel(entry.agent->label) &&
+               !NeverTouch::isForbiddenLabel(entry.agent->label) && entry.agent->plistPath.starts_with('/');
+    return std::none_of(entry.writes.begin(), entry.writes.end(), [](const JournaledWrite& write) {
+        return !TweakCatalog::allowedDomains().contains(write.key.domain) || write.key.name.empty() ||
+               hasFlag(write);
+    });
 }
 
 Lines making(const JournalEntry& entry) {
@@ -74,10 +94,6 @@ Lines making(const JournalEntry& entry) {
     Lines lines;
     for (const JournaledWrite& write : entry.writes) lines.push_back(putting(write.key, write.written));
     return lines;
-}
-
-void addEffect(std::set<EffectClass>& effects, const JournalEntry& entry, const TweakCatalog& catalog) {
-    if (const Tweak* tweak = catalog.tweak(entry.tweakID)) effects.insert(tweak->effect);
 }
 
 std::string withHint(Lines lines, const std::set<EffectClass>& effects) {
@@ -105,19 +121,19 @@ std::string commandsMaking(const Tweak& tweak, const std::optional<std::vector<P
 std::string commandsMaking(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog) {
     Lines lines;
     std::set<EffectClass> effects;
+    std::size_t leftOut = 0;
     for (const JournalEntry& entry : entries) {
         if (!entry.isActive()) continue;
-        append(lines, making(entry));
-        addEffect(effects, entry, catalog);
+        if (!isFitForTerminal(entry)) {
+            ++leftOut;
+            continue;
+        }
+        for (std::string& line : making(entry)) lines.push_back(std::move(line));
+        if (const Tweak* tweak = catalog.tweak(entry.tweakID)) effects.insert(tweak->effect);
     }
-    return withHint(std::move(lines), effects);
-}
-
-std::string commandsUndoing(const JournalEntry& entry, const TweakCatalog& catalog) {
-    Lines lines = entry.agent ? linesOf(AgentCommands::undoing(*entry.agent), *entry.agent) : Lines();
-    for (const JournaledWrite& write : entry.writes) lines.push_back(putting(write.key, write.original));
-    std::set<EffectClass> effects;
-    addEffect(effects, entry, catalog);
+    if (leftOut > 0)
+        lines.push_back(fmt::format("echo 'Left out: {} that cannot be made by pasted commands.'",
+                                    leftOut == 1 ? "1 change" : fmt::format("{} changes", leftOut)));
     return withHint(std::move(lines), effects);
 }
 

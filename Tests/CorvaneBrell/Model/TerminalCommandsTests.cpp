@@ -36,12 +36,12 @@ TEST_F(TerminalCommandsTest, ReadAsPeopleWriteThem) {
               "defaults write com.apple.screencapture location -string '/Users/sam/My '\\''Shots'\\'''\n");
     EXPECT_EQ(commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/A_2-b.c"}),
               "defaults write com.apple.screencapture location -string /Users/sam/A_2-b.c\n");
-    EXPECT_EQ(commandsUndoing(engine.resetToDefault(tweak("dock.size")), catalog),
+    EXPECT_EQ(commandsMaking({engine.resetToDefault(tweak("dock.size"))}, catalog),
               "defaults delete com.apple.dock tilesize\n"
               "echo 'Relaunch the Dock, or log out and back in, for every change to take effect.'\n");
 }
 
-TEST_F(TerminalCommandsTest, MakeAndUndoTheSameAsTheEngine) {
+TEST_F(TerminalCommandsTest, MakeTheSameAsTheEngine) {
     files.write(36, {"com.apple.dock", "tilesize"});
     files.write(0.15, {"com.apple.dock", "autohide-delay"});
     const auto before = files.snapshot();
@@ -51,10 +51,8 @@ TEST_F(TerminalCommandsTest, MakeAndUndoTheSameAsTheEngine) {
         entries.push_back(engine.apply(tweak(id)));
     const auto after = files.snapshot();
 
-    for (const JournalEntry& entry : entries)
-        EXPECT_EQ(paste(commandsUndoing(entry, catalog)).status, 0) << entry.tweakID;
+    engine.restoreAll({});
     EXPECT_EQ(files.snapshot(), before);
-
     const Finished made = paste(commandsMaking(entries, catalog));
     EXPECT_EQ(made, (Finished{0,
                               "Relaunch Finder and the Dock and the apps that are open, or log out and back "
@@ -67,7 +65,7 @@ TEST_F(TerminalCommandsTest, MakeAndUndoTheSameAsTheEngine) {
 }
 
 TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
-    const PrefKey key{"com.apple.dock", "-odd key; touch made-it"};
+    const PrefKey key{"com.apple.dock", "odd key; touch made-it"};
     const std::vector<PrefValue> values{"'; touch made-it; '",
                                         "$(touch made-it)`touch made-it`",
                                         "a\nb",
@@ -82,8 +80,7 @@ TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
                                         1e-5,
                                         false};
     for (const PrefValue& value : values) {
-        const JournalEntry entry = entryOf("odd", {{key, value, {}}});
-        const std::string text = commandsUndoing(entry, catalog);
+        const std::string text = commandsMaking({entryOf("odd", {{key, {}, value}})}, catalog);
         EXPECT_EQ(paste(text).status, 0) << text;
         EXPECT_EQ(files.exactValue(key), StoredValue(value)) << text;
         // Only line ends are left of what a terminal takes for a key.
@@ -94,31 +91,35 @@ TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
     EXPECT_FALSE(std::filesystem::exists(folder.path / "made-it"));
 }
 
-TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
-    struct Case {
-        AgentCapture before;
-        std::string making, undoing;
+TEST_F(TerminalCommandsTest, LeaveOutWhatBrellRefusesAndWhatReadsAsAFlag) {
+    const auto write = [](const char* domain, const char* key, const PrefValue& value) {
+        return entryOf("forged", {{{domain, key}, StoredValue(), value}});
     };
+    const auto agent = [](const char* label, const char* path) {
+        return agentEntry({label, path, true, AgentOverride::absent});
+    };
+    const std::vector<JournalEntry> forged{write("com.apple.security", "k", true),
+                                           write("com.apple.dock", "", true),
+                                           write("com.apple.dock", "-currentHost", true),
+                                           write("com.apple.dock", "k", PrefValue::StringArray{"a", "-int"}),
+                                           agent("", "/Users/sam/a.plist"),
+                                           agent("com.apple.Finder", "/Users/sam/a.plist"),
+                                           agent("com.acme.agent", "-k")};
+    for (const JournalEntry& entry : forged)
+        EXPECT_EQ(commandsMaking({entry}, catalog),
+                  "echo 'Left out: 1 change that cannot be made by pasted commands.'\n");
+    EXPECT_EQ(commandsMaking({forged[0], write("com.apple.dock", "k", "-int"), forged[4]}, catalog),
+              "defaults write com.apple.dock k -string -int\n"
+              "echo 'Left out: 2 changes that cannot be made by pasted commands.'\n");
+}
+
+TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
     const std::string at = " \"gui/$(id -u)/\"com.acme.agent\n";
-    const std::string load = "launchctl bootstrap \"gui/$(id -u)\" '/Users/sam/a b.plist'\n";
-    for (const auto& [before, making, undoing] : {
-             Case{{"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::absent},
-                  "launchctl bootout" + at + "launchctl disable" + at,
-                  "launchctl enable" + at + load},
-             {{"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::enabled},
-              "launchctl bootout" + at + "launchctl disable" + at,
-              "launchctl enable" + at + "launchctl bootout" + at},
-             {{"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::disabled},
-              "launchctl enable" + at + load,
-              "launchctl bootout" + at + "launchctl disable" + at},
-             {{"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::disabled},
-              "launchctl enable" + at + load,
-              "launchctl enable" + at + load + "launchctl disable" + at},
-         }) {
-        const JournalEntry entry = agentEntry(before);
-        EXPECT_EQ(commandsMaking({entry}, catalog), making);
-        EXPECT_EQ(commandsUndoing(entry, catalog), undoing);
-    }
+    const AgentCapture on{"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::absent};
+    const AgentCapture off{"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::disabled};
+    EXPECT_EQ(commandsMaking({agentEntry(on)}, catalog), "launchctl bootout" + at + "launchctl disable" + at);
+    EXPECT_EQ(commandsMaking({agentEntry(off)}, catalog),
+              "launchctl enable" + at + "launchctl bootstrap \"gui/$(id -u)\" '/Users/sam/a b.plist'\n");
 }
 
 }  // namespace
