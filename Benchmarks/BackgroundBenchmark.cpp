@@ -117,7 +117,10 @@ void compareCommand(PairReport& report) {
     constexpr const char* program = "/usr/bin/true";
     report.compare(
         {.name = "run a command", .limit = 1.3, .pairs = 201, .callsPerMeasurement = 5},
-        [&] { runProcess(program, {}, 10); }, [&] { spawnAndDrain(program); });
+        [&] {
+            runProcess(program, {}, {10, nullptr});
+        },
+        [&] { spawnAndDrain(program); });
 }
 
 }  // namespace

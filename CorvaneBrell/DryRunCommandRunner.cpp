@@ -10,4 +10,9 @@ CommandResult DryRunCommandRunner::run(const AllowedCommand& command) {
     return {1, "", "dry run: not executed"};
 }
 
+CommandResult DryRunCommandRunner::runPatiently(const AllowedCommand& command,
+                                                const CommandPatience& patience) {
+    return command.isWrite() ? run(command) : base_.runPatiently(command, patience);
+}
+
 }  // namespace brell

@@ -15,6 +15,7 @@ public:
     DryRunCommandRunner(CommandRunning& base, std::ostream& out) : base_(base), out_(out) {}
 
     CommandResult run(const AllowedCommand& command) override;
+    CommandResult runPatiently(const AllowedCommand& command, const CommandPatience& patience) override;
 
 private:
     CommandRunning& base_;

@@ -67,10 +67,11 @@ bool BTMReader::currentUserIsAdmin() {
     return isAdministrator(::getgid(), adminGroup(), accountName());
 }
 
-std::optional<BTMDump> BTMReader::dump() const {
+std::optional<BTMDump> BTMReader::dump(const std::optional<CommandPatience>& patience) const {
     try {
         if (!isAdmin()) return std::nullopt;
-        const CommandResult result = runner.run(AllowedCommand::sfltoolDumpBTM());
+        const AllowedCommand command = AllowedCommand::sfltoolDumpBTM();
+        const CommandResult result = patience ? runner.runPatiently(command, *patience) : runner.run(command);
         return result.succeeded() ? BTMDumpParser::parse(result.stdoutText) : std::nullopt;
     } catch (const std::exception&) {
         return std::nullopt;

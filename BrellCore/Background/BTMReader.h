@@ -31,8 +31,9 @@ struct BTMReader {
     static bool currentUserIsAdmin();
 
     // Nothing when the user is no administrator (nothing is run then) or the command does not succeed. Never
-    // raises.
-    std::optional<BTMDump> dump() const;
+    // raises. macOS may ask for an administrator's password meanwhile: the patience is for that, where there
+    // is one.
+    std::optional<BTMDump> dump(const std::optional<CommandPatience>& patience = std::nullopt) const;
 };
 
 }  // namespace brell

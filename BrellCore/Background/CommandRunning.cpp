@@ -12,16 +12,22 @@ std::string describe(const CommandFailure& failure) {
         case CommandProblem::tooMuchOutput:
             return "The command printed more than 64 MiB, which is more than Brell takes: " + failure.detail +
                    ".";
+        case CommandProblem::cancelled: return "The command was cancelled: " + failure.detail + ".";
     }
     return failure.detail;
 }
 
 bool wasStopped(CommandProblem problem) {
-    return problem == CommandProblem::timedOut || problem == CommandProblem::tooMuchOutput;
+    return problem == CommandProblem::timedOut || problem == CommandProblem::tooMuchOutput ||
+           problem == CommandProblem::cancelled;
 }
 
 CommandError::~CommandError() = default;
 
 CommandRunning::~CommandRunning() = default;
+
+CommandResult CommandRunning::runPatiently(const AllowedCommand& command, const CommandPatience&) {
+    return run(command);
+}
 
 }  // namespace brell

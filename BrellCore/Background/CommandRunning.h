@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "BrellCore/Background/AllowedCommand.h"
@@ -24,6 +25,7 @@ enum class CommandProblem {
     cannotStart,      // detail is the system's own reason, without a final stop
     timedOut,         // it was asked to stop; detail is the rendered command
     tooMuchOutput,    // the same, unless it had ended: it printed more than is taken
+    cancelled,        // the same: its caller's patience ended
 };
 
 struct CommandFailure {
@@ -42,6 +44,12 @@ public:
     ~CommandError() override;
 };
 
+// How long a command may take that waits for a person to answer.
+struct CommandPatience {
+    double seconds;
+    std::function<bool()> isCancelled;  // called on the thread that runs the command, a few times a second
+};
+
 // Implementations may be called from any thread, several at once.
 class CommandRunning {
 public:
@@ -50,6 +58,8 @@ public:
     // Validates, runs and waits for the end. Any exception means that the command could not be run; one that
     // ran and failed is a result like any other.
     virtual CommandResult run(const AllowedCommand& command) = 0;
+    // The same with a patience of its own. What runs no process answers as above, at once.
+    virtual CommandResult runPatiently(const AllowedCommand& command, const CommandPatience& patience);
 };
 
 }  // namespace brell

@@ -11,6 +11,7 @@ public:
     explicit ProcessCommandRunner(double timeoutSeconds) : timeout_(timeoutSeconds) {}
 
     CommandResult run(const AllowedCommand& command) override;
+    CommandResult runPatiently(const AllowedCommand& command, const CommandPatience& patience) override;
 
 private:
     double timeout_;

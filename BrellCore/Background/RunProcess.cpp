@@ -77,17 +77,21 @@ public:
         // Our write ends close here: only the child and its own children keep the outputs open now.
     }
 
-    std::variant<CommandResult, CommandProblem> finish(Deadline deadline) {
-        waitForChild(deadline);
+    std::variant<CommandResult, CommandProblem> finish(const CommandPatience& patience) {
+        bool isCancelled = false;
+        waitForChild(deadlineAfter(patience.seconds), [&] {
+            isCancelled = isCancelled || (patience.isCancelled && patience.isCancelled());
+            return isCancelled;
+        });
         const bool isStopped = !child_->hasEnded();
         if (isStopped) {
             child_->terminate();
-            waitForChild(SteadyClock::now() + grace);
+            waitForChild(SteadyClock::now() + grace, [] { return false; });
         }
         // All that the child itself printed is in the pipes by now; more can come from what it left behind.
         waitForOutputs(SteadyClock::now() + grace);
         if (printedTooMuch()) return CommandProblem::tooMuchOutput;
-        if (isStopped) return CommandProblem::timedOut;
+        if (isStopped) return isCancelled ? CommandProblem::cancelled : CommandProblem::timedOut;
         return CommandResult{child_->exitCode(), text(outputs_[0]), text(outputs_[1])};
     }
 
@@ -98,8 +102,8 @@ private:
 
     // Both drain the outputs while they wait, so that a full pipe never stalls the child, and look at the
     // clock each time: something that prints without end must not hold us.
-    void waitForChild(Deadline deadline) {
-        while (!child_->hasEnded() && SteadyClock::now() < deadline && !printedTooMuch()) {
+    void waitForChild(Deadline deadline, const std::function<bool()>& isEnough) {
+        while (!child_->hasEnded() && SteadyClock::now() < deadline && !printedTooMuch() && !isEnough()) {
             if (outputsEnded())
                 nap();
             else
@@ -141,14 +145,14 @@ private:
 
 std::variant<CommandResult, CommandProblem> runProcess(const std::string& executable,
                                                        const std::vector<std::string>& arguments,
-                                                       double timeoutSeconds) {
+                                                       const CommandPatience& patience) {
     std::optional<Run> run;
     try {
         run.emplace(executable, arguments);
     } catch (const std::system_error& error) {
         throw CommandError({CommandProblem::cannotStart, error.code().message()});
     }
-    return run->finish(deadlineAfter(timeoutSeconds));
+    return run->finish(patience);
 }
 
 }  // namespace brell

@@ -16,12 +16,12 @@ inline constexpr std::size_t mostOutputBytes = 64 << 20;  // of each of its two 
 // Runs the program at this path with an empty environment, no input and none of our descriptors, and collects
 // everything it prints. A program ended by a signal has the exit code 128 and the signal's number.
 //
-// Gives why it was stopped (timedOut, tooMuchOutput) instead: the program was then asked to end, politely,
-// and what it printed is dropped. The caller comes back within the limit and twice two seconds even when the
-// program does not obey, or has left another process behind that holds its output open. Raises CommandError
-// when it can't be started.
+// Gives why it was stopped (timedOut, tooMuchOutput, cancelled) instead: the program was then asked to end,
+// politely, and what it printed is dropped. The caller comes back within the limit and twice two seconds even
+// when the program does not obey, or has left another process behind that holds its output open. Raises
+// CommandError when it can't be started.
 std::variant<CommandResult, CommandProblem> runProcess(const std::string& executable,
                                                        const std::vector<std::string>& arguments,
-                                                       double timeoutSeconds);
+                                                       const CommandPatience& patience);
 
 }  // namespace brell

@@ -1,6 +1,8 @@
 #include "CorvaneBrell/SampleMac/SimulatedTools.h"
 
+#include <chrono>
 #include <exception>
+#include <thread>
 
 #include "BrellCore/Support/FileContents.h"
 #include "CorvaneBrell/SampleMac/Furniture.h"
@@ -30,11 +32,27 @@ SimulatedTools::SimulatedTools(fs::path root, std::uint32_t uid)
     : root_(std::move(root)), launchd_(root_, uid) {}
 
 CommandResult SimulatedTools::run(const AllowedCommand& command) {
+    return run(command, [] { return CommandProblem::timedOut; });
+}
+
+CommandResult SimulatedTools::runPatiently(const AllowedCommand& command, const CommandPatience& patience) {
+    return run(command, [&] {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(patience.seconds);
+        while (std::chrono::steady_clock::now() < end) {
+            if (patience.isCancelled && patience.isCancelled()) return CommandProblem::cancelled;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return CommandProblem::timedOut;
+    });
+}
+
+CommandResult SimulatedTools::run(const AllowedCommand& command,
+                                  const std::function<CommandProblem()>& hang) {
     command.validate();
     const auto fault = takeFault(command);
     if (!fault) return answer(command);
     if (fault->takesEffect) answer(command);
-    if (!fault->answer) throw CommandError({CommandProblem::timedOut, command.rendered()});
+    if (!fault->answer) throw CommandError({hang(), command.rendered()});
     return *fault->answer;
 }
 

@@ -37,6 +37,8 @@ public:
     SimulatedTools(std::filesystem::path root, std::uint32_t uid);
 
     CommandResult run(const AllowedCommand& command) override;
+    // One that hangs does so for as long as the patience lasts.
+    CommandResult runPatiently(const AllowedCommand& command, const CommandPatience& patience) override;
 
     // The next command of this kind goes wrong, once.
     void failNext(AllowedCommand::Kind kind, ToolFault fault);
@@ -50,6 +52,7 @@ public:
 private:
     std::optional<ToolFault> takeFault(const AllowedCommand& command);
     CommandResult answer(const AllowedCommand& command);
+    CommandResult run(const AllowedCommand& command, const std::function<CommandProblem()>& hang);
 
     const std::filesystem::path root_;
     SimulatedLaunchd launchd_;

@@ -268,7 +268,7 @@ TEST_F(AgentRestoreTest, AStoppedProcessThatSetOffMoreIsUndoneByRecovery) {
                                  ") >/dev/null 2>&1 & exec sleep 60";
         tools->interfere([&, kind = kind](const AllowedCommand& command) -> std::optional<ToolFault> {
             if (command.kind != kind) return std::nullopt;
-            const auto ended = runProcess("/bin/sh", {"-c", late}, 0.1);
+            const auto ended = runProcess("/bin/sh", {"-c", late}, {0.1, nullptr});
             const auto* problem = std::get_if<CommandProblem>(&ended);
             EXPECT_TRUE(problem && *problem == CommandProblem::timedOut);
             return ToolFault::hanging();

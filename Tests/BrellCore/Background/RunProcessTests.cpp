@@ -23,7 +23,7 @@ constexpr double plenty = 20;
 using Ending = std::variant<CommandResult, CommandProblem>;
 
 Ending endOf(const std::vector<std::string>& arguments, double timeout) {
-    return runProcess(BRELL_CHATTY_CHILD, arguments, timeout);
+    return runProcess(BRELL_CHATTY_CHILD, arguments, {timeout, nullptr});
 }
 
 // Nothing when it was stopped for taking too long.
@@ -104,6 +104,17 @@ TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
     EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"ignores"}, 0.2), std::nullopt); }), 5.5);
 }
 
+TEST(RunProcess, EndsWithThePatienceOfItsCaller) {
+    const TemporaryFolder folder;
+    int asked = 0;
+    const CommandPatience patience{plenty, [&] { return ++asked > 2; }};
+    EXPECT_EQ(runProcess(BRELL_CHATTY_CHILD, {"tidies", (folder.path / "tidied").string()}, patience),
+              Ending(CommandProblem::cancelled));
+    EXPECT_EQ(asked, 3) << "not any more, while it ends";
+    EXPECT_EQ(namesIn(folder.path), Names{"tidied"}) << "it was asked to end, and waited for";
+    EXPECT_EQ(describe({CommandProblem::cancelled, "x"}), "The command was cancelled: x.");
+}
+
 TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
     const TemporaryFolder folder;
     EXPECT_EQ(endOf({"floods", (folder.path / "tidied").string()}, plenty),
@@ -121,7 +132,9 @@ TEST(RunProcess, LeavesNoDescriptorBehindAndSaysWhyItCannotStart) {
     const std::string missing = "/no/such/program";
     const auto before = namesIn("/dev/fd").size();
     for (int i = 0; i < 20; ++i) {
-        EXPECT_EQ(messageOf([&] { runProcess(missing, {}, plenty); }),
+        EXPECT_EQ(messageOf([&] {
+                      runProcess(missing, {}, {plenty, nullptr});
+                  }),
                   "The command could not be started: No such file or directory.");
         runChild({"nothing"});
     }
