@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QIconEngine>
+#include <QLibraryInfo>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
@@ -66,7 +67,7 @@ public:
         return symbolPixmap(name_, colorFor(mode), size, 1.0);
     }
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal scale) override {
-        return symbolPixmap(name_, colorFor(mode), size / scale, scale);
+        return symbolPixmap(name_, colorFor(mode), askedPoints(size, scale, QLibraryInfo::version()), scale);
     }
     QIconEngine* clone() const override { return new SymbolEngine(*this); }
 
@@ -86,6 +87,10 @@ private:
 
 QIcon symbolIcon(std::string_view name, Tone tone) {
     return QIcon(new SymbolEngine(std::string(name), tone));
+}
+
+QSize askedPoints(const QSize& asked, double scale, const QVersionNumber& toolkit) {
+    return toolkit < QVersionNumber(6, 8) ? asked / scale : asked;
 }
 
 SymbolView::SymbolView(std::string_view name, Tone tone, int points, QWidget* parent)

@@ -18,6 +18,7 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/Switch.h"
+#include "CorvaneBrell/Window/Symbol.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace fs = std::filesystem;
@@ -191,6 +192,15 @@ TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
         expect(color(QPalette::PlaceholderText), color(QPalette::Base));
         expect(color(QPalette::Link), color(QPalette::Base));
     }
+}
+
+// Asked in pixels, as before Qt 6.8, or in points: a screen of twice the pixels gets twice the pixels.
+TEST(SymbolTest, ASymbolIsAsSharpAsTheScreenWhicheverWayTheToolkitAsks) {
+    EXPECT_EQ(askedPoints({32, 32}, 2, QVersionNumber(6, 7, 3)), QSize(16, 16));
+    EXPECT_EQ(askedPoints({16, 16}, 2, QVersionNumber(6, 8)), QSize(16, 16));
+    const QPixmap pixmap = symbolIcon("folder").pixmap(QSize(16, 16), 2.0);
+    EXPECT_EQ(pixmap.size(), QSize(32, 32));
+    EXPECT_EQ(pixmap.devicePixelRatio(), 2.0);
 }
 
 TEST_F(DemandsTest, SwitchingToDarkWhileOpenLeavesNothingStale) {
