@@ -42,11 +42,11 @@ void checkUnique(const std::vector<JournalEntry>& entries) {
     if (twin != ids.end()) throw std::runtime_error("the entry " + twin->text() + " stands twice");
 }
 
-// Most of simdjson's reasons are sentences. An excerpt's three stops stay.
-std::string withoutFinalStop(std::string_view reason) {
-    reason = stripped(reason);
-    if (reason.ends_with('.') && !reason.ends_with("...")) reason.remove_suffix(1);
-    return std::string(reason);
+// What the parser says of a text means nothing to whoever finds the journal damaged.
+std::string reasonOf(const std::exception& error) {
+    if (dynamic_cast<const simdjson::simdjson_error*>(&error))
+        return "it is damaged, or something else than Brell wrote it";
+    return error.what();
 }
 
 std::string encoded(const JournalEntry& entry) {
@@ -67,7 +67,7 @@ JournalText JournalText::read(std::string text) {
     } catch (const std::exception& error) {
         const auto format = formatOf(journal.text_);
         if (format && *format > formatVersion) throw newerFormat(*format);
-        throw std::runtime_error(withoutFinalStop(error.what()));
+        throw std::runtime_error(reasonOf(error));
     }
     return journal;
 }

@@ -59,8 +59,10 @@ std::unique_ptr<Dependencies> AppModel::openDependencies(const LaunchOptions& op
                                                          std::ostream& out) try {
     return std::make_unique<Dependencies>(options, out);
 } catch (const JournalError& error) {
-    state_.startupError = std::string("The change journal could not be opened: ") + error.what() +
-                          ". Nothing can be changed until this is fixed.";
+    std::string reason = error.what();
+    if (reason.ends_with('.')) reason.pop_back();  // the sentence goes on
+    state_.startupError =
+        "The change journal could not be opened: " + reason + ". Nothing can be changed until this is fixed.";
     return fallback(options, error, out);
 }
 

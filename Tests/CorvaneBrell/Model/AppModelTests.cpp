@@ -252,7 +252,7 @@ TEST_F(AppModelTest, AnUnreadableJournalLeavesADryRunThatSaysSo) {
     EXPECT_EQ(model->state().startupError,
               "The change journal could not be opened: The change journal could not be read: the journal was "
               "written "
-              "by a newer Brell (format 2); update Brell before changing anything.. Nothing can be changed "
+              "by a newer Brell (format 2); update Brell before changing anything. Nothing can be changed "
               "until this "
               "is fixed.");
     EXPECT_TRUE(model->options().dryRun);
