@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
     QApplication::setPalette(brell::Appearance::light());
     if (argc < 2) {
         QMainWindow empty;
-        empty.resize(1040, 720);
+        empty.resize(1100, 760);
         return shown(empty);
     }
     brell::LaunchOptions options;

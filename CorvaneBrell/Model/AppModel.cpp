@@ -128,7 +128,8 @@ void AppModel::showEverything(Everything everything) {
     const bool areOthers = put(&AppState::statuses, std::move(everything.statuses));
     if (put(&AppState::statusErrors, std::move(everything.statusErrors)) || areOthers)
         announce(Topic::settings);
-    if (everything.error) return fail(*everything.error);
+    set(&AppState::journalError, everything.error, Topic::journal);
+    if (everything.error) return;
 
     std::vector<JournalEntry> interrupted;
     std::copy_if(everything.entries.rbegin(), everything.entries.rend(), std::back_inserter(interrupted),

@@ -107,6 +107,7 @@ struct AppState {
     TweakStatusErrors statusErrors;
 
     // Topic::journal
+    std::optional<std::string> journalError;  // of the last look at the journal; stays until one succeeds
     std::vector<JournalEntry> entries;        // newest first
     std::vector<DriftedEntry> drifted;        // active changes that are no longer in force
     std::vector<DriftedEntry> driftedAgents;  // and agents that others switched since
@@ -150,5 +151,10 @@ struct AppState {
     std::optional<Activity> fileActivity;     // reading preferences and journal, saving files
     std::optional<Activity> readingActivity;  // with the system's tools
 };
+
+// Without a journal that can be read nothing can be changed or put back.
+inline bool isLocked(const AppState& state) {
+    return state.startupError || state.journalError;
+}
 
 }  // namespace brell

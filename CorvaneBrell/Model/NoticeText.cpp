@@ -15,29 +15,83 @@ std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog
     return titles;
 }
 
+namespace {
+
+std::string capitalized(std::string_view name) {
+    std::string text(name);
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') text.front() += 'A' - 'a';
+    return text;
+}
+
+std::string changes(std::size_t count) {
+    return count == 1 ? "1 change" : fmt::format("{} changes", count);
+}
+
+// Changes of an earlier run whose recovery was put off.
 std::string interruptedText(const AppState& state) {
     const std::size_t count = state.interrupted.size();
     if (!state.recoveryDeferred || count == 0) return {};
-    if (count == 1)
-        return "1 change was interrupted. Its original values are in the journal and can be put back.";
-    return fmt::format(
-        "{} changes were interrupted. Their original values are in the journal and can be put back.", count);
+    return fmt::format("{} interrupted; what was there before can be put back.",
+                       changes(count) + (count == 1 ? " was" : " were"));
+}
+
+// A relaunch that left something to be relaunched.
+bool isRelaunchIncomplete(const AppState& state) {
+    return state.relaunchReport && !state.pendingRelaunches.empty();
+}
+
+}  // namespace
+
+std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& catalog,
+                                    const std::optional<std::string>& whyNothingReal) {
+    std::vector<Notice> notices;
+    const auto add = [&](NoticeKind kind, std::string words) {
+        if (!words.empty()) notices.push_back({kind, std::move(words)});
+    };
+    add(NoticeKind::journal, state.journalError.value_or(""));
+    add(NoticeKind::error, state.errorMessage.value_or(""));
+    add(NoticeKind::failedRecovery, firstOf(state.recoveryFailures, " "));
+    if (state.undoProof && !state.undoProof->isComplete)
+        add(NoticeKind::incompleteUndo, state.undoProof->words);
+    if (isRelaunchIncomplete(state)) add(NoticeKind::failedRelaunch, *state.relaunchReport);
+    add(NoticeKind::warning, firstOf(state.safetyWarnings, " "));
+    add(NoticeKind::interrupted, interruptedText(state));
+    if (!state.relaunchActivity) add(NoticeKind::relaunch, relaunchText(state, catalog));
+    if (!state.startupError) add(NoticeKind::dryRun, whyNothingReal.value_or(""));
+    return notices;
+}
+
+std::optional<Activity> activityOf(const AppState& state) {
+    for (const auto* activity :
+         {&state.changeActivity, &state.relaunchActivity, &state.readingActivity, &state.fileActivity})
+        if (*activity) return *activity;
+    return std::nullopt;
+}
+
+std::vector<Notice> doneNotices(const AppState& state) {
+    std::vector<Notice> notices;
+    if (state.undoProof && state.undoProof->isComplete)
+        notices.push_back({NoticeKind::done, state.undoProof->words});
+    if (state.relaunchReport && !isRelaunchIncomplete(state))
+        notices.push_back({NoticeKind::done, *state.relaunchReport});
+    return notices;
 }
 
 std::string relaunchText(const AppState& state, const TweakCatalog& catalog) {
-    std::vector<std::string> lines;
-    const std::set<EffectClass> effects = pendingEffects(state.pendingRelaunches, catalog);
-    for (const Relauncher::Target target : Relauncher::targetsFor(effects)) {
-        const Relauncher::TargetFacts& app = Relauncher::facts(target);
-        lines.push_back(fmt::format("Relaunch {} to see what was changed: {}.", app.name,
-                                    join(waitingTitles(state, catalog, app.effectClass), ", ")));
-    }
-    return join(lines, "\n");
+    const auto targets = Relauncher::targetsFor(pendingEffects(state.pendingRelaunches, catalog));
+    if (targets.empty()) return {};
+    std::size_t waiting = 0;
+    for (const Relauncher::Target target : targets)
+        waiting += waitingTitles(state, catalog, Relauncher::facts(target).effectClass).size();
+    const std::string apps = targets.size() > 1
+                                 ? fmt::format("{} apps wait", targets.size())
+                                 : capitalized(Relauncher::facts(targets.front()).name) + " waits";
+    return fmt::format("{} for a relaunch: {}", apps, changes(waiting));
 }
 
 std::string activityText(const Activity& activity) {
-    if (activity.total == 0) return activity.what + ".";
-    return fmt::format("{}: {} of {}.", activity.what, activity.done, activity.total);
+    if (activity.total == 0) return activity.what + "…";
+    return fmt::format("{}: {} of {}", activity.what, activity.done, activity.total);
 }
 
 }  // namespace brell

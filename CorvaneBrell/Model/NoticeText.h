@@ -1,6 +1,7 @@
-// The words of the bars above the pages.
+// What is told at the foot of the window, whatever page is shown.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,17 +10,46 @@
 
 namespace brell {
 
-// Changes of an earlier run whose recovery was put off; empty when there is none.
-std::string interruptedText(const AppState& state);
+// In the order of urgency.
+enum class NoticeKind {
+    journal,         // it can't be read any more
+    error,           // of the last action
+    failedRecovery,  // of interrupted changes
+    incompleteUndo,
+    failedRelaunch,
+    warning,  // what could stand in the way of a change
+    interrupted,
+    relaunch,
+    dryRun,
+    activity,
+    done
+};
+
+struct Notice {
+    NoticeKind kind;
+    std::string words;
+    bool operator==(const Notice&) const = default;
+};
+
+// What stays until it is dealt with, the most urgent first. Of a journal that could not be opened at the
+// start nothing is told here.
+std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& catalog,
+                                    const std::optional<std::string>& whyNothingReal);
+
+// What is being done now.
+std::optional<Activity> activityOf(const AppState& state);
+
+// What the last undo and the last relaunch came to, where everything went well.
+std::vector<Notice> doneNotices(const AppState& state);
 
 // The titles of the tweaks that wait for this effect.
 std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog& catalog,
                                        EffectClass effect);
 
-// Which app shows which changes only when it starts again, one line an app; empty when none does.
+// "2 apps wait for a relaunch: 24 changes"; empty when none does.
 std::string relaunchText(const AppState& state, const TweakCatalog& catalog);
 
-// "Restoring changes: 3 of 12."
+// "Restoring changes: 3 of 12"
 std::string activityText(const Activity& activity);
 
 }  // namespace brell

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "CorvaneBrell/Model/EntryWords.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
 
@@ -10,49 +11,63 @@ namespace {
 
 using Weight = StateBadge::Weight;
 
-// A state as its row shows it: the badge, the switch, and the reason when it can't be changed.
+// A state as its row shows it: the badge, and the reason when it can't be changed.
 struct Shown {
     std::optional<StateBadge> badge;
-    bool isOn = false;
     bool canChange = true;
     std::string reason = {};
 };
 
 struct ShownFor {
     Shown operator()(const OnByBrell&) const {
-        return {StateBadge{"On by Brell", "checkmark.circle", Weight::good, ""}, true};
+        return {StateBadge{"On by Brell", "checkmark.circle", Weight::good, ""}};
     }
     Shown operator()(const OffByBrell&) const {
         return {StateBadge{"Reset by Brell", "minus.circle", Weight::good, ""}};
     }
     Shown operator()(const ChangedOutsideBrell&) const {
-        return {StateBadge{"Changed outside Brell", "exclamationmark.triangle", Weight::attention,
-                           "A key no longer holds what Brell wrote. Turning it off asks before overwriting."},
-                true};
+        return {
+            StateBadge{"Changed outside Brell", "exclamationmark.triangle", Weight::attention,
+                       "A key no longer holds what Brell wrote. Turning it off asks before overwriting."}};
     }
     Shown operator()(const PerHost& state) const {
-        return {StateBadge{"Set per host", "desktopcomputer", Weight::plain, ""}, false, false,
+        return {StateBadge{"Set per host", "desktopcomputer", Weight::plain, ""}, false,
                 state.key + " has a by-host value; Brell does not change it here."};
     }
     Shown operator()(const Managed& state) const {
-        return {StateBadge{"Managed by a profile", "lock", Weight::plain, ""}, false, false,
+        return {StateBadge{"Managed by a profile", "lock", Weight::plain, ""}, false,
                 state.key + " is forced by a management profile; a change would have no effect."};
     }
     Shown operator()(const Unsupported& state) const {
-        return {StateBadge{"Unexpected type", "questionmark.circle", Weight::attention, ""}, false, false,
+        return {StateBadge{"Unexpected type", "questionmark.circle", Weight::attention, ""}, false,
                 state.message + ". Brell does not change a value of this kind."};
     }
     Shown operator()(const Off&) const { return {}; }
     Shown operator()(const OnByDefault&) const {
-        return {std::nullopt, true, false, "macOS already does this.\nNothing to change."};
+        return {std::nullopt, false, "macOS already does this.\nNothing to change."};
     }
     Shown operator()(const SetBeforeBrell&) const {
         return {StateBadge{"Set before Brell", "person", Weight::plain,
                            "Set before Brell, by you or another app. Turning it off resets this to the macOS "
-                           "default; Brell can undo that."},
-                true};
+                           "default; Brell can undo that."}};
     }
 };
+
+const StateBadge interruptedBadge{
+    "Interrupted", "bolt.slash", Weight::attention,
+    "Brell was interrupted while changing this. What was there before is saved, and "
+    "the way back puts it there again."};
+const StateBadge partlyBackBadge{"Not in force", "exclamationmark.triangle", Weight::attention,
+                                 "A key holds again what it held before Brell, although the change is still "
+                                 "listed as active. Restoring it closes the change without a question."};
+const StateBadge unknownBadge{"Not known", "questionmark.circle", Weight::plain, ""};
+
+const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, const std::string& tweakID) {
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
+        return entry.isActive() && entry.tweakID == tweakID;
+    });
+    return found == entries.end() ? nullptr : &*found;
+}
 
 const JournaledWrite* writeOf(const PrefKey& key, const JournalEntry* active) {
     if (!active) return nullptr;
@@ -91,14 +106,49 @@ bool isPartlyBack(const TweakStatus& status, const JournalEntry& active) {
     return false;
 }
 
-const StateBadge partlyBack{"Not in force", "exclamationmark.triangle", Weight::attention,
-                            "A key holds again what it held before Brell, although the change is still "
-                            "listed as active. Restoring it closes the change without a question."};
-
 std::optional<std::string> storedText(const TweakStatus& status) {
     if (status.exact.empty() || !status.exact.front().value) return std::nullopt;
     const auto* text = status.exact.front().value->as<std::string>();
     return text ? std::optional(*text) : std::nullopt;
+}
+
+std::vector<StoredValue> originals(const std::vector<KeyFacts>& keys) {
+    std::vector<StoredValue> values;
+    for (const KeyFacts& key : keys)
+        if (key.original) values.push_back(*key.original);
+    return values;
+}
+
+RowUndo undoOf(const JournalEntry& active, const Tweak& tweak, const std::vector<KeyFacts>& keys,
+               const AppModel& model) {
+    const std::vector<StoredValue> before = originals(keys);
+    return {
+        active.id, valueWords(tweak, before, model.catalog().home()),
+        std::any_of(before.begin(), before.end(), [](const StoredValue& value) { return !value.isAbsent(); }),
+        madeOnAnotherMacOS(active, model.macOSVersion())};
+}
+
+// Nothing where the keys were not read: what decides is not what the switch would write.
+std::optional<bool> positionOf(const TweakStatus& status) {
+    if (std::holds_alternative<OnByDefault>(status.state)) return true;
+    if (status.exact.empty()) return std::nullopt;
+    const std::vector<PrefValue> targets = status.tweak.targets();
+    return std::equal(status.exact.begin(), status.exact.end(), targets.begin(), targets.end());
+}
+
+std::string nowWords(const Tweak& tweak, const TweakRowState& row, const TweakStatus& status,
+                     std::string_view home) {
+    if (status.exact.empty()) return unknownBadge.text;
+    if (std::holds_alternative<ToggleKind>(tweak.kind)) return row.isOn == true ? "On" : "Off";
+    if (const auto* kind = std::get_if<ChoiceKind>(&tweak.kind))
+        for (const Choice& choice : kind->choices)
+            if (choice.id == row.choiceID) return choice.title;
+    return row.nothingStored ? "macOS default" : valueWords(tweak, status.exact, home);
+}
+
+bool isInterrupted(const JournalEntry& entry, const AppState& state) {
+    return std::any_of(state.interrupted.begin(), state.interrupted.end(),
+                       [&](const JournalEntry& one) { return one.id == entry.id; });
 }
 
 }  // namespace
@@ -114,23 +164,29 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
     const int major = parseOSVersion(model.macOSVersion()).major;
     row.confirmed = (tweak.isConfirmed(major) ? "Confirmed on macOS " : "Not confirmed on macOS ") +
                     std::to_string(major);
-    if (active)
-        row.undo = RowUndo{active->id, wayBack(*active), madeOnAnotherMacOS(*active, model.macOSVersion())};
+    if (active) row.undo = undoOf(*active, tweak, row.keys, model);
+    row.canUndo = active && !isLocked(state);
     if (!status) {
         const auto error = state.statusErrors.find(tweak.id);
+        row.badge = unknownBadge;
+        row.now = unknownBadge.text;
+        if (state.journalError) return row;  // which is told once for all rows
         row.reason = error != state.statusErrors.end() ? error->second : "Not offered on this macOS.";
         return row;
     }
     Shown shown = std::visit(ShownFor{}, status->state);
-    row.badge = active && isPartlyBack(*status, *active) ? partlyBack : std::move(shown.badge);
-    row.isOn = shown.isOn;
-    row.canChange = shown.canChange && !state.startupError;
+    row.badge = active && isInterrupted(*active, state)    ? interruptedBadge
+                : active && isPartlyBack(*status, *active) ? partlyBackBadge
+                                                           : std::move(shown.badge);
+    row.isOn = positionOf(*status);
+    row.canChange = shown.canChange && !isLocked(state);
     row.reason = std::move(shown.reason);
     row.choiceID = status->currentChoiceID;
     row.nothingStored =
         !status->exact.empty() && std::all_of(status->exact.begin(), status->exact.end(),
                                               [](const StoredValue& value) { return value.isAbsent(); });
     if (std::holds_alternative<FolderKind>(tweak.kind)) row.folder = storedText(*status);
+    row.now = nowWords(tweak, row, *status, model.catalog().home());
     return row;
 }
 

@@ -32,19 +32,22 @@ struct KeyFacts {
 // The way back from the active change of ours.
 struct RowUndo {
     Uuid entry;
-    std::string leadsTo;                    // "absent"; with several keys "autohide-delay absent, ..."
+    std::string leadsTo;                    // "41", "Large", "On", "not set"
+    bool leadsToAValue;                     // something was stored before Brell
     std::optional<std::string> otherMacOS;  // a sentence when the change was made on another version
     bool operator==(const RowUndo&) const = default;
 };
 
 struct TweakRowState {
     std::optional<StateBadge> badge;
-    bool isOn = false;
+    std::optional<bool> isOn;  // as it is stored; nothing where that is not known
     bool canChange = false;
+    bool canUndo = false;
     std::string reason;  // why it can't be changed, or what there is to know: whole sentences; may be empty
     std::optional<std::string> choiceID;  // of the choice in effect
     bool nothingStored = false;           // every key is absent: macOS's own values are in effect
     std::optional<std::string> folder;    // the path that is stored; nothing when none is, or was read
+    std::string now;  // what is stored, in everyday words: "Large", "not set", "Not known"
     std::vector<KeyFacts> keys;
     std::string confirmed;  // "Confirmed on macOS 26"
     std::optional<RowUndo> undo;

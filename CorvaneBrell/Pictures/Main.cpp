@@ -87,7 +87,10 @@ int main(int argc, char** argv) {
     }
     const fs::path folder(utf8(words.back()));
     std::vector<Format> formats{{QSize(1100, 760), folder}};
-    if (words.front() == "--all") formats = {{QSize(1400, 900), folder}, {QSize(820, 560), folder / "small"}};
+    if (words.front() == "--all") {
+        formats.push_back({QSize(1600, 1000), folder / "large"});
+        formats.push_back({QSize(820, 560), folder / "small"});
+    }
     try {
         return run(formats);
     } catch (const std::exception& error) {

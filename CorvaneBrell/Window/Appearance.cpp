@@ -79,7 +79,8 @@ QPalette made(const Colors& colors) {
     palette.setColor(QPalette::Mid, button.darker(130));
     palette.setColor(QPalette::Dark, button.darker(150));
     palette.setColor(QPalette::Shadow, Qt::black);
-    const QColor faded = mixed(QColor(colors.text), QColor(colors.window), 0.38);
+    const QColor faded = movedUntil(readable, mixed(QColor(colors.text), QColor(colors.window), 0.42),
+                                    palette, {QColor(colors.window), QColor(colors.base), button});
     palette.setColor(QPalette::PlaceholderText, faded);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faded);
@@ -115,11 +116,16 @@ QColor tinted(Tone tone, const QPalette& palette) {
     return mixed(palette.color(QPalette::Window), hue(tone, palette), isDark(palette) ? 0.18 : 0.10);
 }
 
+QColor marked(const QPalette& palette) {
+    const QColor ground = card(palette);
+    return mixed(ground, QColor(255, 196, 0), isDark(palette) ? 0.28 : 0.38);
+}
+
 QColor secondaryText(const QPalette& palette) {
     const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
     const QColor window = palette.color(QPalette::Window);
     return movedUntil(readable, mixed(text, window, 0.42), palette,
-                      {window, card(palette), tinted(Tone::plain, palette)});
+                      {window, card(palette), tinted(Tone::plain, palette), marked(palette)});
 }
 
 QColor toned(Tone tone, const QPalette& palette) {

@@ -27,6 +27,8 @@ QColor toned(Tone tone, const QPalette& palette);
 // Surfaces: the text colour of the palette and the toned one can be read on them.
 QColor card(const QPalette& palette);
 QColor tinted(Tone tone, const QPalette& palette);
+// The ground of words that a search found, on cards and on the window.
+QColor marked(const QPalette& palette);
 
 QColor hairline(const QPalette& palette);
 // The edge of a control, to be told from what is around it (3:1).

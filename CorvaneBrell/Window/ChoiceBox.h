@@ -6,10 +6,14 @@
 
 namespace brell {
 
-class ChoiceBox final : public QComboBox {
+class ChoiceBox : public QComboBox {
     Q_OBJECT
 public:
     explicit ChoiceBox(QWidget* parent = nullptr);
+
+    // What is picked, in the words of the list.
+    QString value() const { return currentIndex() < 0 ? placeholderText() : currentText(); }
+    void showPopup() override;
 
 protected:
     void wheelEvent(QWheelEvent* event) override;

@@ -1,15 +1,19 @@
 #include "CorvaneBrell/Window/FileActions.h"
 
+#include <QDesktopServices>
 #include <QDir>
-#include <QFileDialog>
 #include <QFontDatabase>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QUrl>
 
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/FileContents.h"
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/CopyButton.h"
+#include "CorvaneBrell/Window/FileDialog.h"
+#include "CorvaneBrell/Window/Message.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 
@@ -21,8 +25,7 @@ using Save = void (AppModel::*)(const std::filesystem::path&);
 
 void askWhere(AppModel& model, QWidget* over, const QString& title, std::string_view proposedName,
               Save save) {
-    auto* dialog = new QFileDialog(over->window(), title, QDir::homePath());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    auto* dialog = fileDialog(over, title, QDir::homePath());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->selectFile(qt(proposedName));
@@ -64,7 +67,25 @@ void showScript(const QString& script, QWidget* over) {
     window->show();
 }
 
+// The one that the last change left: without its journal no other can be made.
+void showKeptScript(const AppModel& model, QWidget* over) try {
+    constexpr std::size_t most = 64 * 1024 * 1024;
+    const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
+    const auto kept = readFile(file, most);
+    if (kept) return showScript(qt(kept->bytes), over->window());
+    tell(
+        over, QObject::tr("There is no restore script"),
+        QObject::tr("%1 does not exist: no change that Brell made was still active when it was last written.")
+            .arg(qt(file.string())));
+} catch (const ReadError& error) {
+    tell(over, QObject::tr("The restore script could not be read"), qt(error.what()));
+}
+
 }  // namespace
+
+void FileActions::showJournalFolder(const AppModel& model) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(qt(model.journalDirectory().string())));
+}
 
 void FileActions::saveReport(AppModel& model, QWidget* over) {
     if (model.whyNothingReal()) return model.saveReport({});  // there is none, and the model says why
@@ -77,6 +98,7 @@ void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
 }
 
 void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
+    if (isLocked(model.state())) return showKeptScript(model, over);
     const QPointer<QWidget> window = over->window();
     model.makeRestoreScript([window](const std::string& script) {
         if (window) showScript(qt(script), window);

@@ -13,6 +13,7 @@ namespace FileActions {
 void saveReport(AppModel& model, QWidget* over);
 void saveRestoreScript(AppModel& model, QWidget* over);
 void showRestoreScript(AppModel& model, QWidget* over);
+void showJournalFolder(const AppModel& model);
 
 }  // namespace FileActions
 

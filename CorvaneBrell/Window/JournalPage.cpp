@@ -10,7 +10,6 @@
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/HistoryList.h"
 #include "CorvaneBrell/Window/QtText.h"
-#include "CorvaneBrell/Window/ReadingLine.h"
 
 namespace brell {
 
@@ -19,19 +18,16 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
       model_(model),
       restoreAll_(actionButton(tr("Restore All"), "arrow.uturn.backward")),
       summary_(new Paragraph),
-      reading_(new ReadingLine),
-      proof_(new QVBoxLayout),
-      drifted_(new RecordList<DriftedChangeRow>({},
-                                                [this] {
-                                                    auto* row = new DriftedChangeRow(model_);
-                                                    connect(row, &DriftedChangeRow::ticked, this,
-                                                            &JournalPage::showTicks);
-                                                    return row;
-                                                })),
+      drifted_(new RecordList<ChangeRow>({},
+                                         [this] {
+                                             auto* row = new ChangeRow(model_, ChangeRow::Kind::drifted);
+                                             connect(row, &ChangeRow::ticked, this, &JournalPage::showTicks);
+                                             return row;
+                                         })),
       applyAgain_(actionButton(tr("Apply Again"), "arrow.clockwise")),
       driftSection_(driftSection()),
-      active_(new RecordList<ActiveChangeRow>(tr("Active changes"),
-                                              [this] { return new ActiveChangeRow(model_); })),
+      active_(new RecordList<ChangeRow>(tr("Active changes"),
+                                        [this] { return new ChangeRow(model_, ChangeRow::Kind::inForce); })),
       files_(fileActions()),
       history_(new HistoryList(model)) {
     restoreAll_->setAccessibleDescription(tr("Shows every key it will put back and asks first."));
@@ -39,11 +35,10 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
     connect(active_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
     connect(drifted_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
     tools()->addWidget(restoreAll_);
-    content()->addWidget(summary_);
-    content()->addWidget(reading_);
-    content()->addLayout(proof_);
+    setHeadLine(summary_);
     for (QWidget* part : std::initializer_list<QWidget*>{driftSection_, active_, files_, history_})
         content()->addWidget(part);
+    model_.loadAgentDrift();
 }
 
 QWidget* JournalPage::driftSection() {
@@ -90,25 +85,8 @@ QWidget* JournalPage::fileActions() {
 }
 
 void JournalPage::refresh(const Changes& changed) {
-    if (!asked_) model_.loadAgentDrift();
-    asked_ = true;
-    reading_->setActivity(model_.state().readingActivity);
-    if (changed.contains(Topic::notices)) showProof();
     if (changed.contains(Topic::journal)) showChanges();
     if (changed.contains(Topic::history)) history_->refresh();
-}
-
-void JournalPage::showProof() {
-    if (shownProof_ == model_.state().undoProof) return;
-    shownProof_ = model_.state().undoProof;
-    delete proofLine_;
-    proofLine_ = nullptr;
-    if (!shownProof_) return;
-    const UndoProof& proof = *shownProof_;
-    proofLine_ = symbolLine(proof.isComplete ? "checkmark.circle" : "exclamationmark.triangle",
-                            proof.isComplete ? Tone::positive : Tone::caution,
-                            tr("Last undo: %1").arg(qt(proof.words)), this);
-    proof_->addWidget(proofLine_);
 }
 
 void JournalPage::showChanges() {
@@ -129,8 +107,7 @@ void JournalPage::showSummary(std::size_t drifted) {
     QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
     if (drifted > 0) parts << tr("%1 of them no longer in force").arg(drifted);
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
-    summary_->setText(parts.join(", ") + ".");
-    summary_->setVisible(active > 0);
+    summary_->setText(active > 0 ? parts.join(", ") + "." : tr("No active change."));
     if (active > 0) return setEmptyState({});
     if (isLocked())
         setEmptyState(tr("The change journal could not be opened, so there is nothing to show here."));
@@ -160,12 +137,16 @@ std::optional<Uuid> JournalPage::newestActive() const {
     return newest == entries.end() ? std::nullopt : std::optional(newest->id);
 }
 
-DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<std::string> lines,
-                                         bool isNewest) const {
+ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::vector<std::string> lines,
+                                       bool isNewest) const {
+    const std::vector<JournalEntry>& interrupted = model_.state().interrupted;
+    const bool isInterrupted = std::any_of(interrupted.begin(), interrupted.end(),
+                                           [&](const JournalEntry& one) { return one.id == entry.id; });
     return {entry,
             entryTitle(entry, model_.catalog()),
             std::move(lines),
             madeOnAnotherMacOS(entry, model_.macOSVersion()),
+            isInterrupted,
             isNewest,
             isLocked()};
 }
@@ -174,10 +155,10 @@ DriftedChange JournalPage::driftedChange(const JournalEntry& entry, std::vector<
 std::set<Uuid> JournalPage::showDrifted() {
     std::set<Uuid> ids;
     const std::optional<Uuid> newest = newestActive();
-    std::vector<DriftedChange> first;
+    std::vector<ActiveChange> first;
     const auto show = [&](const JournalEntry& entry, const std::vector<std::string>& lines) {
         if (ids.insert(entry.id).second && ids.size() <= drifted_->limit())
-            first.push_back(driftedChange(entry, lines, entry.id == newest));
+            first.push_back(activeChange(entry, lines, entry.id == newest));
     };
     for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
     for (const DriftedEntry* agent : driftedAgents()) show(agent->entry, agent->lines);
@@ -188,18 +169,13 @@ std::set<Uuid> JournalPage::showDrifted() {
 }
 
 void JournalPage::showActive(const std::set<Uuid>& drifted) {
-    const AppState& state = model_.state();
-    std::set<Uuid> interrupted;
-    for (const JournalEntry& entry : state.interrupted) interrupted.insert(entry.id);
     const std::optional<Uuid> newest = newestActive();
     std::vector<ActiveChange> shown;
     std::size_t all = 0;
-    for (const JournalEntry& entry : state.entries) {
+    for (const JournalEntry& entry : model_.state().entries) {
         if (!entry.isActive() || drifted.contains(entry.id)) continue;
         if (all++ < active_->limit())
-            shown.push_back({entry, entryTitle(entry, model_.catalog()),
-                             madeOnAnotherMacOS(entry, model_.macOSVersion()), interrupted.contains(entry.id),
-                             entry.id == newest, isLocked()});
+            shown.push_back(activeChange(entry, changeLines(entry), entry.id == newest));
     }
     active_->setRecords(shown, all);
 }

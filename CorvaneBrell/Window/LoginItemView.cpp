@@ -1,7 +1,6 @@
 #include "CorvaneBrell/Window/LoginItemView.h"
 
 #include <QApplication>
-#include <QPushButton>
 
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/FactList.h"
@@ -21,10 +20,10 @@ RowBadge badgeOf(const ShownLoginItem& item) {
     return {QObject::tr("Off"), "minus.circle", Tone::plain, {}};
 }
 
-std::vector<RowBadge> badgesOf(const ShownLoginItem& item) {
+std::optional<RowBadge> badgeBeside(const ShownLoginItem& item) {
     // The switch says as much.
-    if (item.row.badge == LoginItemBadge::toggleable && !item.change) return {};
-    return {badgeOf(item)};
+    if (item.row.badge == LoginItemBadge::toggleable && !item.change) return std::nullopt;
+    return badgeOf(item);
 }
 
 std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
@@ -41,7 +40,7 @@ std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
         warn(QObject::tr("Risk: %1").arg(qt(label(row.explanation.risk)).toLower()));
     if (row.explanation.isUpdater)
         notices.push_back(
-            {QObject::tr("Updates or security: turning it off costs protection"), "lock", Tone::plain, {}});
+            {QObject::tr("Updates or security: turning it off costs protection"), "shield", Tone::plain, {}});
     if (item.refusal) notices.push_back({qt(*item.refusal), "lock", Tone::plain, {}});
     return notices;
 }
@@ -85,8 +84,10 @@ FactList* factsOf(const LoginItemRow& row) {
 
 }  // namespace
 
-LoginItemView::LoginItemView(AppModel& model, QWidget* parent) : Row({}, parent), model_(model) {
+LoginItemView::LoginItemView(AppModel& model, QWidget* parent)
+    : Row({}, Columns::stateAndControl, parent), model_(model) {
     setDetails([this] { return makeDetails(); });
+    connect(this, &Row::wayBackAsked, this, [this] { model_.askRestore(record_->change->id); });
 }
 
 void LoginItemView::setRecord(const Record& record) {
@@ -95,11 +96,17 @@ void LoginItemView::setRecord(const Record& record) {
     record_ = record;
     setTitle(qt(record.row.title));
     setWhat(qt(record.row.subtitle));
-    setBadges(badgesOf(record));
+    setBadge(badgeBeside(record));
     const bool isOffered = record.row.badge == LoginItemBadge::toggleable;
     setNotices(noticesOf(record));
     showSwitch(isOffered, !record.refusal && !record.isLocked);
+    showWayBack();
     if (detailsColumn_) fillDetails();
+}
+
+void LoginItemView::showWayBack() {
+    if (!record_->change) return setWayBack(std::nullopt);
+    setWayBack(RowWayBack{qt(brell::wayBack(*record_->change)), !record_->isLocked});
 }
 
 // Not what the user is at.
@@ -117,7 +124,7 @@ void LoginItemView::showSwitch(bool isOffered, bool canSwitch) {
     }
     if (!switch_) return;
     switch_->setVisible(isOffered);
-    switch_->setChecked(row.isOn);
+    switch_->setPosition(row.isOn);
     switch_->setEnabled(canSwitch);
     switch_->setAccessibleName(qt(row.title));
     switch_->setAccessibleDescription(
@@ -127,7 +134,7 @@ void LoginItemView::showSwitch(bool isOffered, bool canSwitch) {
 QWidget* LoginItemView::makeDetails() {
     auto* holder = new QWidget;
     detailsColumn_ = new QVBoxLayout(holder);
-    detailsColumn_->setContentsMargins(0, 2, 40, 4);
+    detailsColumn_->setContentsMargins(0, 0, 0, 0);
     fillDetails();
     return holder;
 }
@@ -142,15 +149,6 @@ void LoginItemView::fillDetails() {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(10);
     column->addWidget(factsOf(record_->row));
-    if (record_->change) {
-        const QString leadsTo = qt(wayBack(*record_->change));
-        auto* restore = actionButton(tr("Restore: back to %1").arg(leadsTo), "arrow.uturn.backward");
-        restore->setAccessibleName(tr("Restore %1: back to %2").arg(qt(record_->row.title), leadsTo));
-        restore->setEnabled(!record_->isLocked);
-        connect(restore, &QPushButton::clicked, this,
-                [this, id = record_->change->id] { model_.askRestore(id); });
-        column->addWidget(restore, 0, Qt::AlignLeft);
-    }
     detailsColumn_->addWidget(facts_);
 }
 

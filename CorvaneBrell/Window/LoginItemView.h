@@ -34,6 +34,7 @@ public:
 
 private:
     void showSwitch(bool isOffered, bool canSwitch);
+    void showWayBack();
     QWidget* makeDetails();
     void fillDetails();
 

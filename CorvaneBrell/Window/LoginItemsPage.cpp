@@ -4,7 +4,6 @@
 
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
-#include "CorvaneBrell/Window/ReadingLine.h"
 #include "CorvaneBrell/Window/SearchField.h"
 
 namespace brell {
@@ -13,7 +12,6 @@ LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
       model_(model),
       filter_(searchField(tr("Filter"), tr("Filter the login items"))),
-      reading_(new ReadingLine),
       withoutDatabase_(
           symbolLine("info.circle", Tone::plain,
                      tr("The background task database could not be read, so items that apps added "
@@ -21,11 +19,11 @@ LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
                      nullptr)),
       emptyAction_(addEmptyAction({})) {
     addTools();
-    content()->addWidget(reading_);
-    content()->addWidget(withoutDatabase_);
-    withoutDatabase_->hide();
     addGroups();
+    content()->addWidget(withoutDatabase_);  // below the rows, which it must not move
+    withoutDatabase_->hide();
     connect(emptyAction_, &QPushButton::clicked, this, [this] { takeEmptyAction(); });
+    model_.loadLoginItems();
 }
 
 void LoginItemsPage::addTools() {
@@ -33,7 +31,7 @@ void LoginItemsPage::addTools() {
     auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
     again->setAccessibleName(tr("Refresh the login items"));
     connect(again, &QPushButton::clicked, this, [this] { model_.loadLoginItems(); });
-    content()->addWidget(filter_);
+    setHeadLine(filter_);
     tools()->addWidget(again);
     tools()->addWidget(paneButton(*settingsLink(Screen::loginItems), tr("General, then Login Items")));
 }
@@ -49,9 +47,6 @@ void LoginItemsPage::addGroups() {
 }
 
 void LoginItemsPage::refresh(const Changes& changed) {
-    if (!asked_) model_.loadLoginItems();
-    asked_ = true;
-    reading_->setActivity(model_.state().readingActivity);
     withoutDatabase_->setVisible(model_.state().btmUnavailable);
     if (changed.contains(Topic::loginItems)) collectTexts();
     if (changed.contains(Topic::loginItems) || changed.contains(Topic::journal)) showItems();
@@ -97,7 +92,7 @@ void LoginItemsPage::showItems() {
 
 ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& changes) const {
     const AppState& state = model_.state();
-    ShownLoginItem item{row, std::nullopt, std::nullopt, std::nullopt, state.startupError.has_value()};
+    ShownLoginItem item{row, std::nullopt, std::nullopt, std::nullopt, isLocked(state)};
     // What is not the user's own may have the same label.
     if (!row.record || row.record->scope != AgentScope::user) return item;
     if (!row.record->label() && !row.record->plist.leadsTo) return item;

@@ -11,8 +11,6 @@
 
 namespace brell {
 
-class ReadingLine;
-
 class LoginItemsPage final : public Page {
     Q_OBJECT
 public:
@@ -38,9 +36,7 @@ private:
     void takeEmptyAction();
 
     AppModel& model_;
-    bool asked_ = false;
     QLineEdit* filter_;
-    ReadingLine* reading_;
     QWidget* withoutDatabase_;
     QPushButton* emptyAction_;
     std::vector<std::pair<LoginItemBadge, Group*>> groups_;

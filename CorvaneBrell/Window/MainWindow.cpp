@@ -13,9 +13,10 @@
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/Appearance.h"
+#include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/JournalPage.h"
 #include "CorvaneBrell/Window/LoginItemsPage.h"
-#include "CorvaneBrell/Window/NoticeBars.h"
+#include "CorvaneBrell/Window/NoticeBar.h"
 #include "CorvaneBrell/Window/PrivacyPage.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SearchPage.h"
@@ -23,6 +24,8 @@
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 #include "CorvaneBrell/Window/SpotlightPage.h"
+#include "CorvaneBrell/Window/Stillness.h"
+#include "CorvaneBrell/Window/Strip.h"
 #include "CorvaneBrell/Window/TabOrder.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 
@@ -31,7 +34,7 @@ namespace brell {
 namespace {
 
 constexpr QSize smallest(820, 560);
-constexpr QSize usual(1040, 720);
+constexpr QSize usual(1100, 760);
 
 Changes everything() {
     Changes all;
@@ -42,7 +45,8 @@ Changes everything() {
 // Questions, and news of something that went wrong: a window that is about to close stays open for new ones.
 std::set<std::string> keepsWindowOpen(const AppState& state) {
     std::set<std::string> news(state.recoveryFailures.begin(), state.recoveryFailures.end());
-    if (state.errorMessage) news.insert(*state.errorMessage);
+    for (const auto* error : {&state.errorMessage, &state.journalError})
+        if (*error) news.insert(**error);
     if (state.driftRequest) news.insert(state.driftRequest->id.text());
     // Its first line tells how many changes were made.
     if (state.presetReport.size() > 1) news.insert(state.presetReport.begin(), state.presetReport.end());
@@ -63,18 +67,21 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     : QMainWindow(parent),
       model_(model),
       sidebar_(new Sidebar(model)),
-      bars_(new NoticeBars(model)),
       stack_(new QStackedWidget),
+      strip_(new Strip(model)),
       sheets_(new SheetPresenter(model, this)),
       refresh_(new QTimer(this)) {
     setWindowTitle(brell::windowTitle(model));
     setMinimumSize(smallest);
+    auto* center = new QWidget;
+    strip_->setParent(
+        center);  // first: in the circle of the Tab key it comes behind the pages, which are made later
     auto* right = new QVBoxLayout;
     right->setContentsMargins(0, 0, 0, 0);
     right->setSpacing(0);
-    right->addWidget(bars_);
+    if (model.state().startupError) right->addWidget(startupError());
     right->addWidget(stack_, 1);
-    auto* center = new QWidget;
+    right->addWidget(strip_);
     auto* line = new QHBoxLayout(center);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(0);
@@ -95,10 +102,26 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     model.setObserver([this](Topic topic) { modelChanged(topic); });
     refreshNow();
     sidebar_->pages().setFocus();
+    new Stillness(this);
 }
 
 MainWindow::~MainWindow() {
     model_.setObserver(nullptr);
+}
+
+// Alone at the head, because nothing works until it is dealt with; it is there before anything else is.
+QWidget* MainWindow::startupError() {
+    auto* holder = new QWidget;
+    auto* column = new QVBoxLayout(PageColumn::in(holder));
+    column->setContentsMargins(PageColumn::margin, 14, PageColumn::margin, 0);
+    auto* bar = new NoticeBar(tr("Journal problem"), qt(*model_.state().startupError), "xmark.circle",
+                              Tone::critical);
+    column->addWidget(bar);
+    connect(bar->addAction(tr("Show in Finder")), &QPushButton::clicked, this,
+            [this] { FileActions::showJournalFolder(model_); });
+    connect(bar->addAction(tr("Show Restore Script")), &QPushButton::clicked, this,
+            [this] { FileActions::showRestoreScript(model_, this); });
+    return holder;
 }
 
 Page* MainWindow::currentPage() const {
@@ -120,7 +143,7 @@ void MainWindow::refreshNow() {
     if (!searching || static_cast<int>(model_.state().screen) != sidebar_->pages().currentRow())
         showScreen(model_.state().screen);
     sidebar_->refresh();
-    bars_->refresh();
+    strip_->refresh();
     refreshMenus();
     Page* shown = currentPage();
     Changes& changes = stale_.at(shown);
@@ -131,7 +154,12 @@ void MainWindow::refreshNow() {
 
 void MainWindow::showScreen(Screen screen) {
     if (!sidebar_->search().text().isEmpty()) sidebar_->search().clear();
-    stack_->setCurrentWidget(page(screen));
+    showPage(page(screen));
+}
+
+void MainWindow::showPage(Page* page) {
+    stack_->setCurrentWidget(page);
+    sidebar_->setSearching(page == searchPage_);
 }
 
 Page* MainWindow::page(Screen screen) {
@@ -185,21 +213,26 @@ void MainWindow::focusSearch() {
 // Without words the page that was left is shown again, at the place where it was.
 void MainWindow::search(const QString& query) {
     if (query.trimmed().isEmpty()) {
-        stack_->setCurrentWidget(page(model_.state().screen));
+        showPage(page(model_.state().screen));
         return refreshNow();
     }
     if (!searchPage_) {
         searchPage_ = new SearchPage(model_);
         stale_[searchPage_] = everything();
         stack_->addWidget(searchPage_);
-        connect(searchPage_, &SearchPage::screenAsked, this, [this](Screen screen) {
-            sidebar_->search().clear();
-            model_.show(screen);
-        });
+        connect(searchPage_, &SearchPage::screenAsked, this, &MainWindow::goTo);
     }
     searchPage_->setQuery(query);
-    stack_->setCurrentWidget(searchPage_);
+    showPage(searchPage_);
     refreshNow();
+}
+
+// The page that was chosen has the focus, as the one that is clicked in the sidebar leads to it with Return.
+void MainWindow::goTo(Screen screen) {
+    sidebar_->search().clear();
+    model_.show(screen);
+    refreshNow();
+    enterPage();
 }
 
 void MainWindow::enterPage() {

@@ -1,4 +1,4 @@
-// The window: the sidebar, the bars, one page, and the menus.
+// The window: the sidebar, one page, the strip at its foot, and the menus.
 #pragma once
 
 #include <QMainWindow>
@@ -12,10 +12,10 @@ class QTimer;
 namespace brell {
 
 class AppModel;
-class NoticeBars;
 class SearchPage;
 class SheetPresenter;
 class Sidebar;
+class Strip;
 class TweakPage;
 
 class MainWindow final : public QMainWindow {
@@ -28,7 +28,7 @@ public:
 
     AppModel& model() const { return model_; }
     Sidebar& sidebar() const { return *sidebar_; }
-    NoticeBars& bars() const { return *bars_; }
+    Strip& strip() const { return *strip_; }
     SheetPresenter& sheets() const { return *sheets_; }
     Page* currentPage() const;
     std::size_t pagesBuilt() const { return pages_.size(); }
@@ -48,11 +48,15 @@ protected:
 
 private:
     void modelChanged(Topic topic);
+    void goTo(Screen screen);
     void showScreen(Screen screen);
+    void showPage(Page* page);
     void search(const QString& query);
     void enterPage();
     Page* page(Screen screen);
     Page* makePage(Screen screen);
+
+    QWidget* startupError();
 
     void makeMenus();
     void makeFileMenu();
@@ -63,8 +67,8 @@ private:
 
     AppModel& model_;
     Sidebar* sidebar_;
-    NoticeBars* bars_;
     QStackedWidget* stack_;
+    Strip* strip_;
     SearchPage* searchPage_ = nullptr;  // made by the first search
     SheetPresenter* sheets_;
     QTimer* refresh_;

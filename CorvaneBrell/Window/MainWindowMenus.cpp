@@ -6,13 +6,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QUrl>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Version.h"
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/MainWindow.h"
+#include "CorvaneBrell/Window/Message.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Sidebar.h"
@@ -23,14 +23,10 @@ namespace brell {
 namespace {
 
 void about(QWidget* window) {
-    auto* box = new QMessageBox(QMessageBox::NoIcon, MainWindow::tr("About Corvane Brell"),
-                                MainWindow::tr("Corvane Brell %1").arg(QApplication::applicationVersion()),
-                                QMessageBox::Ok, window);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setInformativeText(MainWindow::tr(
-        "Changes hidden preferences and switches your own LaunchAgents off and on. What a key held "
-        "before is saved before anything is written, and every change can be undone exactly."));
-    box->open();
+    tell(window, MainWindow::tr("Corvane Brell %1").arg(QApplication::applicationVersion()),
+         MainWindow::tr(
+             "Changes hidden preferences and switches your own LaunchAgents off and on. What a key held "
+             "before is saved before anything is written, and every change can be undone exactly."));
 }
 
 }  // namespace
@@ -69,10 +65,7 @@ void MainWindow::makeViewMenu() {
     QMenu* menu = menuBar()->addMenu(tr("View"));
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) {
         const auto screen = static_cast<Screen>(i);
-        QAction* action = menu->addAction(label(qt(title(screen))), this, [this, screen] {
-            sidebar_->search().clear();
-            model_.show(screen);
-        });
+        QAction* action = menu->addAction(label(qt(title(screen))), this, [this, screen] { goTo(screen); });
         if (i < 9) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(i + 1)));
     }
     menu->addSeparator();
@@ -85,8 +78,8 @@ void MainWindow::makeViewMenu() {
 void MainWindow::makeOtherMenus() {
     QMenu* changes = menuBar()->addMenu(tr("Changes"));
     restoreAll_ = changes->addAction(tr("Restore All..."), this, [this] { model_.askRestoreAll(); });
-    ofTheJournal_.push_back(changes->addAction(tr("Show Restore Script"), this,
-                                               [this] { FileActions::showRestoreScript(model_, this); }));
+    changes->addAction(tr("Show Restore Script"), this,
+                       [this] { FileActions::showRestoreScript(model_, this); });
 
     QMenu* window = menuBar()->addMenu(tr("Window"));
     window->addAction(tr("Minimize"), QKeySequence(tr("Ctrl+M")), this, &QWidget::showMinimized);
@@ -95,9 +88,8 @@ void MainWindow::makeOtherMenus() {
     QMenu* help = menuBar()->addMenu(tr("Help"));
     QAction* aboutAction = help->addAction(tr("About Corvane Brell"), this, [this] { about(this); });
     aboutAction->setMenuRole(QAction::AboutRole);
-    help->addAction(tr("Open the Journal's Folder"), this, [this] {
-        QDesktopServices::openUrl(QUrl::fromLocalFile(qt(model_.journalDirectory().string())));
-    });
+    help->addAction(tr("Open the Journal's Folder"), this,
+                    [this] { FileActions::showJournalFolder(model_); });
     const QFileInfo licenses(QApplication::applicationDirPath() + "/../Resources/Licenses.txt");
     if (licenses.exists())  // as in the bundle that users get
         help->addAction(tr("Licenses of the Libraries in Brell"), this, [licenses] {
@@ -108,12 +100,14 @@ void MainWindow::makeOtherMenus() {
 // "Undo Hide the Dock automatically", grey when there is nothing to undo.
 void MainWindow::refreshMenus() {
     const AppState& state = model_.state();
-    const SessionChange* last = state.startupError ? nullptr : state.undo.next();
+    constexpr qsizetype longestName = 60;
+    const bool isOpen = !isLocked(state);
+    const SessionChange* last = isOpen ? state.undo.next() : nullptr;
     undo_->setEnabled(last && !state.changeActivity);
-    undo_->setText(last ? tr("Undo %1").arg(label(qt(last->name))) : tr("Undo"));
-    for (QAction* action : ofTheJournal_) action->setEnabled(!state.startupError);
+    undo_->setText(last ? tr("Undo %1").arg(label(inBrief(qt(last->name), longestName))) : tr("Undo"));
+    for (QAction* action : ofTheJournal_) action->setEnabled(isOpen);
     changedOnlyAction_->setEnabled(qobject_cast<TweakPage*>(currentPage()));
-    restoreAll_->setEnabled(model_.changedCount(Screen::journal) > 0 && !state.startupError);
+    restoreAll_->setEnabled(model_.changedCount(Screen::journal) > 0 && isOpen);
 }
 
 }  // namespace brell

@@ -9,36 +9,31 @@
 
 namespace brell {
 
-NoticeBar::NoticeBar(const QString& name, const QString& symbol, Tone tone, QWidget* parent)
-    : QFrame(parent), tone_(tone), text_(new SelectableText(name)), line_(new QHBoxLayout(this)) {
-    line_->setContentsMargins(14, 9, 10, 9);
-    line_->setSpacing(10);
-    line_->addWidget(new SymbolView(utf8(symbol), tone, 18), 0, Qt::AlignVCenter);
-    line_->addWidget(text_, 1, Qt::AlignVCenter);
+NoticeBar::NoticeBar(const QString& name, const QString& words, const QString& symbol, Tone tone,
+                     QWidget* parent)
+    : QFrame(parent), tone_(tone), text_(new SelectableText(name)), actions_(new QHBoxLayout) {
+    auto* line = new QHBoxLayout(this);
+    line->setContentsMargins(14, 9, 10, 9);
+    line->setSpacing(10);
+    line->addWidget(new SymbolView(utf8(symbol), tone, 18), 0, Qt::AlignTop);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(8);
+    column->addWidget(text_);
+    column->addLayout(actions_);
+    line->addLayout(column, 1);
+    actions_->setSpacing(8);
+    actions_->addStretch(1);
+    text_->setPlainText(words);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-    hide();
 }
 
-void NoticeBar::setWords(const QString& words) {
-    if (words != words_) {
-        words_ = words;
-        text_->setPlainText(words);
-        if (!heading_.isEmpty()) insertHeading();
-    }
-    setVisible(!words.isEmpty());
-}
-
-void NoticeBar::insertHeading() {
-    QTextCharFormat bold;
-    bold.setFontWeight(QFont::DemiBold);
-    QTextCursor cursor(text_->document());
-    cursor.insertText(heading_, bold);
-    cursor.insertBlock({}, {});
+QString NoticeBar::words() const {
+    return text_->toPlainText();
 }
 
 QPushButton* NoticeBar::addAction(const QString& text) {
     QPushButton* button = actionButton(text);
-    line_->addWidget(button, 0, Qt::AlignVCenter);
+    actions_->insertWidget(actions_->count() - 1, button);
     return button;
 }
 

@@ -13,8 +13,7 @@ namespace brell {
 
 namespace {
 
-constexpr int margin = 24;
-constexpr int widestColumn = 920;
+using PageColumn::margin;
 
 // A scroll area whose content never scrolls sideways and leaves its colour to the window.
 QScrollArea* plainScrollArea() {
@@ -29,6 +28,15 @@ QScrollArea* plainScrollArea() {
 
 }  // namespace
 
+QWidget* PageColumn::in(QWidget* parent) {
+    auto* column = new QWidget;
+    column->setMaximumWidth(widest);
+    auto* line = new QHBoxLayout(parent);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(column);
+    return column;
+}
+
 Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     : QWidget(parent),
       tools_(new QHBoxLayout),
@@ -42,12 +50,16 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     titles->setSpacing(2);
     titles->addWidget(new Paragraph(title, Paragraph::Look::title));
     titles->addWidget(new Paragraph(purpose, Paragraph::Look::secondary));
-    auto* head = new QHBoxLayout;
-    head->setContentsMargins(margin, 16, margin, 10);
-    head->setSpacing(12);
-    head->addLayout(titles, 1);
-    head->addLayout(tools_);
+    auto* titleLine = new QHBoxLayout;
+    titleLine->setSpacing(12);
+    titleLine->addLayout(titles, 1);
+    titleLine->addLayout(tools_);
     tools_->setSpacing(8);
+    auto* head = new QWidget;
+    headColumn_ = new QVBoxLayout(PageColumn::in(head));
+    headColumn_->setContentsMargins(margin, 16, margin, 10);
+    headColumn_->setSpacing(10);
+    headColumn_->addLayout(titleLine);
 
     emptyColumn_->setContentsMargins(8, 24, 8, 24);
     emptyColumn_->setSpacing(12);
@@ -55,7 +67,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     empty_->hide();
 
     auto* column = new QWidget;
-    column->setMaximumWidth(widestColumn);
+    column->setMaximumWidth(PageColumn::widest);
     rows_ = new QVBoxLayout(column);
     rows_->setContentsMargins(margin, 4, margin, margin);
     rows_->setSpacing(0);
@@ -68,19 +80,13 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     line_ = new QHBoxLayout(holder);
     line_->setContentsMargins(0, 0, 0, 0);
     line_->addWidget(column);
-    holder->setAutoFillBackground(false);
     scroll_->setWidget(holder);
     holder->setAutoFillBackground(false);
 
-    auto* headHolder = new QWidget;
-    headHolder->setMaximumWidth(widestColumn);
-    headHolder->setLayout(head);
-    auto* headLine = new QHBoxLayout;
-    headLine->addWidget(headHolder);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
-    all->addLayout(headLine);
+    all->addWidget(head);
     all->addWidget(scroll_, 1);
     new TabOrder(this, holder);
     connect(scroll_->verticalScrollBar(), &QScrollBar::rangeChanged, this, [this] { alignColumn(); });
@@ -91,7 +97,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
 void Page::alignColumn() {
     const QScrollBar* bar = scroll_->verticalScrollBar();
     const int taken = bar->maximum() > 0 ? bar->sizeHint().width() : 0;
-    const bool isInTheMiddle = scroll_->width() >= widestColumn + taken;
+    const bool isInTheMiddle = scroll_->width() >= PageColumn::widest + taken;
     rows_->setContentsMargins(margin, 4, isInTheMiddle ? margin : margin - std::min(taken, margin), margin);
     line_->setContentsMargins(isInTheMiddle ? taken : 0, 0, 0, 0);
 }
@@ -99,6 +105,10 @@ void Page::alignColumn() {
 void Page::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     alignColumn();
+}
+
+void Page::setHeadLine(QWidget* line) {
+    headColumn_->addWidget(line);
 }
 
 void Page::setEmptyState(const QString& sentence) {

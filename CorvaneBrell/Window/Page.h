@@ -15,6 +15,7 @@ namespace brell {
 
 using Changes = std::set<Topic>;
 
+// Made when it is first shown.
 class Page : public QWidget {
     Q_OBJECT
 public:
@@ -28,6 +29,8 @@ public:
 
 protected:
     QHBoxLayout* tools() { return tools_; }
+    // Below the title, where it stays while the content scrolls. At most one.
+    void setHeadLine(QWidget* line);
     QVBoxLayout* content() { return content_; }
 
     // Shows this sentence, with its reason, instead of content; an empty one hides it. The button is shown
@@ -40,6 +43,7 @@ protected:
 private:
     void alignColumn();
 
+    QVBoxLayout* headColumn_;
     QHBoxLayout* tools_;
     QVBoxLayout* content_;
     QScrollArea* scroll_;
@@ -49,6 +53,14 @@ private:
     Paragraph* emptyText_;
     QVBoxLayout* emptyColumn_;
 };
+
+// The column in which pages, and what is told beside them, have their content.
+namespace PageColumn {
+inline constexpr int margin = 24;
+inline constexpr int widest = 920;  // with the margins
+// In the middle of the parent, which gets a layout for it.
+QWidget* in(QWidget* parent);
+}  // namespace PageColumn
 
 // A heading between the cards of a page.
 Paragraph* sectionHeading(const QString& text);

@@ -1,9 +1,9 @@
 #include "CorvaneBrell/Window/PaneButton.h"
 
-#include <QMessageBox>
 #include <QPointer>
 
 #include "CorvaneBrell/Platform/SettingsPanes.h"
+#include "CorvaneBrell/Window/Message.h"
 #include "CorvaneBrell/Window/Page.h"
 
 namespace brell {
@@ -11,12 +11,8 @@ namespace brell {
 namespace {
 
 void sayThatItDidNotOpen(QWidget* from, const QString& way) {
-    auto* box = new QMessageBox(QMessageBox::Information, QObject::tr("System Settings did not open"),
-                                QObject::tr("System Settings could not be opened from here."),
-                                QMessageBox::Ok, from->window());
-    box->setInformativeText(QObject::tr("On a Mac, open System Settings and choose %1.").arg(way));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    tell(from, QObject::tr("System Settings could not be opened from here"),
+         QObject::tr("On a Mac, open System Settings and choose %1.").arg(way));
 }
 
 }  // namespace

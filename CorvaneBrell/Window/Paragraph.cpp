@@ -17,12 +17,18 @@ QFont fontFor(Paragraph::Look look, QFont font) {
     const double size = font.pointSizeF();
     switch (look) {
         case Paragraph::Look::body: break;
+        case Paragraph::Look::bodySmall:
         case Paragraph::Look::secondary: font.setPointSizeF(size * 0.92); break;
+        case Paragraph::Look::small: font.setPointSizeF(size * 0.86); break;
         case Paragraph::Look::title:
             font.setPointSizeF(size * 1.6);
             font.setWeight(QFont::DemiBold);
             break;
         case Paragraph::Look::heading: font.setWeight(QFont::DemiBold); break;
+        case Paragraph::Look::rowTitle:
+            font.setPointSizeF(size * 1.08);
+            font.setWeight(QFont::DemiBold);
+            break;
         case Paragraph::Look::monospace:
             font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
             font.setPointSizeF(size * 0.92);
@@ -52,16 +58,44 @@ QString onLines(QString text) {
     return text.replace('\n', QChar::LineSeparator);
 }
 
+bool beginsWord(const QString& text, qsizetype place) {
+    return place == 0 || !text[place - 1].isLetterOrNumber();
+}
+
+QList<QTextLayout::FormatRange> rangesOf(const QStringList& words, const QString& text,
+                                         const QColor& ground) {
+    QTextCharFormat marked;
+    marked.setBackground(ground);
+    QList<QTextLayout::FormatRange> ranges;
+    for (const QString& word : words)
+        for (qsizetype place = text.indexOf(word, 0, Qt::CaseInsensitive); place >= 0;
+             place = text.indexOf(word, place + 1, Qt::CaseInsensitive))
+            if (beginsWord(text, place))
+                ranges.append({static_cast<int>(place), static_cast<int>(word.size()), marked});
+    return ranges;
+}
+
 }  // namespace
 
-Paragraph::Paragraph(const QString& text, Look look, QWidget* parent) : QLabel(text, parent), look_(look) {
+Paragraph::Paragraph(const QString& text, Look look, QWidget* parent) : QLabel(parent), look_(look) {
     setTextFormat(Qt::PlainText);
+    setText(text);
     setWordWrap(true);
     setFont(fontFor(look, font()));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
+}
+
+void Paragraph::setText(const QString& text) {
+    QLabel::setText(text.size() <= longest ? text : text.left(longest) + "…");
+}
+
+void Paragraph::mark(const QStringList& words) {
+    if (words == marks_) return;
+    marks_ = words;
+    update();
 }
 
 QSizeF Paragraph::measured(int width) const {
@@ -73,7 +107,14 @@ QSizeF Paragraph::measured(int width) const {
     const auto known = sizes_.find(width);
     if (known != sizes_.end()) return known->second;
     QTextLayout layout(onLines(text()), font());
-    return sizes_[width] = laidOut(layout, width);
+    const QSizeF size = laidOut(layout, std::max(width - overhang(), 1));
+    return sizes_[width] = size + QSizeF(overhang(), 0);
+}
+
+// In large type some letters, as the J of many fonts, begin to the left of where they stand.
+int Paragraph::overhang() const {
+    if (look_ != Look::title || text().isEmpty()) return 0;
+    return static_cast<int>(std::ceil(std::max(0.0, -QFontMetricsF(font()).leftBearing(text().front()))));
 }
 
 int Paragraph::heightForWidth(int width) const {
@@ -91,12 +132,12 @@ QSize Paragraph::minimumSizeHint() const {
 
 void Paragraph::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const bool quiet = look_ == Look::secondary || look_ == Look::monospace;
-    painter.setPen(quiet ? Appearance::secondaryText(palette())
-                         : palette().color(QPalette::Active, QPalette::WindowText));
+    painter.setPen(isQuiet() ? Appearance::secondaryText(palette())
+                             : palette().color(QPalette::Active, QPalette::WindowText));
     QTextLayout layout(onLines(text()), font());
-    laidOut(layout, std::max(width(), 1));
-    layout.draw(&painter, {0, 0});
+    if (!marks_.isEmpty()) layout.setFormats(rangesOf(marks_, text(), Appearance::marked(palette())));
+    laidOut(layout, std::max(width() - overhang(), 1));
+    layout.draw(&painter, QPointF(overhang(), 0));
 }
 
 }  // namespace brell

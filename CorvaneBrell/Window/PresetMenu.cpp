@@ -1,10 +1,10 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 
-#include <QFileDialog>
 #include <QInputDialog>
-#include <QMessageBox>
 
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Window/FileDialog.h"
+#include "CorvaneBrell/Window/Message.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
 
@@ -13,19 +13,11 @@ namespace brell {
 namespace {
 
 QFileDialog* presetDialog(QWidget* window, const QString& title, QFileDialog::AcceptMode mode) {
-    auto* dialog = new QFileDialog(window, title);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    auto* dialog = fileDialog(window, title);
     dialog->setAcceptMode(mode);
     dialog->setDefaultSuffix(qt(PresetFile::extension.substr(1)));
     dialog->setNameFilter(QMenu::tr("Brell presets (*%1)").arg(qt(PresetFile::extension)));
     return dialog;
-}
-
-void tell(QWidget* window, const QString& title, const QString& text) {
-    auto* box = new QMessageBox(QMessageBox::NoIcon, title, title, QMessageBox::Ok, window);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setInformativeText(text);
-    box->open();
 }
 
 QString leftOutText(const ActivePreset& active) {
@@ -56,14 +48,15 @@ PresetMenu::PresetMenu(AppModel& model, QWidget* parent) : QMenu(tr("Presets"), 
     setToolTipsVisible(true);
     for (const Preset& preset : Presets::shipped()) {
         QAction* action = addAction(label(qt(preset.name)) + "...");
-        action->setToolTip(qt(preset.summary));
+        action->setToolTip(plainTip(qt(preset.summary)));
         connect(action, &QAction::triggered, this, [&model, &preset] { model.askPreset(preset); });
     }
     addSeparator();
     const auto ofTheJournal = [&](const QString& text, void (*act)(AppModel&, QWidget*)) {
         QAction* action =
             addAction(text, this, [&model, this, act] { act(model, parentWidget()->window()); });
-        action->setEnabled(!model.state().startupError);
+        connect(this, &QMenu::aboutToShow, action,
+                [&model, action] { action->setEnabled(!isLocked(model.state())); });
     };
     ofTheJournal(tr("Import Preset..."), importPreset);
     ofTheJournal(tr("Export Preset..."), exportActivePreset);

@@ -11,7 +11,7 @@
 namespace brell {
 
 PrivacyCardRow::PrivacyCardRow(AppModel& model, const PrivacyCard& card, QWidget* parent)
-    : Row(qt(card.title), parent), model_(model), card_(card) {
+    : Row(qt(card.title), Columns::control, parent), model_(model), card_(card) {
     setObjectName(qt(card.id));
     setWhat(tr("%1\nWho needs it: %2\nWhat to look for: %3")
                 .arg(qt(card.meaning), qt(card.whoNeedsIt), qt(card.whatToLookFor)));
@@ -37,16 +37,12 @@ void PrivacyCardRow::refresh() {
         notices.push_back({tr("Link not confirmed on this macOS"), "info.circle", Tone::plain, {}});
     setNotices(notices);
     reviewed_->setAccessibleDescription(state);
-    reviewed_->setEnabled(!model_.state().startupError);
+    reviewed_->setEnabled(!isLocked(model_.state()));
 }
 
 PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::privacy)), qt(purpose(Screen::privacy)), parent), tweaks_(new TweakList(model)) {
-    std::vector<const Tweak*> tweaks;
-    for (const Tweak* tweak : model.offeredTweaks())
-        if (tweak->group == TweakGroup::privacy) tweaks.push_back(tweak);
-    tweaks_->show(tweaks);
-    tweaks_->setVisible(!tweaks.empty());
+    tweaks_->show(tweaksOf(model, TweakGroup::privacy));
     content()->addWidget(tweaks_);
 
     content()->addWidget(sectionHeading(tr("To review by hand")));
@@ -60,7 +56,7 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
 
 void PrivacyPage::refresh(const Changes& changed) {
     tweaks_->refresh();
-    if (changed.contains(Topic::privacy))
+    if (changed.contains(Topic::privacy) || changed.contains(Topic::journal))
         for (PrivacyCardRow* card : cards_) card->refresh();
 }
 

@@ -23,6 +23,19 @@ inline std::string utf8(const QString& text) {
     return text.toStdString();
 }
 
+// For tool tips, which take a text for HTML when it looks like it.
+inline QString plainTip(const QString& text) {
+    constexpr qsizetype longest = 1000;
+    if (text.isEmpty()) return text;
+    return "<p>" + text.left(longest).toHtmlEscaped().replace('\n', "<br>") + "</p>";
+}
+
+// As long as a menu or a list has room for: of a longer text the beginning and the end.
+inline QString inBrief(const QString& text, qsizetype longest) {
+    if (text.size() <= longest) return text;
+    return text.left(longest / 2) + "…" + text.right(longest - longest / 2 - 1);
+}
+
 // For buttons and menus, where "&" would otherwise underline a letter.
 inline QString label(QString text) {
     return text.replace("&", "&&");

@@ -1,29 +1,40 @@
 #include "CorvaneBrell/Window/Row.h"
 
+#include <QBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
 
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Symbol.h"
+#include "CorvaneBrell/Window/TabOrder.h"
 
 namespace brell {
 
 namespace {
 
-constexpr int symbolPoints = 15;
+constexpr int symbolPoints = 15, badgePoints = 14;
 
-// A word or two on a tinted ground.
+bool isLoud(Tone tone) {
+    return tone == Tone::caution || tone == Tone::critical;
+}
+
+// A word or two, on a tinted ground where they ask for attention. What the control says as well is quiet.
 class BadgeView final : public QFrame {
 public:
     BadgeView(const RowBadge& badge, QWidget* parent) : QFrame(parent), tone_(badge.tone) {
         auto* line = new QHBoxLayout(this);
-        line->setContentsMargins(7, 3, 9, 3);
+        line->setContentsMargins(isLoud(tone_) ? 6 : 0, 1, isLoud(tone_) ? 7 : 0, 1);
         line->setSpacing(5);
-        line->addWidget(new SymbolView(utf8(badge.symbol), badge.tone, symbolPoints));
-        auto* text = new Paragraph(badge.text, Paragraph::Look::body);
+        line->addWidget(new SymbolView(utf8(badge.symbol), tone_, badgePoints));
+        auto* text = new Paragraph(badge.text,
+                                   isLoud(tone_) ? Paragraph::Look::bodySmall : Paragraph::Look::secondary);
         text->setMinimumWidth(text->sizeHint().width());
         line->addWidget(text);
-        setToolTip(badge.help);
+        setToolTip(plainTip(badge.help));
         setAccessibleName(badge.text);
         setAccessibleDescription(badge.help);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -31,27 +42,17 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
+        if (!isLoud(tone_)) return;
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(Appearance::tinted(tone_, palette()));
-        painter.drawRoundedRect(rect(), 7, 7);
+        painter.drawRoundedRect(rect(), 6, 6);
     }
 
 private:
     Tone tone_;
 };
-
-QToolButton* arrowButton() {
-    auto* arrow = new QToolButton;
-    arrow->setAutoRaise(true);
-    arrow->setIcon(symbolIcon("chevron.right"));
-    arrow->setIconSize({14, 14});
-    arrow->setMinimumSize(28, 28);
-    arrow->setFocusPolicy(Qt::StrongFocus);
-    arrow->hide();
-    return arrow;
-}
 
 }  // namespace
 
@@ -65,41 +66,57 @@ QWidget* symbolLine(const QString& symbol, Tone tone, const QString& text, QWidg
     return holder;
 }
 
-Row::Row(const QString& title, QWidget* parent)
+QToolButton* quietButton(const QString& symbol, QWidget* parent) {
+    constexpr int side = 28;
+    auto* button = new QToolButton(parent);
+    button->setAutoRaise(true);
+    button->setIcon(symbolIcon(utf8(symbol)));
+    button->setIconSize({16, 16});
+    button->setFixedSize(side, side);
+    button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+// Once its place is known.
+void scrollIntoView(QWidget* opened) {
+    constexpr int margin = 12;
+    QTimer::singleShot(0, opened, [opened] {
+        QWidget* above = opened->parentWidget();
+        while (above && !qobject_cast<QScrollArea*>(above)) above = above->parentWidget();
+        const auto* scroll = qobject_cast<QScrollArea*>(above);
+        if (!scroll || opened->isHidden()) return;
+        scroll->widget()->layout()->activate();
+        const int top = opened->mapTo(scroll->widget(), QPoint()).y() - margin;
+        const int bottom = top + opened->height() + 2 * margin;
+        QScrollBar* bar = scroll->verticalScrollBar();
+        const int seen = scroll->viewport()->height();
+        if (bottom > bar->value() + seen) bar->setValue(std::min(top, bottom - seen));
+    });
+}
+
+Row::Row(const QString& title, Columns columns, QWidget* parent)
     : QFrame(parent),
-      titleText_(new Paragraph({}, Paragraph::Look::heading)),
+      titleText_(new Paragraph({}, Paragraph::Look::rowTitle)),
       what_(new Paragraph({}, Paragraph::Look::secondary)),
-      badges_(new QHBoxLayout),
-      head_(new QHBoxLayout),
-      texts_(new QVBoxLayout),
-      column_(new QVBoxLayout(this)),
-      arrow_(arrowButton()) {
-    column_->setContentsMargins(16, 11, 12, 11);
-    column_->setSpacing(8);
-    column_->addLayout(head_);
-    head_->setSpacing(10);
-    texts_->setSpacing(3);
-    texts_->addStretch(1);  // beside a higher control the texts stay together
-    texts_->addWidget(titleText_);
-    texts_->addWidget(what_);
-    texts_->addStretch(1);
-    badges_->setSpacing(6);
-    auto* middle = new QVBoxLayout;  // the texts stay together beside a control that is higher
-    middle->addStretch(1);
-    middle->addLayout(texts_);
-    middle->addStretch(1);
-    head_->addLayout(middle, 1);
-    head_->addLayout(badges_);
-    head_->setAlignment(badges_, Qt::AlignVCenter);
-    head_->addWidget(arrow_, 0, Qt::AlignVCenter);
+      arrow_(quietButton("chevron.right", this)),
+      words_(new QVBoxLayout),
+      layout_(new RowLayout(this)) {
+    using Part = RowLayout::Part;
+    layout_->setHasState(columns == Columns::stateAndControl);
+    words_->setContentsMargins(0, 0, 0, 0);
+    words_->setSpacing(2);
+    words_->addWidget(what_);
+    layout_->put(Part::title, titleText_);
+    layout_->put(Part::words, words_);
+    layout_->put(Part::arrow, arrow_);
     what_->hide();
+    arrow_->hide();
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-    connect(arrow_, &QToolButton::clicked, this, [this] { setOpen(!isOpen()); });
+    connect(arrow_, &QToolButton::clicked, this, &Row::toggle);
     setTitle(title);
 }
 
 void Row::setTitle(const QString& title) {
-    title_ = title;
     titleText_->setText(title);
     setAccessibleName(title);
     arrow_->setAccessibleName(tr("Details of %1").arg(title));
@@ -110,14 +127,22 @@ void Row::setWhat(const QString& text) {
     what_->setVisible(!text.isEmpty());
 }
 
-void Row::setBadges(const std::vector<RowBadge>& badges) {
-    if (badges == shownBadges_) return;
-    shownBadges_ = badges;
-    while (QLayoutItem* item = badges_->takeAt(0)) {
-        delete item->widget();
-        delete item;
+void Row::setNotes(const QString& text) {
+    if (!notes_ && text.isEmpty()) return;
+    if (!notes_) {
+        notes_ = new Paragraph({}, Paragraph::Look::small, this);
+        layout_->put(RowLayout::Part::notes, notes_);
     }
-    for (const RowBadge& badge : badges) badges_->addWidget(new BadgeView(badge, this));
+    notes_->setText(text);
+    notes_->setVisible(!text.isEmpty());
+}
+
+void Row::setBadge(const std::optional<RowBadge>& badge) {
+    if (badge == shownBadge_) return;
+    shownBadge_ = badge;
+    auto* view = badge ? new BadgeView(*badge, this) : nullptr;
+    layout_->put(RowLayout::Part::badge, view);
+    if (view) view->show();
 }
 
 void Row::setNotice(const QString& text, const QString& symbol, Tone tone) {
@@ -137,11 +162,39 @@ void Row::setNotices(const std::vector<RowBadge>& notices) {
     lines->setSpacing(3);
     for (const RowBadge& notice : notices)
         lines->addWidget(symbolLine(notice.symbol, notice.tone, notice.text, notice_));
-    texts_->insertWidget(texts_->count() - 1, notice_);
+    words_->insertWidget(1, notice_);
+}
+
+void Row::mark(const QStringList& words) {
+    titleText_->mark(words);
+    what_->mark(words);
 }
 
 void Row::setControl(QWidget* control) {
-    head_->addWidget(control, 0, Qt::AlignVCenter);
+    control_ = control;
+    layout_->put(RowLayout::Part::control, control);
+}
+
+void Row::setWayBack(const std::optional<RowWayBack>& wayBack) {
+    if (wayBack == shownWayBack_) return;
+    shownWayBack_ = wayBack;
+    if (!wayBack_) {
+        wayBack_ = quietButton("arrow.uturn.backward", this);
+        layout_->put(RowLayout::Part::wayBack, wayBack_);
+        connect(wayBack_, &QToolButton::clicked, this, &Row::wayBackAsked);
+    }
+    const bool hadFocus = wayBack_->hasFocus();
+    wayBack_->setVisible(wayBack.has_value());
+    if (!wayBack) {
+        QWidget* next = hadFocus && control_ ? firstControl(control_) : nullptr;
+        if (next) next->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    const QString words = tr("Back to %1").arg(wayBack->leadsTo);
+    wayBack_->setToolTip(plainTip(words));
+    wayBack_->setAccessibleName(tr("%1: %2").arg(words, title()));
+    wayBack_->setAccessibleDescription(tr("What was there before Brell is put back."));
+    wayBack_->setEnabled(wayBack->isEnabled);
 }
 
 void Row::setDetails(std::function<QWidget*()> build) {
@@ -152,17 +205,29 @@ void Row::setDetails(std::function<QWidget*()> build) {
 void Row::setOpen(bool open) {
     if (open && !details_ && build_) {
         details_ = build_();
-        column_->addWidget(details_);
+        layout_->put(RowLayout::Part::details, details_);
     }
     if (details_) details_->setVisible(open);
     arrow_->setIcon(symbolIcon(open ? "chevron.down" : "chevron.right"));
     arrow_->setAccessibleDescription(open ? tr("Open") : tr("Closed"));
 }
 
+void Row::toggle() {
+    setOpen(!isOpen());
+    if (isOpen()) scrollIntoView(this);
+}
+
+bool Row::isOnHead(const QMouseEvent& event) const {
+    const bool isBelow = isOpen() && event.position().y() >= details_->y();
+    return event.button() == Qt::LeftButton && !isBelow && rect().contains(event.position().toPoint());
+}
+
+void Row::mousePressEvent(QMouseEvent* event) {
+    isPressed_ = isOnHead(*event);
+}
+
 void Row::mouseReleaseEvent(QMouseEvent* event) {
-    const bool onHead =
-        event->button() == Qt::LeftButton && head_->geometry().contains(event->position().toPoint());
-    if (onHead && build_) setOpen(!isOpen());
+    if (std::exchange(isPressed_, false) && isOnHead(*event) && build_) toggle();
 }
 
 }  // namespace brell

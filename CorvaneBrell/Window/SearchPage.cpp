@@ -25,11 +25,12 @@ SearchPage::SearchPage(AppModel& model, QWidget* parent)
 
 void SearchPage::setQuery(const QString& query) {
     const SearchResults found = model_.search().find(utf8(query));
-    list_->show(found.tweaks);
+    list_->showResults(found.tweaks, query.split(' ', Qt::SkipEmptyParts));
     showScreens(found.screens);
     const bool nothing = found.tweaks.empty() && found.screens.empty();
-    setEmptyState(nothing ? tr("Nothing is called \"%1\"; try another word for it.").arg(query.trimmed())
-                          : QString());
+    setEmptyState(
+        nothing ? tr("Nothing is called “%1”; try another word for it.").arg(inBrief(query.trimmed(), 60))
+                : QString());
 }
 
 void SearchPage::refresh(const Changes&) {
@@ -46,6 +47,7 @@ void SearchPage::showScreens(const std::vector<Screen>& screens) {
         auto* row = new Row(qt(title(screen)));
         row->setWhat(qt(purpose(screen)));
         auto* open = actionButton(tr("Open"), qt(symbol(screen)));
+        open->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         open->setAccessibleName(tr("Open the page %1").arg(qt(title(screen))));
         connect(open, &QPushButton::clicked, this, [this, screen] { emit screenAsked(screen); });
         row->setControl(open);

@@ -5,6 +5,7 @@
 #include "CorvaneBrell/Window/GrowingCard.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/TabOrder.h"
@@ -45,7 +46,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     : QDialog(window), content_(new QVBoxLayout), footnotes_(new QVBoxLayout), buttons_(new QHBoxLayout) {
     setWindowModality(Qt::WindowModal);
     setWindowFlag(Qt::Sheet);
-    setWindowTitle(title);
+    setWindowTitle(inBrief(title, 120));
     setAccessibleDescription(explanation);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(margin, 20, margin, 16);
@@ -83,8 +84,12 @@ QPushButton* Sheet::addCancel(const QString& text) {
 
 QPushButton* Sheet::addButton(const QString& text) {
     auto* button = actionButton(text);
-    buttons_->addWidget(button);
+    addButton(button);
     return button;
+}
+
+void Sheet::addButton(QPushButton* button) {
+    buttons_->addWidget(button);
 }
 
 void Sheet::addFootnote(const QString& text, const QString& symbol, Tone tone) {

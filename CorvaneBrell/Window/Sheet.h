@@ -21,6 +21,7 @@ protected:
     // and the close box do.
     QPushButton* addCancel(const QString& text = tr("Cancel"));
     QPushButton* addButton(const QString& text);
+    void addButton(QPushButton* button);
 
     // A sentence that stays in sight above the buttons while the content scrolls.
     void addFootnote(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);

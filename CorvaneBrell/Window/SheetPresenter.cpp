@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QTimer>
+#include <algorithm>
 
 namespace brell {
 
@@ -12,6 +13,7 @@ SheetPresenter::SheetPresenter(AppModel& model, QWidget* window)
 
 bool SheetPresenter::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) QTimer::singleShot(0, this, &SheetPresenter::refresh);
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) place();
     return QObject::eventFilter(watched, event);
 }
 
@@ -44,6 +46,19 @@ void SheetPresenter::open() {
         refresh();
     });
     sheet_->open();
+    place();
+}
+
+// A sheet hangs from its window. Where the system does not know that, one that is opened before the window
+// has its place on the screen would stay where it was.
+void SheetPresenter::place() {
+#ifndef Q_OS_MACOS
+    constexpr int leastDrop = 24;
+    if (!sheet_) return;
+    const QRect window = window_->geometry();
+    const int drop = std::max(leastDrop, (window.height() - sheet_->height()) / 3);
+    sheet_->move(window.left() + (window.width() - sheet_->width()) / 2, window.top() + drop);
+#endif
 }
 
 }  // namespace brell

@@ -32,6 +32,7 @@ protected:
 private:
     void close();
     void open();
+    void place();
 
     AppModel& model_;
     QWidget* window_;

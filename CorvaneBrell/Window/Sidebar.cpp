@@ -17,6 +17,9 @@ namespace brell {
 namespace {
 
 constexpr int countRole = Qt::UserRole + 1;
+// Properties of the list.
+constexpr auto marksNone = "marksNone";        // the results of a search are shown instead of a page
+constexpr auto usesKeyboard = "usesKeyboard";  // so that the focus has to be seen
 constexpr int rowHeight = 30;
 
 // Symbol, title, and the count at the right.
@@ -30,7 +33,11 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
-        const bool selected = option.state & QStyle::State_Selected;
+        const auto is = [&](const char* property) {
+            return option.widget && option.widget->property(property).toBool();
+        };
+        const bool isCurrent = option.state & QStyle::State_Selected;
+        const bool selected = isCurrent && !is(marksNone);
         const QPalette& palette = option.palette;
         const QRect place = option.rect.adjusted(2, 1, -2, -1);
         painter->save();
@@ -40,9 +47,10 @@ public:
             painter->setBrush(palette.color(QPalette::Active, QPalette::Highlight));
             painter->drawRoundedRect(place, 6, 6);
         }
-        const bool focused = selected && option.widget && option.widget->hasFocus();
-        if (focused) {
-            painter->setPen(QPen(palette.color(QPalette::Active, QPalette::HighlightedText), 1));
+        if (isCurrent && is(usesKeyboard) && option.widget->hasFocus()) {
+            painter->setPen(QPen(
+                palette.color(QPalette::Active, selected ? QPalette::HighlightedText : QPalette::Highlight),
+                1));
             painter->setBrush(Qt::NoBrush);
             painter->drawRoundedRect(QRectF(place).adjusted(2.5, 2.5, -2.5, -2.5), 4, 4);
         }
@@ -100,6 +108,8 @@ Sidebar::Sidebar(AppModel& model, QWidget* parent)
     column->addWidget(pages_, 1);
     setFixedWidth(208);
     search_->installEventFilter(this);
+    pages_->installEventFilter(this);
+    pages_->viewport()->installEventFilter(this);
     connect(search_, &QLineEdit::textChanged, this, &Sidebar::searched);
     connect(pages_, &QListWidget::currentRowChanged, this, [this](int row) {
         if (pages_->hasFocus()) search_->clear();  // the user goes to another page
@@ -118,15 +128,36 @@ void Sidebar::refresh() {
     }
 }
 
+void Sidebar::setSearching(bool searching) {
+    pages_->setProperty(marksNone, searching);
+    pages_->viewport()->update();
+}
+
 bool Sidebar::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != search_) {
+        noteHowTheListIsUsed(*event);
+        return QWidget::eventFilter(watched, event);
+    }
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
     switch (static_cast<QKeyEvent*>(event)->key()) {
-        case Qt::Key_Escape: search_->clear(); return true;
         case Qt::Key_Down:
         case Qt::Key_Return:
         case Qt::Key_Enter: emit entered(); return true;
         default: return QWidget::eventFilter(watched, event);
     }
+}
+
+void Sidebar::noteHowTheListIsUsed(const QEvent& event) {
+    const auto note = [this](bool byKeyboard) {
+        pages_->setProperty(usesKeyboard, byKeyboard);
+        pages_->viewport()->update();
+    };
+    if (event.type() == QEvent::MouseButtonPress) note(false);
+    if (event.type() == QEvent::KeyPress) note(true);
+    if (event.type() != QEvent::FocusIn) return;
+    const Qt::FocusReason reason = static_cast<const QFocusEvent&>(event).reason();
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason)
+        note(true);
 }
 
 }  // namespace brell

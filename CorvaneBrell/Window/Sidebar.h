@@ -16,6 +16,8 @@ public:
     explicit Sidebar(AppModel& model, QWidget* parent = nullptr);
 
     void refresh();
+    // While the results of a search are shown no page is marked as the one that is.
+    void setSearching(bool searching);
     QLineEdit& search() const { return *search_; }
     QListWidget& pages() const { return *pages_; }
 
@@ -27,6 +29,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void noteHowTheListIsUsed(const QEvent& event);
+
     AppModel& model_;
     QLineEdit* search_;
     QListWidget* pages_;

@@ -2,7 +2,6 @@
 
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
-#include "CorvaneBrell/Window/ReadingLine.h"
 #include "CorvaneBrell/Window/TweakList.h"
 
 namespace brell {
@@ -22,7 +21,7 @@ void VolumeRow::setRecord(const Record& volume) {
     const qsizetype name = qt(volume.volume).lastIndexOf('/') + 1;
     setTitle(isStartup ? tr("Startup volume") : qt(volume.volume).mid(name));
     setWhat(qt(volume.volume));
-    setBadges({badgeOf(volume)});
+    setBadge(badgeOf(volume));
     if (volume.indexing) return setNotice({});
     setNotice(volume.raw.empty() ? tr("Spotlight gave no answer for this volume.")
                                  : tr("Spotlight answers: %1").arg(qt(volume.raw)));
@@ -32,31 +31,22 @@ SpotlightPage::SpotlightPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::spotlight)), qt(purpose(Screen::spotlight)), parent),
       model_(model),
       tweaks_(new TweakList(model)),
-      reading_(new ReadingLine),
       volumes_(new RecordList<VolumeRow>(tr("Volumes"), [] { return new VolumeRow; })) {
-    std::vector<const Tweak*> tweaks;
-    for (const Tweak* tweak : model.offeredTweaks())
-        if (tweak->group == TweakGroup::spotlight) tweaks.push_back(tweak);
-    tweaks_->show(tweaks);
-    tweaks_->setVisible(!tweaks.empty());
-
+    tweaks_->show(tweaksOf(model, TweakGroup::spotlight));
     auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
     again->setAccessibleName(tr("Refresh the state of the volumes"));
     connect(again, &QPushButton::clicked, this, [this] { model_.loadVolumes(); });
     tools()->addWidget(again);
     tools()->addWidget(paneButton(*settingsLink(Screen::spotlight), tr("Spotlight")));
     content()->addWidget(tweaks_);
-    content()->addWidget(reading_);
     content()->addWidget(volumes_);
     connect(volumes_, &RowColumn::moreWanted, this, [this] { refresh({Topic::volumes}); });
+    model_.loadVolumes();
 }
 
 void SpotlightPage::refresh(const Changes& changed) {
     const std::vector<VolumeIndexStatus>& volumes = model_.state().volumes;
-    if (!asked_) model_.loadVolumes();
-    asked_ = true;
     tweaks_->refresh();
-    reading_->setActivity(model_.state().readingActivity);
     if (changed.contains(Topic::volumes)) {
         const std::size_t shown = std::min(volumes.size(), volumes_->limit());
         volumes_->setRecords({volumes.begin(), volumes.begin() + static_cast<std::ptrdiff_t>(shown)},

@@ -9,14 +9,13 @@
 namespace brell {
 
 class TweakList;
-class ReadingLine;
 
 class VolumeRow final : public Row {
     Q_OBJECT
 public:
     using Record = VolumeIndexStatus;
 
-    explicit VolumeRow(QWidget* parent = nullptr) : Row({}, parent) {}
+    explicit VolumeRow(QWidget* parent = nullptr) : Row({}, Columns::stateAndControl, parent) {}
     static const std::string& keyOf(const Record& volume) { return volume.volume; }
     void setRecord(const Record& volume);
 };
@@ -30,9 +29,7 @@ public:
 
 private:
     AppModel& model_;
-    bool asked_ = false;
     TweakList* tweaks_;
-    ReadingLine* reading_;
     RecordList<VolumeRow>* volumes_;
 };
 

@@ -19,6 +19,7 @@ public:
         QAccessible::State state = QAccessibleWidget::state();
         state.checkable = true;
         state.checked = toggle()->isChecked();
+        state.checkStateMixed = !toggle()->isKnown();
         return state;
     }
     QStringList actionNames() const override { return {toggleAction(), pressAction(), setFocusAction()}; }
@@ -38,7 +39,7 @@ QAccessibleInterface* accessibleSwitch(const QString&, QObject* object) {
     return toggle ? new SwitchAccessible(toggle) : nullptr;
 }
 
-constexpr QSize trackSize(58, 26);
+constexpr QSize trackSize(56, 24);
 constexpr int focusMargin = 3;
 
 }  // namespace
@@ -49,16 +50,27 @@ Switch::Switch(QWidget* parent) : QAbstractButton(parent) {
     setCheckable(true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setContentsMargins(focusMargin, focusMargin, focusMargin, focusMargin);
 }
 
 QSize Switch::sizeHint() const {
     return trackSize + QSize(2 * focusMargin, 2 * focusMargin);
 }
 
+void Switch::setPosition(std::optional<bool> on) {
+    setChecked(on.value_or(false));
+    if (isKnown_ == on.has_value()) return;
+    isKnown_ = on.has_value();
+    QAccessible::State changed;
+    changed.checkStateMixed = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
+    update();
+}
+
 void Switch::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QPalette::ColorGroup group = isEnabled() ? QPalette::Active : QPalette::Disabled;
     const QRectF track(QPointF(focusMargin, (height() - trackSize.height()) / 2.0), QSizeF(trackSize));
     const double radius = track.height() / 2;
     const bool filled = isChecked() && isEnabled();
@@ -74,14 +86,19 @@ void Switch::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(track.adjusted(0.6, 0.6, -0.6, -0.6), radius, radius);
 
     QRectF knob(0, 0, track.height() - 8, track.height() - 8);
-    knob.moveCenter(isChecked() ? QPointF(track.right() - radius, track.center().y())
-                                : QPointF(track.left() + radius, track.center().y()));
+    knob.moveCenter(!isKnown_     ? track.center()
+                    : isChecked() ? QPointF(track.right() - radius, track.center().y())
+                                  : QPointF(track.left() + radius, track.center().y()));
     painter.setPen(Qt::NoPen);
     painter.setBrush(filled ? palette().color(QPalette::Active, QPalette::HighlightedText) : edge);
     painter.drawEllipse(knob);
+    if (isKnown_) paintWords(painter, track, filled);
+}
 
-    painter.setPen(filled ? palette().color(QPalette::Active, QPalette::HighlightedText)
-                          : palette().color(group, QPalette::WindowText));
+void Switch::paintWords(QPainter& painter, const QRectF& track, bool filled) const {
+    painter.setPen(filled        ? palette().color(QPalette::Active, QPalette::HighlightedText)
+                   : isEnabled() ? palette().color(QPalette::Active, QPalette::WindowText)
+                                 : Appearance::secondaryText(palette()));
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * 0.85);
     painter.setFont(small);

@@ -15,8 +15,8 @@ namespace brell {
 // The names are those of the system's symbols: "folder", "lock". One without a picture stays empty.
 QIcon symbolIcon(std::string_view name, Tone tone = Tone::plain);
 
-// The size in points that an engine of icons is asked for: before version 6.8 the toolkit asks in pixels of the
-// screen, from then on in points.
+// The size in points that an engine of icons is asked for: before version 6.8 the toolkit asks in pixels of
+// the screen, from then on in points.
 QSize askedPoints(const QSize& asked, double scale, const QVersionNumber& toolkit);
 
 // One symbol by itself. Says nothing to assistive technology: the words beside it do.

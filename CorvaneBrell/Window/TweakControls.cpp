@@ -1,13 +1,12 @@
 #include "CorvaneBrell/Window/TweakControls.h"
 
-#include <QAccessible>
-#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/FileDialog.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Switch.h"
@@ -16,7 +15,7 @@ namespace brell {
 
 namespace {
 
-constexpr int longestFolderText = 34;
+constexpr qsizetype longestChoice = 36;
 
 TweakControl makeSwitch(AppModel& model, const Tweak& tweak) {
     auto* control = new Switch;
@@ -30,48 +29,72 @@ TweakControl makeSwitch(AppModel& model, const Tweak& tweak) {
             model.apply(tweak.id);
     });
     return {control, [control](const TweakRowState& state) {
-                control->setChecked(state.isOn);
+                control->setPosition(state.isOn);
                 control->setEnabled(state.canChange);
             }};
 }
 
-// The choices, then macOS's own value; nothing of it is picked while another value is stored.
+// The choices, then macOS's own value, then what was there before a change of ours. Nothing of it is picked
+// while another value is stored.
+class TweakChoices final : public ChoiceBox {
+public:
+    TweakChoices(AppModel& model, const Tweak& tweak, const ChoiceKind& kind) : model_(model), tweak_(tweak) {
+        for (const Choice& choice : kind.choices) addItem(qt(choice.title), qt(choice.id));
+        addItem(tr("macOS default"));
+        systemDefault_ = count() - 1;
+        connect(this, &QComboBox::activated, this, &TweakChoices::pick);
+    }
+
+    void show(const TweakRowState& state) {
+        if (model_.isChanging(tweak_.id)) return;
+        setPlaceholderText(state.isOn ? tr("Another value") : tr("Not known"));
+        setBefore(state.undo && state.undo->leadsToAValue ? qt(state.undo->leadsTo) : QString());
+        setCurrentIndex(indexOf(state));
+    }
+
+private:
+    void setBefore(const QString& value) {
+        const QString words =
+            value.isEmpty() ? value : tr("As before Brell (%1)").arg(inBrief(value, longestChoice));
+        const int place = systemDefault_ + 1;
+        if (itemText(place) == words) return;
+        removeItem(place);
+        if (!words.isEmpty()) addItem(words);
+    }
+
+    // Also of a choice that is in effect because macOS's own value is the same.
+    int indexOf(const TweakRowState& state) const {
+        if (state.choiceID) return findData(qt(*state.choiceID));
+        return state.nothingStored ? systemDefault_ : -1;
+    }
+
+    void pick(int index) {
+        if (!model_.isChanging(tweak_.id) && index == indexOf(tweakRowState(model_, tweak_))) return;
+        if (index == systemDefault_)
+            model_.useSystemDefault(tweak_.id);
+        else if (index > systemDefault_)
+            model_.turnOff(tweak_.id);
+        else
+            model_.applyChoice(tweak_.id, utf8(itemData(index).toString()));
+    }
+
+    AppModel& model_;
+    const Tweak& tweak_;
+    int systemDefault_;
+};
+
 TweakControl makeChoices(AppModel& model, const Tweak& tweak, const ChoiceKind& kind) {
-    auto* control = new ChoiceBox;
+    auto* control = new TweakChoices(model, tweak, kind);
     control->setAccessibleName(qt(tweak.title));
     control->setAccessibleDescription(qt(tweak.explanation.takesEffect));
-    control->setPlaceholderText(ChoiceBox::tr("Another value"));
-    for (const Choice& choice : kind.choices) control->addItem(qt(choice.title), qt(choice.id));
-    control->addItem(ChoiceBox::tr("macOS default"));
-    const int systemDefault = control->count() - 1;
-    const auto shown = [control, systemDefault](const TweakRowState& state) {
-        if (state.choiceID) return control->findData(qt(*state.choiceID));  // also by macOS's own value
-        return state.nothingStored ? systemDefault : -1;
-    };
-    QObject::connect(control, &ChoiceBox::activated, control,
-                     [&model, &tweak, control, systemDefault, shown](int index) {
-                         if (!model.isChanging(tweak.id) && index == shown(tweakRowState(model, tweak)))
-                             return;
-                         if (index == systemDefault)
-                             model.useSystemDefault(tweak.id);
-                         else
-                             model.applyChoice(tweak.id, utf8(control->itemData(index).toString()));
-                     });
-    return {control, [&model, &tweak, control, shown](const TweakRowState& state) {
-                if (!model.isChanging(tweak.id)) control->setCurrentIndex(shown(state));
+    return {control, [control](const TweakRowState& state) {
+                control->show(state);
                 control->setEnabled(state.canChange);
             }};
-}
-
-// The end of a path says most about it.
-QString shortened(const QString& path) {
-    const QString name = QDir::toNativeSeparators(path);
-    return name.size() <= longestFolderText ? name : "…" + name.right(longestFolderText - 1);
 }
 
 void chooseFolder(AppModel& model, const Tweak& tweak, const QString& start, QWidget* parent) {
-    auto* dialog = new QFileDialog(parent->window(), qt(tweak.title), start);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    auto* dialog = fileDialog(parent, qt(tweak.title), start);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     dialog->setLabelText(QFileDialog::Accept, QFileDialog::tr("Use This Folder"));
@@ -81,38 +104,37 @@ void chooseFolder(AppModel& model, const Tweak& tweak, const QString& start, QWi
     dialog->open();
 }
 
-QString folderText(const TweakRowState& state) {
-    if (state.nothingStored) return QWidget::tr("macOS default");
-    if (!state.folder) return QWidget::tr("Not known");
-    return state.folder->empty() ? QWidget::tr("Empty") : shortened(qt(*state.folder));
-}
-
+// The place of the second button is kept while it has nothing to do.
 TweakControl makeFolder(AppModel& model, const Tweak& tweak) {
     auto* control = new QWidget;
     auto* column = new QVBoxLayout(control);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
-    auto* path = new Paragraph({}, Paragraph::Look::secondary);
     auto* choose = actionButton(QWidget::tr("Choose..."), "folder");
     choose->setAccessibleName(QWidget::tr("Choose the folder: %1").arg(qt(tweak.title)));
     choose->setAccessibleDescription(qt(tweak.explanation.takesEffect));
-    auto* previous = actionButton(QWidget::tr("Restore previous location"), "arrow.uturn.backward");
+    auto* previous = actionButton(QWidget::tr("Restore previous location"));
+    previous->setMinimumWidth(0);  // it has just the room of its column
     previous->setAccessibleName(QWidget::tr("Restore previous location: %1").arg(qt(tweak.title)));
-    column->addWidget(path);
+    QSizePolicy policy = previous->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    previous->setSizePolicy(policy);
     column->addWidget(choose);
     column->addWidget(previous);
-    control->setFocusProxy(choose);
     QObject::connect(choose, &QPushButton::clicked, control, [&model, &tweak, control] {
         const QString now = qt(tweakRowState(model, tweak).folder.value_or(""));
         chooseFolder(model, tweak, QFileInfo(now).isDir() ? now : qt(model.catalog().home()), control);
     });
     QObject::connect(previous, &QPushButton::clicked, control, [&model, &tweak] { model.turnOff(tweak.id); });
-    return {control, [&model, path, choose, previous](const TweakRowState& state) {
-                path->setText(folderText(state));
-                path->setToolTip(qt(state.folder.value_or("")));
+    return {control, [choose, previous](const TweakRowState& state) {
                 choose->setEnabled(state.canChange);
+                if (!state.undo && previous->hasFocus()) choose->setFocus();
                 previous->setVisible(state.undo.has_value());
-                previous->setEnabled(!model.state().startupError);
+                previous->setEnabled(state.canUndo);
+                const QString where =
+                    state.undo ? QWidget::tr("Back to %1").arg(qt(state.undo->leadsTo)) : QString();
+                previous->setToolTip(plainTip(where));
+                previous->setAccessibleDescription(where);
             }};
 }
 

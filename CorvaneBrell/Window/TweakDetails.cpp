@@ -5,43 +5,32 @@
 
 #include "CorvaneBrell/Model/TerminalCommands.h"
 #include "CorvaneBrell/Window/CopyButton.h"
+#include "CorvaneBrell/Window/Disclosure.h"
 #include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/FlowLayout.h"
-#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
-#include "CorvaneBrell/Window/SelectableText.h"
 
 namespace brell {
 
 namespace {
 
-constexpr std::size_t longestButtonText = 40;
-
-QString shown(const std::optional<StoredValue>& value) {
-    return value ? qt(value->rendered()) : QWidget::tr("not read");
-}
-
 QString withType(const std::optional<StoredValue>& value) {
-    const QString text = shown(value);
-    return value && value->value ? text + " (" + qt(value->value->typeName()) + ")" : text;
+    if (!value) return QWidget::tr("not read");
+    return value->value ? qt(value->rendered() + " (" + std::string(value->value->typeName()) + ")")
+                        : QWidget::tr("not set");
 }
 
-QWidget* keyView(const KeyFacts& key) {
-    auto* holder = new QWidget;
-    auto* column = new QVBoxLayout(holder);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(5);
-    auto* name = new SelectableText(QWidget::tr("Domain and key"), SelectableText::Look::monospace);
-    name->setPlainText(qt(key.key.domain) + "  " + qt(key.key.name));
-    column->addWidget(name);
+FactList* factsOf(const KeyFacts& key) {
     auto* facts = new FactList;
+    facts->add(QWidget::tr("Domain"), qt(key.key.domain));
+    facts->add(QWidget::tr("Key"), qt(key.key.name));
+    facts->add(QWidget::tr("Type"), qt(key.type));
     facts->add(QWidget::tr("Stored now"), withType(key.stored));
-    facts->add(QWidget::tr("Seen by apps"), shown(key.seenByApps));
-    facts->add(QWidget::tr("On would write"), qt(key.target.rendered() + " (" + key.type + ")"));
-    if (key.original) facts->add(QWidget::tr("Original"), shown(key.original));
-    column->addWidget(facts);
-    return holder;
+    facts->add(QWidget::tr("Seen by apps"), withType(key.seenByApps));
+    facts->add(QWidget::tr("Would be written"), withType(StoredValue(key.target)));
+    if (key.original) facts->add(QWidget::tr("Original"), withType(key.original));
+    return facts;
 }
 
 QString renderedKeys(const Tweak& tweak) {
@@ -50,39 +39,65 @@ QString renderedKeys(const Tweak& tweak) {
     return lines.join('\n');
 }
 
+// The catalog's sentence is about changes that found nothing, or that a switch or a folder undoes.
+QString undoText(const Tweak& tweak, const std::optional<RowUndo>& undo) {
+    if (!std::holds_alternative<ChoiceKind>(tweak.kind) || !undo || !undo->leadsToAValue)
+        return qt(tweak.explanation.undo);
+    return QWidget::tr(
+        "Press the arrow in the row, or choose “As before Brell” at the end of the list: Brell writes "
+        "the original value it saved back. “macOS default” removes it instead.");
+}
+
+QVBoxLayout* columnOf(QWidget* widget, int spacing) {
+    auto* column = new QVBoxLayout(widget);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(spacing);
+    return column;
+}
+
 }  // namespace
 
 TweakDetails::TweakDetails(AppModel& model, const Tweak& tweak, QWidget* parent)
-    : QWidget(parent), model_(model), tweak_(tweak), column_(new QVBoxLayout(this)) {
-    column_->setContentsMargins(0, 2, 40, 4);
-}
+    : QWidget(parent), model_(model), tweak_(tweak), column_(columnOf(this, 0)) {}
 
 bool TweakDetails::show(const TweakRowState& state) {
     const bool hadFocus = shown_ && shown_->isAncestorOf(focusWidget() ? focusWidget() : this);
+    const bool wasOpen = forExperts_ && forExperts_->isOpen();
     if (shown_) {
         shown_->hide();
         shown_->deleteLater();  // its button may be what was clicked
     }
-    fill(state);
+    shown_ = new QWidget;
+    auto* column = columnOf(shown_, 8);
+    column->addWidget(plainFacts(state));
+    if (state.undo && state.undo->otherMacOS)
+        column->addWidget(symbolLine("info.circle", Tone::plain, qt(*state.undo->otherMacOS), shown_));
+    forExperts_ = new Disclosure(tr("For experts"), qt(tweak_.title),
+                                 [this, facts = state.keys] { return keys(facts); });
+    forExperts_->setOpen(wasOpen);
+    column->addWidget(forExperts_);
+    column_->addWidget(shown_);
     return hadFocus;
 }
 
-void TweakDetails::fill(const TweakRowState& state) {
-    shown_ = new QWidget;
-    auto* column = new QVBoxLayout(shown_);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(10);
-    for (const KeyFacts& key : state.keys) column->addWidget(keyView(key));
+QWidget* TweakDetails::plainFacts(const TweakRowState& state) const {
     auto* facts = new FactList;
+    facts->add(tr("Now"), qt(state.now));
+    if (state.undo) facts->add(tr("Before Brell"), qt(state.undo->leadsTo));
     facts->add(tr("Takes effect"), qt(tweak_.explanation.takesEffect));
     facts->add(tr("Risk"), qt(tweak_.explanation.risk));
-    facts->add(tr("Undo"), qt(tweak_.explanation.undo));
+    facts->add(tr("Undo"), undoText(tweak_, state.undo));
+    facts->add(tr("Writes"), qt(tweak_.explanation.value));
     facts->add(tr("Tried"), qt(state.confirmed));
-    column->addWidget(facts);
-    if (state.undo && state.undo->otherMacOS)
-        column->addWidget(symbolLine("info.circle", Tone::plain, qt(*state.undo->otherMacOS), shown_));
-    column->addWidget(buttons(state));
-    column_->addWidget(shown_);
+    return facts;
+}
+
+QWidget* TweakDetails::keys(const std::vector<KeyFacts>& keys) const {
+    auto* holder = new QWidget;
+    auto* column = columnOf(holder, 12);
+    for (const KeyFacts& key : keys) column->addWidget(factsOf(key));
+    column->addWidget(buttons());
+    return holder;
 }
 
 // What is active now, or else what turning it on would do.
@@ -93,27 +108,13 @@ QString TweakDetails::terminalCommand() const {
     return qt(active.empty() ? commandsMaking(tweak_) : commandsMaking(active, model_.catalog()));
 }
 
-QWidget* TweakDetails::buttons(const TweakRowState& state) {
+QWidget* TweakDetails::buttons() const {
     auto* holder = new QWidget;
-    auto* rows = new QVBoxLayout(holder);
-    rows->setContentsMargins(0, 0, 0, 0);
     auto* line = new FlowLayout(8);
+    holder->setLayout(line);
     const QString title = qt(tweak_.title);
     line->addWidget(copyButton(tr("Copy Key"), title, [this] { return renderedKeys(tweak_); }));
     line->addWidget(copyButton(tr("Copy Terminal Command"), title, [this] { return terminalCommand(); }));
-    if (const auto& undo = state.undo) {
-        const bool isShort = undo->leadsTo.size() <= longestButtonText;
-        auto* restore =
-            actionButton(isShort ? tr("Restore: back to %1").arg(label(qt(undo->leadsTo))) : tr("Restore"),
-                         "arrow.uturn.backward");
-        restore->setAccessibleName(tr("Restore %1: back to %2").arg(title, qt(undo->leadsTo)));
-        restore->setEnabled(!model_.state().startupError);
-        connect(restore, &QPushButton::clicked, this, [this, id = undo->entry] { model_.askRestore(id); });
-        line->addWidget(restore);
-        if (!isShort)
-            rows->addWidget(new Paragraph(tr("Restoring leads back to: %1").arg(qt(undo->leadsTo))));
-    }
-    rows->addLayout(line);
     return holder;
 }
 

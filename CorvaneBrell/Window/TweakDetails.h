@@ -1,4 +1,4 @@
-// Everything about the keys of one tweak, when it takes effect, its risk and the way back.
+// What there is to know about a tweak: first in plain words, then, for experts, everything about its keys.
 #pragma once
 
 #include <QWidget>
@@ -8,6 +8,8 @@
 class QVBoxLayout;
 
 namespace brell {
+
+class Disclosure;
 
 class TweakDetails final : public QWidget {
     Q_OBJECT
@@ -19,13 +21,15 @@ public:
 
 private:
     QString terminalCommand() const;
-    QWidget* buttons(const TweakRowState& state);
-    void fill(const TweakRowState& state);
+    QWidget* plainFacts(const TweakRowState& state) const;
+    QWidget* keys(const std::vector<KeyFacts>& keys) const;
+    QWidget* buttons() const;
 
     AppModel& model_;
     const Tweak& tweak_;
     QVBoxLayout* column_;
     QWidget* shown_ = nullptr;
+    Disclosure* forExperts_ = nullptr;
 };
 
 }  // namespace brell

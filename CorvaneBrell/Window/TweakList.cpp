@@ -25,8 +25,19 @@ void TweakList::show(const std::vector<const Tweak*>& tweaks) {
     }
 }
 
+void TweakList::showResults(const std::vector<const Tweak*>& tweaks, const QStringList& words) {
+    show(tweaks);
+    for (const Tweak* tweak : tweaks) rows_.at(tweak->id)->showAsResult(words);
+}
+
 void TweakList::refresh() {
     for (const Tweak* tweak : shown_) rows_.at(tweak->id)->refresh();
+}
+
+std::vector<const Tweak*> tweaksOf(const AppModel& model, TweakGroup group) {
+    std::vector<const Tweak*> tweaks = model.offeredTweaks();
+    std::erase_if(tweaks, [group](const Tweak* tweak) { return tweak->group != group; });
+    return tweaks;
 }
 
 TweakRow* TweakList::row(const std::string& tweakID) const {

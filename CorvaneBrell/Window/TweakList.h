@@ -19,6 +19,8 @@ public:
 
     // Shows exactly these, in this order. The tweaks must outlive the list.
     void show(const std::vector<const Tweak*>& tweaks);
+    // The same as results of a search for these words: each with its page, and what was found marked.
+    void showResults(const std::vector<const Tweak*>& tweaks, const QStringList& words);
     // Brings what is shown up to date.
     void refresh();
     TweakRow* row(const std::string& tweakID) const;  // nullptr when it was never shown
@@ -30,5 +32,8 @@ private:
     std::map<std::string, TweakRow*> rows_;
     std::vector<const Tweak*> shown_;
 };
+
+// Those of the group that are offered on this macOS, in the order of the catalog.
+std::vector<const Tweak*> tweaksOf(const AppModel& model, TweakGroup group);
 
 }  // namespace brell

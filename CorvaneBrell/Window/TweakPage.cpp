@@ -36,14 +36,13 @@ void TweakPage::setChangedOnly(bool changedOnly) {
 }
 
 void TweakPage::refresh(const Changes&) {
-    const std::vector<std::string> changed = model_.changedTweaks();
-    const auto isChanged = [&](const Tweak& tweak) {
-        return std::find(changed.begin(), changed.end(), tweak.id) != changed.end();
-    };
-    std::vector<const Tweak*> tweaks;
-    for (const Tweak* tweak : model_.offeredTweaks())
-        if (tweak->group == group(screen_) && (!changedOnly_->isChecked() || isChanged(*tweak)))
-            tweaks.push_back(tweak);
+    std::vector<const Tweak*> tweaks = tweaksOf(model_, *group(screen_));
+    if (changedOnly_->isChecked()) {
+        const std::vector<std::string> changed = model_.changedTweaks();
+        std::erase_if(tweaks, [&](const Tweak* tweak) {
+            return std::find(changed.begin(), changed.end(), tweak->id) == changed.end();
+        });
+    }
     list_->show(tweaks);
     showAll_->setVisible(changedOnly_->isChecked());
     setEmptyState(!tweaks.empty() ? QString()

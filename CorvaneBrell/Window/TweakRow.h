@@ -18,7 +18,8 @@ public:
     // Shows what the model says now.
     void refresh();
     const Tweak& tweak() const { return tweak_; }
-    QWidget* control() const { return control_.widget; }
+    // Among the results of a search: the page it stands on, and what was looked for.
+    void showAsResult(const QStringList& words);
 
 private:
     void showState();

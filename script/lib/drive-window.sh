@@ -44,8 +44,7 @@ press() { xdotool key --clearmodifiers "$@"; }
 
 press ctrl+f
 xdotool type --clearmodifiers "dotfiles"
-press Down   # into the results: the arrow of the first row, then its switch
-press Tab
+press Down   # into the results: the switch of the first row
 press space
 waitUntil "the space bar shows hidden files" isOn
 press ctrl+z

@@ -18,7 +18,8 @@ QPushButton* RequestSheet::addAnswers(const QString& confirmText, std::function<
     addCancel(cancelText);
     QPushButton* button = addButton(confirmText);
     connect(button, &QPushButton::clicked, this, [confirm = std::move(confirm)] { confirm(); });
-    if (const auto& reason = model_.state().startupError) {
+    const AppState& state = model_.state();
+    if (const auto& reason = state.startupError ? state.startupError : state.journalError) {
         button->setEnabled(false);
         addFootnote(qt(*reason), "lock", Tone::critical);
     }

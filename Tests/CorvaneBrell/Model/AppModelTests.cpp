@@ -127,7 +127,7 @@ TEST_F(AppModelTest, ARefreshThatCannotReadTheJournalSaysSoAndKeepsWhatWasShown)
     settled(*model)->apply("dock.autohide");
     setContents(model->journalDirectory() / "journal.json", "damaged");
     settled(*model)->refreshAll();
-    EXPECT_TRUE(model->state().errorMessage.value_or("").starts_with("The change journal could not be read"));
+    EXPECT_TRUE(model->state().journalError.value_or("").starts_with("The change journal could not be read"));
     EXPECT_EQ(model->changedTweaks(), Texts{"dock.autohide"});
 }
 

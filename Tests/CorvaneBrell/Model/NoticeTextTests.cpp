@@ -9,32 +9,57 @@ using namespace brell::testing;
 
 namespace {
 
-TEST(NoticeTextTest, InterruptedChangesAreToldOnceTheirRecoveryWasPutOff) {
+using Notices = std::vector<Notice>;
+
+class NoticeTextTest : public ::testing::Test {
+protected:
+    Notices standing() const { return standingNotices(state, catalog, std::nullopt); }
+
+    const TweakCatalog catalog{"/Users/sam"};
     AppState state;
+};
+
+TEST_F(NoticeTextTest, InterruptedChangesAreToldOnceTheirRecoveryWasPutOff) {
     state.recoveryDeferred = true;
-    EXPECT_EQ(interruptedText(state), "");
+    EXPECT_EQ(standing(), Notices{});
     state.interrupted = {entryOf("dock.size", {})};
-    EXPECT_EQ(interruptedText(state),
-              "1 change was interrupted. Its original values are in the journal and can be put back.");
+    EXPECT_EQ(standing(), (Notices{{NoticeKind::interrupted,
+                                    "1 change was interrupted; what was there before can be put back."}}));
     state.interrupted.push_back(entryOf("dock.autohide", {}));
-    EXPECT_EQ(interruptedText(state),
-              "2 changes were interrupted. Their original values are in the journal and can be put back.");
+    EXPECT_EQ(standing(), (Notices{{NoticeKind::interrupted,
+                                    "2 changes were interrupted; what was there before can be put back."}}));
     state.recoveryDeferred = false;
-    EXPECT_EQ(interruptedText(state), "") << "a sheet asks about them";
+    EXPECT_EQ(standing(), Notices{}) << "a sheet asks about them";
 }
 
-TEST(NoticeTextTest, ActivitiesTellHowFarTheyAreAndRelaunchesWhatWaits) {
-    EXPECT_EQ(activityText({"Restoring changes"}), "Restoring changes.");
-    EXPECT_EQ(activityText({"Restoring changes", 3, 12}), "Restoring changes: 3 of 12.");
+TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgentFirst) {
+    state.pendingRelaunches = {{"dock.size", {"absent", 1}}, {"dock.of_the_future", {"absent", 1}}};
+    EXPECT_EQ(relaunchText(state, catalog), "The Dock waits for a relaunch: 1 change");
+    state.pendingRelaunches.emplace("finder.show_hidden", PendingRelaunch{"absent", 1});
+    state.pendingRelaunches.emplace("dock.autohide", PendingRelaunch{"absent", 1});
+    const Notice waiting{NoticeKind::relaunch, "2 apps wait for a relaunch: 3 changes"};
 
-    const TweakCatalog catalog("/Users/sam");
-    AppState state;
-    EXPECT_EQ(relaunchText(state, catalog), "");
-    for (const char* id : {"finder.show_hidden", "dock.size", "dock.autohide", "dock.of_the_future"})
-        state.pendingRelaunches.emplace(id, PendingRelaunch{"absent", 1});
-    EXPECT_EQ(relaunchText(state, catalog),
-              "Relaunch the Dock to see what was changed: Hide the Dock automatically, Icon size.\n"
-              "Relaunch Finder to see what was changed: Show hidden files.");
+    state.undoProof = UndoProof{"1 of 1 key is exactly as before.", true};
+    state.relaunchReport = "Finder did not quit.";
+    const Notice report{NoticeKind::failedRelaunch, "Finder did not quit."};
+    EXPECT_EQ(standing(), (Notices{report, waiting}));
+    EXPECT_EQ(doneNotices(state), (Notices{{NoticeKind::done, state.undoProof->words}}));
+
+    state.undoProof->isComplete = false;
+    state.errorMessage = "It failed.";
+    state.journalError = "It is damaged.";
+    EXPECT_EQ(standing(), (Notices{{NoticeKind::journal, "It is damaged."},
+                                   {NoticeKind::error, "It failed."},
+                                   {NoticeKind::incompleteUndo, state.undoProof->words},
+                                   report,
+                                   waiting}));
+    EXPECT_EQ(doneNotices(state), Notices{});
+
+    state.relaunchActivity = Activity{"Relaunching"};
+    state.fileActivity = Activity{"Restoring changes", 3, 12};
+    EXPECT_EQ(standing().back(), report) << "the relaunch is under way";
+    EXPECT_EQ(activityText(*activityOf(state)), "Relaunching…");
+    EXPECT_EQ(activityText(*state.fileActivity), "Restoring changes: 3 of 12");
 }
 
 }  // namespace

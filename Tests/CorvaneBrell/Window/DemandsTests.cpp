@@ -5,11 +5,15 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QSettings>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <fstream>
 
@@ -19,6 +23,7 @@
 #include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/Switch.h"
 #include "CorvaneBrell/Window/Symbol.h"
+#include "CorvaneBrell/Window/TabOrder.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace fs = std::filesystem;
@@ -68,6 +73,20 @@ int missing(const QWidget* text) {
 
 class DemandsTest : public WindowTest {
 protected:
+    void expectNothingCanBeChanged() {
+        const QRegularExpression changing("^Restore(?! Script)|Apply|Mark as|^Undo|^Choose");
+        for (QWidget* control : visible<QWidget>(*window->currentPage())) {
+            const auto* row = qobject_cast<Row*>(control->parentWidget());
+            const auto* button = qobject_cast<QPushButton*>(control);
+            const bool changes = qobject_cast<Switch*>(control) ||
+                                 (row && (row->wayBack() == control || qobject_cast<ChoiceBox*>(control))) ||
+                                 (button && changing.match(button->text()).hasMatch());
+            if (changes) {
+                EXPECT_FALSE(control->isEnabled()) << nameOf(control);
+            }
+        }
+    }
+
     // Calls look with each page in turn, everything on it open.
     void onEveryPage(const std::function<void()>& look) {
         for (const Screen screen : allCases<Screen>()) {
@@ -83,15 +102,22 @@ protected:
 TEST_F(DemandsTest, EveryControlHasANameAndSwitchesSayWhatTheyAreWhatTheyHoldAndWhenItTakesEffect) {
     openLivedIn();
     onEveryPage([&] {
+        for (const QLineEdit* field : visible<QLineEdit>(*window))
+            for (QToolButton* part :
+                 field->findChildren<QToolButton*>())  // also one that is hidden while it is empty
+                EXPECT_FALSE(QAccessible::queryAccessibleInterface(part)->text(QAccessible::Name).isEmpty());
         walk(QAccessible::queryAccessibleInterface(window.get()), [&](QAccessibleInterface* at) {
-            if (isControl(at->role())) {
-                EXPECT_FALSE(at->text(QAccessible::Name).isEmpty())
-                    << at->object()->metaObject()->className() << " " << utf8(at->object()->objectName());
-            }
+            if (!isControl(at->role())) return;
+            EXPECT_FALSE(at->text(QAccessible::Name).isEmpty())
+                << at->object()->metaObject()->className() << " " << utf8(at->object()->objectName());
+            if (at->role() != QAccessible::ComboBox) return;
+            ASSERT_TRUE(at->valueInterface()) << "which the systems' bridges ask for";
+            EXPECT_EQ(at->valueInterface()->currentValue().toString(),
+                      static_cast<ChoiceBox*>(at->object())->value());
         });
         for (TweakRow* tweak : window->currentPage()->findChildren<TweakRow*>()) {
-            QWidget* control =
-                tweak->control()->focusProxy() ? tweak->control()->focusProxy() : tweak->control();
+            QWidget* inside = firstControl(tweak->control());
+            QWidget* control = inside ? inside : tweak->control();
             QAccessibleInterface* at = QAccessible::queryAccessibleInterface(control);
             EXPECT_TRUE(at->text(QAccessible::Name).contains(qt(tweak->tweak().title)));
             EXPECT_EQ(at->text(QAccessible::Description), qt(tweak->tweak().explanation.takesEffect));
@@ -110,8 +136,7 @@ TEST_F(DemandsTest, TabReachesEveryControlFromTopToBottomAndComesRound) {
     onEveryPage([&] {
         std::set<QWidget*> wanted;
         for (QWidget* widget : visible<QWidget>(*window->currentPage()))
-            if (widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus && !widget->focusProxy())
-                wanted.insert(widget);
+            if (widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus) wanted.insert(widget);
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
         QWidget* const start = &window->sidebar().pages();
@@ -188,6 +213,11 @@ TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
             expect(color(QPalette::WindowText), Appearance::tinted(tone, palette));
         }
         expect(color(QPalette::ButtonText), color(QPalette::Button));
+        expect(palette.color(QPalette::Disabled, QPalette::ButtonText), color(QPalette::Button));
+        expect(Appearance::secondaryText(palette), Appearance::marked(palette));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            for (const auto ground : {QPalette::Window, QPalette::Base})
+                expect(palette.color(QPalette::Disabled, role), color(ground));
         expect(color(QPalette::HighlightedText), color(QPalette::Highlight));
         expect(color(QPalette::PlaceholderText), color(QPalette::Base));
         expect(color(QPalette::Link), color(QPalette::Base));
@@ -265,12 +295,19 @@ TEST_F(DemandsTest, WhatCannotBeChangedSaysWhyAndAnUndoIsThereExactlyWhileAChang
         for (TweakRow* tweak : visible<TweakRow>(*window->currentPage())) {
             const TweakRowState state = tweakRowState(*model, tweak->tweak());
             EXPECT_EQ(state.canChange || !state.reason.empty(), true) << tweak->tweak().id;
-            bool reasonIsShown = state.reason.empty(), restores = false;
+            bool reasonIsShown = state.reason.empty();
+            const QToolButton* wayBack = tweak->wayBack();
+            const bool restores = wayBack && wayBack->isVisible();
             for (const Paragraph* text : visible<Paragraph>(*tweak))
                 reasonIsShown = reasonIsShown || text->text() == qt(state.reason);
-            for (const QPushButton* button : visible<QPushButton>(*tweak->details()))
-                restores = restores || button->text().startsWith("Restore");
+            if (restores) {
+                EXPECT_TRUE(
+                    wayBack->accessibleName().startsWith("Back to " + qt(state.undo->leadsTo) + ": "));
+                EXPECT_TRUE(wayBack->toolTip().contains("Back to "));
+            }
             EXPECT_TRUE(reasonIsShown) << tweak->tweak().id;
+            for (const char* expertsWord : {"absent", "com.apple.", "NSGlobalDomain"})
+                EXPECT_FALSE(words(*tweak->details()).contains(expertsWord)) << tweak->tweak().id;
             EXPECT_EQ(restores, state.undo.has_value()) << tweak->tweak().id;
             refused += !state.canChange;
             undoable += restores;
@@ -285,24 +322,20 @@ TEST_F(DemandsTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarStays) {
     std::ofstream(*options.journalDirectory / "journal.json") << "{ damaged";
     const auto before = everythingIn(folder.path);
     openWindow();
-    const QRegularExpression changing("Restore(?! Script)|Apply|Mark as");
+    EXPECT_EQ(*model->state().startupError,
+              "The change journal could not be opened: The change journal could not be read: " +
+                  (*options.journalDirectory / "journal.json").string() +
+                  ": it is damaged, or something else than Brell wrote it. Nothing can be changed until this "
+                  "is fixed.");
     onEveryPage([&] {
-        for (QWidget* control : visible<QWidget>(*window->currentPage())) {
-            const bool changes = qobject_cast<Switch*>(control) || qobject_cast<ChoiceBox*>(control);
-            if (changes && !control->property("changesNothing").toBool()) {
-                EXPECT_FALSE(control->isEnabled()) << nameOf(control);
-            }
-            const auto* button = qobject_cast<QPushButton*>(control);
-            if (button && changing.match(button->text()).hasMatch()) {
-                EXPECT_FALSE(button->isEnabled()) << utf8(button->text());
-            }
-        }
+        expectNothingCanBeChanged();
         bool said = false;
         for (const NoticeBar* bar : visible<NoticeBar>(*window))
             said = said || bar->words().startsWith("The change journal could not be opened: ");
         EXPECT_TRUE(said);
     });
-    const PresetMenu presets(*model);
+    PresetMenu presets(*model);
+    emit presets.aboutToShow();
     for (const QAction* action : presets.actions())
         EXPECT_EQ(action->isEnabled(), !action->text().contains("port Preset")) << utf8(action->text());
     EXPECT_EQ(model->journalDirectory(), *options.journalDirectory) << "where the damaged one lies";
@@ -310,6 +343,111 @@ TEST_F(DemandsTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarStays) {
     auto after = changesIn(folder.path, before);
     std::erase(after, "mac/private/var/db/.launchd.lock");
     EXPECT_EQ(after, Texts{});
+}
+
+// It was all right when the window was opened.
+TEST_F(DemandsTest, WithAJournalThatGoesBadNothingIsClaimedUntilItCanBeReadAgain) {
+    openLivedIn();
+    const std::filesystem::path journal = *options.journalDirectory / "journal.json";
+    const std::string before = contentsOf(journal);
+    setContents(journal, before.substr(0, before.size() / 2));
+    settled()->refreshAll();
+    onEveryPage([&] {
+        expectNothingCanBeChanged();
+        for (const TweakRow* tweak : visible<TweakRow>(*window->currentPage())) {
+            if (const auto* toggle = qobject_cast<Switch*>(tweak->control())) {
+                EXPECT_FALSE(toggle->isKnown());
+            }
+            EXPECT_TRUE(words(*tweak).contains("Not known")) << tweak->tweak().id;
+        }
+    });
+    EXPECT_TRUE(words(window->strip()).startsWith("The change journal could not be read: "));
+    EXPECT_FALSE(words(window->strip()).contains("JSON")) << "which is the parser's word";
+    press(window->strip(), "Show Restore Script");
+    QWidget* script = nullptr;
+    for (QWidget* one : QApplication::topLevelWidgets())
+        if (auto* view = one->findChild<QPlainTextEdit*>(); view && one->isVisible()) {
+            EXPECT_TRUE(view->toPlainText().startsWith("#!"));
+            script = one;
+        }
+    ASSERT_TRUE(script);
+    script->close();
+
+    setContents(journal, before);
+    settled()->refreshAll();
+    EXPECT_FALSE(words(window->strip()).contains("journal"));
+    go(Screen::finder);
+    EXPECT_TRUE(row("finder.show_hidden").control()->isEnabled());
+}
+
+TEST_F(DemandsTest, AnInterruptedChangeIsNotTakenForDone) {
+    openLivedIn();
+    const TweakRowState state = tweakRowState(*model, *model->catalog().tweak("finder.drives_on_desktop"));
+    ASSERT_TRUE(state.badge);
+    EXPECT_EQ(state.badge->text, "Interrupted");
+    EXPECT_EQ(state.isOn, false) << "none of its keys is stored";
+    EXPECT_TRUE(state.canUndo);
+}
+
+// In names, paths, values and messages; a text that decides by itself that it is HTML fetches what it names.
+TEST_F(DemandsTest, TextFromOutsideIsNeverTakenForHtmlHoweverLongItIs) {
+    const std::string html = "<b>bold</b><img src=x>";
+    haveAPast();
+    const auto preferences = sample.openPreferences();
+    preferences->write(PrefValue("/tmp/" + html), {"com.apple.screencapture", "location"});
+    preferences->write(PrefValue(html), {"com.apple.dock", "orientation"});
+    fs::create_directories(sample.systemRoot() / "Volumes" / "<b>disk<b>");
+    setContents(
+        sample.launchAgents() / "bold.plist",
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>&lt;b&gt;bold</string>"
+        "<key>Program</key><string>/opt/&lt;b&gt;" +
+            std::string(100'000, 'x') + "</string></dict></plist>");
+    openWindow();
+    settled()->deferRecovery();
+    settled()->applyChoice("dock.position", "left");
+    settled()->apply("shot.folder", std::vector<PrefValue>{PrefValue("/" + html)});
+    settled()->importPreset(folder.path / html);
+    std::size_t bold = 0;
+    const auto look = [&] {
+        for (QWidget* widget : QApplication::allWidgets()) {
+            if (const auto* text = qobject_cast<QLabel*>(widget); text && !text->inherits("QTipLabel")) {
+                EXPECT_EQ(text->textFormat(), Qt::PlainText) << utf8(text->text());
+                EXPECT_LE(text->text().size(), Paragraph::longest + 1);
+                bold += text->text().contains("<b>");
+            }
+            EXPECT_FALSE(widget->toolTip().contains("<b>")) << utf8(widget->toolTip());
+        }
+    };
+    onEveryPage(look);
+    settled()->askPreset({"bold", html, html, {"finder.show_hidden", html}});
+    look();
+    settled()->cancelPreset();
+    press(window->strip(), "Brell could not do that: all of it");
+    look();
+    EXPECT_GT(bold, 6);
+}
+
+// It would keep which folders were looked at.
+TEST_F(DemandsTest, ADialogForFilesLeavesNothingInTheToolkitsPreferences) {
+    const fs::path own = folder.path / "toolkit";
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, qt(own.string()));
+    openWindow();
+    go(Screen::screenshots);
+    const auto openAndClose = [&] {
+        press(row("shot.folder"), "Choose...");
+        for (QWidget* one : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<QFileDialog*>(one)) dialog->close();
+        settle();
+    };
+    openAndClose();
+    EXPECT_EQ(everythingIn(own).count("QtProject.conf"), 0u);
+    setContents(own / "QtProject.conf", "[FileDialog]\nhistory=file:///home\n\n[Other]\nkept=1\n");
+    const QString before =
+        QSettings(QSettings::UserScope, "QtProject").value("FileDialog/history").toString();
+    openAndClose();
+    const QSettings after(QSettings::UserScope, "QtProject");
+    EXPECT_EQ(after.allKeys(), (QStringList{"FileDialog/history", "Other/kept"}));
+    EXPECT_EQ(after.value("FileDialog/history").toString(), before);
 }
 
 TEST_F(DemandsTest, EveryPageWithoutContentSaysSoInASentence) {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QListWidget>
 #include <QPushButton>
 
-#include "CorvaneBrell/Window/NoticeBar.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
 #include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
@@ -85,7 +85,7 @@ TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
     EXPECT_FALSE(sheet());
     EXPECT_TRUE(model->state().recoveryDeferred);
     EXPECT_EQ(everythingIn(folder.path), before);
-    EXPECT_TRUE(button(window->bars(), "Restore").isVisible());
+    EXPECT_TRUE(button(window->strip(), "Restore").isVisible());
 
     openWindow();
     ASSERT_TRUE(qobject_cast<RecoverySheet*>(sheet())) << "the next launch asks again";
@@ -179,32 +179,73 @@ TEST_F(SheetsTest, APresetSaysWhatItWouldDoAndWhatItDid) {
     EXPECT_FALSE(button(*sheet(), "Apply").isEnabled());
 }
 
-TEST_F(SheetsTest, TheBarsSayWhatConcernsNoPageAlone) {
-    openLivedIn();
+// One line for what stands, the most urgent first, one for what passes.
+TEST_F(SheetsTest, TheStripTellsWhatConcernsNoPageAlone) {
+    openWindow();
+    Strip& strip = window->strip();
+    const int height = strip.height();
+    settled()->apply("text.no_autocapitalize");
     settled()->apply("dock.no_bounce");
-    EXPECT_TRUE(words(window->bars()).contains("Relaunch the Dock to see what was changed: No bouncing"));
-    press(window->bars(), "Relaunch...");
+    EXPECT_TRUE(words(strip).contains("The Dock waits for a relaunch: 1 change"));
+    settled()->apply("finder.status_bar");
+    EXPECT_TRUE(words(strip).contains("2 apps wait for a relaunch: 2 changes"));
+    press(strip, "Relaunch...");
     ASSERT_TRUE(qobject_cast<RelaunchSheet*>(sheet()));
     EXPECT_TRUE(words(*sheet()).contains("No bouncing when apps open"));
     QTest::keyClick(sheet(), Qt::Key_Escape);
 
-    // What was dismissed stays away, and what comes next is said even in the same words.
-    const auto proof = [&] {
-        for (const auto* bar : window->bars().findChildren<NoticeBar*>())
-            if (!bar->isHidden() && bar->words().contains("exactly as before")) return bar;
-        return static_cast<const NoticeBar*>(nullptr);
-    };
+    // What was dismissed stays away, and what comes next is told even in the same words.
     for (const char* tweakID : {"dock.no_bounce", "text.no_autocapitalize"}) {
         settled()->turnOff(tweakID);
-        ASSERT_TRUE(proof()) << tweakID;
-        EXPECT_EQ(proof()->words(), "1 of 1 key is exactly as before.");
-        press(*proof(), "Dismiss");
-        EXPECT_FALSE(proof());
+        EXPECT_TRUE(words(strip).contains("1 of 1 key is exactly as before.")) << tweakID;
+        press(strip, "Dismiss: What was done");
+        EXPECT_FALSE(words(strip).contains("exactly")) << tweakID;
     }
-    settled()->applyChoice("dock.size", "enormous");
-    EXPECT_TRUE(words(window->bars()).contains("Brell could not do that\nIcon size has no choice enormous."));
-    settled()->dismissError();
+
+    settled()->applyChoice("dock.size", std::string(300, 'x'));
+    EXPECT_TRUE(words(strip).startsWith("Brell could not do that: Icon size has no choice xxx"));
+    EXPECT_FALSE(words(strip).contains("wait")) << "the most urgent first";
+    press(strip, "Brell could not do that: all of it");
+    Sheet* whole = window->findChild<Sheet*>();
+    ASSERT_TRUE(whole && whole->isVisible());
+    EXPECT_TRUE(words(*whole).contains("Icon size has no choice " + QString(300, 'x') + "."));
+    whole->close();
+    press(strip, "1 more");
+    EXPECT_TRUE(words(strip).contains("waits for a relaunch"));
+    press(strip, "1 more");
+    press(strip, "Dismiss: Brell could not do that");
     EXPECT_FALSE(model->state().errorMessage);
+    EXPECT_EQ(strip.height(), height);
+}
+
+TEST_F(SheetsTest, WhatWasDoneIsToldForAWhileAndAsLongAsTheFocusIsOnIt) {
+    openWindow();
+    settled()->apply("text.no_smart_quotes");
+    window->strip().setStay(std::chrono::milliseconds(0));
+    window->activateWindow();
+    settled()->turnOff("text.no_smart_quotes");
+    const auto isTold = [&] { return words(window->strip()).contains("exactly as before"); };
+    QTRY_VERIFY(!isTold());
+
+    window->strip().setStay(std::chrono::milliseconds(20));
+    settled()->apply("text.no_smart_quotes");
+    settled()->turnOff("text.no_smart_quotes");
+    if (isTold()) {
+        button(window->strip(), "Dismiss: What was done").setFocus();
+        QTest::qWait(60);
+        EXPECT_TRUE(isTold());
+        window->sidebar().pages().setFocus();
+    }
+    QTRY_VERIFY(!isTold());
+}
+
+TEST_F(SheetsTest, ASheetHangsFromItsWindowAlsoWhenThatIsPlacedLater) {
+    haveAPast();
+    openWindow();
+    ASSERT_TRUE(sheet());
+    window->move(300, 200);
+    settle();
+    EXPECT_TRUE(window->geometry().contains(sheet()->geometry()));
 }
 
 }  // namespace

@@ -18,12 +18,12 @@
 #include "CorvaneBrell/SampleMac/SamplePast.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "CorvaneBrell/Window/MainWindow.h"
-#include "CorvaneBrell/Window/NoticeBars.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
+#include "CorvaneBrell/Window/Strip.h"
 #include "CorvaneBrell/Window/TweakList.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 #include "CorvaneBrell/Window/TweakRow.h"
@@ -138,8 +138,17 @@ protected:
         throw std::runtime_error("there is no button " + utf8(text));
     }
     void press(const QWidget& in, const QString& text) {
+        movePointerTo(button(in, text));
         QTest::mouseClick(&button(in, text), Qt::LeftButton);
         settle();
+    }
+    // As the user does before a click; the pointer comes from somewhere else.
+    static void movePointerTo(QWidget& widget) {
+        for (const QPoint& way : {QPoint(-500, -500), QPoint()}) {
+            const QPointF place = widget.rect().center() + way;
+            QMouseEvent move(QEvent::MouseMove, place, widget.mapToGlobal(place), Qt::NoButton, {}, {});
+            QApplication::sendEvent(&widget, &move);
+        }
     }
     void type(QWidget* at, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(at, key, modifiers);

@@ -71,6 +71,10 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     ASSERT_TRUE(results);
     ASSERT_FALSE(results->list().shown().empty());
     EXPECT_EQ(results->list().shown().front()->id, "finder.show_hidden");
+    EXPECT_TRUE(words(row("finder.show_hidden"))
+                    .contains("Finder · Medium risk · Relaunches Finder · also “dotfiles”"));
+    EXPECT_TRUE(window->sidebar().pages().property("marksNone").toBool())
+        << "the results are no page of the list";
 
     QTest::keyClick(&window->sidebar().search(), Qt::Key_Down);
     for (int tabs = 0; tabs < 4 && focusName() != "Show hidden files"; ++tabs)
@@ -85,6 +89,8 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     EXPECT_TRUE(qobject_cast<TweakPage*>(window->currentPage()));
     type(window.get(), Qt::Key_2, Qt::ControlModifier);
     ASSERT_EQ(model->state().screen, Screen::dock);
+    EXPECT_TRUE(window->currentPage()->isAncestorOf(QApplication::focusWidget()))
+        << "what was chosen has the focus";
     QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
     settle();
     EXPECT_EQ(stored(autohide), StoredValue(true));
@@ -122,6 +128,7 @@ TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
         QTest::keyClicks(&field, "hidden");
         if (!fromTheField) QTest::keyClick(&field, Qt::Key_Down);
         ASSERT_TRUE(isSearching());
+        EXPECT_EQ(visible<Paragraph>(row("finder.show_hidden")).front()->marks(), QStringList{"hidden"});
         type(QApplication::focusWidget(), Qt::Key_Escape);
         EXPECT_FALSE(isSearching());
         EXPECT_EQ(window->currentPage()->scrollArea()->verticalScrollBar(), bar);

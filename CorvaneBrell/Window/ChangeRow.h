@@ -1,0 +1,53 @@
+// One active change of the journal, with the ways back: this one alone, or with every later one. One that
+// others changed since can be applied again, too.
+#pragma once
+
+#include <optional>
+
+#include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Window/Row.h"
+
+class QCheckBox;
+class QPushButton;
+
+namespace brell {
+
+struct ActiveChange {
+    JournalEntry entry;
+    std::string title;
+    std::vector<std::string> lines;         // of a key each: what was done, or what others did to it since
+    std::optional<std::string> otherMacOS;  // a sentence when it was made on another version
+    bool isInterrupted;
+    bool isNewest;  // there are no later ones
+    bool isLocked;  // nothing can be changed at all
+    bool operator==(const ActiveChange&) const = default;
+};
+
+class ChangeRow final : public Row {
+    Q_OBJECT
+public:
+    using Record = ActiveChange;
+    enum class Kind { inForce, drifted };
+
+    // The model must outlive the row.
+    ChangeRow(AppModel& model, Kind kind, QWidget* parent = nullptr);
+    static std::string keyOf(const Record& record) { return record.entry.id.text(); }
+    void setRecord(const Record& record);
+
+    const Uuid& entryID() const { return record_->entry.id; }
+    // To be applied again.
+    bool isTicked() const;
+
+signals:
+    void ticked();
+
+private:
+    void showButtons();
+
+    std::optional<Record> record_;
+    QCheckBox* tick_ = nullptr;  // of one that drifted
+    QPushButton* restore_;
+    QPushButton* undoSince_;
+};
+
+}  // namespace brell

@@ -1,0 +1,194 @@
+#include "CorvaneBrell/Window/RowLayout.h"
+
+#include <QWidget>
+#include <algorithm>
+
+namespace brell {
+
+namespace {
+
+constexpr QMargins padding(16, 11, 10, 11);
+constexpr int badgeWidth = 156, badgeHeight = 18, wayBackWidth = 28, arrowWidth = 28;
+constexpr int gap = 6, wordsGap = 14, lineGap = 2;
+constexpr int highestLine = 40;  // of a control that is one line of its row
+constexpr int narrow = 700;      // in a row that is less wide the words would wrap too often beside the badge
+
+QRect& at(std::array<QRect, RowLayout::parts>& places, RowLayout::Part part) {
+    return places[static_cast<std::size_t>(part)];
+}
+
+// Of this height, its middle where the others have theirs.
+int inTheMiddle(int top, int room, int height) {
+    return top + (room - height) / 2;
+}
+
+}  // namespace
+
+RowLayout::RowLayout(QWidget* row) : QLayout(row) {
+    setContentsMargins(padding);
+}
+
+RowLayout::~RowLayout() = default;
+
+void RowLayout::put(Part part, QWidget* widget) {
+    auto& place = items_[static_cast<std::size_t>(part)];
+    if (place) delete place->widget();
+    place.reset();
+    if (widget) {
+        addChildWidget(widget);
+        place = std::make_unique<QWidgetItemV2>(widget);
+    }
+    invalidate();
+}
+
+void RowLayout::put(Part part, QLayout* layout) {
+    addChildLayout(layout);
+    items_[static_cast<std::size_t>(part)].reset(layout);
+    invalidate();
+}
+
+int RowLayout::count() const {
+    return static_cast<int>(
+        std::count_if(items_.begin(), items_.end(), [](const auto& item) { return item != nullptr; }));
+}
+
+QLayoutItem* RowLayout::itemAt(int place) const {
+    for (const auto& item : items_)
+        if (item && place-- == 0) return item.get();
+    return nullptr;
+}
+
+// Also called for a widget that is deleted.
+QLayoutItem* RowLayout::takeAt(int place) {
+    for (auto& item : items_)
+        if (item && place-- == 0) {
+            invalidate();
+            return item.release();
+        }
+    return nullptr;
+}
+
+int RowLayout::heightOf(Part part, int width) const {
+    const QLayoutItem* shown = item(part);
+    if (!shown || shown->isEmpty()) return 0;
+    return shown->hasHeightForWidth() ? shown->heightForWidth(width) : shown->sizeHint().height();
+}
+
+int RowLayout::controlWidthNeeded() const {
+    const QLayoutItem* control = item(Part::control);
+    return std::max(controlWidth, control && !control->isEmpty() ? control->minimumSize().width() : 0);
+}
+
+// From the right edge to the left; gives where the columns begin.
+int RowLayout::placeColumns(Places& places, int right) const {
+    at(places, Part::arrow) = {right - arrowWidth, 0, arrowWidth, heightOf(Part::arrow, arrowWidth)};
+    const int controlRight = right - arrowWidth - gap, room = controlWidthNeeded();
+    const QLayoutItem* control = item(Part::control);
+    if (control && !control->isEmpty()) {
+        const int width = std::min(control->maximumSize().width(), room);
+        const int margin = control->widget()->contentsMargins().right();  // beyond what is seen of it
+        at(places, Part::control) = {controlRight - width + margin, 0, width, heightOf(Part::control, width)};
+    }
+    if (!hasState_) return controlRight - (control ? room + wordsGap : 0);
+    const int wayBackLeft = controlRight - room - gap - wayBackWidth;
+    at(places, Part::wayBack) = {wayBackLeft, 0, wayBackWidth, heightOf(Part::wayBack, wayBackWidth)};
+    return wayBackLeft - gap;
+}
+
+// Everything has its middle on one line.
+int RowLayout::placeWide(Places& places, int left, int columnsLeft) const {
+    int wordsRight = columnsLeft;
+    if (hasState_) {
+        const QLayoutItem* badge = item(Part::badge);
+        const int width = badge ? std::min(badge->sizeHint().width(), badgeWidth) : 0;
+        at(places, Part::badge) = {columnsLeft - width, 0, width, badgeHeight};
+        wordsRight = columnsLeft - badgeWidth - wordsGap;
+    }
+    const int width = std::max(wordsRight - left, 1);
+    int block = 0;
+    for (const Part part : {Part::title, Part::words, Part::notes})
+        if (const int height = heightOf(part, width)) {
+            at(places, part) = {left, block, width, height};
+            block += height + lineGap;
+        }
+    const int height = std::max({block - lineGap, at(places, Part::control).height(), arrowWidth});
+    for (const Part part : {Part::title, Part::words, Part::notes})
+        at(places, part).translate(0, inTheMiddle(padding.top(), height, block - lineGap));
+    for (const Part part : {Part::badge, Part::wayBack, Part::control, Part::arrow})
+        at(places, part).moveTop(inTheMiddle(padding.top(), height, at(places, part).height()));
+    return padding.top() + height;
+}
+
+// The title beside the control, the words below both; beside a control of several lines they stay at the
+// left.
+int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right) const {
+    const int beside = std::max(columnsLeft - left, 1), whole = right - arrowWidth - gap - left;
+    const int title = heightOf(Part::title, beside), control = at(places, Part::control).height();
+    const bool isHigh = control > highestLine;
+    const int head = isHigh ? title : std::max({title, control, arrowWidth});
+    at(places, Part::title) = {left, inTheMiddle(padding.top(), head, title), beside, title};
+    for (const Part part : {Part::wayBack, Part::control, Part::arrow})
+        at(places, part)
+            .moveTop(inTheMiddle(padding.top(), isHigh ? control : head, at(places, part).height()));
+    const int width = isHigh ? beside : whole;
+    const int wordsTop = padding.top() + head + (isHigh ? lineGap : 0), words = heightOf(Part::words, width);
+    at(places, Part::words) = {left, wordsTop, width, words};
+    return std::max(placeFoot(places, left, wordsTop + words + lineGap, width), padding.top() + control);
+}
+
+// The notes, and beside them the place of the badge.
+int RowLayout::placeFoot(Places& places, int left, int top, int width) const {
+    const QLayoutItem* notes = item(Part::notes);
+    const QLayoutItem* badge = item(Part::badge);
+    const bool hasNotes = notes && !notes->isEmpty();
+    const int notesWidth = hasNotes ? std::min(notes->sizeHint().width(), width - badgeWidth - wordsGap) : 0;
+    const int height = std::max(heightOf(Part::notes, notesWidth), badgeHeight);
+    if (hasNotes) {
+        const int own = heightOf(Part::notes, notesWidth);
+        at(places, Part::notes) = {left, inTheMiddle(top, height, own), notesWidth, own};
+    }
+    if (badge)
+        at(places, Part::badge) = {left + (hasNotes ? notesWidth + wordsGap : 0),
+                                   inTheMiddle(top, height, badgeHeight),
+                                   std::min(badge->sizeHint().width(), badgeWidth), badgeHeight};
+    return top + height - lineGap;  // where the badge is not, there is room enough
+}
+
+int RowLayout::arranged(Places& places, int width) const {
+    const int left = padding.left(), right = width - padding.right();
+    const int columnsLeft = placeColumns(places, right);
+    int bottom = hasState_ && width < narrow ? placeNarrow(places, left, columnsLeft, right)
+                                             : placeWide(places, left, columnsLeft);
+    if (const int details = heightOf(Part::details, right - left)) {
+        at(places, Part::details) = {left, bottom + padding.bottom(), right - left, details};
+        bottom += padding.bottom() + details;
+    }
+    return bottom + padding.bottom();
+}
+
+int RowLayout::heightForWidth(int width) const {
+    Places places;
+    return arranged(places, width);
+}
+
+QSize RowLayout::sizeHint() const {
+    return {narrow, heightForWidth(narrow)};
+}
+
+QSize RowLayout::minimumSize() const {
+    constexpr int leastWords = 120;
+    Places places;
+    const int columns = -placeColumns(places, 0);
+    return {padding.left() + leastWords + columns + padding.right(),
+            arrowWidth + padding.top() + padding.bottom()};
+}
+
+void RowLayout::setGeometry(const QRect& place) {
+    QLayout::setGeometry(place);
+    Places places;
+    arranged(places, place.width());
+    for (std::size_t i = 0; i < parts; ++i)
+        if (items_[i] && !items_[i]->isEmpty()) items_[i]->setGeometry(places[i].translated(place.topLeft()));
+}
+
+}  // namespace brell

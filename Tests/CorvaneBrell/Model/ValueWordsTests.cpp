@@ -1,0 +1,51 @@
+#include "CorvaneBrell/Model/ValueWords.h"
+
+#include <gtest/gtest.h>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+
+namespace brell {
+
+namespace {
+
+constexpr std::nullopt_t absent = std::nullopt;
+
+std::vector<StoredValue> stored(const std::vector<std::optional<PrefValue>>& values) {
+    std::vector<StoredValue> all;
+    for (const auto& value : values) all.push_back(value ? StoredValue(*value) : StoredValue::absent());
+    return all;
+}
+
+}  // namespace
+
+TEST(ValueWordsTest, ValuesAreSaidAsPeopleSayThemWithoutTheirKeys) {
+    const TweakCatalog catalog("/Users/jo");
+    const std::string folder(300, 'x');
+    const struct {
+        const char* tweakID;
+        std::vector<std::optional<PrefValue>> values;
+        std::string words;
+    } rows[] = {
+        {"dock.size", {36}, "Small"},
+        {"dock.size", {41}, "41"},
+        {"dock.size", {absent}, "not set"},
+        {"dock.no_recents", {false}, "On"},
+        {"dock.no_recents", {true}, "Off"},
+        {"dock.magnify", {false, absent}, "false, not set"},
+        {"dock.magnify", {true, 80}, "On"},
+        {"finder.drives_on_desktop", {false, true, true}, "Off"},
+        {"finder.search_current_folder", {"SC\nev"}, "\"SC ev\""},
+        {"shot.folder", {"/Users/jo/Pictures"}, "~/Pictures"},
+        {"shot.folder", {"/Users/joanna"}, "/Users/joanna"},
+        {"shot.folder", {"/" + folder}, "/" + folder.substr(0, 199) + "..."},
+        {"shot.folder", {absent}, "not set"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(valueWords(*catalog.tweak(row.tweakID), stored(row.values), catalog.home()), row.words)
+            << row.tweakID;
+    EXPECT_EQ(noteWords(*catalog.tweak("finder.show_hidden")), "Medium risk · Relaunches Finder");
+    EXPECT_EQ(noteWords(*catalog.tweak("anim.no_window_animation")), "Experimental");
+    EXPECT_EQ(noteWords(*catalog.tweak("shot.jpg")), "");
+}
+
+}  // namespace brell

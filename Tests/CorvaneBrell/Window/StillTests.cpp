@@ -1,0 +1,275 @@
+// Nothing moves that the user did not move, and no click reaches what came under the pointer meanwhile.
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QToolButton>
+#include <fstream>
+
+#include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/LoginItemView.h"
+#include "CorvaneBrell/Window/Sheet.h"
+#include "CorvaneBrell/Window/Stillness.h"
+#include "CorvaneBrell/Window/StripLine.h"
+#include "CorvaneBrell/Window/Switch.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace brell::testing {
+
+namespace {
+
+class StillTest : public WindowTest {
+protected:
+    StillTest() { setWaiting(std::chrono::hours(1)); }
+
+    void setWaiting(std::chrono::milliseconds waiting) { waiting_ = waiting; }
+
+    MainWindow& openStill() {
+        openLivedIn();
+        window->findChild<Stillness*>()->setWaiting(waiting_);
+        window->resize(window->minimumSize());  // all of it is on the screen of the platform
+        settle();
+        return *window;
+    }
+
+    // A press and its release, wherever they arrive.
+    void clickAt(const QPoint& place, QEvent::Type press) {
+        for (const QEvent::Type type : {press, QEvent::MouseButtonRelease}) {
+            QWidget* under = QApplication::activePopupWidget();
+            if (!under) under = QApplication::widgetAt(place);
+            if (!under) return;
+            const bool isDown = type != QEvent::MouseButtonRelease;
+            QMouseEvent event(type, under->mapFromGlobal(QPointF(place)), place, Qt::LeftButton,
+                              isDown ? Qt::LeftButton : Qt::NoButton, {});
+            QApplication::sendEvent(under, &event);
+        }
+        settle();
+    }
+
+    // What the first click leads to is done when the second one comes.
+    void doubleClick(QWidget& control) {
+        const QPoint place = control.mapToGlobal(control.rect().center());
+        movePointerTo(control);
+        clickAt(place, QEvent::MouseButtonPress);
+        clickAt(place, QEvent::MouseButtonDblClick);
+    }
+
+    // Whatever was opened is left without an answer.
+    void leaveEverything() {
+        for (int left = 8; left > 0; --left) {
+            QWidget* open = QApplication::activePopupWidget();
+            for (QWidget* one : QApplication::topLevelWidgets())
+                if (!open && one != window.get() && one->isVisible() && one->isWindow()) open = one;
+            if (!open) return;
+            open->close();
+            settle();
+        }
+        ADD_FAILURE() << "something stays open";
+    }
+
+    std::vector<QPointer<QWidget>> controls(const QWidget& in) const {
+        std::vector<QPointer<QWidget>> all;
+        for (QWidget* widget : visible<QWidget>(in)) {
+            const auto* button = qobject_cast<QPushButton*>(widget);
+            const bool isControl = qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget);
+            const bool isPart = qobject_cast<QLineEdit*>(widget->parentWidget());
+            if (isControl && !isPart && widget->isEnabled() && !(button && button->menu()))
+                all.emplace_back(widget);
+        }
+        return all;
+    }
+
+    // What a control may change: the keys of its row's tweak.
+    static Names keysOf(const QWidget* control) {
+        Names keys;
+        for (; control; control = control->parentWidget())
+            if (const auto* row = qobject_cast<const TweakRow*>(control))
+                for (const Write& write : row->tweak().writes) keys.insert(write.key.rendered());
+        return keys;
+    }
+
+    // What the keys of all tweaks hold, by key.
+    std::map<std::string, std::string> values() const {
+        std::map<std::string, std::string> held;
+        const auto store = sample.openPreferences();
+        for (const Tweak& tweak : model->catalog().all())
+            for (const Write& write : tweak.writes) try {
+                    held[write.key.rendered()] = store->exactValue(write.key).rendered();
+                } catch (const StoreError& error) {
+                    held[write.key.rendered()] = error.what();
+                }
+        return held;
+    }
+
+    std::map<std::string, std::string> otherFiles() const {
+        auto files = everythingIn(folder.path / "mac");
+        std::erase_if(files, [](const auto& file) {
+            return file.first.find("Library/Preferences") != std::string::npos ||
+                   file.first.ends_with(".lock");
+        });
+        return files;
+    }
+
+    void expectDoubleClickStaysWithItsControl(QWidget& control) {
+        SCOPED_TRACE(utf8(control.accessibleName() + " / " + control.property("text").toString()));
+        const Names own = keysOf(&control);
+        const auto before = values();
+        const auto files = otherFiles();
+        doubleClick(control);
+        leaveEverything();
+        for (const auto& [key, value] : values())
+            EXPECT_TRUE(value == before.at(key) || own.contains(key)) << key << " was changed";
+        EXPECT_EQ(otherFiles(), files);
+    }
+
+    // Where the controls of the page stand, on the screen.
+    std::map<const QWidget*, QRect> places() const {
+        std::map<const QWidget*, QRect> found;
+        for (const QWidget* widget : visible<QWidget>(*window))
+            if (qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QComboBox*>(widget) ||
+                qobject_cast<const QLineEdit*>(widget) || qobject_cast<const Row*>(widget))
+                if (!window->strip().isAncestorOf(widget))
+                    found[widget] = {widget->mapToGlobal(QPoint()), widget->size()};
+        return found;
+    }
+
+    void expectNothingMoved(const std::map<const QWidget*, QRect>& before, const char* after) const {
+        const auto now = places();
+        for (const auto& [widget, place] : before)
+            if (const auto found = now.find(widget); found != now.end()) {
+                EXPECT_EQ(found->second, place) << utf8(widget->accessibleName()) << " after " << after;
+            }
+    }
+
+private:
+    std::chrono::milliseconds waiting_{};
+};
+
+}  // namespace
+
+TEST_F(StillTest, ADoubleClickOnAnyControlChangesNothingBesideWhatItStandsFor) {
+    openStill();
+    std::size_t clicked = 0;
+    for (const Screen screen : allCases<Screen>()) {
+        SCOPED_TRACE(std::string(title(screen)));
+        go(screen);
+        QScrollArea* scroll = window->currentPage()->scrollArea();
+        for (const QPointer<QWidget>& control : controls(*window->currentPage())) {
+            if (!control || !control->isVisible() || !control->isEnabled()) continue;
+            if (scroll->isAncestorOf(control)) scroll->ensureWidgetVisible(control, 0, 40);
+            settle();
+            expectDoubleClickStaysWithItsControl(*control);
+            ++clicked;
+            if (HasFailure()) return;
+        }
+        for (const QPointer<QWidget>& control : controls(window->strip()))
+            if (control && control->isVisible()) expectDoubleClickStaysWithItsControl(*control);
+    }
+    EXPECT_GT(clicked, 150);
+    EXPECT_GT(model->state().undo.size(), 0) << "the first clicks do something";
+}
+
+TEST_F(StillTest, WhatComesUnderTheRestingPointerTakesAClickOnlyAfterAWhile) {
+    const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
+    openStill();
+    go(Screen::finder);
+    QWidget& control = *row("finder.show_hidden").control();
+    const QPoint place = control.mapToGlobal(control.rect().center());
+    const auto bringUnderThePointer = [&] {
+        go(Screen::journal);
+        movePointerTo(control);
+        go(Screen::finder);
+    };
+    bringUnderThePointer();
+    clickAt(place, QEvent::MouseButtonPress);
+    EXPECT_EQ(stored(showHidden), StoredValue::absent());
+    clickAt(place + QPoint(12, 0), QEvent::MouseButtonPress);
+    EXPECT_EQ(stored(showHidden), StoredValue(true)) << "the user has moved to it";
+
+    window->findChild<Stillness*>()->setWaiting(std::chrono::milliseconds(0));
+    bringUnderThePointer();
+    clickAt(place, QEvent::MouseButtonPress);
+    EXPECT_EQ(stored(showHidden), StoredValue::absent()) << "the while is over";
+}
+
+// Badges, ways back, notices of every kind, progress, an empty state: each at the smallest size and at a
+// usual one.
+TEST_F(StillTest, NothingThatIsToldMovesAControl) {
+    for (const QSize size : {QSize(820, 560), QSize(1100, 760)}) {
+        openStill();
+        window->resize(size);
+        go(Screen::dock);
+        settled()->apply("dock.no_bounce");
+        settled()->turnOff("dock.no_bounce");  // every row has been all that it can be
+        const auto before = places();
+        settled()->apply("dock.no_bounce");
+        expectNothingMoved(before, "a badge, a way back and a relaunch");
+        settled()->applyChoice("dock.size", "enormous");
+        expectNothingMoved(before, "an error");
+        settled()->turnOff("dock.no_bounce");
+        expectNothingMoved(before, "an undo");
+
+        go(Screen::loginItems);
+        auto* filter = window->currentPage()->findChild<QLineEdit*>();
+        const auto items = places();
+        model->loadLoginItems();
+        for (int turn = 0; turn < 20; ++turn) takeTurn();
+        expectNothingMoved(items, "what is being read");
+        settle();
+        filter->setText("no such item");
+        settle();
+        const QPoint there = filter->mapToGlobal(QPoint());
+        EXPECT_EQ(there, items.at(filter).topLeft()) << "an empty state";
+    }
+}
+
+TEST_F(StillTest, TheRightSideOfRowsStandsInColumnsThatAreTheSameOnEveryPage) {
+    for (const int width : {820, 1100, 1600}) {
+        openStill();
+        window->resize(width, 900);
+        std::set<int> arrows, controlEnds, waysBack, lists;
+        const auto right = [&](const QWidget* part) {
+            return part->mapTo(window.get(), part->rect().topRight()).x();
+        };
+        for (const Screen screen : allCases<Screen>()) {
+            go(screen);
+            for (const Row* row : visible<Row>(*window->currentPage())) {
+                if (row->control() && row->control()->isVisible())
+                    controlEnds.insert(right(row->control()) - row->control()->contentsMargins().right());
+                if (row->wayBack() && row->wayBack()->isVisible()) waysBack.insert(right(row->wayBack()));
+                for (const QToolButton* button : visible<QToolButton>(*row))
+                    if (button != row->wayBack()) arrows.insert(right(button));
+            }
+            for (const ChoiceBox* list : visible<ChoiceBox>(*window->currentPage())) {
+                lists.insert(list->width());
+                for (int i = 0; i < list->count(); ++i)
+                    EXPECT_LE(list->fontMetrics().horizontalAdvance(list->itemText(i)) + 30,
+                              RowLayout::controlWidth)
+                        << utf8(list->itemText(i));
+            }
+        }
+        EXPECT_EQ(arrows.size(), 1) << width;
+        EXPECT_EQ(controlEnds.size(), 1) << width;
+        EXPECT_EQ(waysBack.size(), 1) << width;
+        EXPECT_EQ(lists, std::set<int>{RowLayout::controlWidth}) << width;
+    }
+}
+
+TEST_F(StillTest, DetailsThatAreOpenedAtTheFootAreScrolledIntoSight) {
+    openStill();
+    window->resize(820, 560);
+    go(Screen::finder);
+    const QScrollArea* scroll = window->currentPage()->scrollArea();
+    Row& last = row("finder.no_dsstore_on_shares");
+    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+    settle();
+    press(last, "Details of " + last.title());
+    const int top = last.mapTo(scroll->viewport(), QPoint()).y();
+    EXPECT_LE(top + last.height(), scroll->viewport()->height());
+    EXPECT_GE(top, 0);
+}
+
+}  // namespace brell::testing
