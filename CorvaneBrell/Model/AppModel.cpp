@@ -43,7 +43,8 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
       changes_(loop, *deps_, shownIn(&AppState::changeActivity)),
       refreshes_(loop, *deps_, shownIn(&AppState::fileActivity)),
       readings_(loop, *deps_, shownIn(&AppState::readingActivity)),
-      questions_(loop, *deps_, [](const std::optional<Activity>&) {}) {
+      questions_(loop, *deps_, [](const std::optional<Activity>&) {}),
+      firstTaskList_(loop, *deps_, shownIn(&AppState::taskListActivity)) {
     if (!this->options().dryRun) state_.safetyWarnings = safetyWarnings(deps_->machine);
     if (const auto& named = this->options().openGroup)
         if (const auto screen = fromRawValue<Screen>(*named)) state_.screen = *screen;
@@ -72,6 +73,7 @@ AppModel::~AppModel() {
     refreshes_.end();
     readings_.end();
     questions_.end();
+    firstTaskList_.end();
 }
 
 std::optional<std::string> AppModel::whyNothingReal() const {

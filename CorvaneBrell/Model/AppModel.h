@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -57,7 +58,8 @@ public:
     std::optional<std::string> whyNothingReal() const;
     // Something runs beside the main thread: the state may be about to change.
     bool isBusy() const {
-        return changes_.isBusy() || refreshes_.isBusy() || readings_.isBusy() || questions_.isBusy();
+        return changes_.isBusy() || refreshes_.isBusy() || readings_.isBusy() || questions_.isBusy() ||
+               firstTaskList_.isBusy();
     }
     // Something that the user asked for is not finished: a change, or a file that is being saved.
     bool isWorking() const { return changes_.isBusy() || savesUnderWay_ > 0; }
@@ -103,7 +105,11 @@ public:
     void confirmAgents();
     void cancelAgents();
 
+    // Asks macOS for its list of background items only once the user allowed it and macOS gave it.
     void loadLoginItems();
+    void askTaskList();  // opens a request; nothing while the list is being read
+    void confirmTaskList();
+    void cancelTaskList();  // the request, or the reading under way
     void loadAgentDrift();  // only that; loadLoginItems does it, too
     void loadVolumes();
     void loadHistory(std::optional<int> days);
@@ -149,7 +155,9 @@ private:
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
     void showEverything(Everything everything);
     void countChanges(const std::vector<JournalEntry>& entries);
+    void readLoginItems(const TaskSource& tasks);
     void showLoginItems(LoginItems items, bool isAll);
+    void keepTaskList(std::shared_ptr<const BTMDump> tasks);
     // Gives a file to save to the lane of the refreshes, with an operation of ReadingWork.
     template <class Job, class... Arguments>
     void save(Job job, const std::filesystem::path& file, Arguments... arguments);
@@ -185,13 +193,16 @@ private:
     int changesFinished_ = 0;
     int changesSeen_ = 0;  // finished when the last refresh began
     int savesUnderWay_ = 0;
-    Relauncher::Handle relaunch_;  // while one is under way
+    std::shared_ptr<const BTMDump> tasks_;  // macOS's list of background items as it was last read
+    std::shared_ptr<std::atomic<bool>> taskListCancelled_;  // of the first reading
+    Relauncher::Handle relaunch_;                           // while one is under way
 
     // Last: their threads end before anything else does.
     Lane<ChangeWork> changes_;
-    Lane<ReadingWork> refreshes_;  // of preferences and journal; saves files, too
-    Lane<ReadingWork> readings_;   // with the system's tools
-    Lane<ReadingWork> questions_;  // what the user waits for: short, and behind nothing that is long
+    Lane<ReadingWork> refreshes_;      // of preferences and journal; saves files, too
+    Lane<ReadingWork> readings_;       // with the system's tools
+    Lane<ReadingWork> questions_;      // what the user waits for: short, and behind nothing that is long
+    Lane<ReadingWork> firstTaskList_;  // what waits for a person
 };
 
 }  // namespace brell

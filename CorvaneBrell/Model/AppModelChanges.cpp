@@ -166,7 +166,7 @@ void AppModel::finishChange(const ChangeOutcome& outcome) {
     set(&AppState::undoProof, outcome.proof, Topic::notices);
     if (!outcome.report.empty()) set(&AppState::presetReport, outcome.report, Topic::question);
     refreshAll();
-    if (outcome.agentsTouched) loadLoginItems();
+    if (outcome.agentsTouched) readLoginItems({false, tasks_});
     if (outcome.question) askDrift(*outcome.question);
 }
 

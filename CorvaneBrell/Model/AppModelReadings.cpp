@@ -6,20 +6,33 @@ namespace fs = std::filesystem;
 
 namespace brell {
 
-// Rows are shown as they are read, the first time.
+namespace {
+
+const std::string noTaskList =
+    "macOS did not give its list of background items. It was refused, or took too long.";
+
+}  // namespace
+
 void AppModel::loadLoginItems() {
+    readLoginItems({own_.readsTaskList(), tasks_});
+}
+
+// Rows are shown as they are read, the first time.
+void AppModel::readLoginItems(const TaskSource& tasks) {
     Posted<LoginItems> soFar;
     if (!state_.loginItemsLoaded)
         soFar = readings_.posted<LoginItems>([this](LoginItems items) {
             if (!state_.loginItemsLoaded) showLoginItems(std::move(items), false);
         });
-    const auto done = [this](JobResult<LoginItems> result) {
+    const auto done = [this, isRead = tasks.isRead](JobResult<LoginItems> result) {
         if (!result.value) return fail(result.error);
         if (result.value->error)
             fail("launchd could not be asked for the login items: " + *result.value->error);
+        if (isRead) keepTaskList(result.value->tasks);
+        if (isRead && !tasks_ && result.value->mayReadTasks) fail(noTaskList);
         showLoginItems(std::move(*result.value), true);
     };
-    readings_.run("", &ReadingWork::loginItems, done, soFar);
+    readings_.run("", &ReadingWork::loginItems, done, soFar, tasks);
     loadAgentDrift();
 }
 
@@ -31,10 +44,42 @@ void AppModel::showLoginItems(LoginItems items, bool isAll) {
         isOther |= put(&AppState::switchRefusals, std::move(items.refusals));
     }
     if (isAll) {
-        isOther |= put(&AppState::btmUnavailable, !items.hasDatabase);
+        isOther |= put(&AppState::taskList, items.tasks          ? TaskList::read
+                                            : items.mayReadTasks ? TaskList::offered
+                                                                 : TaskList::hidden);
         isOther |= put(&AppState::loginItemsLoaded, true);
     }
     if (isOther) announce(Topic::loginItems);
+}
+
+void AppModel::askTaskList() {
+    if (!state_.taskListActivity)
+        set(&AppState::taskListRequest, TaskListRequest{Uuid::random()}, Topic::question);
+}
+
+void AppModel::confirmTaskList() {
+    if (!state_.taskListRequest) return;
+    set(&AppState::taskListRequest, std::nullopt, Topic::question);
+    taskListCancelled_ = std::make_shared<std::atomic<bool>>(false);
+    const auto done = [this](const JobResult<std::shared_ptr<const BTMDump>>& result) {
+        const bool isWanted = !*taskListCancelled_;
+        keepTaskList(isWanted && result.value ? *result.value : nullptr);
+        if (tasks_) return readLoginItems({false, tasks_});
+        if (isWanted) fail(noTaskList);
+    };
+    firstTaskList_.run("Reading macOS's list of background items", &ReadingWork::firstTaskList, done,
+                       Cancellation(taskListCancelled_));
+}
+
+void AppModel::cancelTaskList() {
+    if (taskListCancelled_) *taskListCancelled_ = true;
+    set(&AppState::taskListRequest, std::nullopt, Topic::question);
+}
+
+// What macOS did not give is not asked for again unasked.
+void AppModel::keepTaskList(std::shared_ptr<const BTMDump> tasks) {
+    own_.keepReadingTaskList(tasks != nullptr);
+    tasks_ = std::move(tasks);
 }
 
 void AppModel::loadAgentDrift() {

@@ -63,6 +63,12 @@ struct AgentConfirmRequest {
     bool operator==(const AgentConfirmRequest&) const = default;
 };
 
+// Whether macOS may be asked for its list of background items, which may ask for a password.
+struct TaskListRequest {
+    Uuid id;
+    bool operator==(const TaskListRequest&) const = default;
+};
+
 struct RestoreRequest {
     Uuid id;
     std::string title;
@@ -75,6 +81,14 @@ struct PresetRequest {
     Uuid id;
     PresetPlan plan;
     bool operator==(const PresetRequest&) const = default;
+};
+
+// How macOS's own list of background items stands to the rows of the login items.
+enum class TaskList {
+    unknown,  // nothing has been read yet
+    hidden,   // the user is no administrator, who alone may see it
+    offered,  // not read: the user was not asked, or macOS did not give it
+    read,
 };
 
 // The parts of the state; a change in one is announced.
@@ -121,7 +135,7 @@ struct AppState {
     std::vector<LoginItemRow> loginItems;
     std::map<std::string, std::string> switchRefusals;  // why the user's own can't be, by their records' ids
     bool loginItemsLoaded = false;
-    bool btmUnavailable = false;
+    TaskList taskList = TaskList::unknown;
 
     // Topic::volumes
     std::vector<VolumeIndexStatus> volumes;
@@ -134,6 +148,7 @@ struct AppState {
     std::optional<DriftRequest> driftRequest;
     std::optional<AgentConfirmRequest> agentConfirm;
     std::optional<RelaunchRequest> relaunchRequest;
+    std::optional<TaskListRequest> taskListRequest;
     std::optional<RestoreRequest> restoreRequest;
     std::optional<PresetRequest> presetRequest;
     std::vector<std::string> presetReport;  // what the last preset came to, a sentence each
@@ -148,8 +163,9 @@ struct AppState {
     // Topic::activity
     std::optional<Activity> relaunchActivity;
     std::optional<Activity> changeActivity;
-    std::optional<Activity> fileActivity;     // reading preferences and journal, saving files
-    std::optional<Activity> readingActivity;  // with the system's tools
+    std::optional<Activity> fileActivity;      // reading preferences and journal, saving files
+    std::optional<Activity> readingActivity;   // with the system's tools
+    std::optional<Activity> taskListActivity;  // a first reading, which waits for a person; can be cancelled
 };
 
 // Without a journal that can be read nothing can be changed or put back.

@@ -6,6 +6,8 @@ namespace brell {
 
 namespace {
 
+constexpr const char* taskListKey = "readsBackgroundItems";
+
 PrefKey ownKey(std::string name) {
     return {std::string(OwnPreferences::domain), std::move(name)};
 }
@@ -30,6 +32,15 @@ std::optional<double> OwnPreferences::number(const std::string& key) const try {
 void OwnPreferences::setNumber(const std::string& key, double value) {
     store_.write(value, ownKey(key));
     store_.synchronize(std::string(domain));
+}
+
+bool OwnPreferences::readsTaskList() const {
+    return number(taskListKey) == 1;
+}
+
+void OwnPreferences::keepReadingTaskList(bool reads) try {
+    if (readsTaskList() != reads) setNumber(taskListKey, reads ? 1 : 0);
+} catch (const StoreError&) {
 }
 
 std::optional<WindowPlace> OwnPreferences::windowPlace() const {

@@ -34,6 +34,11 @@ public:
     std::optional<double> number(const std::string& key) const override;
     void setNumber(const std::string& key, double value) override;
 
+    // Whether macOS gave its list of background items when the user had allowed to ask for it. What can't be
+    // kept is asked for again.
+    bool readsTaskList() const;
+    void keepReadingTaskList(bool reads);
+
     // Nothing when the window never was open.
     std::optional<WindowPlace> windowPlace() const;
     void keepWindowPlace(const WindowPlace& place);  // one that can't be kept is no reason to stay open

@@ -92,7 +92,7 @@ ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& sho
 
 // First what the files say, then what launchd says of each agent, then with the task database, which takes
 // seconds.
-LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar) {
+LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSource& tasks) {
     progress_.tell("Reading the LaunchAgents");
     LoginItems items;
     std::vector<LaunchAgentRecord> user;
@@ -102,13 +102,15 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar) {
     } catch (const std::exception& error) {
         items.error = error.what();  // the others are shown all the same
     }
-    const auto merge = [&](const std::optional<BTMDump>& dump) {
-        items.rows = LoginItemsMerger::merge(user, system, dump, deps_.machine.uid);
-        items.hasDatabase = dump.has_value();
+    items.mayReadTasks = deps_.machine.isAdmin();
+    items.tasks = tasks.kept;
+    const auto merge = [&] {
+        items.rows = LoginItemsMerger::merge(
+            user, system, items.tasks ? std::optional(*items.tasks) : std::nullopt, deps_.machine.uid);
     };
     const auto showSoFar = [&] {
         if (!soFar) return;
-        merge(std::nullopt);
+        merge();
         soFar(items);
     };
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) noteRefusal(user[i], items);
@@ -121,9 +123,22 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar) {
         noteRefusal(user[i], items);  // it may be loaded from another file
     }
     showSoFar();
-    progress_.tell("Reading the background task database");
-    merge(progress_.isEnding() ? std::nullopt : deps_.btmReader.dump());
+    if (tasks.isRead) items.tasks = taskList(std::nullopt);
+    merge();
     return items;
+}
+
+std::shared_ptr<const BTMDump> ReadingWork::taskList(const std::optional<CommandPatience>& patience) {
+    progress_.tell("Reading macOS's list of background items");
+    if (progress_.isEnding()) return nullptr;
+    auto dump = deps_.btmReader.dump(patience);
+    return dump ? std::make_shared<const BTMDump>(*std::move(dump)) : nullptr;
+}
+
+std::shared_ptr<const BTMDump> ReadingWork::firstTaskList(const Cancellation& isCancelled) {
+    constexpr double secondsToType = 120;
+    return taskList(CommandPatience{
+        secondsToType, [this, isCancelled] { return isCancelled->load() || progress_.isEnding(); }});
 }
 
 void ReadingWork::noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const {

@@ -1,6 +1,7 @@
 // Every reading beside the main thread, and the saving of files that the user asked for.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -27,10 +28,20 @@ struct Everything {
 struct LoginItems {
     std::vector<LoginItemRow> rows;
     std::map<std::string, std::string>
-        refusals;  // why the user's own can't be switched, by their records' ids
-    bool hasDatabase = false;
-    std::optional<std::string> error;  // why launchd could not be asked for the user's own
+        refusals;                          // why the user's own can't be switched, by their records' ids
+    std::shared_ptr<const BTMDump> tasks;  // macOS's list of background items that the rows came from
+    bool mayReadTasks = false;             // the user is an administrator
+    std::optional<std::string> error;      // why launchd could not be asked for the user's own
 };
+
+// Where the login items take macOS's list of background items from.
+struct TaskSource {
+    bool isRead = false;                       // anew, from macOS
+    std::shared_ptr<const BTMDump> kept = {};  // else this one, or none
+};
+
+// Ends a reading that waits for a person. Set on the main thread.
+using Cancellation = std::shared_ptr<const std::atomic<bool>>;
 
 using Volumes = std::vector<VolumeIndexStatus>;
 using ToldHistory = std::shared_ptr<const std::vector<ToldLine>>;
@@ -48,7 +59,10 @@ public:
 
     // With the system's tools, which may take seconds. soFar gets what is known in the meantime, if it is
     // asked for.
-    LoginItems loginItems(const Posted<LoginItems>& soFar);
+    LoginItems loginItems(const Posted<LoginItems>& soFar, const TaskSource& tasks);
+    // The first reading: someone may have to type a password for macOS, and gets two minutes. nullptr when
+    // macOS did not give it.
+    std::shared_ptr<const BTMDump> firstTaskList(const Cancellation& isCancelled);
     std::vector<DriftedEntry> driftedAgents();
     Volumes volumes(const Posted<Volumes>& soFar);
 
@@ -64,6 +78,7 @@ public:
     std::filesystem::path savePreset(const std::filesystem::path& file, const Preset& preset);
 
 private:
+    std::shared_ptr<const BTMDump> taskList(const std::optional<CommandPatience>& patience);
     void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
 
     Dependencies& deps_;

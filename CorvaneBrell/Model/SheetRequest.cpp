@@ -55,6 +55,7 @@ std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vecto
     if (state.driftRequest) return *state.driftRequest;
     if (state.agentConfirm) return *state.agentConfirm;
     if (state.relaunchRequest) return *state.relaunchRequest;
+    if (state.taskListRequest) return *state.taskListRequest;
     if (state.restoreRequest) return *state.restoreRequest;
     if (state.presetRequest) return *state.presetRequest;
     if (!state.presetReport.empty() && state.presetReport != readReport)

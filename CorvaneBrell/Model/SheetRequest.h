@@ -24,7 +24,7 @@ struct PresetReport {
 };
 
 using SheetRequest = std::variant<RecoveryRequest, DriftRequest, AgentConfirmRequest, RelaunchRequest,
-                                  RestoreRequest, PresetRequest, PresetReport>;
+                                  TaskListRequest, RestoreRequest, PresetRequest, PresetReport>;
 
 // The question that waits and goes before the others: recovery first, reports last. readReport is the
 // preset's report that the user has read already.

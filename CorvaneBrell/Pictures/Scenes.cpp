@@ -102,6 +102,23 @@ Scene agents() {
             [](MainWindow& window) { window.model().cancelAgents(); }};
 }
 
+// Once it is answered, the page shows everything.
+Scene taskList() {
+    return {"sheet-task-list",
+            [](MainWindow& window) {
+                window.model().show(Screen::loginItems);
+                settle(window);
+                window.model().askTaskList();
+            },
+            [](MainWindow& window) { window.model().confirmTaskList(); }};
+}
+
+Scene listedItems() {
+    Scene scene = page(Screen::loginItems);
+    scene.name += "-listed";
+    return scene;
+}
+
 Scene relaunch() {
     return {"sheet-relaunch",
             [](MainWindow& window) {
@@ -133,8 +150,8 @@ std::vector<Scene> scenesOfTrouble() {
 std::vector<Scene> everydayScenes() {
     std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
-    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), agents(),
-                               relaunch(), preset(), presetResult()})
+    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), taskList(),
+                               listedItems(), agents(), relaunch(), preset(), presetResult()})
         all.push_back(scene);
     return all;
 }

@@ -5,6 +5,7 @@
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SearchField.h"
+#include "CorvaneBrell/Window/TaskListLine.h"
 
 namespace brell {
 
@@ -12,16 +13,11 @@ LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
       model_(model),
       filter_(searchField(tr("Filter"), tr("Filter the login items"))),
-      withoutDatabase_(
-          symbolLine("info.circle", Tone::plain,
-                     tr("The background task database could not be read, so items that apps added "
-                        "themselves may be missing here. An administrator can read it."),
-                     nullptr)),
+      taskList_(new TaskListLine(model)),
       emptyAction_(addEmptyAction({})) {
     addTools();
+    content()->addWidget(taskList_);
     addGroups();
-    content()->addWidget(withoutDatabase_);  // below the rows, which it must not move
-    withoutDatabase_->hide();
     connect(emptyAction_, &QPushButton::clicked, this, [this] { takeEmptyAction(); });
     model_.loadLoginItems();
 }
@@ -47,7 +43,7 @@ void LoginItemsPage::addGroups() {
 }
 
 void LoginItemsPage::refresh(const Changes& changed) {
-    withoutDatabase_->setVisible(model_.state().btmUnavailable);
+    taskList_->refresh();
     if (changed.contains(Topic::loginItems)) collectTexts();
     if (changed.contains(Topic::loginItems) || changed.contains(Topic::journal)) showItems();
     showEmptyState();
@@ -116,9 +112,7 @@ void LoginItemsPage::showEmptyState() {
         setEmptyState(tr("No login item has “%1” in its name, label or app.").arg(filter_->text().trimmed()));
     } else if (state.loginItemsLoaded) {
         emptyAction_->setText(tr("Read Again"));
-        setEmptyState(
-            tr("Nothing was found that starts by itself, neither in the folders of launchd nor in the "
-               "background task database."));
+        setEmptyState(tr("Nothing was found in the folders of launchd that starts by itself."));
     } else {
         setEmptyState(tr("The login items are being read."));
     }

@@ -11,6 +11,8 @@
 
 namespace brell {
 
+class TaskListLine;
+
 class LoginItemsPage final : public Page {
     Q_OBJECT
 public:
@@ -37,7 +39,7 @@ private:
 
     AppModel& model_;
     QLineEdit* filter_;
-    QWidget* withoutDatabase_;
+    TaskListLine* taskList_;
     QPushButton* emptyAction_;
     std::vector<std::pair<LoginItemBadge, Group*>> groups_;
     std::vector<QString> texts_;  // what the filter looks at, one for each item of the model

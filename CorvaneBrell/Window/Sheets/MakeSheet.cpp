@@ -8,6 +8,7 @@
 #include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
 #include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
+#include "CorvaneBrell/Window/Sheets/TaskListSheet.h"
 
 namespace brell {
 
@@ -23,6 +24,7 @@ struct SheetFor {
         return new AgentConfirmSheet(model, window, request);
     }
     Sheet* operator()(const RelaunchRequest& request) { return new RelaunchSheet(model, window, request); }
+    Sheet* operator()(const TaskListRequest&) { return new TaskListSheet(model, window); }
     Sheet* operator()(const RestoreRequest& request) { return new RestoreSheet(model, window, request); }
     Sheet* operator()(const PresetRequest& request) { return new PresetSheet(model, window, request); }
     Sheet* operator()(const PresetReport& report) { return new PresetResultSheet(window, report); }

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "CorvaneBrell/Model/TweakRowState.h"
+#include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 
@@ -28,7 +31,6 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     settle(*model);
     EXPECT_GE(announced[Topic::activity], 3) << "what is being read, and that it is done";
     EXPECT_TRUE(model->state().loginItemsLoaded);
-    EXPECT_FALSE(model->state().btmUnavailable);
     EXPECT_FALSE(model->state().readingActivity);
     const LoginItemRow* row = rowOf(*model, "com.halverson.duskwatch");
     ASSERT_TRUE(row);
@@ -115,6 +117,62 @@ TEST(AgentConfirmRequest, SaysWhereItLeads) {
                   "off.");
 }
 
+TEST_F(AppModelTest, TheTaskListIsAskedForOnlyOnceTheUserAllowedItAndMacOSGaveIt) {
+    const fs::path file = SampleFurniture::taskDumpFile(sample.systemRoot());
+    const std::string list = contentsOf(file);
+    auto model = openModel();
+    const auto isListed = [&] {
+        const auto& rows = model->state().loginItems;
+        return std::any_of(rows.begin(), rows.end(), [](const LoginItemRow& row) { return row.btm; });
+    };
+    const auto expect = [&](TaskList taskList, bool isError) {
+        settle(*model);
+        EXPECT_EQ(model->state().taskList, taskList);
+        EXPECT_EQ(isListed(), taskList == TaskList::read);
+        EXPECT_EQ(model->state().errorMessage.has_value(), isError);
+        EXPECT_EQ(model->ownPreferences().readsTaskList(), taskList == TaskList::read);
+        model->dismissError();
+    };
+    model->loadLoginItems();
+    expect(TaskList::offered, false);
+
+    // Left at the question, and later cancelled while macOS asks.
+    model->askTaskList();
+    ASSERT_TRUE(model->state().taskListRequest);
+    model->cancelTaskList();
+    EXPECT_FALSE(model->state().taskListRequest);
+    model->confirmTaskList();
+    expect(TaskList::offered, false);
+    model->askTaskList();
+    model->confirmTaskList();
+    EXPECT_TRUE(model->state().taskListActivity);
+    model->askTaskList();
+    EXPECT_FALSE(model->state().taskListRequest) << "it is being read";
+    model->cancelTaskList();
+    expect(TaskList::offered, false);
+
+    fs::remove(file);
+    model->askTaskList();
+    model->confirmTaskList();
+    expect(TaskList::offered, true);
+    setContents(file, list);
+    model->askTaskList();
+    model->confirmTaskList();
+    expect(TaskList::read, false);
+
+    // Another window reads it at once. What stood there stays while an agent is switched, and macOS is not
+    // asked.
+    model = openModel();
+    model->loadLoginItems();
+    expect(TaskList::read, false);
+    fs::remove(file);
+    settled(*model)->askAgents({rowOf(*model, "com.halverson.duskwatch")->id}, false);
+    settled(*model)->confirmAgents();
+    expect(TaskList::read, false);
+    model->loadLoginItems();
+    expect(TaskList::offered, true);
+}
+
 TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
     const auto model = openModel();
     settled(*model)->loadLoginItems();
@@ -137,7 +195,6 @@ TEST_F(AppModelTest, WhatLaunchdCannotBeAskedHidesNothingElse) {
     EXPECT_TRUE(model->state().errorMessage->starts_with("launchd could not be asked for the login items: "));
     EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatchd")) << "the system's are read from files";
     EXPECT_TRUE(model->state().loginItemsLoaded);
-    EXPECT_FALSE(model->state().btmUnavailable);
 }
 
 TEST_F(AppModelTest, ARowThatCannotBeChangedSaysWhy) {

@@ -7,7 +7,9 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
+#include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "CorvaneBrell/SampleMac/SimulatedTools.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Obstacles.h"
 
@@ -155,17 +157,31 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
 
 TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     std::vector<LoginItems> soFar;
-    const LoginItems items =
-        readings.loginItems(Posted<LoginItems>([&](LoginItems known) { soFar.push_back(std::move(known)); }));
+    const Posted<LoginItems> show([&](LoginItems known) { soFar.push_back(std::move(known)); });
+    const LoginItems items = readings.loginItems(show, {true});
     ASSERT_EQ(soFar.size(), 2u) << "from the files, with launchd's answers";
-    EXPECT_FALSE(soFar[1].hasDatabase);
-    EXPECT_TRUE(items.hasDatabase);
+    EXPECT_FALSE(soFar[1].tasks);
+    EXPECT_TRUE(items.tasks);
     EXPECT_GT(items.rows.size(), soFar[1].rows.size());
     Texts whats;
     for (const Activity& activity : told)
         if (whats.empty() || whats.back() != activity.what) whats.push_back(activity.what);
     EXPECT_EQ(whats, (Texts{"Reading the LaunchAgents", "Asking launchd about each LaunchAgent",
-                            "Reading the background task database"}));
+                            "Reading macOS's list of background items"}));
+
+    fs::remove(SampleFurniture::taskDumpFile(sample.systemRoot()));
+    EXPECT_EQ(readings.loginItems(show, {false, items.tasks}).rows, items.rows) << "as it was read before";
+    EXPECT_EQ(soFar[2].rows.size(), items.rows.size()) << "in the meantime, too";
+    EXPECT_EQ(readings.loginItems({}, {}).rows, soFar[1].rows);
+}
+
+TEST_F(LaneWorkTest, AFirstReadingOfTheTaskListEndsWithThePatienceOfTheUser) {
+    const auto isCancelled = std::make_shared<std::atomic<bool>>(false);
+    EXPECT_TRUE(readings.firstTaskList(isCancelled));
+    auto& tools = dynamic_cast<SimulatedTools&>(*dependencies.machine.runner);
+    tools.failNext(AllowedCommand::Kind::sfltoolDumpBTM, ToolFault::hanging());
+    *isCancelled = true;
+    EXPECT_FALSE(readings.firstTaskList(isCancelled));
 }
 
 TEST_F(LaneWorkTest, AFileIsSavedOnlyWhereAnOrdinaryOneMayStand) {

@@ -97,6 +97,8 @@ TEST_F(PagesTest, TheWayBackIsOneClickAndTheListsOwnDefaultIsNotIt) {
 
 TEST_F(PagesTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCanBeUsed) {
     openOn(Screen::loginItems);
+    settled()->askTaskList();
+    settled()->confirmTaskList();
     const auto views = inOrder<LoginItemView>();
     ASSERT_EQ(views.size(), model->state().loginItems.size());
     for (std::size_t i = 0; i < views.size(); ++i) {
@@ -176,18 +178,40 @@ TEST_F(PagesTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes) {
     EXPECT_FALSE(words(page()).contains("No login item"));
 }
 
-TEST_F(PagesTest, WithoutItemsOrDatabaseThePageSaysWhy) {
+TEST_F(PagesTest, TheTaskListIsReadAfterTheButtonThatSaysWhatItMayCost) {
+    openOn(Screen::loginItems);
+    const QString ask = "Read macOS's List of Background Items...";
+    const auto items = [&] { return visible<LoginItemView>(page()).size(); };
+    const std::size_t before = items();
+    EXPECT_TRUE(words(page()).contains("may be missing here"));
+    press(ask);
+    EXPECT_TRUE(words(opened<Sheet>()).contains("macOS may ask for an administrator's password"));
+    WindowTest::press(opened<Sheet>(), "Read the List");
+    EXPECT_GT(items(), before);
+    EXPECT_FALSE(words(page()).contains("may be missing here"));
+
+    std::filesystem::remove(sample.systemRoot() / "private/var/db/background-tasks.txt");
+    press("Refresh the login items");
+    EXPECT_EQ(items(), before);
+    EXPECT_TRUE(button(page(), ask).isEnabled()) << "macOS did not give it";
+    model->askTaskList();
+    model->confirmTaskList();
+    window->refreshNow();
+    EXPECT_TRUE(words(page()).contains("Waiting for macOS"));
+    press("Cancel");
+    EXPECT_FALSE(words(page()).contains("Waiting for macOS"));
+}
+
+TEST_F(PagesTest, WithoutItemsThePageSaysWhy) {
     for (const auto& folderOfJobs :
          {"Users/sam/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons"})
         std::filesystem::remove_all(sample.systemRoot() / folderOfJobs);
-    std::filesystem::remove(sample.systemRoot() / "private/var/db/background-tasks.txt");
     openWindow();
     model->show(Screen::loginItems);
     window->refreshNow();
     EXPECT_TRUE(words(page()).contains("The login items are being read."));
     settle();
-    EXPECT_TRUE(words(page()).contains("Nothing was found that starts by itself"));
-    EXPECT_TRUE(words(page()).contains("The background task database could not be read"));
+    EXPECT_TRUE(words(page()).contains("Nothing was found in the folders of launchd"));
     EXPECT_TRUE(button(page(), "Read Again").isEnabled());
 }
 

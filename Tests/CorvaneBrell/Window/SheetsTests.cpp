@@ -11,6 +11,7 @@
 #include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
 #include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
+#include "CorvaneBrell/Window/Sheets/TaskListSheet.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 using namespace brell;
@@ -65,6 +66,7 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     EXPECT_FALSE(model->state().driftRequest);
     expectLeavingChangesNothing<AgentConfirmSheet>([&] { model->askAgents({agent->id}, false); });
     expectLeavingChangesNothing<RelaunchSheet>([&] { model->askRelaunch(); });
+    expectLeavingChangesNothing<TaskListSheet>([&] { model->askTaskList(); });
     expectLeavingChangesNothing<PresetSheet>([&] { model->askPreset(Presets::shipped().front()); });
     EXPECT_FALSE(model->state().errorMessage) << *model->state().errorMessage;
     EXPECT_TRUE(applications.requests.empty());
