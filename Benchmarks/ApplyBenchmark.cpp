@@ -1,37 +1,21 @@
 // One tweak applied, from its first check to its saved entry, against the system calls that this takes.
-#include <sys/file.h>
-
 #include <cstdio>
 #include <optional>
 #include <stdexcept>
 
-#include "Benchmarks/Bare.h"
+#include "Benchmarks/BareJournal.h"
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Engine/TweakEngine.h"
-#include "BrellCore/Preferences/PlistFileStore.h"
 #include "Tests/Support/BigHome.h"
 
 namespace {
 
 using namespace brell;
+using bare::JournalFiles;
 
 const std::string domain = "com.apple.dock";
 const std::string tweakID = "dock.autohide";
 constexpr std::size_t entries = 50;
-
-// The files that one application reads and replaces.
-struct Files {
-    explicit Files(const std::filesystem::path& root)
-        : folder(root),
-          journal(root / "journal.json"),
-          script(root / "restore.sh"),
-          history(root / "history" / (localDay(systemNow()) + ".jsonl")),
-          lock(root / ".journal.lock"),
-          preferences(root / "Preferences"),
-          preference(root / "Preferences" / (domain + ".plist")) {}
-
-    const std::string folder, journal, script, history, lock, preferences, preference;
-};
 
 // What the files held at the stages of one application.
 struct Stages {
@@ -43,17 +27,17 @@ struct Stages {
 // The engine on those files, freshly started before every application.
 class Ours {
 public:
-    explicit Ours(const Files& files) : files_(files), catalog_("/Users/jo") {
+    explicit Ours(const JournalFiles& files) : files_(files), catalog_("/Users/jo") {
         writeSampleJournal(files.journal, entries);
         PlistFileStore store(files.preferences, {domain});
         for (int i = 0; i < 40; ++i) store.write(PrefValue(i), {domain, "setting-" + std::to_string(i)});
-        stages.preferenceBefore = bare::read(files.preference);
+        stages.preferenceBefore = bare::read(files.preferenceFile(domain));
         stages.journalBefore = bare::read(files.journal);
     }
 
     void restart() {
         engine_.reset();
-        replaceFile(files_.preference, stages.preferenceBefore, Durability::powerCut);
+        replaceFile(files_.preferenceFile(domain), stages.preferenceBefore, Durability::powerCut);
         replaceFile(files_.journal, stages.journalBefore, Durability::powerCut);
         store_.emplace(files_.preferences, TweakCatalog::allowedDomains());
         journal_.emplace(files_.journal, files_.folder + "/history");
@@ -71,7 +55,7 @@ public:
             stages.historyCaptured = bare::read(files_.history);
         });
         apply();
-        stages.preferenceAfter = bare::read(files_.preference);
+        stages.preferenceAfter = bare::read(files_.preferenceFile(domain));
         stages.journalAfter = bare::read(files_.journal);
         stages.historyAfter = bare::read(files_.history).substr(stages.historyCaptured.size());
     }
@@ -79,49 +63,26 @@ public:
     Stages stages;
 
 private:
-    const Files& files_;
+    const JournalFiles& files_;
     const TweakCatalog catalog_;
     std::optional<PlistFileStore> store_;
     std::optional<Journal> journal_;
     std::optional<TweakEngine> engine_;
 };
 
-void appendLine(const std::string& file, std::string_view line) {
-    const int descriptor = bare::open(file, O_RDWR | O_APPEND | O_CREAT);
-    struct stat status;
-    bare::checked(::fstat(descriptor, &status), file);
-    char last;
-    if (status.st_size > 0)
-        bare::checked(static_cast<int>(::pread(descriptor, &last, 1, status.st_size - 1)), file);
-    bare::writeOnce(descriptor, line);
-    ::close(descriptor);
-}
-
-void saveEntry(const Files& files, std::string_view journal, std::string_view historyLine) {
+void applyBare(const JournalFiles& files, const Stages& stages) {
+    const std::string preference = files.preferenceFile(domain);
     bare::stat(files.journal);
-    bare::replaceDurably(files.folder + "/.journal.json.tmp", files.journal, journal, files.folder);
+    bare::read(preference);
+    const int lock = bare::takeLock(files);
     bare::stat(files.journal);
-    appendLine(files.history, historyLine);
-}
-
-// The calls of one application in their order, as strace shows them, but for those that make random
-// identifiers; the bytes are at hand.
-void applyBare(const Files& files, const Stages& stages) {
+    bare::stat(preference);
+    bare::saveEntry(files, stages.journalCaptured, stages.historyCaptured);
+    bare::writeScript(files, stages.scriptCaptured);
+    bare::replaceAndReadBack(preference, stages.preferenceAfter);
+    bare::saveEntry(files, stages.journalAfter, stages.historyAfter);
     bare::stat(files.journal);
-    bare::read(files.preference);
-    const int lock = bare::open(files.lock, O_RDWR | O_CREAT);
-    bare::checked(::flock(lock, LOCK_EX | LOCK_NB), files.lock);
-    bare::stat(files.lock);
-    bare::stat(files.journal);
-    bare::stat(files.preference);
-    saveEntry(files, stages.journalCaptured, stages.historyCaptured);
-    bare::stat(files.journal);
-    bare::replaceDurably(files.folder + "/.restore.sh.tmp", files.script, stages.scriptCaptured,
-                         files.folder);
-    bare::stat(files.preference);
-    bare::replace(files.preferences + "/.preference.tmp", files.preference, stages.preferenceAfter);
-    bare::read(files.preference);
-    saveEntry(files, stages.journalAfter, stages.historyAfter);
+    bare::stat(files.script);
     ::close(lock);
 }
 
@@ -129,7 +90,7 @@ void applyBare(const Files& files, const Stages& stages) {
 
 int main() try {
     const bare::ScratchFolder oursFolder, bareFolder;
-    const Files oursFiles(oursFolder.path), bareFiles(bareFolder.path);
+    const JournalFiles oursFiles(oursFolder.path), bareFiles(bareFolder.path);
     Ours ours(oursFiles);
     ours.applyOnceAndNote();
     std::filesystem::copy(oursFolder.path, bareFolder.path, std::filesystem::copy_options::recursive);

@@ -58,6 +58,7 @@ bool isAscii(std::string_view bytes) {
 }
 
 bool isUtf8(std::string_view bytes) {
+    if (isAscii(bytes)) return true;  // nearly everything is
     while (!bytes.empty())
         if (nextCodePoint(bytes) < 0) return false;
     return true;
