@@ -43,11 +43,11 @@ void compareDump(PairReport& report) {
     const std::string fewText = sampleDump(few), manyText = sampleDump(many);
     std::size_t lines = 0;
     report.compare(
-        {.name = "dump of 10,000 items", .limit = 15, .callsPerMeasurement = 4},
+        {.name = "dump of 10,000 items", .limit = 8, .callsPerMeasurement = 4},
         [&] { parsed(manyText, many); }, [&] { lines += splitIntoLines(manyText); });
     if (lines == 0) throw std::runtime_error("no line was counted");
     report.compare(
-        {.name = "dump, 10,000 items over 10 x 1,000", .limit = 20.0 / tenfold},
+        {.name = "dump, 10,000 items over 10 x 1,000", .limit = 12.0 / tenfold},
         [&] { parsed(manyText, many); },
         [&] {
             for (int i = 0; i < tenfold; ++i) parsed(fewText, few);
@@ -78,7 +78,7 @@ void compareMerge(PairReport& report) {
             throw std::runtime_error("rows are missing");
     };
     report.compare(
-        {.name = "merge, 10,000 of each over 10 x 1,000", .limit = 25.0 / tenfold},
+        {.name = "merge, 10,000 of each over 10 x 1,000", .limit = 20.0 / tenfold},
         [&] { merge(manyRecords, manyItems); },
         [&] {
             for (int i = 0; i < tenfold; ++i) merge(fewRecords, fewItems);

@@ -38,7 +38,7 @@ void compareOpening(PairReport& report) {
     const std::string file = folder.path / "journal.json";
     writeSampleJournal(file, entries);
     report.compare(
-        {.name = "open a journal of 10,000 entries", .limit = 3}, [&] { Journal::open(folder.path); },
+        {.name = "open a journal of 10,000 entries", .limit = 2.2}, [&] { Journal::open(folder.path); },
         [&] {
             simdjson::dom::parser parser;
             const simdjson::dom::element document = parser.load(file);
@@ -70,7 +70,7 @@ void compareHistory(PairReport& report) {
         if (count != days * linesPerDay) throw std::runtime_error("history lines are missing");
     };
     report.compare(
-        {.name = "history of 100,000 lines", .limit = 4},
+        {.name = "history of 100,000 lines", .limit = 3.5},
         [&] { requireAll(readHistory(folder.path, std::nullopt).size()); },
         [&] {
             simdjson::dom::parser parser;
@@ -104,9 +104,9 @@ void compareRebuilding(PairReport& report) {
 
 int main() try {
     PairReport report;
-    compareUpsert(report, 50, 1.25);
-    compareUpsert(report, 1'000, 1.35);
-    compareUpsert(report, 10'000, 1.4);
+    compareUpsert(report, 50, 1.15);
+    compareUpsert(report, 1'000, 1.2);
+    compareUpsert(report, 10'000, 1.25);
     compareOpening(report);
     compareHistory(report);
     compareRebuilding(report);

@@ -9,7 +9,7 @@ int main() try {
     const brell::bare::ScratchFolder folder;
     brell::PairReport report;
     report.compare(
-        {.name = "status of all tweaks, whole process", .limit = 2.2, .pairs = 201},
+        {.name = "status of all tweaks, whole process", .limit = 2, .pairs = 201},
         [&] {
             brell::bare::runToEnd({BRELL_PROGRAM, "--status-json", "--journal-directory", folder.path});
         },

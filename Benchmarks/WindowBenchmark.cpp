@@ -12,7 +12,7 @@ int main() try {
     const std::string mac = (folder.path / "mac").string();
     brell::PairReport report;
     report.compare(
-        {.name = "first paint of the window, whole process", .limit = 2.5},
+        {.name = "first paint of the window, whole process", .limit = 2.4},
         [&] {
             brell::bare::runToEnd({BRELL_FIRST_PAINT, mac});
         },
