@@ -40,9 +40,8 @@ TEST_F(PresetsTest, ShippedOnesAreApplicableAndCarryTheIdOfTheirName) {
 }
 
 TEST_F(PresetsTest, ExportsTheSampleFileAndImportsItAgain) {
-    const auto sample =
-        std::filesystem::path(__FILE__).parent_path() / "Samples" / "quiet-dock.corvanepreset";
-    const std::string bytes = testing::contentsOf(sample);
+    const std::string bytes =
+        testing::contentsOf(std::filesystem::path(BRELL_SAMPLES) / "quiet-dock.corvanepreset");
     const Preset& quietDock = Presets::shipped().front();
 
     EXPECT_EQ(PresetFile::encode(quietDock), bytes);

@@ -71,9 +71,7 @@ TEST_F(ReportTest, TellsEverythingThatHappened) {
     now += 1min;
     interrupt("finder.path_bar");
 
-    const std::filesystem::path sample =
-        std::filesystem::path(__FILE__).parent_path() / "Samples" / "report.md";
-    EXPECT_EQ(report(), contentsOf(sample));
+    EXPECT_EQ(report(), contentsOf(std::filesystem::path(BRELL_SAMPLES) / "report.md"));
 }
 
 }  // namespace

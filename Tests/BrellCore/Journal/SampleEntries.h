@@ -16,7 +16,7 @@ inline TimeStamp at(const char* iso) {
 }
 
 inline std::string sampleFile(const char* name) {
-    return contentsOf(std::filesystem::path(__FILE__).parent_path() / "Samples" / name);
+    return contentsOf(std::filesystem::path(BRELL_SAMPLES) / name);
 }
 
 // What "journal-format-1.json" holds.
