@@ -90,6 +90,7 @@ public:
     void cancelDrift();
     void undoLast();                                    // action of this session
     void applyAgain(const std::vector<Uuid>& entries);  // what others reset; the first originals are kept
+    void keepTheirs(const std::vector<Uuid>& entries);  // closes what others changed, without writing
 
     // Interrupted changes of an earlier run.
     void recover();

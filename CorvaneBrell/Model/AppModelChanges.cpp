@@ -126,6 +126,10 @@ void AppModel::undoLast() {
     change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
 }
 
+void AppModel::keepTheirs(const std::vector<Uuid>& entries) {
+    change("Keeping what others set", {}, &ChangeWork::keepTheirs, entries);
+}
+
 void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     change("Applying again what was reset", {}, &ChangeWork::applyAgain, entries);
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "BrellCore/Engine/KeysHold.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
 
@@ -184,6 +185,24 @@ ChangeOutcome ChangeWork::applyAgain(const std::vector<Uuid>& ids) {
         });
     }
     outcome.undo.done = actionOf(outcome, "what was applied again", LeadsTo::theOriginals);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::keepTheirs(const std::vector<Uuid>& ids) {
+    ChangeOutcome outcome;
+    for (std::size_t i = 0; i < ids.size() && !progress_.isEnding(); ++i) {
+        progress_.tell(i, ids.size());
+        tryStep(outcome.failures, [&] {
+            const auto entry = deps_.journal->entry(ids[i]);
+            if (!entry || !entry->isActive()) return;
+            outcome.agentsTouched = outcome.agentsTouched || entry->agent;
+            // With the originals there is nothing of anybody else's to keep, and nothing to write either.
+            if (keysHold(*entry, *deps_.store.reader()) == KeysHold::original)
+                deps_.engine.restore(entry->id, false);
+            else
+                deps_.engine.keepTheirs(entry->id);
+        });
+    }
     return finished(std::move(outcome));
 }
 

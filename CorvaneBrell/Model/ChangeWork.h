@@ -51,6 +51,8 @@ public:
     ChangeOutcome undoAction(const SessionChange& action);
     // Makes again what others reset; the first originals are kept.
     ChangeOutcome applyAgain(const std::vector<Uuid>& ids);
+    // Closes changes that others changed since, without writing: what is there now stays.
+    ChangeOutcome keepTheirs(const std::vector<Uuid>& ids);
     // Restores what an earlier run left unfinished.
     ChangeOutcome recover();
 

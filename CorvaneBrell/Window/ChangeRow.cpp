@@ -47,7 +47,7 @@ ChangeRow::ChangeRow(AppModel& model, Kind kind, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     if (kind == Kind::drifted) {
-        tick_ = new TickBox(tr("Apply again"));
+        tick_ = new TickBox(tr("Select"));
         column->addWidget(tick_);
         connect(tick_, &QCheckBox::toggled, this, &ChangeRow::ticked);
     }
@@ -81,8 +81,8 @@ void ChangeRow::showButtons() {
     undoSince_->setEnabled(!record_->isLocked);
     undoSince_->setVisible(!record_->isNewest);  // where it would be the same as Restore
     if (!tick_) return;
-    tick_->setAccessibleName(tr("Apply %1 again").arg(title()));
-    tick_->setAccessibleDescription(tr("Takes effect with the button below the list."));
+    tick_->setAccessibleName(tr("Select %1").arg(title()));
+    tick_->setAccessibleDescription(tr("For the buttons below the list."));
     tick_->setEnabled(!record_->isLocked);
 }
 

@@ -1,5 +1,5 @@
 // One active change of the journal, with the ways back: this one alone, or with every later one. One that
-// others changed since can be applied again, too.
+// others changed since can be applied again or closed, too.
 #pragma once
 
 #include <optional>
@@ -35,7 +35,7 @@ public:
     void setRecord(const Record& record);
 
     const Uuid& entryID() const { return record_->entry.id; }
-    // To be applied again.
+    // To be applied again, or closed.
     bool isTicked() const;
 
 signals:

@@ -25,6 +25,7 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
                                              return row;
                                          })),
       applyAgain_(actionButton(tr("Apply Again"), "arrow.clockwise")),
+      keepTheirs_(actionButton(tr("Keep Theirs"))),
       driftSection_(driftSection()),
       active_(new RecordList<ChangeRow>(tr("Active changes"),
                                         [this] { return new ChangeRow(model_, ChangeRow::Kind::inForce); })),
@@ -49,11 +50,18 @@ QWidget* JournalPage::driftSection() {
     column->addWidget(sectionHeading(tr("No longer in force")));
     column->addWidget(
         new Paragraph(tr("macOS or another tool changed these since. Applying again puts back what "
-                         "Brell wrote and keeps the first original."),
+                         "Brell wrote and keeps the first original. Keeping theirs writes nothing: what is "
+                         "there now stays, and the change is closed."),
                       Paragraph::Look::secondary));
     column->addWidget(drifted_);
-    column->addWidget(applyAgain_, 0, Qt::AlignLeft);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addWidget(applyAgain_);
+    buttons->addWidget(keepTheirs_);
+    buttons->addStretch();
+    column->addLayout(buttons);
     connect(applyAgain_, &QPushButton::clicked, this, [this] { model_.applyAgain(ticked()); });
+    connect(keepTheirs_, &QPushButton::clicked, this, [this] { model_.keepTheirs(ticked()); });
     return section;
 }
 
@@ -191,7 +199,10 @@ void JournalPage::showTicks() {
     const std::size_t count = ticked().size();
     applyAgain_->setEnabled(count > 0);
     applyAgain_->setText(count == 0 ? tr("Apply Again") : tr("Apply %1 Again").arg(count));
-    applyAgain_->setAccessibleDescription(count == 0 ? tr("Tick what is to be applied again.") : QString());
+    keepTheirs_->setEnabled(count > 0);
+    keepTheirs_->setText(count == 0 ? tr("Keep Theirs") : tr("Keep Theirs for %1").arg(count));
+    for (QPushButton* button : {applyAgain_, keepTheirs_})
+        button->setAccessibleDescription(count == 0 ? tr("Tick a change first.") : QString());
 }
 
 QString JournalPage::terminalCommands() const {

@@ -40,6 +40,7 @@ private:
     Paragraph* summary_;
     RecordList<ChangeRow>* drifted_;
     QPushButton* applyAgain_;
+    QPushButton* keepTheirs_;
     QWidget* driftSection_;
     RecordList<ChangeRow>* active_;
     QWidget* files_;

@@ -155,6 +155,35 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     EXPECT_TRUE(undone.agentsTouched);
 }
 
+TEST_F(LaneWorkTest, WhatOthersSetIsKeptWithoutWriting) {
+    const Uuid reset = made("dock.autohide"), other = made("dock.size"), ours = made("finder.show_hidden");
+    const auto switched =
+        changes.switchAgents(readings.agentConfirm({agent("com.halverson.duskwatch")}, false));
+    const Uuid agent = switched.made.at(0).id;
+    const StoredValue original = dependencies.journal->entry(reset)->writes[0].original;
+    if (original.value)
+        writeFromOutside(autohide, *original.value);
+    else
+        sample.openPreferences()->remove(autohide);
+    writeFromOutside(tileSize, 99);
+    sample.openTools()->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch"));
+    const auto before = everythingIn(sample.home() / "Library" / "Preferences");
+
+    const ChangeOutcome kept = changes.keepTheirs({reset, other, ours, agent});
+    EXPECT_EQ(kept.failures.size(), 1u) << "nobody changed the third";
+    EXPECT_TRUE(kept.agentsTouched);
+    EXPECT_EQ(everythingIn(sample.home() / "Library" / "Preferences"), before);
+    const auto outcomeOf = [&](const Uuid& id) {
+        const JournalEntry entry = dependencies.journal->entry(id).value();
+        return std::pair(entry.isActive(), entry.failure.has_value());
+    };
+    EXPECT_EQ(outcomeOf(reset), std::pair(false, false));
+    EXPECT_EQ(outcomeOf(other), std::pair(false, true));
+    EXPECT_EQ(outcomeOf(ours), std::pair(true, false));
+    EXPECT_EQ(outcomeOf(agent), std::pair(false, true));
+    EXPECT_FALSE(changes.keepTheirs({ours}).agentsTouched);
+}
+
 TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     std::vector<LoginItems> soFar;
     const Posted<LoginItems> show([&](LoginItems known) { soFar.push_back(std::move(known)); });

@@ -293,6 +293,18 @@ TEST_F(PagesTest, WhatOthersResetIsAppliedAgainWithItsFirstOriginal) {
     EXPECT_EQ(utf8(inOrder<ChangeRow>().front()->objectName()), model->state().entries.front().id.text());
 }
 
+TEST_F(PagesTest, WhatOthersSetIsKeptAndLeavesTheList) {
+    openOn(Screen::journal);
+    const StoredValue theirs = stored(autohideDelay);
+    const std::size_t active = model->changedCount(Screen::journal);
+    visible<QCheckBox>(page()).front()->click();
+    press("Keep Theirs for 1");
+    EXPECT_TRUE(visible<QCheckBox>(page()).empty());
+    EXPECT_EQ(model->changedCount(Screen::journal), active - 1);
+    EXPECT_EQ(stored(autohideDelay), theirs);
+    EXPECT_TRUE(words(page()).contains("because another value was kept"));
+}
+
 TEST_F(PagesTest, TheHistoryIsToldByDayAsFarBackAsIsWanted) {
     openOn(Screen::journal);
     const auto told = [&] {
