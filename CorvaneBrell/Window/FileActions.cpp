@@ -46,19 +46,23 @@ QPlainTextEdit* scriptView(const QString& script) {
     return view;
 }
 
-void showScript(const QString& script, QWidget* over) {
+// The command runs this file, which is kept up to date: a script that is pasted whole would not get through
+// what an interactive shell makes of it.
+void showScript(const QString& script, const std::filesystem::path& file, QWidget* over) {
     auto* window = new QDialog(over);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowTitle(QObject::tr("Restore Script"));
     auto* column = new QVBoxLayout(window);
-    column->addWidget(new Paragraph(QObject::tr("Run in Terminal, this script puts back everything that is "
-                                                "changed now, also where Brell itself is gone."),
-                                    Paragraph::Look::secondary));
+    column->addWidget(
+        new Paragraph(QObject::tr("This script puts back everything that is changed now, also where Brell "
+                                  "itself is gone. The command runs it in Terminal, from %1.")
+                          .arg(qt(file.string())),
+                      Paragraph::Look::secondary));
     column->addWidget(scriptView(script), 1);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    buttons->addWidget(
-        copyButton(QObject::tr("Copy"), QObject::tr("restore script"), [script] { return script; }));
+    buttons->addWidget(copyButton(QObject::tr("Copy Command"), QObject::tr("restore script"),
+                                  [file] { return qt("sh " + RestoreScript::quote(file.string())); }));
     auto* close = actionButton(QObject::tr("Close"));
     QObject::connect(close, &QPushButton::clicked, window, &QDialog::close);
     buttons->addWidget(close);
@@ -72,7 +76,7 @@ void showKeptScript(const AppModel& model, QWidget* over) try {
     constexpr std::size_t most = 64 * 1024 * 1024;
     const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
     const auto kept = readFile(file, most);
-    if (kept) return showScript(qt(kept->bytes), over->window());
+    if (kept) return showScript(qt(kept->bytes), file, over->window());
     tell(
         over, QObject::tr("There is no restore script"),
         QObject::tr("%1 does not exist: no change that Brell made was still active when it was last written.")
@@ -100,8 +104,9 @@ void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
 void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
     if (isLocked(model.state())) return showKeptScript(model, over);
     const QPointer<QWidget> window = over->window();
-    model.makeRestoreScript([window](const std::string& script) {
-        if (window) showScript(qt(script), window);
+    const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
+    model.makeRestoreScript([window, file](const std::string& script) {
+        if (window) showScript(qt(script), file, window);
     });
 }
 

@@ -87,6 +87,7 @@ QWidget* JournalPage::fileActions() {
     addAction(1, tr("Save Restore Script…"), FileActions::saveRestoreScript);
     copyCommands_ = copyButton(tr("Copy as Terminal Command"), tr("all active changes"),
                                [this] { return terminalCommands(); });
+    copyCommands_->setToolTip(tr("For zsh and bash."));
     add(2, copyCommands_);
     addAction(3, tr("Show Restore Script"), FileActions::showRestoreScript);
     return section;

@@ -114,7 +114,9 @@ QWidget* TweakDetails::buttons() const {
     holder->setLayout(line);
     const QString title = qt(tweak_.title);
     line->addWidget(copyButton(tr("Copy Key"), title, [this] { return renderedKeys(tweak_); }));
-    line->addWidget(copyButton(tr("Copy Terminal Command"), title, [this] { return terminalCommand(); }));
+    auto* copyCommand = copyButton(tr("Copy Terminal Command"), title, [this] { return terminalCommand(); });
+    copyCommand->setToolTip(tr("For zsh and bash."));
+    line->addWidget(copyCommand);
     return holder;
 }
 

@@ -346,6 +346,9 @@ TEST_F(PagesTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) {
     auto& script = opened<QDialog>();
     EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->isReadOnly());
     EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->toPlainText().contains("_FXSortFoldersFirst"));
+    WindowTest::press(script, "Copy Command: restore script");
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              qt("sh '" + (*options.journalDirectory / "restore.sh").string() + "'"));
     script.close();
 
     press("Copy as Terminal Command: all active changes");
