@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "BrellCore/Support/Text.h"
+
 namespace brell {
 
 namespace {
@@ -89,7 +91,7 @@ std::string_view lastComponent(std::string_view path) {
 // Of a program inside an application, the application's.
 std::string programName(std::string_view executable) {
     const std::string_view name = lastComponent(executable.substr(0, executable.find(".app/")));
-    return name.empty() ? "Unknown" : std::string(name);
+    return name.empty() ? "Unknown" : excerpt(name);
 }
 
 }  // namespace
@@ -112,7 +114,7 @@ AgentExplanation AgentExplainer::explain(std::string_view label, const std::opti
                                          const std::optional<std::string>& executable) {
     for (const Rule& rule : rules())
         if (knows(rule, label, teamID)) return rule.explanation;
-    AgentExplanation generic{std::string(label), "A background item with no program listed.",
+    AgentExplanation generic{excerpt(label), "A background item with no program listed.",
                              std::string(nobodyKnows), Risk::low, false};
     if (executable) {
         generic.app = programName(*executable);

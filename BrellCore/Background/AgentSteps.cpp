@@ -30,7 +30,8 @@ AgentToggleError error(AgentToggleProblem problem, std::string text) {
 }
 
 AgentToggleError commandError(const AllowedCommand& command, const std::string& output) {
-    return error(AgentToggleProblem::command, command.rendered() + ": " + oneLine(stripped(output)));
+    return error(AgentToggleProblem::command,
+                 command.rendered() + ": " + excerpt(stripped(output), mostOfASentence));
 }
 
 bool saysNotLoaded(const CommandResult& result) {

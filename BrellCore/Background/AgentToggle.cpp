@@ -4,6 +4,7 @@
 
 #include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
 
@@ -17,7 +18,8 @@ AgentToggleError refused(std::string text) {
 
 void checkLabel(const std::string& label) {
     if (!AgentCommands::isPlainLabel(label))
-        throw refused("The label \"" + label + "\" contains characters Brell does not pass to launchctl.");
+        throw refused("The label \"" + excerpt(label) +
+                      "\" contains characters Brell does not pass to launchctl.");
     if (NeverTouch::isForbiddenLabel(label))
         throw refused(label + " is an Apple or Brell item; it is never changed.");
 }
@@ -26,7 +28,8 @@ void checkLabel(const std::string& label) {
 void checkStillLabelled(const fs::path& file, const std::string& label) {
     const auto found = LaunchAgentPlist::read(file).label;
     if (found != label)
-        throw refused("The plist's Label (" + found.value_or("none") + ") does not match " + label + ".");
+        throw refused("The plist's Label (" + excerpt(found.value_or("none")) + ") does not match " + label +
+                      ".");
 }
 
 // launchctl is given a path without links, and only one in a folder of this name.
@@ -43,11 +46,15 @@ bool isGone(const std::string& path) {
     return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
 }
 
+std::string placeOf(const LoadedState& loaded) {
+    return loaded.path ? excerpt(*loaded.path, mostOfASentence) : "an unknown place";
+}
+
 // Two files may have the same label. What was loaded from another one could not be brought back from this
 // one, unless that was renamed.
 void checkSource(const LoadedState& loaded, const std::string& label, const std::string& plistPath) {
     if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath) && !isGone(loaded.path.value_or("")))
-        throw refused(label + " is loaded from " + loaded.path.value_or("") + ", not from " + plistPath +
+        throw refused(label + " is loaded from " + placeOf(loaded) + ", not from " + plistPath +
                       "; it is not changed.");
 }
 
@@ -172,8 +179,9 @@ std::vector<std::string> AgentToggle::rendered(const AgentPlan& plan, const std:
                                                const std::string& jobFile) const {
     std::vector<std::string> lines;
     for (const AgentCommand& command : plan.commands)
-        lines.push_back(allowedCommand(command.verb, domain(), label, jobFile).rendered() +
-                        std::string(conditionWords(command.when)));
+        lines.push_back(
+            excerpt(allowedCommand(command.verb, domain(), label, jobFile).rendered(), mostOfASentence) +
+            std::string(conditionWords(command.when)));
     return lines;
 }
 
@@ -249,7 +257,7 @@ std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCa
         if (isAsCaptured(now, capture)) return std::nullopt;
         if (!now.loaded.isLoaded()) return putBackWithoutFile(steps, capture);
         if (!capture.wasLoaded || !file)
-            throw refused(capture.label + " is loaded from " + now.loaded.path.value_or("an unknown place") +
+            throw refused(capture.label + " is loaded from " + placeOf(now.loaded) +
                           ", which is not in your LaunchAgents folder; it is not changed.");
     }
     steps.carryOut(AgentCommands::undoing(capture), now.loaded.isLoaded(),

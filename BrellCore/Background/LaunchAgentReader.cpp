@@ -21,7 +21,7 @@ AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& o
 }  // namespace
 
 std::string describe(const LaunchctlFailure& failure) {
-    return "launchctl " + failure.word + ": " + oneLine(stripped(failure.output));
+    return "launchctl " + failure.word + ": " + excerpt(stripped(failure.output), mostOfASentence);
 }
 
 LaunchctlError::~LaunchctlError() = default;

@@ -43,7 +43,7 @@ struct LaunchctlFailure {
     std::string output;  // all it printed
     bool operator==(const LaunchctlFailure&) const = default;
 };
-std::string describe(const LaunchctlFailure& failure);
+std::string describe(const LaunchctlFailure& failure);  // of a long output the beginning
 
 class LaunchctlError final : public FailureError<LaunchctlFailure> {
 public:

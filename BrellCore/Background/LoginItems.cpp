@@ -11,6 +11,7 @@
 #include "BrellCore/Background/ItemMatcher.h"
 #include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
@@ -66,6 +67,10 @@ std::optional<std::string> nonEmpty(const std::optional<std::string>& text) {
     return text && !text->empty() ? text : std::nullopt;
 }
 
+std::string subtitle(std::string_view name, std::string_view rest) {
+    return excerpt(name) + std::string(separator) + excerpt(rest, mostOfASentence);
+}
+
 LoginItemBadge badgeOf(const LaunchAgentRecord& record) {
     if (record.scope != AgentScope::user) return LoginItemBadge::adminOnly;
     // Without a label launchd can't address it.
@@ -79,8 +84,8 @@ bool isOn(const LaunchAgentRecord& record, const BTMItem* item) {
 
 AgentExplanation explanationOf(const LaunchAgentRecord& record, const BTMItem* item) {
     if (record.plist.leadsTo)
-        return {std::filesystem::path(record.plist.path).stem().string(),
-                "A link to " + *record.plist.leadsTo +
+        return {excerpt(std::filesystem::path(record.plist.path).stem().string()),
+                "A link to " + excerpt(*record.plist.leadsTo, mostOfASentence) +
                     ". Brell does not look behind it, so that macOS need not ask you about that folder.",
                 "Brell can't tell what it starts.", Risk::low, false};
     return AgentExplainer::explain(record.label().value_or(""), item ? item->teamID : std::nullopt,
@@ -93,7 +98,7 @@ LoginItemRow rowOf(const LaunchAgentRecord& record, const BTMItem* item) {
         nonEmpty(record.label()).value_or(std::filesystem::path(record.plist.path).filename().string());
     return {std::string(rawValue(record.scope)) + ":" + record.plist.path,
             explanation.app,
-            name + std::string(separator) + record.plist.trigger(),
+            subtitle(name, record.plist.trigger()),
             badgeOf(record),
             record,
             item ? std::optional(*item) : std::nullopt,
@@ -119,9 +124,8 @@ LoginItemRow rowOf(const BTMItem& item) {
     const std::string identifier(item.strippedIdentifier());
     AgentExplanation explanation = AgentExplainer::explain(identifier, item.teamID, executableOf(item));
     return {"btm:" + item.id,
-            nonEmpty(item.name).value_or(explanation.app),
-            nonEmpty(item.developer).value_or(identifier) + std::string(separator) +
-                std::string(kindText(item.type)),
+            excerpt(nonEmpty(item.name).value_or(explanation.app)),
+            subtitle(nonEmpty(item.developer).value_or(identifier), kindText(item.type)),
             isInstalledByAdministrator(item) ? LoginItemBadge::adminOnly : LoginItemBadge::appManaged,
             std::nullopt,
             item,

@@ -19,9 +19,8 @@ enum class LoginItemBadge { toggleable, adminOnly, appManaged };
 std::string_view text(LoginItemBadge badge);
 
 struct LoginItemRow {
-    std::string id;  // unique in its list, and the same in the next one
-    std::string title;
-    std::string subtitle;
+    std::string id;               // unique in its list, and the same in the next one
+    std::string title, subtitle;  // to be shown: in one line each, and cut where somebody made them long
     LoginItemBadge badge;
     std::optional<LaunchAgentRecord> record;  // absent for an item that only the database knows
     std::optional<BTMItem> btm;

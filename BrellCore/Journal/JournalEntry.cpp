@@ -3,11 +3,12 @@
 #include <algorithm>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
 std::string entryTitle(const JournalEntry& entry, const TweakCatalog& catalog) {
-    return entry.agent ? entry.agent->label : catalog.titleOf(entry.tweakID);
+    return excerpt(entry.agent ? entry.agent->label : catalog.titleOf(entry.tweakID));
 }
 
 const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, std::string_view tweakID) {

@@ -69,7 +69,8 @@ inline std::string agentTweakID(std::string_view label) {
     return "agent:" + std::string(label);
 }
 
-// The tweak's title or the agent's label; the id of a tweak that the catalog does not have any more.
+// To be shown: the tweak's title or the agent's label; the id of a tweak that the catalog does not have any
+// more.
 std::string entryTitle(const JournalEntry& entry, const TweakCatalog& catalog);
 
 // The active change of this tweak or agent among these entries; nullptr when there is none.

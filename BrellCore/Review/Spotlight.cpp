@@ -94,10 +94,11 @@ std::vector<VolumeIndexStatus> SpotlightStatusReader::statuses(
             if (const VolumeIndexStatus* answer = answerFor(volume, answers))
                 status = {volume, answer->indexing, answer->raw};
             else
-                status.raw = oneLine(stripped(result.output()));
+                status.raw = stripped(result.output());
         } catch (const std::exception& error) {
             status.raw = error.what();
         }
+        status.raw = excerpt(status.raw, mostOfASentence);
         statuses.push_back(std::move(status));
     }
     return statuses;

@@ -31,6 +31,11 @@ SlugClass slugClass(std::int32_t codePoint) {
     }
 }
 
+// Of a character that began before.
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
 }  // namespace
 
 std::int32_t nextCodePoint(std::string_view& text) {
@@ -91,9 +96,12 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
-std::string excerpt(std::string_view text) {
-    constexpr std::size_t most = 200;
-    return oneLine(text.substr(0, most)) + (text.size() > most ? "..." : "");
+std::string excerpt(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return oneLine(text);
+    constexpr std::size_t longestCharacter = 4;
+    std::size_t end = most;
+    while (end > 0 && end + longestCharacter > most && isContinuation(text[end])) --end;
+    return oneLine(text.substr(0, end)) + "...";
 }
 
 std::string lowerCaseSlug(std::string_view text) {

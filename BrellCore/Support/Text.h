@@ -31,7 +31,7 @@ constexpr bool isPrintableAscii(char c) {
 constexpr bool steersATerminal(std::int32_t codePoint) {
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x061C ||
            codePoint == 0x200B || codePoint == 0x200E || codePoint == 0x200F ||
-           (codePoint >= 0x2028 && codePoint <= 0x202E) || (codePoint >= 0x2066 && codePoint <= 0x2069) ||
+           (codePoint >= 0x2028 && codePoint <= 0x202E) || (codePoint >= 0x2060 && codePoint <= 0x206F) ||
            codePoint == 0xFEFF;
 }
 
@@ -39,8 +39,11 @@ constexpr bool steersATerminal(std::int32_t codePoint) {
 // becomes a blank. Bytes that are not UTF-8 become U+FFFD.
 std::string oneLine(std::string_view text);
 
-// A piece of outside text for a message: on one line and of bounded length.
-std::string excerpt(std::string_view text);
+// Longer texts from outside are cut before they are shown: to lay out a long line takes too long.
+inline constexpr std::size_t mostOfAName = 200, mostOfASentence = 1200;  // bytes; a path has up to 1024
+
+// A piece of outside text to be shown: on one line, and not longer than so many bytes but for "...".
+std::string excerpt(std::string_view text, std::size_t most = mostOfAName);
 
 // Lower-case letters of any script and digits, everything else a separator: pieces joined with "-". A letter
 // that is written as a base and combining marks stays whole. Empty when no letter or digit is in the text.

@@ -310,7 +310,7 @@ void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
         outcome.agentsTouched = true;
         outcome.made.push_back(switchedAgain(*entry.agent));
     } else if (!tweak) {
-        throw EngineError(Refused{"There is no tweak " + entry.tweakID + " any more."});
+        throw EngineError(Refused{"There is no tweak " + entryTitle(entry, deps_.catalog) + " any more."});
     } else if (entry.direction == EntryDirection::on) {
         outcome.made.push_back(deps_.engine.apply(*tweak, writtenValues(entry), entry.choiceID));
     } else {

@@ -13,21 +13,29 @@ namespace brell {
 
 namespace {
 
+std::string words(const StoredValue& value) {
+    return excerpt(value.rendered());
+}
+
+// A journal may name any key.
+std::string words(const PrefKey& key) {
+    return excerpt(key.rendered());
+}
+
 std::string position(const AgentCapture& agent) {
     if (agent.turnedOn()) return agent.wasLoaded ? "off, but still loaded" : "off";
     return agent.wasLoaded ? "on" : "on, but not loaded";
 }
 
 std::string driftLine(const KeyReading& key) {
-    return fmt::format("{}: now {}; Brell wrote {}; original {}", key.write.key.rendered(),
-                       key.now ? key.now->rendered() : "unreadable", key.write.written.rendered(),
-                       key.write.original.rendered());
+    return fmt::format("{}: now {}; Brell wrote {}; original {}", words(key.write.key),
+                       key.now ? words(*key.now) : "unreadable", words(key.write.written),
+                       words(key.write.original));
 }
 
 std::string difference(const KeyReading& key) {
-    return fmt::format("{} {}; it was {}.", key.write.key.rendered(),
-                       key.now ? "is " + key.now->rendered() : "cannot be read",
-                       key.write.original.rendered());
+    return fmt::format("{} {}; it was {}.", words(key.write.key),
+                       key.now ? "is " + words(*key.now) : "cannot be read", words(key.write.original));
 }
 
 std::vector<std::string> proofSentences(const KeyReadings& keys) {
@@ -63,7 +71,8 @@ bool isInterruption(const HistoryLine& begun, const HistoryLine* next) {
 }
 
 std::string eventWords(const HistoryLine& line) {
-    const std::string reason = line.entry.failure ? ": " + *line.entry.failure : "";
+    const auto failure = failureWords(line.entry);
+    const std::string reason = failure ? ": " + *failure : "";
     switch (line.event) {
         case EntryStatus::capturing: return "Interrupted" + reason;
         case EntryStatus::applied: return "Applied";
@@ -81,30 +90,35 @@ std::vector<std::string> changeLines(const JournalEntry& entry) {
                 position(*entry.agent)};
     std::vector<std::string> lines;
     for (const JournaledWrite& write : entry.writes)
-        lines.push_back(write.key.rendered() + ": " + write.written.rendered() + "; back to " +
-                        write.original.rendered());
+        lines.push_back(words(write.key) + ": " + words(write.written) + "; back to " +
+                        words(write.original));
     return lines;
 }
 
 std::vector<std::string> putBackLines(const JournalEntry& entry) {
     std::vector<std::string> lines;
     for (const JournaledWrite& write : entry.writes)
-        lines.push_back(write.key.rendered() + ": back to " + write.original.rendered());
+        lines.push_back(words(write.key) + ": back to " + words(write.original));
     return lines;
 }
 
 std::string wayBack(const JournalEntry& entry) {
     if (entry.agent) return position(*entry.agent);
-    if (entry.writes.size() == 1) return entry.writes.front().original.rendered();
+    if (entry.writes.size() == 1) return words(entry.writes.front().original);
     std::vector<std::string> keys;
     for (const JournaledWrite& write : entry.writes)
-        keys.push_back(write.key.name + " " + write.original.rendered());
+        keys.push_back(excerpt(write.key.name) + " " + words(write.original));
     return join(keys, ", ");
 }
 
 std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion) {
     if (entry.macOSVersion == runningVersion) return std::nullopt;
-    return fmt::format("Made on macOS {}; this Mac now runs {}.", entry.macOSVersion, runningVersion);
+    return fmt::format("Made on macOS {}; this Mac now runs {}.", excerpt(entry.macOSVersion),
+                       runningVersion);
+}
+
+std::optional<std::string> failureWords(const JournalEntry& entry) {
+    return entry.failure ? std::optional(excerpt(*entry.failure, mostOfASentence)) : std::nullopt;
 }
 
 DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys) {
@@ -121,7 +135,7 @@ std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentS
     const AgentPosition found{now.override, now.loaded.isLoaded()};
     if (found == left) return std::nullopt;
     return DriftedEntry{entry,
-                        {fmt::format("{}: now {}; Brell left {}; original {}", entry.agent->label,
+                        {fmt::format("{}: now {}; Brell left {}; original {}", excerpt(entry.agent->label),
                                      found.rendered(), left.rendered(), before.rendered())}};
 }
 

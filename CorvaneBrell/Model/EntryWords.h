@@ -1,5 +1,5 @@
 // Every sentence about a change of the journal: what it did, where its undo leads, what others did to it
-// since, what became of it.
+// since, what became of it. The journal is a file like any other: what it says is shown in one line and cut.
 #pragma once
 
 #include <optional>
@@ -26,6 +26,9 @@ std::string wayBack(const JournalEntry& entry);
 
 // Says so when the change was made on another version of macOS than the running one.
 std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion);
+
+// Why it did not go well, or what its undo left.
+std::optional<std::string> failureWords(const JournalEntry& entry);
 
 // A change that others changed since.
 struct DriftedEntry {

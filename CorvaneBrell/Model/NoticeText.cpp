@@ -45,8 +45,9 @@ bool isRelaunchIncomplete(const AppState& state) {
 std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& catalog,
                                     const std::optional<std::string>& whyNothingReal) {
     std::vector<Notice> notices;
-    const auto add = [&](NoticeKind kind, std::string words) {
-        if (!words.empty()) notices.push_back({kind, std::move(words)});
+    const auto add = [&](NoticeKind kind, const std::string& words) {
+        constexpr std::size_t most = 8 * mostOfASentence;
+        if (!words.empty()) notices.push_back({kind, excerpt(words, most)});
     };
     add(NoticeKind::journal, state.journalError.value_or(""));
     add(NoticeKind::error, state.errorMessage.value_or(""));

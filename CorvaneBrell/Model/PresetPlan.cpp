@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Support/Text.h"
 
 namespace brell {
 
@@ -85,9 +86,9 @@ Outcome outcomeOf(const Tweak& tweak, const PresetSurroundings& now) {
 // Why a preset can't carry this active change; empty when it can.
 std::string whyLeftOut(const JournalEntry& entry, const TweakCatalog& catalog) {
     if (entry.kind == EntryKind::launchAgent)
-        return entry.tweakID + " is a login item; presets hold settings only.";
+        return excerpt(entry.tweakID) + " is a login item; presets hold settings only.";
     const Tweak* tweak = catalog.tweak(entry.tweakID);
-    if (!tweak) return entry.tweakID + " is not a tweak this version of Brell knows.";
+    if (!tweak) return excerpt(entry.tweakID) + " is not a tweak this version of Brell knows.";
     if (entry.status == EntryStatus::capturing)
         return tweak->title + " was interrupted; restore it or apply it again first.";
     if (entry.direction == EntryDirection::resetToDefault)
@@ -103,7 +104,7 @@ std::string whyLeftOut(const JournalEntry& entry, const TweakCatalog& catalog) {
 }  // namespace
 
 std::string KeyChange::rendered() const {
-    return key.rendered() + " from " + from.rendered() + " to " + to.rendered();
+    return key.rendered() + " from " + excerpt(from.rendered()) + " to " + excerpt(to.rendered());
 }
 
 std::vector<std::string> PresetPlan::toApply() const {
@@ -116,6 +117,7 @@ std::vector<std::string> PresetPlan::toApply() const {
 PresetPlan planPreset(const Preset& preset, const PresetSurroundings& now) {
     PresetValidation validation = Presets::validate(preset, now.catalog);
     PresetPlan plan{preset, {}, std::move(validation.unknown), std::move(validation.experimental)};
+    plan.preset.name = oneLine(preset.name);
     for (const std::string& id : validation.valid) {
         const Tweak& tweak = *now.catalog.tweak(id);
         plan.steps.push_back({id, tweak.title, outcomeOf(tweak, now)});

@@ -9,6 +9,7 @@
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
 
@@ -69,7 +70,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
     std::vector<StatusReading> readings = deps_.engine.statuses(tweaks);
     for (std::size_t i = 0; i < tweaks.size(); ++i) {
         if (const auto* failure = std::get_if<StatusFailure>(&readings[i]))
-            everything.statusErrors.emplace(tweaks[i]->id, describe(*failure));
+            everything.statusErrors.emplace(tweaks[i]->id, excerpt(describe(*failure), mostOfASentence));
         else
             everything.statuses.emplace(tweaks[i]->id, std::get<TweakStatus>(std::move(readings[i])));
     }
@@ -176,8 +177,10 @@ Volumes ReadingWork::volumes(const Posted<Volumes>& soFar) {
     for (const std::string& volume : volumes) {
         if (progress_.isEnding()) break;
         progress_.tell("Asking each volume about Spotlight", statuses.size(), volumes.size());
-        for (VolumeIndexStatus& status : deps_.spotlight.statuses({volume}))
+        for (VolumeIndexStatus& status : deps_.spotlight.statuses({volume})) {
+            status.volume = excerpt(status.volume, mostOfASentence);  // asked already; from here on a name
             statuses.push_back(std::move(status));
+        }
         soFar(statuses);
     }
     return statuses;

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/Page.h"
@@ -18,7 +19,7 @@ QString whatOf(const ActiveChange& change) {
     const JournalEntry& entry = change.entry;
     QStringList lines = qt(change.lines);
     lines << QObject::tr("Since %1 at %2, on macOS %3")
-                 .arg(dayText(entry.appliedAt), clockText(entry.appliedAt), qt(entry.macOSVersion));
+                 .arg(dayText(entry.appliedAt), clockText(entry.appliedAt), qt(excerpt(entry.macOSVersion)));
     return lines.join('\n');
 }
 
@@ -30,8 +31,8 @@ std::vector<RowBadge> noticesOf(const ActiveChange& change) {
              "bolt.slash",
              Tone::caution,
              {}});
-    if (change.entry.failure)
-        notices.push_back({qt(*change.entry.failure), "exclamationmark.triangle", Tone::caution, {}});
+    if (const auto failure = failureWords(change.entry))
+        notices.push_back({qt(*failure), "exclamationmark.triangle", Tone::caution, {}});
     if (change.otherMacOS) notices.push_back({qt(*change.otherMacOS), "info.circle", Tone::plain, {}});
     return notices;
 }

@@ -1,6 +1,8 @@
 #include "CorvaneBrell/Window/FactList.h"
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/Paragraph.h"
+#include "CorvaneBrell/Window/QtText.h"
 
 namespace brell {
 
@@ -16,7 +18,8 @@ void FactList::add(const QString& name, const QString& text) {
     if (text.isEmpty()) return;
     const int row = grid_->rowCount();
     grid_->addWidget(new Paragraph(name, Paragraph::Look::secondary), row, 0, Qt::AlignTop);
-    grid_->addWidget(new Paragraph(text, Paragraph::Look::body), row, 1);
+    const QString shown = qt(excerpt(utf8(text), mostOfASentence));
+    grid_->addWidget(new Paragraph(shown, Paragraph::Look::body), row, 1);
 }
 
 }  // namespace brell

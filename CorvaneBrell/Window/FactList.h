@@ -10,7 +10,7 @@ class FactList final : public QWidget {
     Q_OBJECT
 public:
     explicit FactList(QWidget* parent = nullptr);
-    // Empty texts are left out.
+    // On one line, and cut where somebody made it long. Empty texts are left out.
     void add(const QString& name, const QString& text);
 
 private:

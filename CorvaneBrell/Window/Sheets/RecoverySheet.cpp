@@ -17,8 +17,8 @@ QWidget* entryRow(const JournalEntry& entry, const TweakCatalog& catalog) {
                                       Paragraph::Look::secondary));
     else
         parts.push_back(keyLines(QObject::tr("Keys of %1").arg(title), putBackLines(entry)));
-    if (entry.failure)
-        parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*entry.failure), nullptr));
+    if (const auto failure = failureWords(entry))
+        parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*failure), nullptr));
     return sheetRow(parts);
 }
 

@@ -45,9 +45,12 @@ TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
                 {"next\u0085line\u2028sep\u2029par\u009F", "next line sep par "},
                 {"\u00A0\u00E9\U0001F600", "\u00A0\u00E9\U0001F600"},
                 {"txt.\u202Eexe\u202C \u2066x\u2069", "txt. exe   x "},
-                {"a\u061Cb\u200Bc\u200Ed\u200Fe\uFEFFf\u200D", "a b c d e f\u200D"},
+                {"a\u061Cb\u200Bc\u200Ed\u200Fe\uFEFFf\u2060g\u200D", "a b c d e f g\u200D"},
                 {"\xC2\nbroken\xFF", "\uFFFD broken\uFFFD"}};
     for (const auto& row : rows) EXPECT_EQ(oneLine(row.text), row.line);
+    EXPECT_EQ(excerpt("a\nb\u00E9", 5), "a b\u00E9");
+    EXPECT_EQ(excerpt("a\nb\u00E9\u20AC", 7), "a b\u00E9...") << "no part of a character";
+    EXPECT_EQ(excerpt("\x80\x80\x80\x80\x80\x80", 5).substr(0, 3), "\uFFFD");
 }
 
 TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {

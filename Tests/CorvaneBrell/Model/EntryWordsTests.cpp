@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "BrellCore/Background/AgentSteps.h"
+#include "BrellCore/Support/Text.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
 
@@ -45,6 +46,32 @@ TEST(EntryWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
     EXPECT_EQ(said(AgentOverride::enabled, false), "Turned off; back to on, but not loaded");
     EXPECT_EQ(said(AgentOverride::disabled, false), "Turned on; back to off");
     EXPECT_EQ(said(AgentOverride::disabled, true), "Turned on; back to off, but still loaded");
+}
+
+// A journal may be another program's.
+TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
+    const std::string evil = "Apple\n\u202E" + std::string(100'000, 'x');
+    JournalEntry entry = entryOf(evil, {{{evil, evil}, PrefValue(evil), PrefValue(evil)}});
+    JournalEntry off = agentEntry({evil, evil, true, AgentOverride::absent});
+    for (JournalEntry* one : {&entry, &off}) {
+        one->macOSVersion = evil;
+        one->failure = evil;
+    }
+    const TweakCatalog catalog("/Users/sam");
+    const KeyReading key{entry.writes.front(), StoredValue(PrefValue("a\n" + evil))};
+    Texts texts = driftedEntry(entry, {key}).lines;
+    for (const Texts& more :
+         {changeLines(entry), putBackLines(entry), driftedAgent(off, {AgentOverride::enabled, {}})->lines,
+          Texts{wayBack(entry), entryTitle(entry, catalog), entryTitle(off, catalog), *failureWords(off),
+                *madeOnAnotherMacOS(entry, "27.0.0"), undoProof({key}, {entryTitle(entry, catalog)})->words,
+                toldHistory({{{}, EntryStatus::failed, off}}, catalog).front().words}})
+        texts.insert(texts.end(), more.begin(), more.end());
+    entry.writes.push_back(entry.writes.front());
+    texts.push_back(wayBack(entry));
+    for (const std::string& text : texts) {
+        EXPECT_EQ(text, oneLine(text));
+        EXPECT_LT(text.size(), 1300u) << text.substr(0, 60);
+    }
 }
 
 TEST(EntryWordsTest, OnlyABeginningThatWasInterruptedIsTold) {

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/SampleMac/Furniture.h"
@@ -202,6 +203,32 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     EXPECT_EQ(readings.loginItems(show, {false, items.tasks}).rows, items.rows) << "as it was read before";
     EXPECT_EQ(soFar[2].rows.size(), items.rows.size()) << "in the meantime, too";
     EXPECT_EQ(readings.loginItems({}, {}).rows, soFar[1].rows);
+}
+
+// Any installer may leave a job file.
+TEST_F(LaneWorkTest, WhatAJobFileSaysIsToldInOneLineAndCut) {
+    const std::string evil = "Apple&#10;\u202E" + std::string(3'000'000, 'x');
+    const fs::path file = sample.launchAgents() / "a\n\u202E.plist";
+    setContents(file, "<plist><dict><key>Label</key><string>" + evil + "</string><key>Program</key><string>" +
+                          evil.substr(0, 900'000) + "</string></dict></plist>");
+    fs::create_directories(sample.systemRoot() / "Volumes" / "a\n\u202E");
+    const LoginItems items = readings.loginItems({}, {});
+    const auto row = std::find_if(items.rows.begin(), items.rows.end(), [&](const LoginItemRow& one) {
+        return one.record && one.record->id() == file;
+    });
+    ASSERT_NE(row, items.rows.end());
+    EXPECT_GT(row->record->label()->size(), 3'000'000u) << "what is compared stays exact";
+    const AgentConfirmRequest refused = readings.agentConfirm({*row->record}, false);
+    LaunchAgentRecord renamed = *row->record;
+    renamed.plist.label = "com.example.other";
+    const AgentConfirmRequest other = readings.agentConfirm({renamed}, false);
+    for (const std::string& text :
+         {row->title, row->subtitle, row->explanation.app, row->explanation.what,
+          items.refusals.at(file.string()), refused.refusals.at(0), other.refusals.at(0),
+          readings.volumes(Posted<Volumes>([](const Volumes&) {})).back().volume}) {
+        EXPECT_EQ(text, oneLine(text));
+        EXPECT_LT(text.size(), 1300u) << text.substr(0, 60);
+    }
 }
 
 TEST_F(LaneWorkTest, AFirstReadingOfTheTaskListEndsWithThePatienceOfTheUser) {

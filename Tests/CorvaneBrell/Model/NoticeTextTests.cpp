@@ -46,7 +46,7 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
     EXPECT_EQ(doneNotices(state), (Notices{{NoticeKind::done, state.undoProof->words}}));
 
     state.undoProof->isComplete = false;
-    state.errorMessage = "It failed.";
+    state.errorMessage = "It\nfailed.";
     state.journalError = "It is damaged.";
     EXPECT_EQ(standing(), (Notices{{NoticeKind::journal, "It is damaged."},
                                    {NoticeKind::error, "It failed."},
