@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "BrellCore/Support/FileLock.h"
@@ -31,6 +32,9 @@ std::optional<std::string> whyNotTrusted(const std::vector<std::filesystem::path
 
 // Stands beside the file from before a damaged one leaves its place until the new one has taken it.
 std::filesystem::path rebuildMark(const std::filesystem::path& journal);
+// What a rebuilding adds, before the moment, to the names of the damaged journal and of the script before.
+inline constexpr std::string_view damagedEnding = ".damaged-", scriptBeforeEnding = ".before-";
+
 // Of a file that is not there: why it is no journal that was never written, without a final stop; nothing
 // when it is.
 std::optional<std::string> whyNoFreshStart(const std::filesystem::path& journal);

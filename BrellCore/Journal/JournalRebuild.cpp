@@ -112,7 +112,7 @@ std::error_code giveName(const fs::path& file, const fs::path& name) {
 
 fs::path keepAside(const fs::path& file, const std::string& moment) {
     for (;;) {
-        const fs::path aside = freeName(file, ".damaged-" + moment);
+        const fs::path aside = freeName(file, std::string(damagedEnding) + moment);
         const std::error_code failed = giveName(file, aside);
         if (failed == std::errc::file_exists) continue;
         if (failed) moveAside(file, aside);
@@ -125,7 +125,7 @@ fs::path keepAside(const fs::path& file, const std::string& moment) {
 void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& plan, TimeStamp now) try {
     constexpr std::size_t mostBytes = 256 * 1024 * 1024;
     if (const auto before = readFile(script, mostBytes)) {
-        const fs::path copy = freeName(script, ".before-" + localMoment(now));
+        const fs::path copy = freeName(script, std::string(scriptBeforeEnding) + localMoment(now));
         replaceFile(copy, before->bytes, Durability::powerCut);
         rebuilt.scriptBefore = copy;
     }

@@ -17,7 +17,7 @@ std::int64_t AppModel::processNow(EffectClass effect) const {
 // The list is read anew each time: another run of the program may have noted something.
 void AppModel::updateRelaunches(const std::function<void(PendingRelaunches&)>& change) {
     std::optional<std::filesystem::path> lock;
-    if (!options().dryRun) lock = journalDirectory_ / ".relaunches.lock";
+    if (!options().dryRun) lock = journalDirectory_ / relaunchLockName;
     const auto [kept, whyNot] = updatePendingRelaunches(ownStore_, lock, [&](PendingRelaunches& pending) {
         dropShown(pending, catalog(), [this](EffectClass effect) { return processNow(effect); });
         change(pending);

@@ -1,11 +1,10 @@
 #include "CorvaneBrell/Model/ReadingWork.h"
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 
 #include "BrellCore/Engine/Report.h"
-#include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
@@ -36,23 +35,8 @@ bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences)
            !isInForce(entry, preferences);
 }
 
-bool isSamePlace(const fs::path& one, const fs::path& other) {
-    std::error_code unknown;
-    return one == other || fs::equivalent(one, other, unknown) ||
-           (one.filename() == other.filename() &&
-            fs::equivalent(one.parent_path(), other.parent_path(), unknown));
-}
-
-bool isOfTheJournal(const fs::path& file, const Journal& journal) {
-    const fs::path folder = journal.fileURL().parent_path();
-    const std::array own{journal.fileURL(), folder / RestoreScript::fileName, folder / ".journal.lock",
-                         folder / ".relaunches.lock"};
-    return isSamePlace(file.parent_path(), journal.historyDirectory()) ||
-           std::any_of(own.begin(), own.end(), [&](const fs::path& one) { return isSamePlace(file, one); });
-}
-
 fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
-    if (isOfTheJournal(file, journal))
+    if (isOfTheJournal(file, journal) || lowerCaseAscii(file.filename().string()) == relaunchLockName)
         throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
     const fs::file_status found = fs::symlink_status(file);
     if (fs::exists(found) && !fs::is_regular_file(found))

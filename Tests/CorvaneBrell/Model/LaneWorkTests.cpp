@@ -267,9 +267,13 @@ TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
     const fs::path journal = dependencies.journalDirectory();
     const auto before = everythingIn(journal);
     fs::create_directory_symlink(journal, folder.path / "link");
-    for (const fs::path& file : {journal / "journal.json", journal / "restore.sh", journal / ".journal.lock",
-                                 folder.path / "link" / "journal.json", journal / "history" / "report.md",
-                                 journal / ".." / journal.filename() / ".relaunches.lock"}) {
+    std::vector<fs::path> own{folder.path / "link" / "journal.json", journal / "history" / "report.md",
+                              journal / ".." / journal.filename() / ".relaunches.lock"};
+    for (const char* name :
+         {"journal.json", "Restore.sh", "history", ".journal.lock", "dry-run.txt", "journal.json.rebuilding",
+          "journal.json.damaged-2026-01-02-030405", "restore.sh.before-2026-01-02-030405-2"})
+        own.push_back(journal / name);
+    for (const fs::path& file : own) {
         EXPECT_EQ(messageOf([&] { readings.saveReport(file); }),
                   file.string() + " belongs to Brell's journal; choose another name.");
         EXPECT_EQ(everythingIn(journal), before);
