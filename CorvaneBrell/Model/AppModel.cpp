@@ -17,6 +17,12 @@ LaunchOptions fallbackFor(LaunchOptions options) {
     return options;
 }
 
+bool isDamaged(const fs::path& directory) try {
+    return journalDamage(directory).has_value();
+} catch (const JournalError&) {
+    return false;
+}
+
 // Raises both reasons when that can't be had either.
 std::unique_ptr<Dependencies> fallback(const LaunchOptions& options, const JournalError& reason,
                                        std::ostream& out) try {
@@ -45,6 +51,7 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
       readings_(loop, *deps_, shownIn(&AppState::readingActivity)),
       questions_(loop, *deps_, [](const std::optional<Activity>&) {}),
       firstTaskList_(loop, *deps_, shownIn(&AppState::taskListActivity)) {
+    state_.isJournalDamaged = state_.startupError && isDamaged(journalDirectory_);
     if (!this->options().dryRun) state_.safetyWarnings = safetyWarnings(deps_->machine);
     if (const auto& named = this->options().openGroup)
         if (const auto screen = fromRawValue<Screen>(*named)) state_.screen = *screen;
@@ -177,6 +184,34 @@ void AppModel::loadHistory(std::optional<int> days) {
         if (result.value) set(&AppState::history, std::move(*result.value), Topic::history);
     };
     refreshes_.run("Reading the history", &ReadingWork::history, done, days, state_.history);
+}
+
+void AppModel::askRebuild() {
+    if (!state_.isJournalDamaged) return;
+    const auto done = [this](JobResult<RebuildRequest> request) {
+        if (!request.value) return fail(request.error);
+        set(&AppState::rebuildRequest, std::move(*request.value), Topic::question);
+    };
+    refreshes_.run("Reading the history", &ReadingWork::rebuildRequest, done, journalDirectory_);
+}
+
+void AppModel::confirmRebuild() {
+    if (!state_.rebuildRequest) return;
+    const RebuildPlan plan = state_.rebuildRequest->plan;
+    cancelRebuild();
+    ++savesUnderWay_;
+    const auto done = [this](JobResult<RebuildReport> report) {
+        --savesUnderWay_;
+        if (!report.value) return fail(report.error);
+        put(&AppState::isJournalDamaged, false);
+        set(&AppState::rebuildReport, std::move(*report.value), Topic::question);
+    };
+    refreshes_.run("Rebuilding the journal", &ReadingWork::rebuildJournal, done, journalDirectory_, plan);
+}
+
+void AppModel::cancelRebuild() {
+    const bool wasAsked = put(&AppState::rebuildRequest, std::nullopt);
+    if (put(&AppState::rebuildReport, std::nullopt) || wasAsked) announce(Topic::question);
 }
 
 void AppModel::makeRestoreScript(std::function<void(const std::string&)> show) {

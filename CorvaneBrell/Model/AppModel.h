@@ -96,6 +96,11 @@ public:
     void recover();
     void deferRecovery();
 
+    // A journal that was damaged when Brell was opened. The rebuilt one is for the next run.
+    void askRebuild();
+    void confirmRebuild();
+    void cancelRebuild();
+
     // Relaunching Finder and the Dock.
     void askRelaunch();
     void confirmRelaunch();

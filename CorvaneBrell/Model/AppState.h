@@ -14,6 +14,7 @@
 #include "CorvaneBrell/Model/PendingRelaunches.h"
 #include "CorvaneBrell/Model/PresetPlan.h"
 #include "CorvaneBrell/Model/Progress.h"
+#include "CorvaneBrell/Model/RebuildRequest.h"
 #include "CorvaneBrell/Model/Relauncher.h"
 #include "CorvaneBrell/Model/Screen.h"
 #include "CorvaneBrell/Model/SessionUndo.h"
@@ -111,6 +112,7 @@ inline constexpr std::array<std::string_view, 10> enumTexts<Topic>{
 
 struct AppState {
     std::optional<std::string> startupError;  // stays for the whole run
+    bool isJournalDamaged = false;            // that is why, and a history may tell what it held
     std::vector<std::string> safetyWarnings;  // what could stand in the way of a change; likewise
 
     // Topic::screen
@@ -149,6 +151,8 @@ struct AppState {
     std::optional<AgentConfirmRequest> agentConfirm;
     std::optional<RelaunchRequest> relaunchRequest;
     std::optional<TaskListRequest> taskListRequest;
+    std::optional<RebuildRequest> rebuildRequest;
+    std::optional<RebuildReport> rebuildReport;
     std::optional<RestoreRequest> restoreRequest;
     std::optional<PresetRequest> presetRequest;
     std::vector<std::string> presetReport;  // what the last preset came to, a sentence each

@@ -198,6 +198,30 @@ DecodedPreset ReadingWork::preset(const fs::path& file) {
     return decoded;
 }
 
+RebuildRequest ReadingWork::rebuildRequest(const fs::path& directory) {
+    auto plan = planRebuild(directory, rebuildProgress());
+    if (!plan) throw std::runtime_error("Reading the history was ended.");
+    if (plan->entries.empty())
+        throw std::runtime_error(
+            "There is no history to rebuild the journal from. The restore script beside it "
+            "puts back what was changed when it was last written.");
+    return brell::rebuildRequest(*std::move(plan), deps_.catalog, *deps_.store.reader());
+}
+
+RebuildReport ReadingWork::rebuildJournal(const fs::path& directory, const RebuildPlan& plan) {
+    const auto rebuilt = brell::rebuildJournal(directory, plan, rebuildProgress());
+    if (!rebuilt) throw std::runtime_error("Rebuilding the journal was ended; nothing was changed.");
+    return rebuildReport(*rebuilt);
+}
+
+RebuildProgress ReadingWork::rebuildProgress() {
+    return [this](std::uintmax_t done, std::uintmax_t total) {
+        constexpr std::uintmax_t hundredths = 100;
+        if (total > 0) progress_.tell(static_cast<std::size_t>(done * hundredths / total), hundredths);
+        return !progress_.isEnding();
+    };
+}
+
 std::string ReadingWork::restoreScript() {
     return deps_.engine.restoreScriptText();
 }

@@ -71,6 +71,11 @@ public:
     DecodedPreset preset(const std::filesystem::path& file);
     std::string restoreScript();
 
+    // Of a damaged journal in this directory. Raise std::exception, too, when there is nothing to rebuild it
+    // from, and when they are ended.
+    RebuildRequest rebuildRequest(const std::filesystem::path& directory);
+    RebuildReport rebuildJournal(const std::filesystem::path& directory, const RebuildPlan& plan);
+
     // Make a file or replace an ordinary one, and give its path; the journal's own files, links and devices
     // are refused.
     std::filesystem::path saveRestoreScript(const std::filesystem::path& file);
@@ -79,6 +84,7 @@ public:
 
 private:
     std::shared_ptr<const BTMDump> taskList(const std::optional<CommandPatience>& patience);
+    RebuildProgress rebuildProgress();
     void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
 
     Dependencies& deps_;

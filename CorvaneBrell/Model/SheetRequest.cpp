@@ -49,6 +49,8 @@ std::string DriftRequest::explanation() const {
 }
 
 std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vector<std::string>& readReport) {
+    if (state.rebuildReport) return *state.rebuildReport;
+    if (state.rebuildRequest) return *state.rebuildRequest;
     // While a change is under way, an entry that is not complete is no interrupted one.
     if (!state.interrupted.empty() && !state.recoveryDeferred && !state.changeActivity)
         return RecoveryRequest{state.interrupted, state.recoveryFailures};

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Pictures/FewColors.h"
 #include "CorvaneBrell/Pictures/Scenes.h"
@@ -70,7 +71,10 @@ int run(const std::vector<Format>& formats) {
     const SampleMac sample(*options.sampleMac);
     liveIn(sample, Journal::defaultDirectory(sample.home()), systemNow());
     for (const Format& format : formats) fs::create_directories(format.folder);
-    const bool shown = show(scenesOfTrouble(), options, formats) && show(everydayScenes(), options, formats);
+    bool shown = show(scenesOfTrouble(), options, formats) && show(everydayScenes(), options, formats);
+    replaceFile(Journal::defaultDirectory(sample.home()) / "journal.json", "damaged",
+                Durability::readersOnly);
+    shown = shown && show(scenesOfDamage(), options, formats);
     return shown ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

@@ -147,6 +147,13 @@ std::vector<Scene> scenesOfTrouble() {
     return {recovery(), bars()};
 }
 
+std::vector<Scene> scenesOfDamage() {
+    return {{"damaged", [](MainWindow& window) { window.model().show(Screen::dock); }, nothing},
+            {"sheet-rebuild", [](MainWindow& window) { window.model().askRebuild(); },
+             [](MainWindow& window) { window.model().confirmRebuild(); }},
+            {"sheet-rebuilt", nothing, nothing}};
+}
+
 std::vector<Scene> everydayScenes() {
     std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));

@@ -16,9 +16,11 @@ struct Scene {
     std::function<void(MainWindow&)> end;
 };
 
-// For a sample Mac with a past. The second ones begin with a window opened anew, after the first.
+// For a sample Mac with a past. Each begin with a window opened anew, after those before; the last are for
+// one whose journal was damaged meanwhile.
 std::vector<Scene> scenesOfTrouble();
 std::vector<Scene> everydayScenes();
+std::vector<Scene> scenesOfDamage();
 
 // Lets the window work until nothing is under way any more.
 void settle(MainWindow& window);

@@ -117,6 +117,9 @@ QWidget* MainWindow::startupError() {
     auto* bar = new NoticeBar(tr("Journal problem"), qt(*model_.state().startupError), "xmark.circle",
                               Tone::critical);
     column->addWidget(bar);
+    if (model_.state().isJournalDamaged)
+        connect(bar->addAction(tr("Rebuild from History...")), &QPushButton::clicked, this,
+                [this] { model_.askRebuild(); });
     connect(bar->addAction(tr("Show in Finder")), &QPushButton::clicked, this,
             [this] { FileActions::showJournalFolder(model_); });
     connect(bar->addAction(tr("Show Restore Script")), &QPushButton::clicked, this,

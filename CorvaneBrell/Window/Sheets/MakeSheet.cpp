@@ -5,6 +5,7 @@
 #include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
+#include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
 #include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
 #include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
@@ -18,6 +19,8 @@ struct SheetFor {
     AppModel& model;
     QWidget* window;
 
+    Sheet* operator()(const RebuildReport& report) { return new RebuildReportSheet(model, window, report); }
+    Sheet* operator()(const RebuildRequest& request) { return new RebuildSheet(model, window, request); }
     Sheet* operator()(const RecoveryRequest& request) { return new RecoverySheet(model, window, request); }
     Sheet* operator()(const DriftRequest& request) { return new DriftSheet(model, window, request); }
     Sheet* operator()(const AgentConfirmRequest& request) {

@@ -8,6 +8,7 @@
 #include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
+#include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
 #include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
 #include "CorvaneBrell/Window/Sheets/RelaunchSheet.h"
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
@@ -50,6 +51,25 @@ protected:
         }
     }
 };
+
+TEST_F(SheetsTest, ADamagedJournalIsRebuiltForTheNextWindow) {
+    haveAPast();
+    setContents(*options.journalDirectory / "journal.json", "damaged");
+    openWindow();
+    expectLeavingChangesNothing<RebuildSheet>([&] { model->askRebuild(); });
+    press(*window, "Rebuild from History...");
+    ASSERT_TRUE(qobject_cast<RebuildSheet*>(sheet()));
+    EXPECT_TRUE(words(*sheet()).contains("The history tells of"));
+    EXPECT_TRUE(words(*sheet()).contains("It holds what Brell wrote."));
+    press(*sheet(), "Rebuild");
+    ASSERT_TRUE(qobject_cast<RebuildReportSheet*>(sheet()));
+    EXPECT_TRUE(words(*sheet()).contains("The damaged journal is kept as "));
+    press(*sheet(), "Later");
+    EXPECT_FALSE(sheet());
+    openWindow();
+    EXPECT_FALSE(model->state().startupError);
+    EXPECT_FALSE(model->state().entries.empty());
+}
 
 TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     openLivedIn();

@@ -1,0 +1,72 @@
+#include "CorvaneBrell/Model/RebuildRequest.h"
+
+#include <fmt/format.h>
+
+#include "BrellCore/Engine/KeysHold.h"
+#include "CorvaneBrell/Model/EntryWords.h"
+
+namespace brell {
+
+namespace {
+
+std::string_view stateOf(std::optional<KeysHold> keys) {
+    if (!keys) return "A login item: launchd knows how it stands.";
+    switch (*keys) {
+        case KeysHold::written: return "It holds what Brell wrote.";
+        case KeysHold::original: return "It is as it was before Brell.";
+        case KeysHold::both: return "A part of it is as Brell wrote it, a part as it was before.";
+        case KeysHold::somethingElse: return "Something else changed it since.";
+        case KeysHold::unreadable: break;
+    }
+    return "What it holds now can't be read.";
+}
+
+std::string counted(std::size_t count, std::string_view one, std::string_view more) {
+    return count == 1 ? fmt::format("1 {}", one) : fmt::format("{} {}", count, more);
+}
+
+std::string day(TimeStamp at) {
+    return iso8601(at).substr(0, std::string_view("2026-11-15").size());
+}
+
+std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
+    std::vector<std::string> facts{
+        fmt::format("The history tells of {}{}. Of these {} still active.",
+                    counted(plan.entries.size(), "change", "changes"),
+                    plan.from && plan.to ? fmt::format(" from {} to {}", day(*plan.from), day(*plan.to)) : "",
+                    active == 1 ? "1 is" : fmt::format("{} are", active))};
+    facts.push_back("What happened in the last moments before the damage may be missing from it.");
+    if (!plan.overtaken.empty())
+        facts.push_back(counted(plan.overtaken.size(), "change counts", "changes count") +
+                        " as restored, because a later one of the same setting is active.");
+    if (const std::size_t lines = plan.torn + plan.foreign)
+        facts.push_back(counted(lines, "line", "lines") +
+                        " that can't be read or are not Brell's are left out.");
+    facts.insert(facts.end(), plan.unread.begin(), plan.unread.end());
+    return facts;
+}
+
+}  // namespace
+
+RebuildRequest rebuildRequest(RebuildPlan plan, const TweakCatalog& catalog, PreferenceReader& preferences) {
+    RebuildRequest request{Uuid::random(), std::move(plan), {}, {}};
+    for (const JournalEntry& entry : request.plan.active())
+        request.active.push_back(
+            {entryTitle(entry, catalog), std::string(stateOf(keysHold(entry, preferences)))});
+    request.facts = factsOf(request.plan, request.active.size());
+    return request;
+}
+
+RebuildReport rebuildReport(const Rebuilt& rebuilt) {
+    RebuildReport report;
+    if (rebuilt.damaged)
+        report.lines.push_back("The damaged journal is kept as " + rebuilt.damaged->string() + ".");
+    if (rebuilt.scriptBefore)
+        report.lines.push_back("The restore script as it was is kept as " + rebuilt.scriptBefore->string() +
+                               ".");
+    if (rebuilt.scriptFailure) report.lines.push_back(*rebuilt.scriptFailure);
+    report.lines.push_back("Open Brell again to go on with the rebuilt journal.");
+    return report;
+}
+
+}  // namespace brell

@@ -1,0 +1,38 @@
+// What is asked and told of a damaged journal that is rebuilt from its history.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Journal/JournalRebuild.h"
+
+namespace brell {
+
+class PreferenceReader;
+
+struct RebuildRequest {
+    struct Change {
+        std::string title;
+        std::string state;  // what its keys hold now, a sentence
+        bool operator==(const Change&) const = default;
+    };
+
+    Uuid id;
+    RebuildPlan plan;
+    std::vector<Change> active;      // oldest first
+    std::vector<std::string> facts;  // about the history, sentences
+    bool operator==(const RebuildRequest&) const = default;
+};
+
+RebuildRequest rebuildRequest(RebuildPlan plan, const TweakCatalog& catalog, PreferenceReader& preferences);
+
+// What rebuilding came to; nothing is left to decide.
+struct RebuildReport {
+    std::vector<std::string> lines;  // sentences
+    bool operator==(const RebuildReport&) const = default;
+};
+
+RebuildReport rebuildReport(const Rebuilt& rebuilt);
+
+}  // namespace brell
