@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Model/AppModel.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "CorvaneBrell/DryRunStore.h"
 #include "CorvaneBrell/SafetyCheck.h"
@@ -15,6 +16,10 @@ LaunchOptions fallbackFor(LaunchOptions options) {
     options.journalDirectory = throwAwayDirectory("fallback");
     options.dryRun = true;
     return options;
+}
+
+bool isOlder(const OperatingSystemVersion& one, const OperatingSystemVersion& other) {
+    return std::tie(one.major, one.minor, one.patch) < std::tie(other.major, other.minor, other.patch);
 }
 
 bool isDamaged(const fs::path& directory) try {
@@ -55,6 +60,9 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
     if (!this->options().dryRun) state_.safetyWarnings = safetyWarnings(deps_->machine);
     if (const auto& named = this->options().openGroup)
         if (const auto screen = fromRawValue<Screen>(*named)) state_.screen = *screen;
+
+    if (const auto last = own_.lastMacOS(); last && isOlder(*last, deps_->machine.osVersion))
+        state_.macOSUpdate = MacOSUpdate{*last, deps_->machine.osVersion};
 
     Progress untold;
     showEverything(ReadingWork(*deps_, untold).everything({}));
@@ -101,6 +109,10 @@ std::function<void(std::optional<Activity>)> AppModel::shownIn(std::optional<Act
 
 void AppModel::show(Screen screen) {
     set(&AppState::screen, screen, Topic::screen);
+}
+
+void AppModel::dismissUpdate() {
+    set(&AppState::macOSUpdate, std::nullopt, Topic::notices);
 }
 
 void AppModel::dismissError() {

@@ -49,6 +49,7 @@ public:
     // The one asked for, or the user's, also where a throw-away journal had to take its place.
     const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
     OwnPreferences& ownPreferences() { return own_; }
+    void keepMacOS() { own_.keepMacOS(deps_->machine.osVersion); }  // as the one under which Brell last ran
     const TweakSearch& search() const { return search_; }
 
     // The observer is called when the state has changed. It may call the model.
@@ -70,6 +71,7 @@ public:
     void refreshAll();
     void refreshShown();  // that, and what only the shown screen needs from the system's tools
     void dismissError();
+    void dismissUpdate();  // of macOS
 
     // Tweaks. A tweak with an active change is restored first, and made again as it was when the new one
     // fails. Values are one for each write.

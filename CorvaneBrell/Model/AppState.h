@@ -18,6 +18,7 @@
 #include "CorvaneBrell/Model/Relauncher.h"
 #include "CorvaneBrell/Model/Screen.h"
 #include "CorvaneBrell/Model/SessionUndo.h"
+#include "CorvaneBrell/Platform/OperatingSystem.h"
 
 namespace brell {
 
@@ -92,6 +93,12 @@ enum class TaskList {
     read,
 };
 
+// macOS as it was when Brell was last open, where it is a newer one now.
+struct MacOSUpdate {
+    OperatingSystemVersion from, to;
+    bool operator==(const MacOSUpdate&) const = default;
+};
+
 // The parts of the state; a change in one is announced.
 enum class Topic {
     screen,
@@ -160,6 +167,7 @@ struct AppState {
     // Topic::notices
     std::optional<std::string> errorMessage;  // the last action's; stays until dismissed
     std::vector<std::string> recoveryFailures;
+    std::optional<MacOSUpdate> macOSUpdate;  // until dismissed
     PendingRelaunches pendingRelaunches;
     std::optional<std::string> relaunchReport;
     std::optional<UndoProof> undoProof;  // of the last undo

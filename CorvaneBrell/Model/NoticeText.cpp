@@ -35,6 +35,35 @@ std::string interruptedText(const AppState& state) {
                        changes(count) + (count == 1 ? " was" : " were"));
 }
 
+std::string briefly(const OperatingSystemVersion& version) {
+    const std::string text = fmt::format("{}.{}", version.major, version.minor);
+    return version.patch == 0 ? text : fmt::format("{}.{}", text, version.patch);
+}
+
+// Only where something is to be looked at.
+std::string updateText(const AppState& state, const TweakCatalog& catalog) {
+    if (!state.macOSUpdate) return {};
+    const auto& [from, to] = *state.macOSUpdate;
+    std::size_t active = 0, unconfirmed = 0;
+    for (const JournalEntry& entry : state.entries) {
+        if (!entry.isActive()) continue;
+        ++active;
+        const Tweak* tweak = from.major == to.major ? nullptr : catalog.tweak(entry.tweakID);
+        if (tweak && tweak->isConfirmed(from.major) && !tweak->isConfirmed(to.major)) ++unconfirmed;
+    }
+    const std::size_t drifted = state.drifted.size();
+    if (drifted + unconfirmed == 0) return {};
+    std::string words =
+        fmt::format("macOS was updated from {} to {} since Brell last ran", briefly(from), briefly(to));
+    words += drifted == 0 ? "."
+                          : fmt::format(": {} of {} no longer {}.", drifted, changes(active),
+                                        drifted == 1 ? "holds" : "hold");
+    if (unconfirmed > 0)
+        words += fmt::format(" The effect of {} is not confirmed on macOS {} yet.", changes(unconfirmed),
+                             to.major);
+    return words;
+}
+
 // A relaunch that left something to be relaunched.
 bool isRelaunchIncomplete(const AppState& state) {
     return state.relaunchReport && !state.pendingRelaunches.empty();
@@ -57,6 +86,7 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
     if (isRelaunchIncomplete(state)) add(NoticeKind::failedRelaunch, *state.relaunchReport);
     add(NoticeKind::warning, firstOf(state.safetyWarnings, " "));
     add(NoticeKind::interrupted, interruptedText(state));
+    add(NoticeKind::macOSUpdate, updateText(state, catalog));
     if (!state.relaunchActivity) add(NoticeKind::relaunch, relaunchText(state, catalog));
     if (!state.startupError) add(NoticeKind::dryRun, whyNothingReal.value_or(""));
     return notices;

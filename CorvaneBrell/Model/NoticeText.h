@@ -19,6 +19,7 @@ enum class NoticeKind {
     failedRelaunch,
     warning,  // what could stand in the way of a change
     interrupted,
+    macOSUpdate,  // after which changes no longer hold
     relaunch,
     dryRun,
     activity,

@@ -7,6 +7,7 @@ namespace brell {
 namespace {
 
 constexpr const char* taskListKey = "readsBackgroundItems";
+constexpr const char* macOSKey = "lastMacOS";
 
 PrefKey ownKey(std::string name) {
     return {std::string(OwnPreferences::domain), std::move(name)};
@@ -40,6 +41,19 @@ bool OwnPreferences::readsTaskList() const {
 
 void OwnPreferences::keepReadingTaskList(bool reads) try {
     if (readsTaskList() != reads) setNumber(taskListKey, reads ? 1 : 0);
+} catch (const StoreError&) {
+}
+
+std::optional<OperatingSystemVersion> OwnPreferences::lastMacOS() const {
+    const auto stored = number(macOSKey);
+    if (!stored || !(*stored > 0 && *stored < 1e9)) return std::nullopt;
+    const int whole = static_cast<int>(*stored);
+    return OperatingSystemVersion{whole / 1'000'000, whole / 1000 % 1000, whole % 1000};
+}
+
+void OwnPreferences::keepMacOS(const OperatingSystemVersion& version) try {
+    if (lastMacOS() != version)
+        setNumber(macOSKey, version.major * 1e6 + version.minor * 1e3 + version.patch);
 } catch (const StoreError&) {
 }
 

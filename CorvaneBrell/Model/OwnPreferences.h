@@ -9,6 +9,7 @@
 #include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
 #include "CorvaneBrell/Model/Screen.h"
+#include "CorvaneBrell/Platform/OperatingSystem.h"
 
 namespace brell {
 
@@ -38,6 +39,10 @@ public:
     // kept is asked for again.
     bool readsTaskList() const;
     void keepReadingTaskList(bool reads);
+
+    // The macOS under which Brell was last closed; nothing when it never was.
+    std::optional<OperatingSystemVersion> lastMacOS() const;
+    void keepMacOS(const OperatingSystemVersion& version);  // one that can't be kept is asked for again
 
     // Nothing when the window never was open.
     std::optional<WindowPlace> windowPlace() const;

@@ -250,6 +250,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     seen_ = keepsWindowOpen(model_.state());
     if (closesWhenDone_) return event->ignore();
     model_.ownPreferences().keepWindowPlace({width(), height(), model_.state().screen});
+    model_.keepMacOS();
     event->accept();
 }
 

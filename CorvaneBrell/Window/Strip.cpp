@@ -42,6 +42,8 @@ Look lookOf(NoticeKind kind) {
         case NoticeKind::warning:
             return {Strip::tr("Before a change"), "exclamationmark.triangle", Tone::caution};
         case NoticeKind::interrupted: return {Strip::tr("Interrupted changes"), "bolt.slash", Tone::caution};
+        case NoticeKind::macOSUpdate:
+            return {Strip::tr("After an update of macOS"), "info.circle", Tone::caution};
         case NoticeKind::relaunch: return {Strip::tr("Relaunch needed"), "arrow.clockwise", Tone::accent};
         case NoticeKind::dryRun: return {Strip::tr("Dry run"), "info.circle", Tone::plain};
         case NoticeKind::activity: return {Strip::tr("What is being done"), "clock", Tone::plain};
@@ -109,6 +111,10 @@ void Strip::addActions(StripLine& line, NoticeKind kind) {
         case NoticeKind::failedRecovery:
         case NoticeKind::interrupted:
             recover_.push_back(line.addAction(tr("Restore"), [this] { model_.recover(); }));
+            return;
+        case NoticeKind::macOSUpdate:
+            line.addAction(tr("Review..."), [this] { model_.show(Screen::journal); });
+            line.addAction(tr("Nothing to Do"), [this] { model_.dismissUpdate(); });
             return;
         case NoticeKind::relaunch:
             line.addAction(tr("Relaunch..."), [this] { model_.askRelaunch(); });

@@ -173,6 +173,21 @@ TEST_F(AppModelTest, TheTaskListIsAskedForOnlyOnceTheUserAllowedItAndMacOSGaveIt
     expect(TaskList::offered, true);
 }
 
+TEST_F(AppModelTest, AnUpdateOfMacOSIsNoticedByTheVersionThatWasKept) {
+    EXPECT_FALSE(openModel()->state().macOSUpdate) << "it never ran before";
+    openModel()->keepMacOS();
+    EXPECT_FALSE(openModel()->state().macOSUpdate);
+    openModel()->ownPreferences().keepMacOS({99, 0, 0});
+    EXPECT_FALSE(openModel()->state().macOSUpdate) << "an older one holds what it held";
+    openModel()->ownPreferences().keepMacOS({15, 7, 0});
+    const auto model = openModel();
+    ASSERT_TRUE(model->state().macOSUpdate);
+    EXPECT_EQ(model->state().macOSUpdate->from.text(), "15.7.0");
+    EXPECT_EQ(model->state().macOSUpdate->to.text(), model->macOSVersion());
+    model->dismissUpdate();
+    EXPECT_FALSE(model->state().macOSUpdate);
+}
+
 TEST_F(AppModelTest, AnItemThatMayNotBeChangedIsRefusedInWords) {
     const auto model = openModel();
     settled(*model)->loadLoginItems();

@@ -32,6 +32,26 @@ TEST_F(NoticeTextTest, InterruptedChangesAreToldOnceTheirRecoveryWasPutOff) {
     EXPECT_EQ(standing(), Notices{}) << "a sheet asks about them";
 }
 
+TEST_F(NoticeTextTest, AnUpdateOfMacOSIsToldWhereChangesNoLongerHoldOrAreNotConfirmed) {
+    state.entries = {entryOf("dock.size", {}), entryOf("dock.autohide", {})};
+    state.macOSUpdate = {{26, 1, 0}, {26, 2, 1}};
+    EXPECT_EQ(standing(), Notices{}) << "every change holds";
+    state.drifted = {{state.entries[0], {"now 64"}}};
+    EXPECT_EQ(standing(),
+              (Notices{{NoticeKind::macOSUpdate,
+                        "macOS was updated from 26.1 to 26.2.1 since Brell last ran: 1 of 2 changes "
+                        "no longer holds."}}));
+    state.drifted.clear();
+    state.macOSUpdate->to = {99, 0, 0};
+    EXPECT_EQ(
+        standing(),
+        (Notices{{NoticeKind::macOSUpdate,
+                  "macOS was updated from 26.1 to 99.0 since Brell last ran. The effect of 2 changes is not "
+                  "confirmed on macOS 99 yet."}}));
+    state.macOSUpdate.reset();
+    EXPECT_EQ(standing(), Notices{});
+}
+
 TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgentFirst) {
     state.pendingRelaunches = {{"dock.size", {"absent", 1}}, {"dock.of_the_future", {"absent", 1}}};
     EXPECT_EQ(relaunchText(state, catalog), "The Dock waits for a relaunch: 1 change");

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "Tests/Support/Testing.h"
 
@@ -49,8 +51,19 @@ TEST_F(OwnPreferencesTest, TheWindowsPlaceIsKeptAndOneThatCannotBeIsNone) {
         own.keepWindowPlace(place);
         EXPECT_EQ(own.windowPlace(), place);
     }
+    EXPECT_EQ(own.lastMacOS(), std::nullopt);
+    for (const OperatingSystemVersion& version : {OperatingSystemVersion{26, 1, 0}, {15, 7, 12}}) {
+        own.keepMacOS(version);
+        EXPECT_EQ(own.lastMacOS(), version);
+    }
+    for (const double odd : {-1.0, 0.0, 1e12, std::nan("")}) {
+        own.setNumber("lastMacOS", odd);
+        EXPECT_EQ(own.lastMacOS(), std::nullopt) << odd;
+    }
+
     setContents(folder.path / "com.corvane.brell.plist", "not a property list");
     own.keepWindowPlace(place);  // no reason to keep the window open
+    own.keepMacOS({26, 1, 0});
 }
 
 }  // namespace

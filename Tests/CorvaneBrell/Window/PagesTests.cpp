@@ -293,6 +293,24 @@ TEST_F(PagesTest, WhatOthersResetIsAppliedAgainWithItsFirstOriginal) {
     EXPECT_EQ(utf8(inOrder<ChangeRow>().front()->objectName()), model->state().entries.front().id.text());
 }
 
+TEST_F(PagesTest, AnUpdateOfMacOSLeadsToWhatNoLongerHolds) {
+    openLivedIn();
+    window.reset();
+    model->ownPreferences().keepMacOS({15, 7, 0});
+    openWindow();
+    settled()->recover();
+    const auto isTold = [&] {
+        return words(window->strip()).contains("macOS was updated from 15.7 to 26.1");
+    };
+    ASSERT_TRUE(isTold()) << utf8(words(window->strip()));
+    WindowTest::press(window->strip(), "Review...");
+    EXPECT_EQ(model->state().screen, Screen::journal);
+    WindowTest::press(window->strip(), "Nothing to Do");
+    EXPECT_FALSE(isTold());
+    openWindow();
+    EXPECT_FALSE(model->state().macOSUpdate) << "it was kept when the window was closed";
+}
+
 TEST_F(PagesTest, WhatOthersSetIsKeptAndLeavesTheList) {
     openOn(Screen::journal);
     const StoredValue theirs = stored(autohideDelay);
