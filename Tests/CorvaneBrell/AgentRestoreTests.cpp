@@ -287,6 +287,14 @@ TEST_F(AgentRestoreTest, AStoppedProcessThatSetOffMoreIsUndoneByRecovery) {
     }
 }
 
+TEST_F(AgentRestoreTest, WhatAStoppedCommandDidIsPutBackAtOnce) {
+    tools->failNext(AllowedCommand::Kind::launchctlBootout, ToolFault::hangingAfterwards());
+    EXPECT_THROW(toggle.turnOff(agent(plain)), AgentToggleError);
+    EXPECT_EQ(stateOf(plain), "enabled, loaded");
+    EXPECT_EQ(journal.all().back().status, EntryStatus::capturing) << "it may do more";
+    EXPECT_EQ(engine.recoverInterrupted().failed.size(), 0u);
+}
+
 TEST_F(AgentRestoreTest, TheCaptureIsMadeUnderTheLock) {
     const LaunchAgentRecord record = agent(plain);
     const auto otherTools = mac.openTools();
