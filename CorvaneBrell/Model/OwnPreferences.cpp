@@ -52,7 +52,8 @@ std::optional<OperatingSystemVersion> OwnPreferences::lastMacOS() const {
 }
 
 void OwnPreferences::keepMacOS(const OperatingSystemVersion& version) try {
-    if (lastMacOS() != version)
+    const bool isKnown = version.major > 0;
+    if (isKnown && lastMacOS() != version)
         setNumber(macOSKey, version.major * 1e6 + version.minor * 1e3 + version.patch);
 } catch (const StoreError&) {
 }

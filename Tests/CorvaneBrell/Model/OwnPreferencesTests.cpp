@@ -55,6 +55,8 @@ TEST_F(OwnPreferencesTest, TheWindowsPlaceIsKeptAndOneThatCannotBeIsNone) {
     for (const OperatingSystemVersion& version : {OperatingSystemVersion{26, 1, 0}, {15, 7, 12}}) {
         own.keepMacOS(version);
         EXPECT_EQ(own.lastMacOS(), version);
+        own.keepMacOS({});
+        EXPECT_EQ(own.lastMacOS(), version) << "no version is known";
     }
     for (const double odd : {-1.0, 0.0, 1e12, std::nan("")}) {
         own.setNumber("lastMacOS", odd);
