@@ -167,8 +167,8 @@ void TweakEngine::saveApplied(const JournalEntry& entry, const Journal::Exclusiv
     tidyUp(held);
 } catch (const JournalError& error) {
     script_.keep();
-    throw EngineError(error.failure(),
-                      subjectOf(entry) + " was changed all the same; it is listed as interrupted.");
+    throw EngineError(error.failure(), entryTitle(entry, catalog_) +
+                                           " was changed all the same; it is listed as interrupted.");
 }
 
 // Once a day, after a success: nobody else writes these files while the lock is held.
@@ -181,11 +181,6 @@ void TweakEngine::tidyUp(const Journal::Exclusive&) noexcept try {
     store_.removeLeftovers();
 } catch (const std::exception&) {
     // Tomorrow, then.
-}
-
-// For a sentence.
-std::string TweakEngine::subjectOf(const JournalEntry& entry) const {
-    return entryTitle(entry, catalog_);
 }
 
 JournalEntry TweakEngine::newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const {

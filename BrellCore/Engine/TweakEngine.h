@@ -141,7 +141,6 @@ private:
     JournalEntry changeLocked(const Tweak& tweak, EntryDirection direction, const Values& values,
                               std::optional<std::string> choiceID, const Journal::Exclusive& held);
     void saveApplied(const JournalEntry& entry, const Journal::Exclusive& held);
-    std::string subjectOf(const JournalEntry& entry) const;
     JournalEntry newEntry(std::string tweakID, EntryKind kind, EntryDirection direction) const;
     void checkChange(const Tweak& tweak, const Values& values);
     std::vector<JournaledWrite> captureOriginals(const Tweak& tweak, const Values& values);

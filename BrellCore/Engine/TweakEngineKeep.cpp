@@ -43,7 +43,9 @@ JournalEntry TweakEngine::keepTheirs(const Uuid& entryID) {
 
 // The failure text of an entry that is closed like this. Refuses one that nobody changed.
 std::string TweakEngine::whatIsKept(const JournalEntry& entry) {
-    const auto refuse = [&](const char* why) { return EngineError(Refused{subjectOf(entry) + why}); };
+    const auto refuse = [&](const char* why) {
+        return EngineError(Refused{entryTitle(entry, catalog_) + why});
+    };
     if (entry.status != EntryStatus::applied) throw refuse(" was interrupted; restore it first.");
     const char* const unchanged = " was not changed outside Brell; there is nothing else to keep.";
     if (entry.kind == EntryKind::preference) {

@@ -131,7 +131,7 @@ JournalEntry TweakEngine::saveRestored(const JournalEntry& entry, const Journal:
     return restored;
 } catch (const JournalError& error) {
     const bool wasApplied = entry.status == EntryStatus::applied;
-    throw EngineError(error.failure(), subjectOf(entry) +
+    throw EngineError(error.failure(), entryTitle(entry, catalog_) +
                                            " was put back all the same; it is still listed as " +
                                            (wasApplied ? "active." : "interrupted."));
 }

@@ -270,7 +270,8 @@ void ChangeWork::carryOut(ChangeOutcome& outcome, const PendingApply& wish) {
 // Before it is restored: what can be told only now, or even if that fails.
 void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
     outcome.agentsTouched = outcome.agentsTouched || entry.agent;
-    if (isAlreadyBack(entry, deps_.store)) outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
+    if (keysHold(entry, deps_.store) == KeysHold::original)
+        outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
 }
 
 // False when it drifted, and that was not confirmed: then it is left as it is.

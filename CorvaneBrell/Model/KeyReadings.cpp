@@ -1,8 +1,5 @@
 #include "CorvaneBrell/Model/KeyReadings.h"
 
-#include <algorithm>
-#include <functional>
-
 #include "BrellCore/Preferences/PreferenceStore.h"
 
 namespace brell {
@@ -18,11 +15,6 @@ KeyReadings readKeys(const JournalEntry& entry, PreferenceReader& preferences) {
     for (const JournaledWrite& write : entry.writes)
         keys.push_back({write, readIfPossible(write.key, preferences)});
     return keys;
-}
-
-bool isAlreadyBack(const JournalEntry& entry, PreferenceReader& preferences) {
-    const KeyReadings keys = readKeys(entry, preferences);
-    return !keys.empty() && std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore));
 }
 
 }  // namespace brell

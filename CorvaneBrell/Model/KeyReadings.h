@@ -26,8 +26,4 @@ std::optional<StoredValue> readIfPossible(const PrefKey& key, PreferenceReader& 
 // Raises nothing. A LaunchAgent's entry has no keys.
 KeyReadings readKeys(const JournalEntry& entry, PreferenceReader& preferences);
 
-// Every key reads as its original already: the user or another program has put it back. Never for an entry
-// without keys.
-bool isAlreadyBack(const JournalEntry& entry, PreferenceReader& preferences);
-
 }  // namespace brell
