@@ -12,17 +12,22 @@ namespace brell {
 
 namespace {
 
+// By what launchd has and the journal says, whatever the switch shows.
 RowBadge badgeOf(const ShownLoginItem& item) {
-    if (item.change && item.row.isOn)
-        return {QObject::tr("On by Brell"), "checkmark.circle", Tone::positive, {}};
-    if (item.change) return {QObject::tr("Off by Brell"), "minus.circle", Tone::positive, {}};
+    if (item.isInterrupted) return {QObject::tr("Interrupted"), "bolt.slash", Tone::caution, {}};
+    if (item.isInForce())
+        return item.row.isOn ? RowBadge{QObject::tr("On by Brell"), "checkmark.circle", Tone::positive, {}}
+                             : RowBadge{QObject::tr("Off by Brell"), "minus.circle", Tone::positive, {}};
+    if (item.change && item.change->status == EntryStatus::applied)
+        return {QObject::tr("Changed outside Brell"), "exclamationmark.triangle", Tone::caution, {}};
     if (item.row.isOn) return {QObject::tr("On"), "checkmark.circle", Tone::positive, {}};
     return {QObject::tr("Off"), "minus.circle", Tone::plain, {}};
 }
 
 std::optional<RowBadge> badgeBeside(const ShownLoginItem& item) {
+    const bool isOurs = item.isInterrupted || (item.change && item.change->status == EntryStatus::applied);
     // The switch says as much.
-    if (item.row.badge == LoginItemBadge::toggleable && !item.change) return std::nullopt;
+    if (item.row.badge == LoginItemBadge::toggleable && !isOurs) return std::nullopt;
     return badgeOf(item);
 }
 
@@ -32,16 +37,13 @@ std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
     const auto warn = [&](const QString& text) {
         notices.push_back({text, "exclamationmark.triangle", Tone::caution, {}});
     };
-    if (item.drift) warn(QObject::tr("Changed outside Brell. %1").arg(qt(*item.drift)));
-    if (row.isCrashLooping) warn(QObject::tr("keeps crashing and restarting"));
-    if (row.allowedInSystemSettings == false)
-        notices.push_back({QObject::tr("not allowed in System Settings"), "hand.raised", Tone::caution, {}});
+    for (const QString& condition : LoginItemView::conditions(row)) warn(condition);
     if (row.explanation.risk != Risk::low)
         warn(QObject::tr("Risk: %1").arg(qt(label(row.explanation.risk)).toLower()));
     if (row.explanation.isUpdater)
         notices.push_back(
             {QObject::tr("Updates or security: turning it off costs protection"), "shield", Tone::plain, {}});
-    if (item.refusal) notices.push_back({qt(*item.refusal), "lock", Tone::plain, {}});
+    if (item.refusal) notices.push_back({qt(*item.refusal), "info.circle", Tone::plain, {}});
     return notices;
 }
 
@@ -58,7 +60,8 @@ QString loadedText(const LoadedState& loaded) {
     return parts.join(", ");
 }
 
-FactList* factsOf(const LoginItemRow& row) {
+FactList* factsOf(const ShownLoginItem& item) {
+    const LoginItemRow& row = item.row;
     const AgentExplanation& explanation = row.explanation;
     auto* facts = new FactList;
     facts->add(QObject::tr("App"), qt(explanation.app));
@@ -75,6 +78,7 @@ FactList* factsOf(const LoginItemRow& row) {
         facts->add(QObject::tr("Starts"), qt(row.record->plist.trigger()));
         facts->add(QObject::tr("In launchd"), loadedText(row.record->loaded));
     }
+    if (item.drift) facts->add(QObject::tr("Changed outside Brell"), qt(*item.drift));
     if (row.btm) {
         facts->add(QObject::tr("Developer"), qt(row.btm->developer.value_or("")));
         facts->add(QObject::tr("Place"), qt(row.btm->url.value_or("")));
@@ -83,6 +87,18 @@ FactList* factsOf(const LoginItemRow& row) {
 }
 
 }  // namespace
+
+bool ShownLoginItem::isInForce() const {
+    return change && change->status == EntryStatus::applied && !drift &&
+           row.isOn == change->agent->turnedOn();
+}
+
+QStringList LoginItemView::conditions(const LoginItemRow& row) {
+    QStringList words;
+    if (row.isCrashLooping) words << tr("keeps crashing and restarting");
+    if (row.allowedInSystemSettings == false) words << tr("not allowed in System Settings");
+    return words;
+}
 
 LoginItemView::LoginItemView(AppModel& model, QWidget* parent)
     : Row({}, Columns::stateAndControl, parent), model_(model) {
@@ -148,7 +164,7 @@ void LoginItemView::fillDetails() {
     auto* column = new QVBoxLayout(facts_);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(10);
-    column->addWidget(factsOf(record_->row));
+    column->addWidget(factsOf(*record_));
     detailsColumn_->addWidget(facts_);
 }
 

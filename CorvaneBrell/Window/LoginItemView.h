@@ -16,8 +16,11 @@ struct ShownLoginItem {
     LoginItemRow row;
     std::optional<JournalEntry> change;  // ours, while it is active
     std::optional<std::string> drift;    // what somebody did to it since
+    bool isInterrupted;                  // that change was never finished
     std::optional<std::string> refusal;  // why it can't be switched
     bool isLocked;                       // nothing can be changed at all
+    // launchd has the agent as the change left it.
+    bool isInForce() const;
     bool operator==(const ShownLoginItem&) const = default;
 };
 
@@ -25,6 +28,9 @@ class LoginItemView final : public Row {
     Q_OBJECT
 public:
     using Record = ShownLoginItem;
+
+    // How the item fares, where that is worth a word: "keeps crashing and restarting".
+    static QStringList conditions(const LoginItemRow& row);
 
     // The model must outlive the row.
     explicit LoginItemView(AppModel& model, QWidget* parent = nullptr);

@@ -54,8 +54,8 @@ void LoginItemsPage::collectTexts() {
     texts_.clear();
     for (const LoginItemRow& row : model_.state().loginItems) {
         const std::string label = row.record ? row.record->label().value_or("") : std::string();
-        texts_.push_back(
-            qt(row.title + '\n' + row.subtitle + '\n' + label + '\n' + row.explanation.app).toCaseFolded());
+        const QString text = qt(row.title + '\n' + row.subtitle + '\n' + label + '\n' + row.explanation.app);
+        texts_.push_back((text + '\n' + LoginItemView::conditions(row).join('\n')).toCaseFolded());
     }
 }
 
@@ -63,6 +63,7 @@ LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
     OwnChanges changes;
     for (const JournalEntry& entry : model_.state().entries)
         if (entry.agent && entry.isActive()) changes.active.emplace(entry.tweakID, &entry);
+    for (const JournalEntry& entry : model_.state().interrupted) changes.interrupted.insert(entry.id);
     for (const DriftedEntry& drift : model_.state().driftedAgents)
         changes.drifted.emplace(drift.entry.id, &drift.lines.front());
     return changes;
@@ -88,7 +89,7 @@ void LoginItemsPage::showItems() {
 
 ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& changes) const {
     const AppState& state = model_.state();
-    ShownLoginItem item{row, std::nullopt, std::nullopt, std::nullopt, isLocked(state)};
+    ShownLoginItem item{row, std::nullopt, std::nullopt, false, std::nullopt, isLocked(state)};
     // What is not the user's own may have the same label.
     if (!row.record || row.record->scope != AgentScope::user) return item;
     if (!row.record->label() && !row.record->plist.leadsTo) return item;
@@ -100,6 +101,13 @@ ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& 
     item.change = *change->second;
     if (const auto drift = changes.drifted.find(item.change->id); drift != changes.drifted.end())
         item.drift = *drift->second;
+    item.isInterrupted = changes.interrupted.contains(item.change->id);
+    if (item.isInterrupted)
+        item.refusal = utf8(tr("It was interrupted. Put it back first; then it can be switched again."));
+    else if (item.change->status == EntryStatus::applied && !item.isInForce())
+        item.refusal =
+            utf8(tr("Somebody else switched it since Brell did. Put it back first; then it can be "
+                    "switched again."));
     return item;
 }
 
@@ -109,7 +117,8 @@ void LoginItemsPage::showEmptyState() {
     emptyAction_->setVisible(state.loginItemsLoaded);
     if (!state.loginItems.empty()) {
         emptyAction_->setText(tr("Show All"));
-        setEmptyState(tr("No login item has “%1” in its name, label or app.").arg(filter_->text().trimmed()));
+        setEmptyState(
+            tr("No login item has “%1” in its name, label, app or state.").arg(filter_->text().trimmed()));
     } else if (state.loginItemsLoaded) {
         emptyAction_->setText(tr("Read Again"));
         setEmptyState(tr("Nothing was found in the folders of launchd that starts by itself."));

@@ -3,6 +3,7 @@
 
 #include <QLineEdit>
 #include <map>
+#include <set>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
@@ -29,6 +30,7 @@ private:
     struct OwnChanges {
         std::map<std::string_view, const JournalEntry*> active;
         std::map<Uuid, const std::string*> drifted;
+        std::set<Uuid> interrupted;
     };
     OwnChanges ownChanges() const;
     void collectTexts();

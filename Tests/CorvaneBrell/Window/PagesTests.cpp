@@ -149,9 +149,18 @@ TEST_F(PagesTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
     EXPECT_TRUE(view.isOpen());
     EXPECT_TRUE(words(view).contains("Off by Brell"));
 
+    ASSERT_TRUE(sample.openTools()->run(AllowedCommand::launchctlEnable("gui/501", label)).succeeded());
+    settled()->refreshShown();
+    EXPECT_TRUE(words(view).contains("Changed outside Brell")) << "its app has turned it on again";
+    EXPECT_FALSE(words(view).contains("n by Brell"));
+    EXPECT_TRUE(toggle->isChecked());
+    EXPECT_FALSE(toggle->isEnabled()) << "the switch would be refused";
+    EXPECT_TRUE(words(view).contains("Put it back first"));
+
     press("Back to on: Lumenfold Sync");
     ASSERT_TRUE(model->state().restoreRequest);
     settled()->confirmRestore();
+    EXPECT_TRUE(toggle->isEnabled());
     EXPECT_TRUE(toggle->isChecked());
     EXPECT_FALSE(words(view).contains("by Brell"));
 }
@@ -166,6 +175,7 @@ TEST_F(PagesTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes) {
     };
     const std::size_t all = found("");
     EXPECT_EQ(found("KEYSTONE"), 1);
+    EXPECT_EQ(found("crash"), 1);
     EXPECT_EQ(found("spotify"), 1);
     EXPECT_LT(found("homebrew"), all);
     EXPECT_EQ(found("no such item"), 0);
