@@ -107,8 +107,14 @@ std::function<void(std::optional<Activity>)> AppModel::shownIn(std::optional<Act
         [this, field](std::optional<Activity> activity) { set(field, std::move(activity), Topic::activity); };
 }
 
+// What the tools said when it was shown before may be so no more.
 void AppModel::show(Screen screen) {
-    set(&AppState::screen, screen, Topic::screen);
+    if (!put(&AppState::screen, screen)) return;
+    announce(Topic::screen);
+    const bool isFirstTime = screen == Screen::loginItems  ? !state_.loginItemsLoaded
+                             : screen == Screen::spotlight ? state_.volumes.empty()
+                                                           : false;
+    if (!isFirstTime) readShown({false, tasks_});
 }
 
 void AppModel::dismissUpdate() {
@@ -140,9 +146,14 @@ void AppModel::refreshAll() {
 void AppModel::refreshShown() {
     refreshAll();
     updateRelaunches([](PendingRelaunches&) {});
-    if (state_.screen == Screen::loginItems) loadLoginItems();
-    if (state_.screen == Screen::journal) loadAgentDrift();
-    if (state_.screen == Screen::spotlight) loadVolumes();
+    readShown({own_.readsTaskList(), tasks_});
+}
+
+// The password that macOS may ask for would bring the window to the front once more.
+void AppModel::lookAgain() {
+    refreshAll();
+    updateRelaunches([](PendingRelaunches&) {});
+    readShown({false, tasks_});
 }
 
 void AppModel::showEverything(Everything everything) {

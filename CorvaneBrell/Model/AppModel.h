@@ -70,6 +70,7 @@ public:
     void show(Screen screen);
     void refreshAll();
     void refreshShown();  // that, and what only the shown screen needs from the system's tools
+    void lookAgain();     // likewise, but macOS is not asked for its list of background items
     void dismissError();
     void dismissUpdate();  // of macOS
 
@@ -163,6 +164,7 @@ private:
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
     void showEverything(Everything everything);
     void countChanges(const std::vector<JournalEntry>& entries);
+    void readShown(const TaskSource& tasks);
     void readLoginItems(const TaskSource& tasks);
     void showLoginItems(LoginItems items, bool isAll);
     void keepTaskList(std::shared_ptr<const BTMDump> tasks);

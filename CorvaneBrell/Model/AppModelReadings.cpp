@@ -13,6 +13,12 @@ const std::string noTaskList =
 
 }  // namespace
 
+void AppModel::readShown(const TaskSource& tasks) {
+    if (state_.screen == Screen::loginItems) readLoginItems(tasks);
+    if (state_.screen == Screen::journal) loadAgentDrift();
+    if (state_.screen == Screen::spotlight) loadVolumes();
+}
+
 void AppModel::loadLoginItems() {
     readLoginItems({own_.readsTaskList(), tasks_});
 }

@@ -1,6 +1,7 @@
 // The window: the sidebar, one page, the strip at its foot, and the menus.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <map>
 
@@ -51,6 +52,7 @@ private:
     void goTo(Screen screen);
     void showScreen(Screen screen);
     void showPage(Page* page);
+    void lookSoon();
     void search(const QString& query);
     void enterPage();
     Page* page(Screen screen);
@@ -72,6 +74,8 @@ private:
     SearchPage* searchPage_ = nullptr;  // made by the first search
     SheetPresenter* sheets_;
     QTimer* refresh_;
+    QTimer* look_;          // at what others may have changed
+    QElapsedTimer looked_;  // since the last one
     std::map<Screen, Page*> pages_;
     std::map<const Page*, Changes> stale_;  // what each page has not shown yet
     bool changedOnly_ = false;

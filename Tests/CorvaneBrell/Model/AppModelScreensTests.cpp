@@ -74,8 +74,7 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
         tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
     settled(*model)->refreshShown();
     EXPECT_TRUE(model->state().driftedAgents.empty()) << "launchd is not asked for other pages";
-    model->show(Screen::journal);
-    settled(*model)->refreshShown();
+    settled(*model)->show(Screen::journal);
     ASSERT_EQ(model->state().driftedAgents.size(), 1u);
     EXPECT_EQ(model->state().driftedAgents.front().entry.id, model->state().entries.front().id);
 
@@ -169,7 +168,10 @@ TEST_F(AppModelTest, TheTaskListIsAskedForOnlyOnceTheUserAllowedItAndMacOSGaveIt
     settled(*model)->askAgents({rowOf(*model, "com.halverson.duskwatch")->id}, false);
     settled(*model)->confirmAgents();
     expect(TaskList::read, false);
-    model->loadLoginItems();
+    model->show(Screen::loginItems);
+    model->lookAgain();
+    expect(TaskList::read, false);
+    model->refreshShown();
     expect(TaskList::offered, true);
 }
 

@@ -235,6 +235,21 @@ TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
     EXPECT_GT(rows, 4);
 }
 
+// Twice at once: the second look is no earlier than a second after the first.
+TEST_F(WindowTest, WhatOthersChangedIsSeenWhenTheWindowComesToTheFront) {
+    openWindow();
+    const auto comesToTheFront = [] {
+        emit qApp->applicationStateChanged(Qt::ApplicationInactive);
+        emit qApp->applicationStateChanged(Qt::ApplicationActive);
+    };
+    const auto* toggle = static_cast<Switch*>(row("finder.show_hidden").control());
+    for (const bool isShown : {true, false}) {
+        sample.openPreferences()->write(PrefValue(isShown), showHidden);
+        comesToTheFront();
+        QTRY_COMPARE(toggle->isChecked(), isShown);
+    }
+}
+
 TEST_F(WindowTest, SizeAndPageAreKeptForTheNextLaunch) {
     openWindow();
     window->resize(1003, 707);
