@@ -66,8 +66,9 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
 
     Progress untold;
     showEverything(ReadingWork(*deps_, untold).everything({}));
-    updateRelaunches(
+    const std::string whyNot = updateRelaunches(
         [this](PendingRelaunches& pending) { dropBack(pending, state_.statuses, state_.statusErrors); });
+    if (!whyNot.empty()) fail(whyNot);
     loadHistory(std::nullopt);
 }
 
@@ -145,14 +146,14 @@ void AppModel::refreshAll() {
 
 void AppModel::refreshShown() {
     refreshAll();
-    updateRelaunches([](PendingRelaunches&) {});
+    dropShownRelaunches();
     readShown({own_.readsTaskList(), tasks_});
 }
 
 // The password that macOS may ask for would bring the window to the front once more.
 void AppModel::lookAgain() {
     refreshAll();
-    updateRelaunches([](PendingRelaunches&) {});
+    dropShownRelaunches();
     readShown({false, tasks_});
 }
 
@@ -169,7 +170,8 @@ void AppModel::showEverything(Everything everything) {
     countChanges(everything.entries);
     bool isOther = put(&AppState::entries, std::move(everything.entries));
     isOther |= put(&AppState::drifted, std::move(everything.drifted));
-    if (!changes_.isBusy()) {  // else a change of ours looks interrupted, and an undo half done
+    if (!changes_.isBusy() &&
+        !everything.isChangedElsewhere) {  // else a change under way looks interrupted, and an undo half done
         isOther |= put(&AppState::interrupted, std::move(interrupted));
         isOther |= put(&AppState::undo, state_.undo.pruned(state_.entries));
     }

@@ -91,7 +91,8 @@ public:
     void cancelRestore();
     void confirmDrift(const std::set<Uuid>& ticked);
     void cancelDrift();
-    void undoLast();                                    // action of this session
+    // The last action of this session; where that runs commands, a request shows them first.
+    void undoLast();
     void applyAgain(const std::vector<Uuid>& entries);  // what others reset; the first originals are kept
     void keepTheirs(const std::vector<Uuid>& entries);  // closes what others changed, without writing
 
@@ -177,13 +178,15 @@ private:
     void change(std::string what, std::vector<std::string> tweakIDs, Job job, Arguments... arguments);
     void finishChange(const ChangeOutcome& outcome);
     void dropInterrupted(const std::vector<JournalEntry>& restored);
-    void noteRelaunches(const ChangeOutcome& outcome);
+    std::string noteRelaunches(const ChangeOutcome& outcome);  // why they can't be kept, or nothing
     void askDrift(const DriftRequest& request);
     void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
 
     std::int64_t processNow(EffectClass effect) const;
-    void updateRelaunches(const std::function<void(PendingRelaunches&)>& change);
-    void relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines);
+    std::string updateRelaunches(const std::function<void(PendingRelaunches&)>& change);  // likewise
+    void dropShownRelaunches();
+    void relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines,
+                      bool isComplete);
     PresetSurroundings presetSurroundings() const;
 
     MainLoop& loop_;

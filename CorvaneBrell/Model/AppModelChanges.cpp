@@ -13,6 +13,20 @@ void append(const std::vector<std::string>& more, std::vector<std::string>& line
     lines.insert(lines.end(), more.begin(), more.end());
 }
 
+// The user sees them first, as before the change itself.
+bool runsCommands(const SessionChange& action, const std::vector<JournalEntry>& entries) {
+    std::set<Uuid> concerned(action.made.begin(), action.made.end());
+    concerned.insert(action.restored.begin(), action.restored.end());
+    return std::any_of(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
+        return entry.agent && concerned.contains(entry.id);
+    });
+}
+
+bool isAmong(const std::vector<DriftedEntry>& drifted, const Uuid& id) {
+    return std::any_of(drifted.begin(), drifted.end(),
+                       [&](const DriftedEntry& one) { return one.entry.id == id; });
+}
+
 std::string restoringText(std::size_t changes) {
     return changes == 1 ? "Restoring a change" : "Restoring changes";
 }
@@ -24,8 +38,9 @@ void AppModel::change(std::string what, std::vector<std::string> tweakIDs, Job j
     changing_.insert(tweakIDs.begin(), tweakIDs.end());
     const auto done = [this, tweakIDs = std::move(tweakIDs)](const JobResult<ChangeOutcome>& result) {
         for (const std::string& id : tweakIDs) changing_.erase(changing_.find(id));
-        if (!result.value) fail(result.error);
-        finishChange(result.value.value_or(ChangeOutcome()));
+        ChangeOutcome outcome = result.value.value_or(ChangeOutcome());
+        if (!result.value) outcome.failures.push_back(result.error);
+        finishChange(outcome);
     };
     changes_.run(std::move(what), job, done, std::move(arguments)...);
 }
@@ -65,7 +80,10 @@ void AppModel::turnOff(const std::string& tweakID) {
 void AppModel::askRestore(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries)
         if (entry.id == entryID && entry.isActive())
-            return askRestoreOf("Restore " + entryTitle(entry, catalog()) + "?", {entry});
+            // Of one that drifted the question about that is the only one.
+            return isAmong(state_.drifted, entryID)
+                       ? change(restoringText(1), {}, &ChangeWork::restore, std::vector{entryID})
+                       : askRestoreOf("Restore " + entryTitle(entry, catalog()) + "?", {entry});
     fail(describe(EngineFailure(NotActive{entryID})));
 }
 
@@ -103,9 +121,11 @@ void AppModel::cancelRestore() {
 
 void AppModel::confirmRestore() {
     if (!state_.restoreRequest) return;
-    const std::vector<Uuid> asked = state_.restoreRequest->entries;
+    const RestoreRequest asked = *state_.restoreRequest;
     cancelRestore();
-    change(restoringText(asked.size()), {}, &ChangeWork::restore, asked);
+    if (asked.undoing)
+        return change("Undoing " + asked.undoing->name, {}, &ChangeWork::undoAction, *asked.undoing);
+    change(restoringText(asked.entries.size()), {}, &ChangeWork::restore, asked.entries);
 }
 
 void AppModel::cancelDrift() {
@@ -123,7 +143,13 @@ void AppModel::confirmDrift(const std::set<Uuid>& ticked) {
 void AppModel::undoLast() {
     const SessionChange* last = state_.undo.next();
     if (!last || state_.changeActivity) return;
-    change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
+    if (!runsCommands(*last, state_.entries))
+        return change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
+    const auto done = [this](const JobResult<RestoreRequest>& request) {
+        if (!request.value) return fail(request.error);
+        if (!state_.restoreRequest) set(&AppState::restoreRequest, *request.value, Topic::question);
+    };
+    questions_.run("", &ReadingWork::undoing, done, *last);
 }
 
 void AppModel::keepTheirs(const std::vector<Uuid>& entries) {
@@ -161,11 +187,12 @@ void AppModel::finishChange(const ChangeOutcome& outcome) {
     ++changesFinished_;
     dropInterrupted(outcome.restored);
     if (outcome.recoveryFailures) set(&AppState::recoveryFailures, *outcome.recoveryFailures, Topic::notices);
-    if (!outcome.failures.empty()) fail(firstOf(outcome.failures, " "));
-    if (const auto trouble = deps_->engine.untoldScriptTrouble())
-        fail(state_.errorMessage ? *state_.errorMessage + " " + *trouble : *trouble);
+    // Several, where what follows a failure fails, too.
+    std::vector<std::string> failures = outcome.failures;
+    if (const auto trouble = deps_->engine.untoldScriptTrouble()) failures.push_back(*trouble);
+    if (const std::string whyNot = noteRelaunches(outcome); !whyNot.empty()) failures.push_back(whyNot);
+    if (!failures.empty()) fail(firstOf(failures, " "));
     set(&AppState::undo, state_.undo.after(outcome.undo), Topic::journal);
-    noteRelaunches(outcome);
     // The proof of an earlier undo says nothing about this change.
     set(&AppState::undoProof, outcome.proof, Topic::notices);
     if (!outcome.report.empty()) set(&AppState::presetReport, outcome.report, Topic::question);

@@ -15,21 +15,29 @@ std::int64_t AppModel::processNow(EffectClass effect) const {
 }
 
 // The list is read anew each time: another run of the program may have noted something.
-void AppModel::updateRelaunches(const std::function<void(PendingRelaunches&)>& change) {
+std::string AppModel::updateRelaunches(const std::function<void(PendingRelaunches&)>& change) {
     std::optional<std::filesystem::path> lock;
     if (!options().dryRun) lock = journalDirectory_ / relaunchLockName;
     const auto [kept, whyNot] = updatePendingRelaunches(ownStore_, lock, [&](PendingRelaunches& pending) {
         dropShown(pending, catalog(), [this](EffectClass effect) { return processNow(effect); });
         change(pending);
     });
-    if (!whyNot.empty()) fail(whyNot);
+    // Where nothing waits any more, nothing is left of a relaunch that did not succeed.
+    if (kept.empty() && state_.relaunchReport && !state_.relaunchReport->isComplete)
+        set(&AppState::relaunchReport, std::nullopt, Topic::notices);
     set(&AppState::pendingRelaunches, kept, Topic::notices);
+    return whyNot;
 }
 
-void AppModel::noteRelaunches(const ChangeOutcome& outcome) {
-    if (outcome.touched.empty()) return;
-    updateRelaunches([&](PendingRelaunches& pending) {
-        noteChange(pending, {outcome.made, outcome.restored, outcome.touched}, catalog(),
+void AppModel::dropShownRelaunches() {
+    const std::string whyNot = updateRelaunches([](PendingRelaunches&) {});
+    if (!whyNot.empty()) fail(whyNot);
+}
+
+std::string AppModel::noteRelaunches(const ChangeOutcome& outcome) {
+    if (outcome.before.empty()) return {};
+    return updateRelaunches([&](PendingRelaunches& pending) {
+        noteChange(pending, {outcome.before, outcome.touched}, catalog(),
                    [this](EffectClass effect) { return processNow(effect); });
     });
 }
@@ -50,14 +58,15 @@ void AppModel::confirmRelaunch() {
     const std::vector<Relauncher::Target> targets = state_.relaunchRequest->targets;
     cancelRelaunch();
     set(&AppState::relaunchReport, std::nullopt, Topic::notices);  // of an earlier one
-    relaunchNext(targets, {});
+    relaunchNext(targets, {}, true);
 }
 
-void AppModel::relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines) {
+void AppModel::relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines,
+                            bool isComplete) {
     if (targets.empty()) {
         relaunch_ = nullptr;
         set(&AppState::relaunchActivity, std::nullopt, Topic::activity);
-        return set(&AppState::relaunchReport, join(lines, " "), Topic::notices);
+        return set(&AppState::relaunchReport, RelaunchReport{join(lines, " "), isComplete}, Topic::notices);
     }
     const Relauncher::Target target = targets.front();
     const Relauncher::TargetFacts& app = Relauncher::facts(target);
@@ -66,13 +75,14 @@ void AppModel::relaunchNext(std::vector<Relauncher::Target> targets, const std::
         Activity{"Relaunching " + std::string(app.name), lines.size(), total == 1 ? 0 : total},
         Topic::activity);
     targets.erase(targets.begin());
-    const auto done = [this, target, &app, targets, lines](Relauncher::Outcome outcome) {
+    const auto done = [this, target, &app, targets, lines, isComplete](Relauncher::Outcome outcome) {
         std::vector<std::string> soFar = lines;
         soFar.push_back(Relauncher::line(target, outcome));
-        if (Relauncher::isDone(outcome))
-            updateRelaunches(
-                [&](PendingRelaunches& pending) { dropEffect(pending, catalog(), app.effectClass); });
-        relaunchNext(targets, soFar);
+        if (!Relauncher::isDone(outcome)) return relaunchNext(targets, soFar, false);
+        const std::string whyNot = updateRelaunches(
+            [&](PendingRelaunches& pending) { dropEffect(pending, catalog(), app.effectClass); });
+        if (!whyNot.empty()) fail(whyNot);
+        relaunchNext(targets, soFar, isComplete);
     };
     relaunch_ = Relauncher::relaunch(target, options().dryRun, applications_, loop_, done);
 }

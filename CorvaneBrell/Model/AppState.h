@@ -74,9 +74,17 @@ struct TaskListRequest {
 struct RestoreRequest {
     Uuid id;
     std::string title;
-    std::vector<Uuid> entries;       // newest first
-    std::vector<std::string> lines;  // every key that will be put back, and every command
+    std::vector<Uuid> entries;                  // newest first
+    std::vector<std::string> lines;             // every key that will be put back, and every command
+    std::optional<SessionChange> undoing = {};  // the action that this undoes, not only restoring
     bool operator==(const RestoreRequest&) const = default;
+};
+
+// What relaunching came to.
+struct RelaunchReport {
+    std::string words;
+    bool isComplete;  // every app was relaunched
+    bool operator==(const RelaunchReport&) const = default;
 };
 
 struct PresetRequest {
@@ -169,7 +177,7 @@ struct AppState {
     std::vector<std::string> recoveryFailures;
     std::optional<MacOSUpdate> macOSUpdate;  // until dismissed
     PendingRelaunches pendingRelaunches;
-    std::optional<std::string> relaunchReport;
+    std::optional<RelaunchReport> relaunchReport;
     std::optional<UndoProof> undoProof;  // of the last undo
 
     // Topic::activity

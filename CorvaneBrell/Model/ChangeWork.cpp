@@ -80,6 +80,15 @@ void tryStep(std::vector<std::string>& failures, Step step) try {
 
 }  // namespace
 
+LaunchAgentRecord switchedAgent(const AgentCapture& before) {
+    return {LaunchAgentPlist::read(before.plistPath), AgentScope::user, before.override,
+            LoadedState::unknown()};
+}
+
+AgentSwitch switchOf(const AgentCapture& before) {
+    return before.turnedOn() ? AgentSwitch::on : AgentSwitch::off;
+}
+
 ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
     : deps_(dependencies), progress_(progress) {
     // Agents are switched and put back by this work only.
@@ -100,8 +109,12 @@ ChangeOutcome ChangeWork::apply(const PendingApply& wish) {
     } catch (const EngineError& error) {
         if (!active) throw;
         outcome.failures.push_back(error.what());
-        // The user still has what was there before.
-        tryStep(outcome.failures, [&] { makeAgain(outcome, *active); });
+        // The user still has what was there before, and then there is nothing new to undo.
+        tryStep(outcome.failures, [&] {
+            makeAgain(outcome, *active);
+            outcome.undo.remade.emplace_back(active->id, outcome.made.back().id);
+        });
+        if (!outcome.undo.remade.empty()) return finished(std::move(outcome));
     }
     outcome.undo.done = actionOf(outcome, wish.tweak.title);
     return finished(std::move(outcome));
@@ -111,6 +124,7 @@ ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
     ChangeOutcome outcome;
     const Tweak& tweak = *deps_.catalog.tweak(tweakID);
     const auto active = deps_.journal->activeEntry(tweakID);
+    noteKeys(outcome, tweakID);
     if (!active)
         outcome.made.push_back(deps_.engine.turnOff(tweak, false));
     else if (!restoreUnlessDrifted(outcome, *active, false))
@@ -132,11 +146,21 @@ ChangeOutcome ChangeWork::restore(const std::vector<Uuid>& ids) {
 }
 
 ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked) {
-    if (request.undoing) return undoWith(*request.undoing, ticked);
     ChangeOutcome outcome;
+    std::vector<Uuid> drifted;
+    bool isStale = false;
+    for (const DriftedEntry& shown : request.entries) {
+        drifted.push_back(shown.entry.id);
+        isStale = isStale || (ticked.contains(shown.entry.id) && !isAsShown(shown));
+    }
+    if (isStale) {
+        ask(outcome, drifted, request);
+        return finished(std::move(outcome));
+    }
+    if (request.undoing) return undoWith(*request.undoing, ticked);
     std::vector<Uuid> ids = request.others;
-    for (const DriftedEntry& drifted : request.entries)
-        if (ticked.contains(drifted.entry.id)) ids.push_back(drifted.entry.id);
+    for (const Uuid& id : drifted)
+        if (ticked.contains(id)) ids.push_back(id);
     restoreTogether(outcome, deps_.journal->entries(ids), ticked, request.pendingAfterDrift);
     return finished(std::move(outcome));
 }
@@ -180,6 +204,7 @@ ChangeOutcome ChangeWork::applyAgain(const std::vector<Uuid>& ids) {
             const auto entry = deps_.journal->entry(id);
             if (!entry || !entry->isActive()) return;
             outcome.agentsTouched = outcome.agentsTouched || entry->agent;
+            noteKeys(outcome, entry->tweakID);
             outcome.restored.push_back(deps_.engine.restore(id, true));
             makeAgain(outcome, *entry);
         });
@@ -209,8 +234,10 @@ ChangeOutcome ChangeWork::keepTheirs(const std::vector<Uuid>& ids) {
 ChangeOutcome ChangeWork::recover() {
     ChangeOutcome outcome;
     outcome.recoveryFailures.emplace();
-    for (const JournalEntry& entry : deps_.engine.interruptedEntries())
+    for (const JournalEntry& entry : deps_.engine.interruptedEntries()) {
         outcome.agentsTouched = outcome.agentsTouched || entry.agent;
+        noteKeys(outcome, entry.tweakID);
+    }
     const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn());
     outcome.restored = deps_.journal->entries(recovered.restored);
     for (const auto& [id, message] : recovered.failed) outcome.recoveryFailures->push_back(message);
@@ -240,6 +267,7 @@ ChangeOutcome ChangeWork::applyPreset(const PresetPlan& plan) {
         if (progress_.isEnding()) break;
         progress_.tell(outcome.made.size(), ids.size());
         const Tweak& tweak = *deps_.catalog.tweak(id);
+        noteKeys(outcome, id);
         try {
             outcome.made.push_back(deps_.engine.apply(tweak));
         } catch (const EngineError& error) {
@@ -261,14 +289,23 @@ ChangeOutcome ChangeWork::applyPreset(const PresetPlan& plan) {
 void ChangeWork::carryOut(ChangeOutcome& outcome, const PendingApply& wish) {
     const Tweak* tweak = deps_.catalog.tweak(wish.tweak.id);
     if (!tweak) return;
+    noteKeys(outcome, tweak->id);
     if (!wish.usesSystemDefault)
         outcome.made.push_back(deps_.engine.apply(*tweak, wish.values, wish.choiceID));
     else if (!nothingIsStored(*tweak, deps_.store))
         outcome.made.push_back(deps_.engine.resetToDefault(*tweak));
 }
 
+// Of several changes of a tweak the values before the first count.
+void ChangeWork::noteKeys(ChangeOutcome& outcome, const std::string& tweakID) {
+    const Tweak* tweak = deps_.catalog.tweak(tweakID);
+    if (!tweak || outcome.before.contains(tweakID)) return;
+    if (auto now = renderedNow(*tweak, deps_.store)) outcome.before.emplace(tweakID, *std::move(now));
+}
+
 // Before it is restored: what can be told only now, or even if that fails.
 void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
+    noteKeys(outcome, entry.tweakID);
     outcome.agentsTouched = outcome.agentsTouched || entry.agent;
     if (keysHold(entry, deps_.store) == KeysHold::original)
         outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
@@ -307,6 +344,7 @@ void ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
 // Makes what a restored entry had made.
 void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
     const Tweak* tweak = deps_.catalog.tweak(entry.tweakID);
+    noteKeys(outcome, entry.tweakID);
     if (entry.agent) {
         outcome.agentsTouched = true;
         outcome.made.push_back(switchedAgain(*entry.agent));
@@ -320,19 +358,28 @@ void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
 }
 
 JournalEntry ChangeWork::switchedAgain(const AgentCapture& before) {
-    const LaunchAgentRecord agent{LaunchAgentPlist::read(before.plistPath), AgentScope::user, before.override,
-                                  LoadedState::unknown()};
-    return before.turnedOn() ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
+    const LaunchAgentRecord agent = switchedAgent(before);
+    return switchOf(before) == AgentSwitch::on ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
 }
 
 // The question says what the keys hold now.
 void ChangeWork::ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request) {
     tryStep(outcome.failures, [&] {
         request.id = Uuid::random();
-        for (const JournalEntry& entry : deps_.journal->entries(drifted))
-            request.entries.push_back(driftedEntry(entry, readKeys(entry, deps_.store)));
+        request.entries.clear();
+        for (const JournalEntry& entry : deps_.journal->entries(drifted)) {
+            DriftedEntry now = driftedEntry(entry, readKeys(entry, deps_.store));
+            if (!now.lines.empty()) request.entries.push_back(std::move(now));
+        }
         if (!request.entries.empty()) outcome.question = std::move(request);
     });
+}
+
+// Overwriting what nobody has seen would be overwriting unasked.
+bool ChangeWork::isAsShown(const DriftedEntry& shown) {
+    const auto entry = deps_.journal->entry(shown.entry.id);
+    return !entry || !asksForDrift(*entry) ||
+           driftedEntry(*entry, readKeys(*entry, deps_.store)).lines == shown.lines;
 }
 
 bool ChangeWork::asksForDrift(const JournalEntry& entry) {
@@ -350,11 +397,13 @@ TweakEngine::Progress ChangeWork::goOn() {
 // Reads what a change came to, while nothing else changes.
 ChangeOutcome ChangeWork::finished(ChangeOutcome outcome) {
     outcome.proof = undoProof(keysToProve(outcome, deps_.store), outcome.alreadyBack);
+    std::set<std::string_view> changed;
     for (const auto* entries : {&outcome.restored, &outcome.made})
-        for (const JournalEntry& entry : *entries)
-            if (const Tweak* tweak = deps_.catalog.tweak(entry.tweakID))
-                if (auto now = renderedNow(*tweak, deps_.store))
-                    outcome.touched.insert_or_assign(tweak->id, *std::move(now));
+        for (const JournalEntry& entry : *entries) changed.insert(entry.tweakID);
+    std::erase_if(outcome.before, [&](const auto& one) { return !changed.contains(one.first); });
+    for (const auto& [tweakID, before] : outcome.before)
+        if (auto now = renderedNow(*deps_.catalog.tweak(tweakID), deps_.store))
+            outcome.touched.emplace(tweakID, *std::move(now));
     return outcome;
 }
 

@@ -23,12 +23,18 @@ struct ChangeOutcome {
     UndoNote undo;
     std::optional<UndoProof> proof;        // of what was restored
     std::vector<std::string> alreadyBack;  // titles of restored changes that others had undone before
-    std::map<std::string, std::string>
-        touched;                      // by tweak: what its keys hold now, as it is kept for a relaunch
+    // By tweak, as it is kept for a relaunch: what its keys held just before, whoever had written it, and
+    // hold now.
+    std::map<std::string, std::string> before, touched;
     bool agentsTouched = false;       // some agent may be in another state than before
     std::vector<std::string> report;  // of a preset, sentences
     std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery, sentences
 };
+
+// The agent of a change, and how the change switched it; for switching it that way again. Raises
+// std::exception when its file can't be read.
+LaunchAgentRecord switchedAgent(const AgentCapture& before);
+AgentSwitch switchOf(const AgentCapture& before);
 
 // Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
 // operation may raise std::exception, and has then changed nothing that it would tell of.
@@ -42,7 +48,7 @@ public:
 
     // Restore nothing while one of the entries has drifted and is not back as it was by itself: then all of
     // them wait for the answer. The second is for the answer, with the drifted ones that are to be restored
-    // all the same.
+    // all the same; one that holds something else than the question showed is asked for again.
     ChangeOutcome restore(const std::vector<Uuid>& ids);
     ChangeOutcome restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked);
     // Restores what the action made and makes again what it restored. A change that drifted is asked for,
@@ -63,6 +69,7 @@ public:
 private:
     ChangeOutcome undoWith(const SessionChange& action, const std::optional<std::set<Uuid>>& ticked);
     void carryOut(ChangeOutcome& outcome, const PendingApply& wish);
+    void noteKeys(ChangeOutcome& outcome, const std::string& tweakID);
     void noteBefore(ChangeOutcome& outcome, const JournalEntry& entry);
     bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active, bool isConfirmed);
     void restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
@@ -70,6 +77,7 @@ private:
     void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
     JournalEntry switchedAgain(const AgentCapture& before);
     void ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request);
+    bool isAsShown(const DriftedEntry& shown);
     bool asksForDrift(const JournalEntry& entry);
     TweakEngine::Progress goOn();
     ChangeOutcome finished(ChangeOutcome outcome);

@@ -64,11 +64,6 @@ std::string updateText(const AppState& state, const TweakCatalog& catalog) {
     return words;
 }
 
-// A relaunch that left something to be relaunched.
-bool isRelaunchIncomplete(const AppState& state) {
-    return state.relaunchReport && !state.pendingRelaunches.empty();
-}
-
 }  // namespace
 
 std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& catalog,
@@ -83,7 +78,8 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
     add(NoticeKind::failedRecovery, firstOf(state.recoveryFailures, " "));
     if (state.undoProof && !state.undoProof->isComplete)
         add(NoticeKind::incompleteUndo, state.undoProof->words);
-    if (isRelaunchIncomplete(state)) add(NoticeKind::failedRelaunch, *state.relaunchReport);
+    if (state.relaunchReport && !state.relaunchReport->isComplete)
+        add(NoticeKind::failedRelaunch, state.relaunchReport->words);
     add(NoticeKind::warning, firstOf(state.safetyWarnings, " "));
     add(NoticeKind::interrupted, interruptedText(state));
     add(NoticeKind::macOSUpdate, updateText(state, catalog));
@@ -103,8 +99,8 @@ std::vector<Notice> doneNotices(const AppState& state) {
     std::vector<Notice> notices;
     if (state.undoProof && state.undoProof->isComplete)
         notices.push_back({NoticeKind::done, state.undoProof->words});
-    if (state.relaunchReport && !isRelaunchIncomplete(state))
-        notices.push_back({NoticeKind::done, *state.relaunchReport});
+    if (state.relaunchReport && state.relaunchReport->isComplete)
+        notices.push_back({NoticeKind::done, state.relaunchReport->words});
     return notices;
 }
 

@@ -58,12 +58,6 @@ bool needsRelaunch(EffectClass effect) {
     return effect == EffectClass::finderRelaunch || effect == EffectClass::dockRelaunch;
 }
 
-std::string rendered(const JournalEntry& entry, StoredValue JournaledWrite::*value) {
-    std::vector<StoredValue> values;
-    for (const JournaledWrite& write : entry.writes) values.push_back(write.*value);
-    return renderedTogether(values);
-}
-
 }  // namespace
 
 std::string renderedTogether(const std::vector<StoredValue>& values) {
@@ -81,14 +75,11 @@ std::set<EffectClass> pendingEffects(const PendingRelaunches& pending, const Twe
 
 void noteChange(PendingRelaunches& pending, const ChangedKeys& change, const TweakCatalog& catalog,
                 const ProcessOf& processOf) {
-    const auto note = [&](const JournalEntry& entry, StoredValue JournaledWrite::*before) {
-        const Tweak* tweak = catalog.tweak(entry.tweakID);
+    for (const auto& [tweakID, before] : change.before) {
+        const Tweak* tweak = catalog.tweak(tweakID);
         if (tweak && needsRelaunch(tweak->effect))
-            pending.emplace(entry.tweakID,
-                            PendingRelaunch{rendered(entry, before), processOf(tweak->effect)});
-    };
-    for (const JournalEntry& entry : change.restored) note(entry, &JournaledWrite::written);
-    for (const JournalEntry& entry : change.made) note(entry, &JournaledWrite::original);
+            pending.emplace(tweakID, PendingRelaunch{before, processOf(tweak->effect)});
+    }
     std::erase_if(pending, [&](const auto& one) {
         const auto now = change.now.find(one.first);
         return now != change.now.end() && now->second == one.second.before;

@@ -37,11 +37,10 @@ std::set<EffectClass> pendingEffects(const PendingRelaunches& pending, const Twe
 // The number of the app that shows such a change; 0 while it does not run.
 using ProcessOf = std::function<std::int64_t(EffectClass)>;
 
-// A change, and by tweak the values that its keys hold after it, rendered; a tweak whose keys can't be read
-// is missing.
+// By tweak the values that its keys held just before a change, and hold after it, rendered; a tweak whose
+// keys can't be read is missing.
 struct ChangedKeys {
-    const std::vector<JournalEntry>& made;
-    const std::vector<JournalEntry>& restored;
+    const std::map<std::string, std::string>& before;
     const std::map<std::string, std::string>& now;
 };
 

@@ -9,6 +9,7 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/ChangeWork.h"
 
 namespace fs = std::filesystem;
 
@@ -59,7 +60,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
             everything.statuses.emplace(tweaks[i]->id, std::get<TweakStatus>(std::move(readings[i])));
     }
     try {
-        everything.entries = latestOnTop(deps_.journal->all());
+        readEntries(everything);
     } catch (const JournalError& error) {
         everything.error = error.what();
     }
@@ -68,6 +69,24 @@ Everything ReadingWork::everything(const Posted<>& begun) {
         if (isNoLongerInForce(entry, *preferences))
             everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences)));
     return everything;
+}
+
+// A change that is not finished was interrupted, unless somebody holds the journal's lock to make it.
+void ReadingWork::readEntries(Everything& everything) {
+    const auto isUnfinished = [](const JournalEntry& entry) {
+        return entry.status == EntryStatus::capturing;
+    };
+    everything.entries = latestOnTop(deps_.journal->all());
+    if (std::none_of(everything.entries.begin(), everything.entries.end(), isUnfinished)) return;
+    const fs::path file = deps_.journal->fileURL().parent_path() / ".journal.lock";
+    if (!fs::exists(file)) return;
+    try {
+        const auto held = FileLock::acquire(file, std::chrono::milliseconds(0));
+        everything.isChangedElsewhere = !held;
+        if (held) everything.entries = latestOnTop(deps_.journal->all());  // it may be finished by now
+    } catch (const std::runtime_error&) {
+        // Nobody can hold such a lock.
+    }
 }
 
 ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& shown) {
@@ -187,6 +206,26 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     request.title = std::string(turnOn ? "Turn on " : "Turn off ") +
                     (request.agents.size() == 1 ? request.agents.front().label().value_or("")
                                                 : std::to_string(request.agents.size()) + " items");
+    return request;
+}
+
+// Every key that is put back or written again, and every command.
+RestoreRequest ReadingWork::undoing(const SessionChange& action) {
+    RestoreRequest request{Uuid::random(), "Undo " + action.name + "?", action.made, {}, action};
+    const auto add = [&](const std::vector<std::string>& lines) {
+        request.lines.insert(request.lines.end(), lines.begin(), lines.end());
+    };
+    for (const JournalEntry& entry : deps_.journal->entries(action.made)) {
+        if (!entry.isActive()) continue;
+        add(putBackLines(entry));
+        if (entry.agent) add(deps_.toggle.previewRestore(*entry.agent));
+    }
+    for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
+        for (const JournaledWrite& write : entry.writes)
+            add({write.key.rendered() + ": again " + write.written.rendered()});
+        if (entry.agent)
+            add(deps_.toggle.preview(switchedAgent(*entry.agent), switchOf(*entry.agent)).commands);
+    }
     return request;
 }
 

@@ -22,6 +22,7 @@ struct Everything {
     TweakStatusErrors statusErrors;
     std::vector<JournalEntry> entries;  // newest first
     std::vector<DriftedEntry> drifted;
+    bool isChangedElsewhere = false;   // another run is just making the change that is not finished
     std::optional<std::string> error;  // why the journal can't be read; there are no entries then
 };
 
@@ -68,6 +69,7 @@ public:
 
     // For an answer that the user waits for.
     AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn);
+    RestoreRequest undoing(const SessionChange& action);
     DecodedPreset preset(const std::filesystem::path& file);
     std::string restoreScript();
 
@@ -85,6 +87,7 @@ public:
 private:
     std::shared_ptr<const BTMDump> taskList(const std::optional<CommandPatience>& patience);
     RebuildProgress rebuildProgress();
+    void readEntries(Everything& everything);
     void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
 
     Dependencies& deps_;

@@ -51,7 +51,7 @@ std::set<std::string> keepsWindowOpen(const AppState& state) {
     // Its first line tells how many changes were made.
     if (state.presetReport.size() > 1) news.insert(state.presetReport.begin(), state.presetReport.end());
     if (state.undoProof && !state.undoProof->isComplete) news.insert(state.undoProof->words);
-    if (state.relaunchReport && !state.pendingRelaunches.empty()) news.insert(*state.relaunchReport);
+    if (state.relaunchReport && !state.relaunchReport->isComplete) news.insert(state.relaunchReport->words);
     return news;
 }
 

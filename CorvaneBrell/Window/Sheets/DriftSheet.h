@@ -1,4 +1,5 @@
-// Asks which of the settings that others changed since are restored anyway. Nothing is ticked at first.
+// Asks whether the setting that others changed since is restored anyway, or which of several. Nothing is
+// ticked at first.
 #pragma once
 
 #include <utility>
@@ -14,11 +15,12 @@ public:
     DriftSheet(AppModel& model, QWidget* window, const DriftRequest& request);
 
 private:
-    void enableRestore();
-    QWidget* entryRow(const DriftedEntry& drifted);
+    void showCount();
+    QWidget* entryRow(const DriftedEntry& drifted, bool isToBeTicked);
     std::set<Uuid> ticked() const;
 
-    QPushButton* restore_ = nullptr;                // while it waits for a tick
+    const std::size_t others_;                      // that are restored whatever is ticked
+    QPushButton* restore_ = nullptr;                // where several are asked for
     std::vector<std::pair<Uuid, TickBox*>> ticks_;  // of the rows that are shown
 };
 

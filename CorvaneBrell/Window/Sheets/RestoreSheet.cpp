@@ -7,6 +7,10 @@ namespace brell {
 namespace {
 
 QString explanation(const RestoreRequest& request) {
+    if (request.undoing)
+        return QObject::tr(
+            "This undoes the last change of this session. These are the keys it changes and the "
+            "commands it runs.");
     if (request.entries.size() == 1)
         return QObject::tr("This puts back what was there before Brell changed it.");
     return QObject::tr("This undoes %1 changes, the latest first, and puts back what was there before.")
@@ -18,7 +22,7 @@ QString explanation(const RestoreRequest& request) {
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
     : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelRestore) {
     addLines(tr("What is put back"), qt(request.lines));
-    addAnswers(tr("Restore"), [this] { this->model().confirmRestore(); });
+    addAnswers(request.undoing ? tr("Undo") : tr("Restore"), [this] { this->model().confirmRestore(); });
 }
 
 }  // namespace brell

@@ -79,6 +79,13 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_EQ(model->state().driftedAgents.front().entry.id, model->state().entries.front().id);
 
     settled(*model)->undoLast();
+    ASSERT_TRUE(model->state().restoreRequest) << "its commands are shown first";
+    EXPECT_EQ(model->state().restoreRequest->lines.back(),
+              "/bin/launchctl bootstrap gui/501 " +
+                  (sample.launchAgents() / "com.halverson.duskwatch.plist").string() +
+                  " (only if it is not loaded)");
+    EXPECT_EQ(model->state().entries.front().status, EntryStatus::applied);
+    settled(*model)->confirmRestore();
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::restored);
     EXPECT_TRUE(rowOf(*model, "com.halverson.duskwatch")->isOn);
     EXPECT_TRUE(model->state().driftedAgents.empty());
@@ -262,10 +269,11 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
     model->askRelaunch();
     model->confirmRelaunch();
     loop.advance(std::chrono::seconds(30));
-    EXPECT_EQ(model->state().relaunchReport,
-              "The Dock did not quit within 5 seconds. Brell never forces a quit; try again later or log out "
-              "and back "
-              "in. Finder relaunched.");
+    ASSERT_TRUE(model->state().relaunchReport);
+    EXPECT_EQ(*model->state().relaunchReport,
+              (RelaunchReport{"The Dock did not quit within 5 seconds. Brell never forces a quit; try again "
+                              "later or log out and back in. Finder relaunched.",
+                              false}));
     EXPECT_EQ(waiting(*model), std::set{EffectClass::dockRelaunch});
     EXPECT_EQ(waiting(*openModel()), std::set{EffectClass::dockRelaunch});
 
@@ -274,6 +282,7 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
     applications.launchAnother("com.apple.dock");
     model->refreshShown();
     EXPECT_TRUE(waiting(*model).empty()) << "it was started anew in another way";
+    EXPECT_FALSE(model->state().relaunchReport) << "else it would be told again after the next change";
     settle(*model);
     EXPECT_TRUE(waiting(*openModel()).empty());
 }

@@ -89,6 +89,7 @@ TEST_F(AppModelTest, AnotherChoiceReplacesTheFirstOneAndKeepsTheOriginal) {
     EXPECT_EQ(sample.openPreferences()->exactValue(tileSize), StoredValue(36))
         << "the user keeps what was there";
     EXPECT_TRUE(std::holds_alternative<OnByBrell>(status(*model, "dock.size").state));
+    EXPECT_EQ(model->state().undo.size(), 2u) << "there is nothing more to undo";
 
     model->applyChoice("dock.size", "enormous");
     EXPECT_EQ(model->state().errorMessage, "Icon size has no choice enormous.");
@@ -224,7 +225,14 @@ TEST_F(AppModelTest, AnInterruptedChangeIsFoundDeferredAndRecovered) {
     }
     writeFromOutside({"com.apple.dock", "autohide-delay"}, 0.0);  // the first of its two writes had been made
 
-    auto model = openModel();
+    auto model = [&] {
+        const auto other = Journal::open(openModel()->journalDirectory());
+        const auto held = other->exclusive();
+        auto opened = openModel();
+        EXPECT_TRUE(opened->state().interrupted.empty()) << "another run is just making it";
+        return opened;
+    }();
+    settled(*model)->refreshAll();
     ASSERT_EQ(model->state().interrupted.size(), 1u);
     model->deferRecovery();
     EXPECT_TRUE(model->state().recoveryDeferred);

@@ -71,7 +71,12 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
     const ChangeOutcome asked = changes.undoAction(action);
     ASSERT_TRUE(asked.question);
     EXPECT_EQ(asked.question->entries.size(), 2u);
-    const ChangeOutcome partly = changes.restoreConfirmed(*asked.question, {action.made[0]});
+    writeFromOutside(autohide, "never");  // while the question is open
+    const ChangeOutcome stale = changes.restoreConfirmed(*asked.question, {action.made[0]});
+    ASSERT_TRUE(stale.question);
+    EXPECT_EQ(stale.question->undoing, action);
+    EXPECT_EQ(stored(autohide), StoredValue("never")) << "which nobody was asked about";
+    const ChangeOutcome partly = changes.restoreConfirmed(*stale.question, {action.made[0]});
     EXPECT_EQ(stored(autohide), StoredValue(false));
     EXPECT_EQ(stored(tileSize), StoredValue(50)) << "not ticked";
     EXPECT_FALSE(partly.question) << "it was answered";
@@ -92,10 +97,10 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
 }
 
 TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
-    const DriftRequest request{
-        .entries = {{dependencies.engine.apply(*dependencies.catalog.tweak("dock.size")), {}}},
-        .pendingAfterDrift = wishFor("finder.show_hidden")};
+    const JournalEntry entry = dependencies.engine.apply(*dependencies.catalog.tweak("dock.size"));
     setContents(sample.preferences() / "com.apple.dock.plist", "damaged");
+    const DriftRequest request{.entries = {driftedEntry(entry, readKeys(entry, dependencies.store))},
+                               .pendingAfterDrift = wishFor("finder.show_hidden")};
     const ChangeOutcome outcome = changes.restoreConfirmed(request, {request.entries[0].entry.id});
     EXPECT_EQ(outcome.failures.size(), 1u);
     EXPECT_TRUE(outcome.made.empty());
@@ -150,6 +155,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     ASSERT_EQ(again.made.size(), 1u);
     const ChangeOutcome restored = changes.restore({again.made[0].id});
     ASSERT_TRUE(restored.undo.done);
+    EXPECT_EQ(readings.undoing(*restored.undo.done).lines, off.commands);
     const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
     EXPECT_EQ(undone.failures, Texts());
     EXPECT_EQ(undone.made.size(), 1u);

@@ -60,7 +60,7 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
     const Notice waiting{NoticeKind::relaunch, "2 apps wait for a relaunch: 3 changes"};
 
     state.undoProof = UndoProof{"1 of 1 key is exactly as before.", true};
-    state.relaunchReport = "Finder did not quit.";
+    state.relaunchReport = RelaunchReport{"Finder did not quit.", false};
     const Notice report{NoticeKind::failedRelaunch, "Finder did not quit."};
     EXPECT_EQ(standing(), (Notices{report, waiting}));
     EXPECT_EQ(doneNotices(state), (Notices{{NoticeKind::done, state.undoProof->words}}));

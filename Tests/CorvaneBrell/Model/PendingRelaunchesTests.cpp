@@ -6,7 +6,6 @@
 
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
-#include "Tests/Support/Entries.h"
 #include "Tests/Support/Testing.h"
 
 using namespace brell;
@@ -16,16 +15,11 @@ namespace {
 
 class PendingRelaunchesTest : public ::testing::Test {
 protected:
-    // Notes what a change of this key made, restored and left there.
-    void change(const std::string& id, const JournaledWrite& write, const StoredValue& now, bool isRestored) {
-        const std::vector<JournalEntry> entries{entryOf(id, {write})};
-        const std::map<std::string, std::string> touched{{id, renderedTogether({now})}};
-        noteChange(pending, {isRestored ? none : entries, isRestored ? entries : none, touched}, catalog,
-                   processOf);
+    void change(const std::string& id, const std::string& before, const std::string& now) {
+        const std::map<std::string, std::string> held{{id, before}}, holds{{id, now}};
+        noteChange(pending, {held, holds}, catalog, processOf);
     }
 
-    const PrefKey key{"com.apple.dock", "autohide"};
-    const std::vector<JournalEntry> none;
     const TweakCatalog catalog{"/Users/sam"};
     std::int64_t dock = 312;
     const ProcessOf processOf = [this](EffectClass effect) {
@@ -36,17 +30,14 @@ protected:
 };
 
 TEST_F(PendingRelaunchesTest, AChangeWaitsUntilItsAppShowsItOrItIsBack) {
-    const JournaledWrite on{key, PrefValue(false), PrefValue(true)};
-    change("kb.hold_to_repeat", on, PrefValue(true), false);  // shown without a relaunch
+    change("kb.hold_to_repeat", "false", "true");  // shown without a relaunch
     EXPECT_TRUE(pending.empty());
-    change("dock.autohide", on, PrefValue(true), false);
+    change("dock.autohide", "false", "true");
     EXPECT_EQ(pending, (PendingRelaunches{{"dock.autohide", {"false", 312}}}));
     EXPECT_EQ(pendingEffects(pending, catalog), std::set{EffectClass::dockRelaunch});
-    change("dock.autohide", on, PrefValue(false), true);
+    change("dock.autohide", "true", "false");
     EXPECT_TRUE(pending.empty());
-
-    // Restored after the Dock has shown it: the Dock knows what the change wrote.
-    change("dock.autohide", on, PrefValue(false), true);
+    change("dock.autohide", "true", "false");  // after the Dock has shown it
     EXPECT_EQ(pending, (PendingRelaunches{{"dock.autohide", {"true", 312}}}));
     const auto left = [&](const std::function<void(PendingRelaunches&)>& drop) {
         PendingRelaunches copy = pending;
