@@ -9,10 +9,6 @@ namespace brell {
 
 namespace {
 
-void append(const std::vector<std::string>& more, std::vector<std::string>& lines) {
-    lines.insert(lines.end(), more.begin(), more.end());
-}
-
 // The user sees them first, as before the change itself.
 bool runsCommands(const SessionChange& action, const std::vector<JournalEntry>& entries) {
     std::set<Uuid> concerned(action.made.begin(), action.made.end());
@@ -83,7 +79,7 @@ void AppModel::askRestore(const Uuid& entryID) {
             // Of one that drifted the question about that is the only one.
             return isAmong(state_.drifted, entryID)
                        ? change(restoringText(1), {}, &ChangeWork::restore, std::vector{entryID})
-                       : askRestoreOf("Restore " + entryTitle(entry, catalog()) + "?", {entry});
+                       : askRestoreOf("Restore “" + entryTitle(entry, catalog()) + "”?", {entry});
     fail(describe(EngineFailure(NotActive{entryID})));
 }
 
@@ -99,7 +95,7 @@ void AppModel::askUndoSince(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries) {
         if (entry.isActive()) later.push_back(entry);
         if (entry.id == entryID)
-            return askRestoreOf("Restore everything since " + entryTitle(entry, catalog()) + "?", later);
+            return askRestoreOf("Restore everything since “" + entryTitle(entry, catalog()) + "”?", later);
     }
     fail(describe(EngineFailure(NotActive{entryID})));
 }
@@ -109,8 +105,7 @@ void AppModel::askRestoreOf(std::string title, const std::vector<JournalEntry>& 
     RestoreRequest request{Uuid::random(), std::move(title), {}, {}};
     for (const JournalEntry& entry : entries) {
         request.entries.push_back(entry.id);
-        append(putBackLines(entry), request.lines);
-        if (entry.agent) append(deps_->toggle.previewRestore(*entry.agent), request.lines);
+        request.steps.push_back(restoreStep(entry, catalog(), deps_->toggle));
     }
     set(&AppState::restoreRequest, std::move(request), Topic::question);
 }

@@ -71,11 +71,20 @@ struct TaskListRequest {
     bool operator==(const TaskListRequest&) const = default;
 };
 
+// One change of a request: every key that it concerns, or every command that is run.
+struct RestoreStep {
+    std::string title;
+    std::string words;  // "Large, back to 41"
+    std::vector<std::string> lines;
+    bool runsCommands;
+    bool operator==(const RestoreStep&) const = default;
+};
+
 struct RestoreRequest {
     Uuid id;
     std::string title;
-    std::vector<Uuid> entries;                  // newest first
-    std::vector<std::string> lines;             // every key that will be put back, and every command
+    std::vector<Uuid> entries;  // newest first
+    std::vector<RestoreStep> steps;
     std::optional<SessionChange> undoing = {};  // the action that this undoes, not only restoring
     bool operator==(const RestoreRequest&) const = default;
 };

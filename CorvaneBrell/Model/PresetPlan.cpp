@@ -86,7 +86,8 @@ Outcome outcomeOf(const Tweak& tweak, const PresetSurroundings& now) {
 // Why a preset can't carry this active change; empty when it can.
 std::string whyLeftOut(const JournalEntry& entry, const TweakCatalog& catalog) {
     if (entry.kind == EntryKind::launchAgent)
-        return excerpt(entry.tweakID) + " is a login item; presets hold settings only.";
+        return excerpt(entry.agent ? entry.agent->label : entry.tweakID) +
+               " is a login item; presets hold settings only.";
     const Tweak* tweak = catalog.tweak(entry.tweakID);
     if (!tweak) return excerpt(entry.tweakID) + " is not a tweak this version of Brell knows.";
     if (entry.status == EntryStatus::capturing)

@@ -10,6 +10,7 @@
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace fs = std::filesystem;
 
@@ -209,22 +210,23 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     return request;
 }
 
-// Every key that is put back or written again, and every command.
+RestoreStep restoreStep(const JournalEntry& entry, const TweakCatalog& catalog, const AgentToggle& toggle) {
+    return {entryTitle(entry, catalog), changeWords(entry, catalog),
+            entry.agent ? toggle.previewRestore(*entry.agent) : putBackLines(entry), entry.agent.has_value()};
+}
+
 RestoreRequest ReadingWork::undoing(const SessionChange& action) {
-    RestoreRequest request{Uuid::random(), "Undo " + action.name + "?", action.made, {}, action};
-    const auto add = [&](const std::vector<std::string>& lines) {
-        request.lines.insert(request.lines.end(), lines.begin(), lines.end());
-    };
-    for (const JournalEntry& entry : deps_.journal->entries(action.made)) {
-        if (!entry.isActive()) continue;
-        add(putBackLines(entry));
-        if (entry.agent) add(deps_.toggle.previewRestore(*entry.agent));
-    }
+    RestoreRequest request{Uuid::random(), "Undo “" + action.name + "”?", action.made, {}, action};
+    for (const JournalEntry& entry : deps_.journal->entries(action.made))
+        if (entry.isActive()) request.steps.push_back(restoreStep(entry, deps_.catalog, deps_.toggle));
     for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
+        RestoreStep step{
+            entryTitle(entry, deps_.catalog), "Again as it was changed before", {}, entry.agent.has_value()};
         for (const JournaledWrite& write : entry.writes)
-            add({write.key.rendered() + ": again " + write.written.rendered()});
+            step.lines.push_back(write.key.rendered() + ": again " + write.written.rendered());
         if (entry.agent)
-            add(deps_.toggle.preview(switchedAgent(*entry.agent), switchOf(*entry.agent)).commands);
+            step.lines = deps_.toggle.preview(switchedAgent(*entry.agent), switchOf(*entry.agent)).commands;
+        request.steps.push_back(std::move(step));
     }
     return request;
 }

@@ -41,6 +41,9 @@ struct TaskSource {
     std::shared_ptr<const BTMDump> kept = {};  // else this one, or none
 };
 
+// What a restore does to one active change. Reads a file where that is an agent's.
+RestoreStep restoreStep(const JournalEntry& entry, const TweakCatalog& catalog, const AgentToggle& toggle);
+
 // Ends a reading that waits for a person. Set on the main thread.
 using Cancellation = std::shared_ptr<const std::atomic<bool>>;
 

@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/ChangeRow.h"
 
 #include <QCheckBox>
+#include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -9,6 +10,7 @@
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/TickBox.h"
 
 namespace brell {
@@ -17,10 +19,9 @@ namespace {
 
 QString whatOf(const ActiveChange& change) {
     const JournalEntry& entry = change.entry;
-    QStringList lines = qt(change.lines);
-    lines << QObject::tr("Since %1 at %2, on macOS %3")
-                 .arg(dayText(entry.appliedAt), clockText(entry.appliedAt), qt(excerpt(entry.macOSVersion)));
-    return lines.join('\n');
+    return qt(change.words) + '\n' +
+           QObject::tr("Since %1 at %2, on macOS %3")
+               .arg(dayText(entry.appliedAt), clockText(entry.appliedAt), qt(excerpt(entry.macOSVersion)));
 }
 
 std::vector<RowBadge> noticesOf(const ActiveChange& change) {
@@ -42,7 +43,7 @@ std::vector<RowBadge> noticesOf(const ActiveChange& change) {
 ChangeRow::ChangeRow(AppModel& model, Kind kind, QWidget* parent)
     : Row({}, Columns::control, parent),
       restore_(actionButton(tr("Restore"), "arrow.uturn.backward")),
-      undoSince_(actionButton(tr("Undo Everything Since"))) {
+      more_(quietButton("ellipsis.circle", this)) {
     auto* buttons = new QWidget;
     auto* column = new QVBoxLayout(buttons);
     column->setContentsMargins(0, 0, 0, 0);
@@ -52,11 +53,22 @@ ChangeRow::ChangeRow(AppModel& model, Kind kind, QWidget* parent)
         column->addWidget(tick_);
         connect(tick_, &QCheckBox::toggled, this, &ChangeRow::ticked);
     }
-    column->addWidget(restore_);
-    column->addWidget(undoSince_);
+    auto* line = new QHBoxLayout;
+    line->setSpacing(6);
+    line->addWidget(restore_);
+    line->addWidget(more_);
+    column->addLayout(line);
+    QSizePolicy kept = more_->sizePolicy();
+    kept.setRetainSizeWhenHidden(true);  // so that all buttons are one width
+    more_->setSizePolicy(kept);
+    auto* menu = new QMenu(more_);
+    undoSince_ = menu->addAction(tr("Undo Everything Since..."));
+    connect(more_, &QToolButton::clicked, this,
+            [this, menu] { menu->popup(more_->mapToGlobal(more_->rect().bottomLeft())); });
     setControl(buttons);
+    setDetails([this] { return makeDetails(); });
     connect(restore_, &QPushButton::clicked, this, [this, &model] { model.askRestore(entryID()); });
-    connect(undoSince_, &QPushButton::clicked, this, [this, &model] { model.askUndoSince(entryID()); });
+    connect(undoSince_, &QAction::triggered, this, [this, &model] { model.askUndoSince(entryID()); });
 }
 
 bool ChangeRow::isTicked() const {
@@ -70,17 +82,24 @@ void ChangeRow::setRecord(const Record& record) {
     setTitle(qt(record.title));
     setWhat(whatOf(record));
     setNotices(noticesOf(record));
+    if (lines_) lines_->setLines(qt(record.lines));
     showButtons();
+}
+
+QWidget* ChangeRow::makeDetails() {
+    lines_ = new SelectableText(tr("Keys of %1").arg(title()), SelectableText::Look::monospace);
+    lines_->setLines(qt(record_->lines));
+    return lines_;
 }
 
 void ChangeRow::showButtons() {
     restore_->setAccessibleName(tr("Restore %1").arg(title()));
     restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(brell::wayBack(record_->entry))));
     restore_->setEnabled(!record_->isLocked);
-    undoSince_->setAccessibleName(tr("Undo everything since %1").arg(title()));
-    undoSince_->setAccessibleDescription(tr("Restores this change and every later one."));
-    undoSince_->setEnabled(!record_->isLocked);
-    undoSince_->setVisible(!record_->isNewest);  // where it would be the same as Restore
+    more_->setAccessibleName(tr("More for %1").arg(title()));
+    more_->setToolTip(tr("More"));
+    more_->setEnabled(!record_->isLocked);
+    more_->setVisible(!record_->isNewest);  // where it would be the same as Restore
     if (!tick_) return;
     tick_->setAccessibleName(tr("Select %1").arg(title()));
     tick_->setAccessibleDescription(tr("For the buttons below the list."));

@@ -7,14 +7,18 @@
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/Row.h"
 
+class QAction;
 class QCheckBox;
 class QPushButton;
 
 namespace brell {
 
+class SelectableText;
+
 struct ActiveChange {
     JournalEntry entry;
     std::string title;
+    std::string words;                      // "Large, back to 41"
     std::vector<std::string> lines;         // of a key each: what was done, or what others did to it since
     std::optional<std::string> otherMacOS;  // a sentence when it was made on another version
     bool isInterrupted;
@@ -43,11 +47,14 @@ signals:
 
 private:
     void showButtons();
+    QWidget* makeDetails();
 
     std::optional<Record> record_;
-    QCheckBox* tick_ = nullptr;  // of one that drifted
+    SelectableText* lines_ = nullptr;  // in the details, once they were opened
+    QCheckBox* tick_ = nullptr;        // of one that drifted
     QPushButton* restore_;
-    QPushButton* undoSince_;
+    QToolButton* more_;
+    QAction* undoSince_;
 };
 
 }  // namespace brell

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "CorvaneBrell/Model/TerminalCommands.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 #include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/HistoryList.h"
@@ -31,7 +32,7 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
                                         [this] { return new ChangeRow(model_, ChangeRow::Kind::inForce); })),
       files_(fileActions()),
       history_(new HistoryList(model)) {
-    restoreAll_->setAccessibleDescription(tr("Shows every key it will put back and asks first."));
+    restoreAll_->setAccessibleDescription(tr("Shows what it will put back and asks first."));
     connect(restoreAll_, &QPushButton::clicked, this, [this] { model_.askRestoreAll(); });
     connect(active_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
     connect(drifted_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
@@ -146,18 +147,25 @@ std::optional<Uuid> JournalPage::newestActive() const {
     return newest == entries.end() ? std::nullopt : std::optional(newest->id);
 }
 
-ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::vector<std::string> lines,
-                                       bool isNewest) const {
+ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::string words,
+                                       std::vector<std::string> lines, bool isNewest) const {
     const std::vector<JournalEntry>& interrupted = model_.state().interrupted;
     const bool isInterrupted = std::any_of(interrupted.begin(), interrupted.end(),
                                            [&](const JournalEntry& one) { return one.id == entry.id; });
     return {entry,
             entryTitle(entry, model_.catalog()),
+            std::move(words),
             std::move(lines),
             madeOnAnotherMacOS(entry, model_.macOSVersion()),
             isInterrupted,
             isNewest,
             isLocked()};
+}
+
+std::string JournalPage::driftedWords(const JournalEntry& entry) const {
+    const auto status = model_.state().statuses.find(entry.tweakID);
+    const bool isKnown = status != model_.state().statuses.end();
+    return driftWords(entry, model_.catalog(), isKnown ? status->second.exact : std::vector<StoredValue>());
 }
 
 // Gives the identifiers of all that drifted, also of those that are not shown yet.
@@ -167,7 +175,7 @@ std::set<Uuid> JournalPage::showDrifted() {
     std::vector<ActiveChange> first;
     const auto show = [&](const JournalEntry& entry, const std::vector<std::string>& lines) {
         if (ids.insert(entry.id).second && ids.size() <= drifted_->limit())
-            first.push_back(activeChange(entry, lines, entry.id == newest));
+            first.push_back(activeChange(entry, driftedWords(entry), lines, entry.id == newest));
     };
     for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
     for (const DriftedEntry* agent : driftedAgents()) show(agent->entry, agent->lines);
@@ -184,7 +192,8 @@ void JournalPage::showActive(const std::set<Uuid>& drifted) {
     for (const JournalEntry& entry : model_.state().entries) {
         if (!entry.isActive() || drifted.contains(entry.id)) continue;
         if (all++ < active_->limit())
-            shown.push_back(activeChange(entry, changeLines(entry), entry.id == newest));
+            shown.push_back(activeChange(entry, changeWords(entry, model_.catalog()), changeLines(entry),
+                                         entry.id == newest));
     }
     active_->setRecords(shown, all);
 }

@@ -27,7 +27,9 @@ private:
     void showActive(const std::set<Uuid>& drifted);
     void showSummary(std::size_t drifted);
     void showTicks();
-    ActiveChange activeChange(const JournalEntry& entry, std::vector<std::string> lines, bool isNewest) const;
+    std::string driftedWords(const JournalEntry& entry) const;
+    ActiveChange activeChange(const JournalEntry& entry, std::string words, std::vector<std::string> lines,
+                              bool isNewest) const;
     std::vector<const DriftedEntry*> driftedAgents() const;
     std::optional<Uuid> newestActive() const;
     bool isLocked() const { return brell::isLocked(model_.state()); }

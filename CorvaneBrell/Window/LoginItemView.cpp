@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "CorvaneBrell/Model/EntryWords.h"
+#include "CorvaneBrell/Model/LoginItemWords.h"
 #include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -75,7 +76,7 @@ FactList* factsOf(const ShownLoginItem& item) {
         facts->add(QObject::tr("Label"), qt(row.record->label().value_or("None")));
         facts->add(QObject::tr("File"), qt(row.record->plist.path));
         facts->add(QObject::tr("Runs"), qt(row.record->plist.executable().value_or("")));
-        facts->add(QObject::tr("Starts"), qt(row.record->plist.trigger()));
+        facts->add(QObject::tr("Starts"), qt(startWords(row.record->plist)));
         facts->add(QObject::tr("In launchd"), loadedText(row.record->loaded));
     }
     if (item.drift) facts->add(QObject::tr("Changed outside Brell"), qt(*item.drift));
@@ -111,7 +112,7 @@ void LoginItemView::setRecord(const Record& record) {
     if (record_ == record) return;
     record_ = record;
     setTitle(qt(record.row.title));
-    setWhat(qt(record.row.subtitle));
+    setWhat(qt(subtitleWords(record.row)));
     setBadge(badgeBeside(record));
     const bool isOffered = record.row.badge == LoginItemBadge::toggleable;
     setNotices(noticesOf(record));
@@ -144,7 +145,7 @@ void LoginItemView::showSwitch(bool isOffered, bool canSwitch) {
     switch_->setEnabled(canSwitch);
     switch_->setAccessibleName(qt(row.title));
     switch_->setAccessibleDescription(
-        tr("%1. Shows the commands and asks first; takes effect at once.").arg(qt(row.subtitle)));
+        tr("%1. Shows the commands and asks first; takes effect at once.").arg(qt(subtitleWords(row))));
 }
 
 QWidget* LoginItemView::makeDetails() {

@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 
+#include "CorvaneBrell/Model/LoginItemWords.h"
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SearchField.h"
@@ -54,7 +55,8 @@ void LoginItemsPage::collectTexts() {
     texts_.clear();
     for (const LoginItemRow& row : model_.state().loginItems) {
         const std::string label = row.record ? row.record->label().value_or("") : std::string();
-        const QString text = qt(row.title + '\n' + row.subtitle + '\n' + label + '\n' + row.explanation.app);
+        const QString text =
+            qt(row.title + '\n' + subtitleWords(row) + '\n' + label + '\n' + row.explanation.app);
         texts_.push_back((text + '\n' + LoginItemView::conditions(row).join('\n')).toCaseFolded());
     }
 }

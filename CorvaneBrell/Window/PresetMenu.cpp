@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 
 #include <QInputDialog>
+#include <QLabel>
 
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/FileDialog.h"
@@ -24,22 +25,16 @@ QString leftOutText(const ActivePreset& active) {
     return qt(firstOf(active.leftOut, "\n"));
 }
 
-QFileDialog* openExportDialog(AppModel& model, QWidget* window, const Preset& preset) {
+void openExportDialog(AppModel& model, QWidget* window, const Preset& preset) {
     QFileDialog* dialog = presetDialog(window, QMenu::tr("Export Preset"), QFileDialog::AcceptSave);
     dialog->selectFile(qt(PresetFile::slug(preset.name) + std::string(PresetFile::extension)));
     QObject::connect(dialog, &QFileDialog::fileSelected, window,
                      [&model, preset](const QString& file) { model.exportPreset(preset, utf8(file)); });
     dialog->open();
-    return dialog;
 }
 
 void exportActive(AppModel& model, QWidget* window, const QString& name) {
-    const ActivePreset active = model.activePreset(utf8(name));
-    QFileDialog* dialog = openExportDialog(model, window, active.preset);
-    if (active.leftOut.empty()) return;
-    QObject::connect(dialog, &QFileDialog::fileSelected, window, [window, active] {
-        tell(window, QMenu::tr("The preset does not hold every change"), leftOutText(active));
-    });
+    openExportDialog(model, window, model.activePreset(utf8(name)).preset);
 }
 
 }  // namespace
@@ -83,8 +78,16 @@ void exportActivePreset(AppModel& model, QWidget* window) {
     auto* name = new QInputDialog(window);
     name->setAttribute(Qt::WA_DeleteOnClose);
     name->setWindowTitle(QMenu::tr("Export Preset"));
-    name->setLabelText(QMenu::tr("Name of the preset. It will hold every change that is active now: %1.")
-                           .arg(active.preset.tweakIDs.size()));
+    const std::size_t carried = active.preset.tweakIDs.size();
+    QString text = QMenu::tr("Name of the preset. It will hold %1 of the %2 changes that are active now.")
+                       .arg(carried)
+                       .arg(carried + active.leftOut.size());
+    if (!active.leftOut.empty()) text += QMenu::tr("\n\nLeft out:\n%1").arg(leftOutText(active));
+    name->setLabelText(text);
+    for (QLabel* label : name->findChildren<QLabel*>()) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+    }
     name->setTextValue(QMenu::tr("My settings"));
     QObject::connect(name, &QInputDialog::textValueSelected, window, [&model, window](const QString& chosen) {
         exportActive(model, window, chosen.trimmed().isEmpty() ? QMenu::tr("My settings") : chosen.trimmed());

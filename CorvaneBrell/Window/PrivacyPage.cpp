@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/PrivacyPage.h"
 
 #include <QPushButton>
+#include <algorithm>
 
 #include "CorvaneBrell/Window/Card.h"
 #include "CorvaneBrell/Window/DayText.h"
@@ -33,8 +34,6 @@ void PrivacyCardRow::refresh() {
     const QString state = date ? tr("Reviewed on %1").arg(dayText(*date)) : tr("Not reviewed yet");
     std::vector<RowBadge> notices{
         {state, date ? "checkmark.circle" : "questionmark.circle", date ? Tone::positive : Tone::plain, {}}};
-    if (!card_.paneConfirmed)
-        notices.push_back({tr("Link not confirmed on this macOS"), "info.circle", Tone::plain, {}});
     setNotices(notices);
     reviewed_->setAccessibleDescription(state);
     reviewed_->setEnabled(!isLocked(model_.state()));
@@ -46,6 +45,11 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
     content()->addWidget(tweaks_);
 
     content()->addWidget(sectionHeading(tr("To review by hand")));
+    const auto& all = PrivacyChecklist::cards();
+    if (std::any_of(all.begin(), all.end(), [](const PrivacyCard& one) { return !one.paneConfirmed; }))
+        content()->addWidget(new Paragraph(
+            tr("The links to System Settings are not confirmed on this macOS: one may open another pane."),
+            Paragraph::Look::secondary));
     auto* card = new Card;
     for (const PrivacyCard& privacyCard : PrivacyChecklist::cards()) {
         cards_.push_back(new PrivacyCardRow(model, privacyCard));

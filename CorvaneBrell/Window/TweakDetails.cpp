@@ -87,7 +87,6 @@ QWidget* TweakDetails::plainFacts(const TweakRowState& state) const {
     facts->add(tr("Takes effect"), qt(tweak_.explanation.takesEffect));
     facts->add(tr("Risk"), qt(tweak_.explanation.risk));
     facts->add(tr("Undo"), undoText(tweak_, state.undo));
-    facts->add(tr("Writes"), qt(tweak_.explanation.value));
     facts->add(tr("Tried"), qt(state.confirmed));
     return facts;
 }
@@ -95,6 +94,9 @@ QWidget* TweakDetails::plainFacts(const TweakRowState& state) const {
 QWidget* TweakDetails::keys(const std::vector<KeyFacts>& keys) const {
     auto* holder = new QWidget;
     auto* column = columnOf(holder, 12);
+    auto* all = new FactList;
+    all->add(tr("Writes"), qt(tweak_.explanation.value));
+    column->addWidget(all);
     for (const KeyFacts& key : keys) column->addWidget(factsOf(key));
     column->addWidget(buttons());
     return holder;

@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
 
+#include "CorvaneBrell/Window/Disclosure.h"
+#include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
 
 namespace brell {
@@ -17,12 +19,26 @@ QString explanation(const RestoreRequest& request) {
         .arg(request.entries.size());
 }
 
+// Commands are in plain sight, keys where they are asked for.
+QWidget* stepRow(const RestoreStep& step) {
+    const QString title = qt(step.title);
+    const auto lines = [title, step] {
+        return keyLines(QObject::tr("What is done to %1").arg(title), step.lines);
+    };
+    return sheetRow({new Paragraph(title, Paragraph::Look::heading),
+                     new Paragraph(qt(step.words), Paragraph::Look::secondary),
+                     step.runsCommands ? lines() : new Disclosure(QObject::tr("For experts"), title, lines)});
+}
+
 }  // namespace
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
     : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelRestore) {
-    addLines(tr("What is put back"), qt(request.lines));
-    addAnswers(request.undoing ? tr("Undo") : tr("Restore"), [this] { this->model().confirmRestore(); });
+    addCard(request.steps.size(),
+            [steps = request.steps](std::size_t place) { return stepRow(steps[place]); });
+    const QString restore =
+        request.entries.size() == 1 ? tr("Restore") : tr("Restore %1").arg(request.entries.size());
+    addAnswers(request.undoing ? tr("Undo") : restore, [this] { this->model().confirmRestore(); });
 }
 
 }  // namespace brell

@@ -1,4 +1,4 @@
-// Shows every key that a restore puts back, and asks.
+// Shows every change that is put back, its keys where they are asked for and its commands, and asks.
 #pragma once
 
 #include "CorvaneBrell/Window/Sheets/RequestSheet.h"

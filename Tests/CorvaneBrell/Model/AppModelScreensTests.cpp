@@ -80,7 +80,7 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
 
     settled(*model)->undoLast();
     ASSERT_TRUE(model->state().restoreRequest) << "its commands are shown first";
-    EXPECT_EQ(model->state().restoreRequest->lines.back(),
+    EXPECT_EQ(model->state().restoreRequest->steps.at(0).lines.back(),
               "/bin/launchctl bootstrap gui/501 " +
                   (sample.launchAgents() / "com.halverson.duskwatch.plist").string() +
                   " (only if it is not loaded)");

@@ -162,8 +162,12 @@ TEST_F(AppModelTest, RestoreAllShowsEveryKeyAndRestoresWhatWasTickedAndWhatDidNo
 
     model->askRestoreAll();
     ASSERT_TRUE(model->state().restoreRequest);
-    EXPECT_EQ(model->state().restoreRequest->lines.size(), 4u);
-    EXPECT_EQ(model->state().restoreRequest->lines.front(), "com.apple.screencapture type: back to \"png\"");
+    EXPECT_EQ(model->state().restoreRequest->steps.size(), 4u);
+    EXPECT_EQ(model->state().restoreRequest->steps.front(),
+              (RestoreStep{"Save screenshots as JPEG",
+                           "On, back to \"png\"",
+                           {"com.apple.screencapture type: back to \"png\""},
+                           false}));
     settled(*model)->confirmRestore();
     ASSERT_TRUE(model->state().driftRequest);
     EXPECT_EQ(model->state().driftRequest->title(), "Some settings were changed outside Brell");
@@ -211,7 +215,7 @@ TEST_F(AppModelTest, UndoSinceRestoresThatChangeAndLaterOnesOnly) {
     }
     model->askUndoSince(model->state().entries[1].id);
     ASSERT_TRUE(model->state().restoreRequest);
-    EXPECT_EQ(model->state().restoreRequest->title, "Restore everything since Show hidden files?");
+    EXPECT_EQ(model->state().restoreRequest->title, "Restore everything since “Show hidden files”?");
     settled(*model)->confirmRestore();
     EXPECT_EQ(model->changedTweaks(), Texts{"dock.autohide"});
 }

@@ -155,7 +155,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     ASSERT_EQ(again.made.size(), 1u);
     const ChangeOutcome restored = changes.restore({again.made[0].id});
     ASSERT_TRUE(restored.undo.done);
-    EXPECT_EQ(readings.undoing(*restored.undo.done).lines, off.commands);
+    EXPECT_EQ(readings.undoing(*restored.undo.done).steps.at(0).lines, off.commands);
     const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
     EXPECT_EQ(undone.failures, Texts());
     EXPECT_EQ(undone.made.size(), 1u);

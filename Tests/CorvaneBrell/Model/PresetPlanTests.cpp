@@ -119,7 +119,7 @@ TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeaves
             "Faster Mission Control animation is experimental; presets never apply it.",
             "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
             "Show the path bar was interrupted; restore it or apply it again first.",
-            "agent:com.acme.agent is a login item; presets hold settings only.",
+            "com.acme.agent is a login item; presets hold settings only.",
             "dock.future is not a tweak this version of Brell knows.",
             "New windows open your home folder is set to another choice than its own; presets do not carry "
             "choices."}));

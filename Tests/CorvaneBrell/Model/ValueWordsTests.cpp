@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
+#include "CorvaneBrell/Model/LoginItemWords.h"
 
 namespace brell {
 
@@ -43,6 +44,10 @@ TEST(ValueWordsTest, ValuesAreSaidAsPeopleSayThemWithoutTheirKeys) {
     for (const auto& row : rows)
         EXPECT_EQ(valueWords(*catalog.tweak(row.tweakID), stored(row.values), catalog.home()), row.words)
             << row.tweakID;
+    EXPECT_EQ(intervalWords(3600), "every hour");
+    EXPECT_EQ(intervalWords(86400), "once a day");
+    EXPECT_EQ(intervalWords(5400), "every 90 minutes");
+    EXPECT_EQ(intervalWords(61), "every 61 seconds");
     EXPECT_EQ(noteWords(*catalog.tweak("finder.show_hidden")), "Medium risk · Relaunches Finder");
     EXPECT_EQ(noteWords(*catalog.tweak("anim.no_window_animation")), "Experimental");
     EXPECT_EQ(noteWords(*catalog.tweak("shot.jpg")), "");

@@ -114,11 +114,10 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     settled()->askRestoreAll();
     auto* restore = qobject_cast<RestoreSheet*>(window->sheets().current());
     ASSERT_TRUE(restore);
-    const std::size_t all = model->state().restoreRequest->lines.size();
-    ASSERT_EQ(all, 2 * agents);
-    EXPECT_EQ(linesIn(*restore), 300u);
-    press(*restore, "Show 200 More");
-    EXPECT_EQ(linesIn(*restore), all);
+    ASSERT_EQ(model->state().restoreRequest->steps.size(), agents);
+    EXPECT_EQ(linesIn(*restore), 2 * batch);
+    press(*restore, "Show 100 More");
+    EXPECT_EQ(linesIn(*restore), 4 * batch);
     EXPECT_LT(longestTurn, quickEnough);
 }
 

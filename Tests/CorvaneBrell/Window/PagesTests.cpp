@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 
 #include "CorvaneBrell/Model/TerminalCommands.h"
@@ -232,9 +233,8 @@ TEST_F(PagesTest, PrivacyCardsTellEverythingAndRememberTheDayOfTheReview) {
     ASSERT_EQ(cards.size(), PrivacyChecklist::cards().size());
     for (std::size_t i = 0; i < cards.size(); ++i) {
         const PrivacyCard& card = PrivacyChecklist::cards()[i];
-        for (const std::string_view said :
-             {card.title, card.meaning, card.whoNeedsIt, card.whatToLookFor,
-              std::string_view("Not reviewed yet"), std::string_view("Link not confirmed on this macOS")})
+        for (const std::string_view said : {card.title, card.meaning, card.whoNeedsIt, card.whatToLookFor,
+                                            std::string_view("Not reviewed yet")})
             EXPECT_TRUE(words(*cards[i]).contains(qt(said))) << said;
     }
     press("Mark as reviewed: Camera");
@@ -278,11 +278,20 @@ TEST_F(PagesTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
     EXPECT_TRUE(words(*active.front()).contains("Interrupted before it was finished."));
     EXPECT_EQ(words(page()).count("Interrupted before"), 1);
     EXPECT_TRUE(words(*active.back()).contains("this Mac now runs 26.1.0."));
+    EXPECT_TRUE(words(*active.back()).contains("On, back to not set"));
+    EXPECT_TRUE(words(page()).contains("Small, back to 41"));
+    EXPECT_TRUE(words(page()).contains("Turned off, back to on"));
+    EXPECT_TRUE(words(*drifted).contains("Now 0.5, 0.2. Brell wrote On; before that it was 0.24, not set."));
+    EXPECT_FALSE(words(page()).contains("com.apple.dock")) << "keys are in the details";
+    active.back()->setOpen(true);
     EXPECT_TRUE(words(*active.back()).contains("com.apple.finder _FXSortFoldersFirst: true; back to absent"));
-    EXPECT_TRUE(words(page()).contains("Turned off; back to on"));
-    EXPECT_TRUE(words(*drifted).contains(qt(model->state().drifted.front().lines.front())));
 
-    press("Undo everything since Save panels open expanded");
+    press("More for Save panels open expanded");
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    menu->actions().front()->trigger();
+    menu->close();
+    settle();
     ASSERT_TRUE(model->state().restoreRequest);
     EXPECT_EQ(model->state().restoreRequest->entries.size(), 2);
     settled()->confirmRestore();

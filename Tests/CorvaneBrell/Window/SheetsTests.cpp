@@ -125,7 +125,8 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereThatIsTheAnswer) {
 
     // Of several the others are restored, whatever is ticked.
     settled()->askUndoSince(model->state().drifted.front().entry.id);
-    press(*sheet(), "Restore");
+    EXPECT_TRUE(words(*sheet()).contains("Save panels open expanded\nOn, back to not set"));
+    press(*sheet(), "Restore 7");
     ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
     auto* tick = sheet()->findChild<QCheckBox*>();
     EXPECT_FALSE(tick->isChecked());

@@ -241,7 +241,7 @@ TEST_F(StillTest, TheRightSideOfRowsStandsInColumnsThatAreTheSameOnEveryPage) {
                     controlEnds.insert(right(row->control()) - row->control()->contentsMargins().right());
                 if (row->wayBack() && row->wayBack()->isVisible()) waysBack.insert(right(row->wayBack()));
                 for (const QToolButton* button : visible<QToolButton>(*row))
-                    if (button != row->wayBack()) arrows.insert(right(button));
+                    if (button->accessibleName().startsWith("Details of")) arrows.insert(right(button));
             }
             for (const ChoiceBox* list : visible<ChoiceBox>(*window->currentPage())) {
                 lists.insert(list->width());

@@ -1,0 +1,43 @@
+#include "CorvaneBrell/Model/LoginItemWords.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace brell {
+
+std::string intervalWords(std::int64_t seconds) {
+    struct Unit {
+        std::int64_t seconds;
+        const char *one, *several;
+    };
+    constexpr std::array<Unit, 5> units{{{604800, "once a week", "weeks"},
+                                         {86400, "once a day", "days"},
+                                         {3600, "every hour", "hours"},
+                                         {60, "every minute", "minutes"},
+                                         {1, "every second", "seconds"}}};
+    for (const Unit& unit : units) {
+        if (seconds <= 0 || seconds % unit.seconds != 0) continue;
+        const std::int64_t count = seconds / unit.seconds;
+        return count == 1 ? unit.one : fmt::format("every {} {}", count, unit.several);
+    }
+    return fmt::format("every {} seconds", seconds);
+}
+
+std::string startWords(const LaunchAgentPlist& plist) {
+    std::string words = plist.trigger();
+    if (!plist.startInterval) return words;
+    const std::string exact = fmt::format("every {} s", *plist.startInterval);
+    if (const std::size_t at = words.find(exact); at != std::string::npos)
+        words.replace(at, exact.size(), intervalWords(*plist.startInterval));
+    return words;
+}
+
+std::string subtitleWords(const LoginItemRow& row) {
+    const std::string trigger = row.record ? row.record->plist.trigger() : std::string();
+    if (!row.subtitle.ends_with(trigger)) return row.subtitle;
+    const std::string name = row.subtitle.substr(0, row.subtitle.size() - trigger.size());
+    return row.record ? name + startWords(row.record->plist) : name;
+}
+
+}  // namespace brell
