@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/FactList.h"
 
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
 
@@ -20,6 +21,8 @@ void FactList::add(const QString& name, const QString& text) {
     grid_->addWidget(new Paragraph(name, Paragraph::Look::secondary), row, 0, Qt::AlignTop);
     const QString shown = qt(excerpt(utf8(text), mostOfASentence));
     grid_->addWidget(new Paragraph(shown, Paragraph::Look::body), row, 1);
+    if (shown != text)
+        grid_->addWidget(copyButton(tr("Copy"), name, [text] { return text; }), row, 2, Qt::AlignTop);
 }
 
 }  // namespace brell

@@ -10,7 +10,8 @@ class FactList final : public QWidget {
     Q_OBJECT
 public:
     explicit FactList(QWidget* parent = nullptr);
-    // On one line, and cut where somebody made it long. Empty texts are left out.
+    // On one line, and cut where somebody made it long; what is not shown as it is can be copied. Empty texts
+    // are left out.
     void add(const QString& name, const QString& text);
 
 private:

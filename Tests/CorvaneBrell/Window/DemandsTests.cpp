@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -18,6 +19,7 @@
 #include <fstream>
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/NoticeBar.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/SelectableText.h"
@@ -426,6 +428,14 @@ TEST_F(DemandsTest, TextFromOutsideIsNeverTakenForHtmlHoweverLongItIs) {
     press(window->strip(), "Brell could not do that: all of it");
     look();
     EXPECT_GT(bold, 6);
+
+    FactList facts;
+    facts.add("Program", "/bin/sh");
+    EXPECT_TRUE(facts.findChildren<QPushButton*>().isEmpty());
+    const QString whole = qt(html + std::string(3'000, 'x'));
+    facts.add("Label", whole);
+    button(facts, "Copy: Label").click();
+    EXPECT_EQ(QApplication::clipboard()->text(), whole);
 }
 
 // It would keep which folders were looked at.
