@@ -28,6 +28,7 @@ constexpr std::chrono::seconds grace{2};
 // yield, and then the naps grow from the shortest to the longest.
 constexpr std::chrono::milliseconds lookEvery{50};
 constexpr int mostYields = 200;
+constexpr std::chrono::milliseconds longestYielding{1};  // each takes long where others want to work
 constexpr std::chrono::microseconds shortestNap{20};
 constexpr std::chrono::microseconds longestNap{20'000};
 constexpr double longestTimeout = 1e6;  // seconds; keeps the arithmetic of deadlines in range
@@ -125,7 +126,9 @@ private:
     }
 
     void nap() {
-        if (yields_++ < mostYields) return std::this_thread::yield();
+        const auto now = SteadyClock::now();
+        if (yields_ == 0) yieldingEnds_ = now + longestYielding;
+        if (yields_++ < mostYields && now < yieldingEnds_) return std::this_thread::yield();
         std::this_thread::sleep_for(nap_);
         nap_ = std::min(2 * nap_, longestNap);
     }
@@ -137,6 +140,7 @@ private:
     std::optional<ChildProcess> child_;
     std::array<Output, 2> outputs_;
     int yields_ = 0;
+    Deadline yieldingEnds_;
     std::chrono::microseconds nap_ = shortestNap;
     Buffer buffer_;
 };
