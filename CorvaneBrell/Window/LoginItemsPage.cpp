@@ -34,13 +34,16 @@ void LoginItemsPage::addTools() {
 }
 
 void LoginItemsPage::addGroups() {
-    for (const LoginItemBadge badge :
-         {LoginItemBadge::toggleable, LoginItemBadge::adminOnly, LoginItemBadge::appManaged}) {
-        auto* group = new Group(qt(text(badge)), [this] { return new LoginItemView(model_); });
+    const auto add = [&](LoginItemBadge badge, bool isRefused, const QString& title) {
+        auto* group = new Group(title, [this] { return new LoginItemView(model_); });
         connect(group, &RowColumn::moreWanted, this, [this] { showItems(); });
         content()->addWidget(group);
-        groups_.emplace_back(badge, group);
-    }
+        sections_.push_back({badge, isRefused, group});
+    };
+    add(LoginItemBadge::toggleable, false, qt(text(LoginItemBadge::toggleable)));
+    add(LoginItemBadge::toggleable, true, tr("Brell does not turn these off"));
+    for (const LoginItemBadge badge : {LoginItemBadge::adminOnly, LoginItemBadge::appManaged})
+        add(badge, false, qt(text(badge)));
 }
 
 void LoginItemsPage::refresh(const Changes& changed) {
@@ -71,19 +74,26 @@ LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
     return changes;
 }
 
+// For good; what only waits to be put back stays where it is.
+bool LoginItemsPage::isRefused(const LoginItemRow& row) const {
+    return row.badge == LoginItemBadge::toggleable && row.record &&
+           model_.state().switchRefusals.contains(row.record->id());
+}
+
 void LoginItemsPage::showItems() {
     const std::vector<LoginItemRow>& items = model_.state().loginItems;
     if (texts_.size() != items.size()) collectTexts();
     const OwnChanges changes = ownChanges();
     const QString wanted = filter_->text().trimmed().toCaseFolded();
     matching_ = 0;
-    for (const auto& [badge, group] : groups_) {
+    for (const Section& section : sections_) {
         std::vector<ShownLoginItem> first;
         std::size_t all = 0;
         for (std::size_t i = 0; i < items.size(); ++i)
-            if (items[i].badge == badge && texts_[i].contains(wanted) && all++ < group->limit())
+            if (section.badge == items[i].badge && section.isRefused == isRefused(items[i]) &&
+                texts_[i].contains(wanted) && all++ < section.group->limit())
                 first.push_back(shown(items[i], changes));
-        group->setRecords(first, all);
+        section.group->setRecords(first, all);
         matching_ += all;
     }
     showEmptyState();

@@ -23,6 +23,11 @@ public:
 
 private:
     using Group = RecordList<LoginItemView>;
+    struct Section {
+        LoginItemBadge badge;
+        bool isRefused;  // its items can't be switched
+        Group* group;
+    };
 
     void addTools();
     void addGroups();
@@ -33,6 +38,7 @@ private:
         std::set<Uuid> interrupted;
     };
     OwnChanges ownChanges() const;
+    bool isRefused(const LoginItemRow& row) const;
     void collectTexts();
     void showItems();
     ShownLoginItem shown(const LoginItemRow& row, const OwnChanges& changes) const;
@@ -43,7 +49,7 @@ private:
     QLineEdit* filter_;
     TaskListLine* taskList_;
     QPushButton* emptyAction_;
-    std::vector<std::pair<LoginItemBadge, Group*>> groups_;
+    std::vector<Section> sections_;
     std::vector<QString> texts_;  // what the filter looks at, one for each item of the model
     std::size_t matching_ = 0;    // items that pass the filter
 };

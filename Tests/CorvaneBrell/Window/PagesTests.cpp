@@ -102,8 +102,14 @@ TEST_F(PagesTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCanBeUsed) {
     settled()->confirmTaskList();
     const auto views = inOrder<LoginItemView>();
     ASSERT_EQ(views.size(), model->state().loginItems.size());
+    std::vector<LoginItemRow> expected = model->state().loginItems;
+    std::stable_partition(expected.begin(), expected.end(), [&](const LoginItemRow& row) {
+        return row.badge == LoginItemBadge::toggleable &&
+               !model->state().switchRefusals.contains(row.record->id());
+    });
+    EXPECT_EQ(words(page()).count("Brell does not turn these off"), 1);
     for (std::size_t i = 0; i < views.size(); ++i) {
-        const LoginItemRow& row = model->state().loginItems[i];
+        const LoginItemRow& row = expected[i];
         EXPECT_EQ(utf8(views[i]->objectName()), row.id) << "in the model's order";
         const auto* toggle = views[i]->findChild<Switch*>();
         ASSERT_EQ(toggle != nullptr, row.badge == LoginItemBadge::toggleable) << row.id;
