@@ -58,7 +58,7 @@ bool isBlank(std::string_view line) {
 
 // Of a line that can't be read: it is passed over, and the others still tell their story.
 void countLoss(json::parser& parser, simdjson::padded_string_view text, HistoryReading& reading) {
-    if (isBlank(text)) return;
+    if (isBlank({text.data(), text.size()})) return;
     ++(isWholeJson(parser, text) ? reading.foreign : reading.torn);
 }
 
@@ -88,7 +88,7 @@ bool endsWithEvent(std::string_view line) {
     if (!line.ends_with("\"}")) return false;
     line.remove_suffix(2);
     const std::size_t quote = line.rfind('"');
-    return quote != line.npos && fromRawValue<EntryStatus>(line.substr(quote + 1)) &&
+    return quote != std::string_view::npos && fromRawValue<EntryStatus>(line.substr(quote + 1)) &&
            line.substr(0, quote).ends_with(",\"event\":");
 }
 
@@ -97,9 +97,10 @@ bool endsWithEvent(std::string_view line) {
 std::string_view idIn(std::string_view line) {
     constexpr std::string_view key = "id\"", rest = ":\"";
     if (!line.starts_with("{\"at\":\"") || !endsWithEvent(line)) return {};
-    if (line.find("\\u") != line.npos) return {};  // which may spell a key
+    if (line.find("\\u") != std::string_view::npos) return {};  // which may spell a key
     const std::size_t place = line.find(key);
-    if (place == line.npos || line.find(key, place + 1) != line.npos) return {};
+    constexpr auto none = std::string_view::npos;
+    if (place == none || line.find(key, place + 1) != none) return {};
     const std::string_view behind = line.substr(place + key.size());
     return line[place - 1] == '"' && behind.starts_with(rest) ? behind.substr(rest.size(), 36)
                                                               : std::string_view();

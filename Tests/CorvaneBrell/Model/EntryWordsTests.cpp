@@ -61,7 +61,8 @@ TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
     const KeyReading key{entry.writes.front(), StoredValue(PrefValue("a\n" + evil))};
     Texts texts = driftedEntry(entry, {key}).lines;
     for (const Texts& more :
-         {changeLines(entry), putBackLines(entry), driftedAgent(off, {AgentOverride::enabled, {}})->lines,
+         {changeLines(entry), putBackLines(entry),
+          driftedAgent(off, {AgentOverride::enabled, LoadedState::notLoaded()}).value().lines,
           Texts{wayBack(entry), entryTitle(entry, catalog), entryTitle(off, catalog), *failureWords(off),
                 *madeOnAnotherMacOS(entry, "27.0.0"), undoProof({key}, {entryTitle(entry, catalog)})->words,
                 toldHistory({{{}, EntryStatus::failed, off}}, catalog).front().words}})
