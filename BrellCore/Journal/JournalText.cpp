@@ -46,7 +46,10 @@ void checkUnique(const std::vector<JournalEntry>& entries) {
 std::string reasonOf(const std::exception& error) {
     if (dynamic_cast<const simdjson::simdjson_error*>(&error))
         return "it is damaged, or something else than Brell wrote it";
-    return error.what();
+    // What it quotes may end with a stop. An excerpt's three stay.
+    std::string_view reason = error.what();
+    if (reason.ends_with('.') && !reason.ends_with("...")) reason.remove_suffix(1);
+    return std::string(reason);
 }
 
 std::string encoded(const JournalEntry& entry) {

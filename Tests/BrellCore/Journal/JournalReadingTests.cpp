@@ -213,6 +213,7 @@ TEST_F(JournalReadingTest, DamageIsRefusedWithItsReason) {
         {"\"applied\"", "\"\"", "unknown status \"\""},
         {"\"disabled\"", "\"none\"", "unknown override \"none\""},
         {"\"bool\"", "\"float\"", "unknown PrefValue type float"},
+        {"\"bool\"", "\"int.\"", "unknown PrefValue type int"},
         {"01234567-", "01234567", "\"0123456789AB-CDEF-0123-456789ABCDEF\" is not an entry's identifier"},
         {"2026-11-15T20:23:13Z", "2026-11-31T20:23:13Z", "\"2026-11-31T20:23:13Z\" is not a date"},
         {"2026-11-16T00:00:00Z", "yesterday", "\"yesterday\" is not a date"},
