@@ -17,7 +17,7 @@ std::size_t cutDigits(std::string_view& text) {
     return digits;
 }
 
-// A number in JSON's form, also one that no type of ours holds.
+// A number in JSON's form, also one that no type of ours holds. Only JSON's own white space may follow it.
 bool isNumber(std::string_view text) {
     if (text.starts_with('-')) text.remove_prefix(1);
     const bool leadingZero = text.starts_with('0');
@@ -32,7 +32,7 @@ bool isNumber(std::string_view text) {
         if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
         if (cutDigits(text) == 0) return false;
     }
-    return text.empty();
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ void checkWellFormed(json::value value, int levels) {
             }
             return;
         case json::json_type::number:
-            if (isNumber(stripped(value.raw_json_token()))) return;
+            if (isNumber(value.raw_json_token())) return;
             break;
         case json::json_type::string: static_cast<void>(value.get_string().value()); return;
         case json::json_type::boolean: static_cast<void>(value.get_bool().value()); return;

@@ -252,7 +252,7 @@ TEST_F(JournalReadingTest, DamageInWhatIsPassedOverIsRefusedToo) {
             return sampleWith(place, "\"later\" : " + std::string(later) + ", " + place);
         };
         for (const char* later :
-             {"{\"a\" : }", "[1,,2]", "[1 2]", "[}", "nul", "trux", "01", "1e", "-", "1.", "1-2",
+             {"{\"a\" : }", "[1,,2]", "[1 2]", "[}", "nul", "trux", "01", "1e", "-", "1.", "1-2", "[1\v]",
               "{\"\\x\" : 1}", "{1 : 1}", "\"\\ud800\"", "\"\\q\"", "{\"a\" : 1,}"})
             EXPECT_NE(refusalOf(withLater(later)), "") << place << " after " << later;
         for (const std::string& later :
