@@ -70,11 +70,10 @@ std::vector<LaunchAgentRecord> sampleRecords(std::size_t count) {
 }
 
 void compareMerge(PairReport& report) {
-    const std::optional<BTMDump> fewItems = parsed(sampleDump(few), few),
-                                 manyItems = parsed(sampleDump(many), many);
+    const BTMDump fewItems = parsed(sampleDump(few), few), manyItems = parsed(sampleDump(many), many);
     const auto fewRecords = sampleRecords(few), manyRecords = sampleRecords(many);
     const auto merge = [](const auto& records, const auto& items) {
-        if (LoginItemsMerger::merge(records, {}, items, uid).size() <= records.size())
+        if (LoginItemsMerger::merge(records, {}, &items, uid).size() <= records.size())
             throw std::runtime_error("rows are missing");
     };
     report.compare(

@@ -131,9 +131,9 @@ void compareReading(Growth& growth) {
     growth.compare("login items merged", [](const Home& home) {
         const auto tools = home.mac.openTools();
         const LaunchAgentReader reader{*tools, home.mac.home(), SampleMac::uid, home.mac.systemRoot()};
-        const auto dump =
-            BTMDumpParser::parse(bare::read(SampleFurniture::taskDumpFile(home.mac.systemRoot())));
-        LoginItemsMerger::merge(reader.listUserAgents(), reader.systemAgents(), dump, SampleMac::uid);
+        const BTMDump dump =
+            BTMDumpParser::parse(bare::read(SampleFurniture::taskDumpFile(home.mac.systemRoot()))).value();
+        LoginItemsMerger::merge(reader.listUserAgents(), reader.systemAgents(), &dump, SampleMac::uid);
     });
 }
 

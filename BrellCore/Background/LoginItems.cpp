@@ -51,7 +51,7 @@ std::string_view kindText(BTMItemType type) {
 }
 
 // The user's items, then those of the whole machine.
-std::vector<const BTMItem*> shownItems(const std::optional<BTMDump>& btm, std::uint32_t uid) {
+std::vector<const BTMItem*> shownItems(const BTMDump* btm, std::uint32_t uid) {
     std::vector<const BTMItem*> items;
     if (!btm) return items;
     std::vector<std::int64_t> sections{uid, -2};
@@ -173,7 +173,7 @@ std::string_view text(LoginItemBadge badge) {
 
 std::vector<LoginItemRow> LoginItemsMerger::merge(const std::vector<LaunchAgentRecord>& user,
                                                   const std::vector<LaunchAgentRecord>& system,
-                                                  const std::optional<BTMDump>& btm, std::uint32_t uid) {
+                                                  const BTMDump* btm, std::uint32_t uid) {
     const std::vector<const BTMItem*> items = shownItems(btm, uid);
     ItemMatcher matcher(items, uid);
     std::vector<LoginItemRow> rows;

@@ -34,10 +34,10 @@ struct LoginItemRow {
 namespace LoginItemsMerger {
 
 // The rows by badge, then title without regard to letter case, then id. uid is the user's number; btm is
-// absent for a user who may not see the database. Takes time in proportion to the rows, apart from sorting.
+// nullptr for a user who may not see the database. Takes time in proportion to the rows, apart from sorting.
 std::vector<LoginItemRow> merge(const std::vector<LaunchAgentRecord>& user,
-                                const std::vector<LaunchAgentRecord>& system,
-                                const std::optional<BTMDump>& btm, std::uint32_t uid);
+                                const std::vector<LaunchAgentRecord>& system, const BTMDump* btm,
+                                std::uint32_t uid);
 
 }  // namespace LoginItemsMerger
 

@@ -110,8 +110,7 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
     items.mayReadTasks = deps_.machine.isAdmin();
     items.tasks = tasks.kept;
     const auto merge = [&] {
-        items.rows = LoginItemsMerger::merge(
-            user, system, items.tasks ? std::optional(*items.tasks) : std::nullopt, deps_.machine.uid);
+        items.rows = LoginItemsMerger::merge(user, system, items.tasks.get(), deps_.machine.uid);
     };
     const auto showSoFar = [&] {
         if (!soFar) return;

@@ -44,9 +44,9 @@ std::string stateOf(const LoginItemRow& row) {
 
 TEST_F(SampleMacTest, HasAnItemForEveryStateThatTheListCanShow) {
     const LaunchAgentReader reader{*tools, mac.home(), SampleMac::uid, mac.systemRoot()};
+    const BTMDump dump = BTMReader{*tools, [] { return SampleMac::isAdmin; }}.dump().value();
     const auto rows =
-        LoginItemsMerger::merge(reader.userAgents(), reader.systemAgents(),
-                                BTMReader{*tools, [] { return SampleMac::isAdmin; }}.dump(), SampleMac::uid);
+        LoginItemsMerger::merge(reader.userAgents(), reader.systemAgents(), &dump, SampleMac::uid);
     std::set<std::string> states;
     for (const LoginItemRow& row : rows) states.insert(stateOf(row));
     EXPECT_EQ(states, (Names{"t0?", "t0y", "t1?", "t1y", "a0y", "a1?", "a1n", "a1y", "s1?", "s1n", "s1y"}));

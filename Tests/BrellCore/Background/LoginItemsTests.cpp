@@ -35,7 +35,8 @@ BTMItem item(std::string id, BTMItemType type = BTMItemType::legacyAgent, std::o
 
 std::vector<LoginItemRow> merge(const std::vector<LaunchAgentRecord>& user, std::vector<BTMItem> items,
                                 const std::vector<LaunchAgentRecord>& system = {}) {
-    return LoginItemsMerger::merge(user, system, BTMDump{{{uid, std::move(items)}}}, uid);
+    const BTMDump dump{{{uid, std::move(items)}}};
+    return LoginItemsMerger::merge(user, system, &dump, uid);
 }
 
 // Each row as the record's label, an arrow and the id of its item.
@@ -97,7 +98,7 @@ TEST(LoginItemsMerger, TakesTheFirstItemThatIsLeftForEachRecordInTurn) {
 
     // The user's own section comes before those of the machine, whatever their numbers.
     const BTMDump dump{{{0, {item("0.a")}}, {-2, {item("2.a")}}, {uid, {item("5.a")}}, {502, {item("9.a")}}}};
-    EXPECT_EQ(pairs(LoginItemsMerger::merge({agent("a"), agent("a"), agent("a")}, {}, dump, uid)),
+    EXPECT_EQ(pairs(LoginItemsMerger::merge({agent("a"), agent("a"), agent("a")}, {}, &dump, uid)),
               (Texts{"a>5.a", "a>2.a", "a>0.a"}));
 }
 
@@ -145,7 +146,7 @@ TEST(LoginItemsMerger, TellsAboutARecord) {
     for (const std::optional<std::string>& noLabel :
          {std::optional<std::string>(), std::optional<std::string>("")}) {
         const LaunchAgentRecord unlabelled = record(noLabel, "/Users/jo/Library/LaunchAgents/y.plist");
-        const LoginItemRow alone = LoginItemsMerger::merge({unlabelled}, {}, {}, uid).front();
+        const LoginItemRow alone = LoginItemsMerger::merge({unlabelled}, {}, nullptr, uid).front();
         EXPECT_EQ(alone.badge, LoginItemBadge::appManaged);
         EXPECT_EQ(alone.subtitle, "y.plist · on demand");
         EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
@@ -154,7 +155,7 @@ TEST(LoginItemsMerger, TellsAboutARecord) {
 
     LaunchAgentRecord linked = record({}, "/Users/jo/Library/LaunchAgents/z.plist");
     linked.plist.leadsTo = "/Users/jo/Documents/z.plist";
-    const LoginItemRow link = LoginItemsMerger::merge({linked}, {}, {}, uid).front();
+    const LoginItemRow link = LoginItemsMerger::merge({linked}, {}, nullptr, uid).front();
     EXPECT_EQ(link.title, "z");
     EXPECT_EQ(link.subtitle, "z.plist · a link to /Users/jo/Documents/z.plist");
     EXPECT_EQ(
