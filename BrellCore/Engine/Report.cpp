@@ -1,6 +1,7 @@
 #include "BrellCore/Engine/Report.h"
 
 #include <functional>
+#include <set>
 
 #include "BrellCore/Support/Text.h"
 
@@ -21,7 +22,7 @@ bool beginsAddress(std::string_view before) {
 
 // Whether a character of a cell would end it, or begin a link, an image, HTML or what reads as another
 // character. The rest of the cell begins with it.
-bool isMarkup(std::string_view rest, std::string_view before) {
+bool isMarkup(std::string_view rest, std::string_view before, bool isFirstOfItsKind) {
     const char next = rest.size() > 1 ? rest[1] : ' ';
     switch (rest.front()) {
         case '|':
@@ -35,7 +36,7 @@ bool isMarkup(std::string_view rest, std::string_view before) {
         case '*':
         case '_':
         case '`':
-        case '~': return before.find(rest.front()) != std::string_view::npos;
+        case '~': return !isFirstOfItsKind;
         default: return false;
     }
 }
@@ -43,11 +44,13 @@ bool isMarkup(std::string_view rest, std::string_view before) {
 // One table cell that reads as the text, whatever the text is.
 std::string cell(std::string_view text) {
     const std::string line = oneLine(text);
+    const std::string_view whole = line;
     std::string escaped;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const std::string_view whole = line;
-        if (isMarkup(whole.substr(i), whole.substr(0, i))) escaped += '\\';
-        escaped += line[i];
+    std::set<char> met;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        const bool isFirst = met.insert(whole[i]).second;
+        if (isMarkup(whole.substr(i), whole.substr(0, i), isFirst)) escaped += '\\';
+        escaped += whole[i];
     }
     return escaped.empty() ? "-" : escaped;
 }
