@@ -148,6 +148,10 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
     return joined;
 }
 
+std::string counted(std::size_t count, std::string_view one, std::string_view more) {
+    return fmt::format("{} {}", count, count == 1 ? one : more);
+}
+
 std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator) {
     if (sentences.size() <= mostShown) return join(sentences, separator);
     std::vector<std::string> first(sentences.begin(), sentences.begin() + mostShown);

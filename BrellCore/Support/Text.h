@@ -59,6 +59,9 @@ std::string caseFolded(std::string_view text, Accents accents);
 
 std::string join(const std::vector<std::string>& pieces, std::string_view separator);
 
+// "1 change", "3 changes".
+std::string counted(std::size_t count, std::string_view one, std::string_view more);
+
 // The first few of these sentences, joined, and how many more there are: "And 5 more."
 std::string firstOf(const std::vector<std::string>& sentences, std::string_view separator);
 // The first few of these names, as excerpts, and how many more there are: "a, b and 5 more".

@@ -24,7 +24,7 @@ std::string capitalized(std::string_view name) {
 }
 
 std::string changes(std::size_t count) {
-    return count == 1 ? "1 change" : fmt::format("{} changes", count);
+    return counted(count, "change", "changes");
 }
 
 // Changes of an earlier run whose recovery was put off.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "BrellCore/Engine/KeysHold.h"
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 
 namespace brell {
@@ -21,10 +22,6 @@ std::string_view stateOf(std::optional<KeysHold> keys) {
     return "What it holds now can't be read.";
 }
 
-std::string counted(std::size_t count, std::string_view one, std::string_view more) {
-    return count == 1 ? fmt::format("1 {}", one) : fmt::format("{} {}", count, more);
-}
-
 std::string day(TimeStamp at) {
     return iso8601(at).substr(0, std::string_view("2026-11-15").size());
 }
@@ -34,7 +31,7 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
         fmt::format("The history tells of {}{}. Of these {} still active.",
                     counted(plan.entries.size(), "change", "changes"),
                     plan.from && plan.to ? fmt::format(" from {} to {}", day(*plan.from), day(*plan.to)) : "",
-                    active == 1 ? "1 is" : fmt::format("{} are", active))};
+                    counted(active, "is", "are"))};
     facts.push_back("What happened in the last moments before the damage may be missing from it.");
     if (!plan.overtaken.empty())
         facts.push_back(counted(plan.overtaken.size(), "change counts", "changes count") +

@@ -133,7 +133,7 @@ std::string commandsMaking(const std::vector<JournalEntry>& entries, const Tweak
     }
     if (leftOut > 0)
         lines.push_back(fmt::format("echo 'Left out: {} that cannot be made by pasted commands.'",
-                                    leftOut == 1 ? "1 change" : fmt::format("{} changes", leftOut)));
+                                    counted(leftOut, "change", "changes")));
     return withHint(std::move(lines), effects);
 }
 
