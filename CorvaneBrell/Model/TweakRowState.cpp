@@ -62,13 +62,6 @@ const StateBadge partlyBackBadge{"Not in force", "exclamationmark.triangle", Wei
                                  "listed as active. Restoring it closes the change without a question."};
 const StateBadge unknownBadge{"Not known", "questionmark.circle", Weight::plain, ""};
 
-const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, const std::string& tweakID) {
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
-        return entry.isActive() && entry.tweakID == tweakID;
-    });
-    return found == entries.end() ? nullptr : &*found;
-}
-
 const JournaledWrite* writeOf(const PrefKey& key, const JournalEntry* active) {
     if (!active) return nullptr;
     for (const JournaledWrite& write : active->writes)
