@@ -115,6 +115,19 @@ std::vector<JournalEntry> Journal::all() {
     return text_.entries();
 }
 
+std::optional<std::vector<JournalEntry>> Journal::allAtRest() {
+    const fs::path lock = lockFile(file_);
+    if (!fs::exists(lock)) return all();
+    std::optional<FileLock> held;
+    try {
+        held = FileLock::acquire(lock, std::chrono::milliseconds(0));
+    } catch (const std::runtime_error&) {
+        return all();  // nobody can hold such a lock
+    }
+    if (!held) return std::nullopt;
+    return all();
+}
+
 std::vector<JournalEntry> Journal::active() {
     const std::lock_guard lock(mutex_);
     refreshLocked();

@@ -71,6 +71,10 @@ public:
     std::vector<JournalEntry> entries(const std::vector<Uuid>& ids);  // in this order; none for an unknown id
     std::optional<JournalEntry> activeEntry(std::string_view tweakID);
 
+    // Every entry while nobody makes a change; nothing while somebody does, here or in another program: what
+    // is not finished then may be theirs.
+    std::optional<std::vector<JournalEntry>> allAtRest();
+
     // Waits for other holders, half a minute at most; then JournalError (isBusy), and (cannotWrite) when the
     // lock can't be taken or others could write the journal. Not re-entrant.
     Exclusive exclusive();
