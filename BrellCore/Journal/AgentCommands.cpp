@@ -49,8 +49,12 @@ AgentPlan AgentCommands::switching(AgentSwitch direction) {
     return {{{Verb::enable}, {Verb::bootstrap}}, {false, true}};
 }
 
+AgentSwitch AgentCommands::switchOf(const AgentCapture& before) {
+    return before.turnedOn() ? AgentSwitch::on : AgentSwitch::off;
+}
+
 AgentPlan AgentCommands::making(const AgentCapture& before) {
-    return switching(before.turnedOn() ? AgentSwitch::on : AgentSwitch::off);
+    return switching(switchOf(before));
 }
 
 AgentPlan AgentCommands::undoing(const AgentCapture& before) {

@@ -45,6 +45,9 @@ std::string guiDomain(std::uint32_t uid);
 // The only labels that are ever passed to launchctl: 1 to 200 letters, digits, dots, underscores and hyphens.
 bool isPlainLabel(std::string_view label);
 
+// How the change with this capture switched its agent.
+AgentSwitch switchOf(const AgentCapture& before);
+
 AgentPlan switching(AgentSwitch direction);
 // The switch that a change with this capture was, and its undo.
 AgentPlan making(const AgentCapture& before);

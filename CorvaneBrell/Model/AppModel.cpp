@@ -99,13 +99,9 @@ std::optional<std::string> AppModel::whyNothingReal() const {
     return std::nullopt;
 }
 
-void AppModel::announce(Topic topic) {
-    if (observer_) observer_(topic);
-}
-
-std::function<void(std::optional<Activity>)> AppModel::shownIn(std::optional<Activity> AppState::*field) {
-    return
-        [this, field](std::optional<Activity> activity) { set(field, std::move(activity), Topic::activity); };
+bool AppModel::isBusy() const {
+    return changes_.isBusy() || refreshes_.isBusy() || readings_.isBusy() || questions_.isBusy() ||
+           firstTaskList_.isBusy();
 }
 
 // What the tools said when it was shown before may be so no more.

@@ -11,15 +11,14 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
 #include "CorvaneBrell/Dependencies.h"
-#include "CorvaneBrell/Model/AppState.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/Lane.h"
+#include "CorvaneBrell/Model/ObservedState.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/Model/TweakSearch.h"
@@ -32,7 +31,7 @@ namespace brell {
 // The lanes do the work and can't reach the state; a change of the state is announced when it is made. What
 // goes wrong becomes text in the state; no action throws. The end waits for the step that is running, and no
 // further one begins.
-class AppModel {
+class AppModel : private ObservedState {
 public:
     // Builds everything; with a journal that can't be opened, a dry run over a throw-away journal and the
     // reason in startupError. Raises std::exception only when even that fails. The collaborators must outlive
@@ -41,7 +40,8 @@ public:
              std::ostream& out);
     ~AppModel();
 
-    const AppState& state() const { return state_; }
+    using ObservedState::setObserver;
+    using ObservedState::state;
     const LaunchOptions& options() const { return deps_->options; }  // after the fallback
     const TweakCatalog& catalog() const { return deps_->catalog; }
     std::vector<const Tweak*> offeredTweaks() const { return catalog().available(deps_->macOSMajor()); }
@@ -52,16 +52,10 @@ public:
     void keepMacOS() { own_.keepMacOS(deps_->machine.osVersion); }  // as the one under which Brell last ran
     const TweakSearch& search() const { return search_; }
 
-    // The observer is called when the state has changed. It may call the model.
-    void setObserver(std::function<void(Topic)> observer) { observer_ = std::move(observer); }
-
     // Says why no action changes anything real; nothing when changes are real.
     std::optional<std::string> whyNothingReal() const;
     // Something runs beside the main thread: the state may be about to change.
-    bool isBusy() const {
-        return changes_.isBusy() || refreshes_.isBusy() || readings_.isBusy() || questions_.isBusy() ||
-               firstTaskList_.isBusy();
-    }
+    bool isBusy() const;
     // Something that the user asked for is not finished: a change, or a file that is being saved.
     bool isWorking() const { return changes_.isBusy() || savesUnderWay_ > 0; }
     // A change of this tweak is under way or waits for its turn; turning it off again is not taken then.
@@ -146,21 +140,7 @@ public:
     std::size_t changedCount(Screen screen) const { return changedCounts_[static_cast<std::size_t>(screen)]; }
 
 private:
-    void announce(Topic topic);
-    // True when the field had another value.
-    template <class Value>
-    bool put(Value AppState::*field, std::type_identity_t<Value> value) {
-        if (state_.*field == value) return false;
-        state_.*field = std::move(value);
-        return true;
-    }
-    template <class Value>
-    void set(Value AppState::*field, std::type_identity_t<Value> value, Topic topic) {
-        if (put(field, std::move(value))) announce(topic);
-    }
     void fail(const std::string& message) { set(&AppState::errorMessage, message, Topic::notices); }
-    // For a lane, to show there what it does.
-    std::function<void(std::optional<Activity>)> shownIn(std::optional<Activity> AppState::*field);
 
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
     void showEverything(Everything everything);
@@ -191,8 +171,6 @@ private:
 
     MainLoop& loop_;
     RunningApplications& applications_;
-    std::function<void(Topic)> observer_;
-    AppState state_;
     const std::unique_ptr<Dependencies> deps_;
     const std::filesystem::path journalDirectory_;
     const std::unique_ptr<PreferenceStore> dryRunOwnStore_;  // over the machine's, in a dry run

@@ -7,16 +7,11 @@
 #include "BrellCore/Engine/KeysHold.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/PendingRelaunches.h"
 
 namespace brell {
 
 namespace {
-
-std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
-    std::vector<Uuid> ids;
-    for (const JournalEntry& entry : entries) ids.push_back(entry.id);
-    return ids;
-}
 
 std::vector<PrefValue> writtenValues(const JournalEntry& entry) {
     std::vector<PrefValue> values;
@@ -42,30 +37,6 @@ std::optional<std::string> renderedNow(const Tweak& tweak, PreferenceReader& pre
     return renderedTogether(values);
 }
 
-// The keys of restored entries; those that were changed anew are left out.
-KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences) {
-    KeyReadings keys;
-    std::set<std::string_view> changedAnew;
-    for (const JournalEntry& entry : outcome.made) changedAnew.insert(entry.tweakID);
-    for (const JournalEntry& entry : outcome.restored) {
-        if (changedAnew.contains(entry.tweakID)) continue;
-        for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
-    }
-    return keys;
-}
-
-// Where undoing an action leads that restored changes to make others.
-enum class LeadsTo { whatItRestored, theOriginals };
-
-// Nothing for one that changed nothing.
-std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name,
-                                      LeadsTo leadsTo = LeadsTo::whatItRestored) {
-    if (outcome.made.empty() && outcome.restored.empty()) return std::nullopt;
-    SessionChange action{std::move(name), idsOf(outcome.made), {}};
-    if (leadsTo == LeadsTo::whatItRestored) action.restored = idsOf(outcome.restored);
-    return action;
-}
-
 std::string leftOut(const std::vector<std::string>& ids, std::string_view reason) {
     return "Left out, because " + std::string(reason) + ": " + firstNames(ids) + ".";
 }
@@ -83,10 +54,6 @@ void tryStep(std::vector<std::string>& failures, Step step) try {
 LaunchAgentRecord switchedAgent(const AgentCapture& before) {
     return {LaunchAgentPlist::read(before.plistPath), AgentScope::user, before.override,
             LoadedState::unknown()};
-}
-
-AgentSwitch switchOf(const AgentCapture& before) {
-    return before.turnedOn() ? AgentSwitch::on : AgentSwitch::off;
 }
 
 ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
@@ -222,7 +189,7 @@ ChangeOutcome ChangeWork::keepTheirs(const std::vector<Uuid>& ids) {
             if (!entry || !entry->isActive()) return;
             outcome.agentsTouched = outcome.agentsTouched || entry->agent;
             // With the originals there is nothing of anybody else's to keep, and nothing to write either.
-            if (keysHold(*entry, *deps_.store.reader()) == KeysHold::original)
+            if (keysHold(*entry, deps_.store) == KeysHold::original)
                 deps_.engine.restore(entry->id, false);
             else
                 deps_.engine.keepTheirs(entry->id);
@@ -359,7 +326,8 @@ void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
 
 JournalEntry ChangeWork::switchedAgain(const AgentCapture& before) {
     const LaunchAgentRecord agent = switchedAgent(before);
-    return switchOf(before) == AgentSwitch::on ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
+    return AgentCommands::switchOf(before) == AgentSwitch::on ? deps_.toggle.turnOn(agent)
+                                                              : deps_.toggle.turnOff(agent);
 }
 
 // The question says what the keys hold now.

@@ -2,39 +2,19 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "CorvaneBrell/Dependencies.h"
-#include "CorvaneBrell/Model/AppState.h"
+#include "CorvaneBrell/Model/ChangeOutcome.h"
 #include "CorvaneBrell/Model/Progress.h"
 
 namespace brell {
 
-struct ChangeOutcome {
-    std::vector<JournalEntry> made;
-    std::vector<JournalEntry> restored;
-    std::vector<std::string> failures;  // sentences
-    std::optional<DriftRequest>
-        question;  // about changes that drifted: they are left alone until it is answered
-    UndoNote undo;
-    std::optional<UndoProof> proof;        // of what was restored
-    std::vector<std::string> alreadyBack;  // titles of restored changes that others had undone before
-    // By tweak, as it is kept for a relaunch: what its keys held just before, whoever had written it, and
-    // hold now.
-    std::map<std::string, std::string> before, touched;
-    bool agentsTouched = false;       // some agent may be in another state than before
-    std::vector<std::string> report;  // of a preset, sentences
-    std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery, sentences
-};
-
-// The agent of a change, and how the change switched it; for switching it that way again. Raises
-// std::exception when its file can't be read.
+// The agent of a change, to be switched once more. Raises std::exception when its file can't be read.
 LaunchAgentRecord switchedAgent(const AgentCapture& before);
-AgentSwitch switchOf(const AgentCapture& before);
 
 // Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
 // operation may raise std::exception, and has then changed nothing that it would tell of.

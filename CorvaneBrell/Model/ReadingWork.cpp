@@ -72,22 +72,16 @@ Everything ReadingWork::everything(const Posted<>& begun) {
     return everything;
 }
 
-// A change that is not finished was interrupted, unless somebody holds the journal's lock to make it.
+// A change that is not finished was interrupted, unless somebody is making it.
 void ReadingWork::readEntries(Everything& everything) {
     const auto isUnfinished = [](const JournalEntry& entry) {
         return entry.status == EntryStatus::capturing;
     };
     everything.entries = latestOnTop(deps_.journal->all());
     if (std::none_of(everything.entries.begin(), everything.entries.end(), isUnfinished)) return;
-    const fs::path file = deps_.journal->fileURL().parent_path() / ".journal.lock";
-    if (!fs::exists(file)) return;
-    try {
-        const auto held = FileLock::acquire(file, std::chrono::milliseconds(0));
-        everything.isChangedElsewhere = !held;
-        if (held) everything.entries = latestOnTop(deps_.journal->all());  // it may be finished by now
-    } catch (const std::runtime_error&) {
-        // Nobody can hold such a lock.
-    }
+    const auto atRest = deps_.journal->allAtRest();
+    everything.isChangedElsewhere = !atRest;
+    if (atRest) everything.entries = latestOnTop(*atRest);  // it may be finished by now
 }
 
 ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& shown) {
@@ -224,7 +218,9 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
         for (const JournaledWrite& write : entry.writes)
             step.lines.push_back(write.key.rendered() + ": again " + write.written.rendered());
         if (entry.agent)
-            step.lines = deps_.toggle.preview(switchedAgent(*entry.agent), switchOf(*entry.agent)).commands;
+            step.lines =
+                deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))
+                    .commands;
         request.steps.push_back(std::move(step));
     }
     return request;

@@ -1,0 +1,32 @@
+#include "CorvaneBrell/Model/ChangeOutcome.h"
+
+#include <set>
+#include <string_view>
+
+namespace brell {
+
+std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name, LeadsTo leadsTo) {
+    if (outcome.made.empty() && outcome.restored.empty()) return std::nullopt;
+    SessionChange action{std::move(name), idsOf(outcome.made), {}};
+    if (leadsTo == LeadsTo::whatItRestored) action.restored = idsOf(outcome.restored);
+    return action;
+}
+
+KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences) {
+    KeyReadings keys;
+    std::set<std::string_view> changedAnew;
+    for (const JournalEntry& entry : outcome.made) changedAnew.insert(entry.tweakID);
+    for (const JournalEntry& entry : outcome.restored) {
+        if (changedAnew.contains(entry.tweakID)) continue;
+        for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
+    }
+    return keys;
+}
+
+std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {
+    std::vector<Uuid> ids;
+    for (const JournalEntry& entry : entries) ids.push_back(entry.id);
+    return ids;
+}
+
+}  // namespace brell

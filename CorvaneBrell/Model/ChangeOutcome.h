@@ -1,0 +1,42 @@
+// What a change came to.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "CorvaneBrell/Model/Requests.h"
+
+namespace brell {
+
+struct ChangeOutcome {
+    std::vector<JournalEntry> made;
+    std::vector<JournalEntry> restored;
+    std::vector<std::string> failures;  // sentences
+    std::optional<DriftRequest>
+        question;  // about changes that drifted: they are left alone until it is answered
+    UndoNote undo;
+    std::optional<UndoProof> proof;        // of what was restored
+    std::vector<std::string> alreadyBack;  // titles of restored changes that others had undone before
+    // By tweak, as it is kept for a relaunch: what its keys held just before, whoever had written it, and
+    // hold now.
+    std::map<std::string, std::string> before, touched;
+    bool agentsTouched = false;       // some agent may be in another state than before
+    std::vector<std::string> report;  // of a preset, sentences
+    std::optional<std::vector<std::string>> recoveryFailures;  // of a recovery, sentences
+};
+
+// Where undoing an action leads that restored changes to make others.
+enum class LeadsTo { whatItRestored, theOriginals };
+
+// The action that can be undone from now on. Nothing for one that changed nothing.
+std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name,
+                                      LeadsTo leadsTo = LeadsTo::whatItRestored);
+
+// The keys of restored entries as they read now; those that were changed anew are left out.
+KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences);
+
+std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries);
+
+}  // namespace brell
