@@ -12,7 +12,7 @@
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "CorvaneBrell/Window/MainWindow.h"
@@ -35,7 +35,7 @@ struct Home {
         writeJournal(journalDirectory() / "journal.json", sampleJournal(size, size / 4, mac.home()));
         writeSampleHistory(journalDirectory() / "history", 10, size);
         writeSampleAgents(mac.home(), size / 2);
-        replaceFile(SampleFurniture::taskDumpFile(mac.systemRoot()), sampleDump(size, size / 4, mac.home()),
+        replaceFile(SampleContents::taskDumpFile(mac.systemRoot()), sampleDump(size, size / 4, mac.home()),
                     Durability::readersOnly);
     }
 
@@ -132,7 +132,7 @@ void compareReading(Growth& growth) {
         const auto tools = home.mac.openTools();
         const LaunchAgentReader reader{*tools, home.mac.home(), SampleMac::uid, home.mac.systemRoot()};
         const BTMDump dump =
-            BTMDumpParser::parse(bare::read(SampleFurniture::taskDumpFile(home.mac.systemRoot()))).value();
+            BTMDumpParser::parse(bare::read(SampleContents::taskDumpFile(home.mac.systemRoot()))).value();
         LoginItemsMerger::merge(reader.listUserAgents(), reader.systemAgents(), &dump, SampleMac::uid);
     });
 }

@@ -32,7 +32,8 @@ std::optional<Machine> standInFor(const LaunchOptions& options) {
 void makePastFor(const LaunchOptions& options) {
     if (!options.sampleMac || !SampleMac::isNew(*options.sampleMac)) return;
     const SampleMac sample(*options.sampleMac);
-    liveIn(sample, options.journalDirectory.value_or(Journal::defaultDirectory(sample.home())), systemNow());
+    makePast(sample, options.journalDirectory.value_or(Journal::defaultDirectory(sample.home())),
+             systemNow());
 }
 
 std::unique_ptr<RunningApplications> applicationsFor(const LaunchOptions& options, MainLoop& loop) {

@@ -69,7 +69,7 @@ int run(const std::vector<Format>& formats) {
     LaunchOptions options;
     options.sampleMac = fs::path(utf8(folder.path())) / "Macintosh";
     const SampleMac sample(*options.sampleMac);
-    liveIn(sample, Journal::defaultDirectory(sample.home()), systemNow());
+    makePast(sample, Journal::defaultDirectory(sample.home()), systemNow());
     for (const Format& format : formats) fs::create_directories(format.folder);
     bool shown = show(scenesOfTrouble(), options, formats) && show(everydayScenes(), options, formats);
     replaceFile(Journal::defaultDirectory(sample.home()) / "journal.json", "damaged",

@@ -112,9 +112,9 @@ constexpr std::string_view serviceLayout = R"({domain}/{label} = {{
 }  // namespace
 
 std::string LaunchctlWords::service(std::string_view domain, std::string_view label, const SimulatedJob& job,
-                                    const JobManner& manner, const std::filesystem::path& file) {
+                                    const JobBehaviour& behaviour, const std::filesystem::path& file) {
     return fmt::format(fmt::runtime(serviceLayout), fmt::arg("domain", domain), fmt::arg("label", label),
-                       fmt::arg("active", job.pid ? 1 : 0), fmt::arg("exitTimeout", manner.exitTimeout),
+                       fmt::arg("active", job.pid ? 1 : 0), fmt::arg("exitTimeout", behaviour.exitTimeout),
                        fmt::arg("file", file.string()), fmt::arg("state", job.state),
                        fmt::arg("program", job.arguments.empty() ? "(unknown)" : job.arguments.front()),
                        fmt::arg("arguments", argumentLines(job)), fmt::arg("runs", job.runs),

@@ -11,7 +11,7 @@ namespace brell::LaunchctlWords {
 
 // One service of a domain ("gui/501"). file is the whole path of its job file.
 std::string service(std::string_view domain, std::string_view label, const SimulatedJob& job,
-                    const JobManner& manner, const std::filesystem::path& file);
+                    const JobBehaviour& behaviour, const std::filesystem::path& file);
 
 // All services of a domain.
 std::string services(std::string_view domain, const LaunchdState& state);

@@ -34,12 +34,12 @@ PlistValue written(bool flag) {
     return {flag};
 }
 
-PlistValue written(const JobManner& manner) {
-    PlistDictionary fields{{{"AsksToLeave", written(manner.asksToLeave)},
-                            {"BootoutAnswer", written(manner.bootoutAnswer)},
-                            {"BootstrapAnswer", written(manner.bootstrapAnswer)},
-                            {"ExitTimeout", written(manner.exitTimeout)}}};
-    if (manner.failsWith) fields.set("FailsWith", written(*manner.failsWith));
+PlistValue written(const JobBehaviour& behaviour) {
+    PlistDictionary fields{{{"AsksToLeave", written(behaviour.asksToLeave)},
+                            {"BootoutAnswer", written(behaviour.bootoutAnswer)},
+                            {"BootstrapAnswer", written(behaviour.bootstrapAnswer)},
+                            {"ExitTimeout", written(behaviour.exitTimeout)}}};
+    if (behaviour.failsWith) fields.set("FailsWith", written(*behaviour.failsWith));
     return {std::move(fields)};
 }
 
@@ -79,8 +79,8 @@ SimulatedJob jobFrom(const PlistValue& value) {
             field<std::int64_t>(fields, "AsksLeft")};
 }
 
-JobManner mannerFrom(const PlistValue& value) {
-    const auto& fields = typed<PlistDictionary>(value, "A manner");
+JobBehaviour behaviourFrom(const PlistValue& value) {
+    const auto& fields = typed<PlistDictionary>(value, "A behaviour");
     return {field<std::int64_t>(fields, "AsksToLeave"), field<std::int64_t>(fields, "BootoutAnswer"),
             field<std::int64_t>(fields, "BootstrapAnswer"), optionalNumber(fields, "FailsWith"),
             field<std::int64_t>(fields, "ExitTimeout")};
@@ -106,12 +106,12 @@ LaunchdState readLaunchdState(const std::filesystem::path& file) {
     const PlistValue value = readPropertyList(contents->bytes);
     const auto& root = typed<PlistDictionary>(value, "The whole");
     return {byLabel(root, "Jobs", jobFrom), byLabel(root, "Overrides", overrideFrom),
-            byLabel(root, "Manners", mannerFrom), field<std::int64_t>(root, "NextPid")};
+            byLabel(root, "Manners", behaviourFrom), field<std::int64_t>(root, "NextPid")};
 }
 
 void writeLaunchdState(const std::filesystem::path& file, const LaunchdState& state) {
     const PlistDictionary root{{{"Jobs", written(state.jobs)},
-                                {"Manners", written(state.manners)},
+                                {"Manners", written(state.behaviours)},
                                 {"NextPid", written(state.nextPid)},
                                 {"Overrides", written(state.overrides)}}};
     replaceFile(file, writeXmlPropertyList({root}), Durability::readersOnly);

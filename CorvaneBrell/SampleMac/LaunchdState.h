@@ -25,19 +25,19 @@ struct SimulatedJob {
 
 // How a job behaves, loaded or not. Slowness is counted in asks, not in time, so that the same commands
 // always get the same answers.
-struct JobManner {
+struct JobBehaviour {
     std::int64_t asksToLeave = 0;       // asks for which it stays listed after a bootout
     std::int64_t bootoutAnswer = 0;     // of the bootout that makes it leave: 0 or 36, operation in progress
     std::int64_t bootstrapAnswer = 37;  // of a bootstrap while it is leaving: 37 or 5
     std::optional<std::int64_t> failsWith;  // the exit code with which it ends whenever it is started
     std::int64_t exitTimeout = 5;           // seconds, as launchd shows it; asksToLeave may use it up
-    bool operator==(const JobManner&) const = default;
+    bool operator==(const JobBehaviour&) const = default;
 };
 
 struct LaunchdState {
     std::map<std::string, SimulatedJob> jobs;  // all of these by label
     std::map<std::string, bool> overrides;     // true: disabled
-    std::map<std::string, JobManner> manners;
+    std::map<std::string, JobBehaviour> behaviours;
     std::int64_t nextPid = 4101;
     bool operator==(const LaunchdState&) const = default;
 };

@@ -4,7 +4,7 @@ namespace brell {
 
 namespace {
 
-using SampleFurniture::SampleAgent;
+using SampleContents::SampleAgent;
 
 using Texts = std::vector<std::string>;
 
@@ -57,38 +57,38 @@ constexpr std::string_view damagedJob = R"(<?xml version="1.0" encoding="UTF-8"?
 	<string>org.millrace.feeds</string>
 	<key>ProgramArg)";
 
-constexpr JobManner slow{4, 0, 37, {}};
-constexpr JobManner slowAndTalkative{6, 36, 5, {}};
-constexpr JobManner alwaysFails{0, 0, 37, 78};
+constexpr JobBehaviour slow{4, 0, 37, {}};
+constexpr JobBehaviour slowAndTalkative{6, 36, 5, {}};
+constexpr JobBehaviour alwaysFails{0, 0, 37, 78};
 
 }  // namespace
 
-std::vector<SampleAgent> SampleFurniture::userAgents() {
+std::vector<SampleAgent> SampleContents::userAgents() {
     return {
         {"com.apple.cleanup-helper.plist",  // the vendor's label, in the wrong place
          job("com.apple.cleanup-helper", {"/Users/Shared/.cleanup/helper"}, {atLogin}),
-         Standing{"not running", 1, 0, {}}},
+         JobState{"not running", 1, 0, {}}},
         {"com.google.keystone.agent.plist",
          job("com.google.keystone.agent", {"/Applications/Updates/Keystone.app/Contents/MacOS/agent", "-a"},
              {every(3600), {"AssociatedBundleIdentifiers", {std::string("com.google.Chrome")}}}),
-         Standing{"not running", 31, 0, {}}},
+         JobState{"not running", 31, 0, {}}},
         {"com.halverson.duskwatch.plist",
          job("com.halverson.duskwatch", {"/Applications/Duskwatch.app/Contents/MacOS/duskwatch"},
              {atLogin, {"KeepAlive", {PlistDictionary{{{"SuccessfulExit", {false}}}}}}}),
-         Standing{"running", 1, {}, 812}},
+         JobState{"running", 1, {}, 812}},
         {"com.lumenfold.sync.plist",
          job("com.lumenfold.sync", {"/Applications/Lumenfold Sync.app/Contents/MacOS/syncd", "--quiet"},
              {atLogin, keptRunning}),
-         Standing{"running", 1, {}, 644}, AgentOverride::absent, slow},
+         JobState{"running", 1, {}, 644}, AgentOverride::absent, slow},
         {"com.orrerylabs.telemetry.plist",
          job("com.orrerylabs.telemetry", {"/Users/sam/.orrery/bin/telemetry"}, {atLogin, keptRunning}),
-         Standing{"spawn scheduled", 2214, 78, {}}, AgentOverride::absent, alwaysFails},
+         JobState{"spawn scheduled", 2214, 78, {}}, AgentOverride::absent, alwaysFails},
         {"com.pebblewick.indexer.plist",
          job("com.pebblewick.indexer", {"/usr/local/bin/pebble-index", "--nightly"}, {dailyAt(3), atLogin}),
-         Standing{"running", 12, 0, 977}, AgentOverride::absent, slowAndTalkative},
+         JobState{"running", 12, 0, 977}, AgentOverride::absent, slowAndTalkative},
         {"com.saltmarsh.watcher.plist",
          job("com.saltmarsh.watcher", {"/bin/sh", "-c", misleadingScript}, {atLogin, keptRunning}),
-         Standing{"running", 2, 1, 1033}},
+         JobState{"running", 2, 1, 1033}},
         {"com.spotify.client.startuphelper.plist",
          job("com.spotify.client.startuphelper", {"/Applications/Spotify.app/Contents/MacOS/StartUpHelper"},
              {atLogin}),
@@ -96,22 +96,22 @@ std::vector<SampleAgent> SampleFurniture::userAgents() {
         {"com.tallowgate.agent.plist",  // switched off, but it stays until the next login
          job("com.tallowgate.agent", {"/Applications/Tallowgate.app/Contents/Resources/agent"},
              {atLogin, keptRunning}),
-         Standing{"running", 1, {}, 702}, AgentOverride::disabled},
+         JobState{"running", 1, {}, 702}, AgentOverride::disabled},
         {"homebrew.mxcl.postgresql@16.plist",  // launchd takes the label, but Brell passes no such sign on
          job("homebrew.mxcl.postgresql@16", {"/opt/homebrew/opt/postgresql@16/bin/postgres"},
              {atLogin, keptRunning}),
-         Standing{"running", 1, {}, 590}},
+         JobState{"running", 1, {}, 590}},
         {"homebrew.mxcl.redis.plist",
          job("homebrew.mxcl.redis", {"/opt/homebrew/opt/redis/bin/redis-server"}, {atLogin, keptRunning}),
-         Standing{"running", 3, 0, 598}},
+         JobState{"running", 3, 0, 598}},
         {"io.quillmark.backup.plist",
          job("io.quillmark.backup", {"/usr/local/bin/quillmark", "backup", "--all"}, {dailyAt(22)}),
-         Standing{"not running", 9, 0, {}},
+         JobState{"not running", 9, 0, {}},
          AgentOverride::absent,
          {},
          true},
         {"io.verdigris.relay.plist", std::string_view(binaryJob, sizeof binaryJob - 1),
-         Standing{"running", 1, {}, 655}},
+         JobState{"running", 1, {}, 655}},
         {"org.fernwright.notes.plist",  // never loaded: added after the last login
          job("org.fernwright.notes", {"/Applications/Fernwright Notes.app/Contents/MacOS/quicknote"}, {}),
          std::nullopt},
@@ -120,11 +120,11 @@ std::vector<SampleAgent> SampleFurniture::userAgents() {
          PlistDictionary{{{"ProgramArguments", list({"/usr/local/bin/nameless"})}, atLogin}}, std::nullopt},
         {"us.zoom.updater.plist",
          job("us.zoom.updater", {"/Applications/zoom.us.app/Contents/Library/updater"}, {every(86400)}),
-         Standing{"not running", 4, 0, {}}, AgentOverride::enabled},
+         JobState{"not running", 4, 0, {}}, AgentOverride::enabled},
     };
 }
 
-std::vector<SampleFurniture::SystemJob> SampleFurniture::systemJobs() {
+std::vector<SampleContents::SystemJob> SampleContents::systemJobs() {
     return {
         {"Library/LaunchAgents/com.halverson.duskwatch.menu.plist",
          job("com.halverson.duskwatch.menu", {"/Applications/Duskwatch.app/Contents/MacOS/menu"}, {atLogin})},

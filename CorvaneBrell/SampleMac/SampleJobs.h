@@ -11,10 +11,10 @@
 #include "BrellCore/Support/PropertyList.h"
 #include "CorvaneBrell/SampleMac/LaunchdState.h"
 
-namespace brell::SampleFurniture {
+namespace brell::SampleContents {
 
 // A job that launchd has loaded.
-struct Standing {
+struct JobState {
     std::string_view state;
     std::int64_t runs;
     std::optional<std::int64_t> lastExitCode;
@@ -25,9 +25,9 @@ struct Standing {
 struct SampleAgent {
     std::string_view fileName;
     std::variant<PlistDictionary, std::string_view> contents;  // written as XML, or bytes as they are
-    std::optional<Standing> standing;                          // absent: not loaded
+    std::optional<JobState> state;                             // absent: not loaded
     AgentOverride override = AgentOverride::absent;
-    JobManner manner = {};
+    JobBehaviour behaviour = {};
     bool isLink = false;  // to a file in the folder Dotfiles of the home
 };
 std::vector<SampleAgent> userAgents();
@@ -39,4 +39,4 @@ struct SystemJob {
 };
 std::vector<SystemJob> systemJobs();
 
-}  // namespace brell::SampleFurniture
+}  // namespace brell::SampleContents

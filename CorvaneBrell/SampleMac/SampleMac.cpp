@@ -3,8 +3,8 @@
 #include <stdexcept>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 
 namespace fs = std::filesystem;
 
@@ -14,7 +14,7 @@ namespace {
 
 // Whatever else lies there already is not to be mixed with what a sample Mac holds.
 void checkCanBeSampleMac(const fs::path& folder) {
-    if (SampleMac::isNew(folder) || SampleFurniture::hasBegun(folder)) return;
+    if (SampleMac::isNew(folder) || SampleContents::hasBegun(folder)) return;
     throw std::runtime_error("The folder " + folder.string() +
                              " is no sample Mac and not empty, so that none is made in it.");
 }
@@ -37,19 +37,19 @@ bool SampleMac::isNew(const fs::path& folder) {
 
 SampleMac::SampleMac(const fs::path& folder) : folder_(madeWithoutLinks(folder)) {
     // launchd's state is the last that is added, so with it everything is there.
-    const auto isFurnished = [&] {
+    const auto isComplete = [&] {
         return fs::exists(preferences()) && fs::exists(SimulatedLaunchd::stateFile(folder_));
     };
-    if (isFurnished()) return;
-    const FileLock lock = SampleFurniture::lock(folder_);
-    if (isFurnished()) return;
+    if (isComplete()) return;
+    const FileLock lock = SampleContents::lock(folder_);
+    if (isComplete()) return;
     if (!fs::exists(preferences())) {
         PlistFileStore store(preferences(), TweakCatalog::allowedDomains());
-        SampleFurniture::addPreferences(store);
+        SampleContents::addPreferences(store);
     }
-    SampleFurniture::addVolumes(folder_);
-    SampleFurniture::addTaskDump(folder_);
-    SampleFurniture::addJobs(folder_, home());
+    SampleContents::addVolumes(folder_);
+    SampleContents::addTaskDump(folder_);
+    SampleContents::addJobs(folder_, home());
 }
 
 std::unique_ptr<PlistFileStore> SampleMac::openPreferences() const {

@@ -25,10 +25,10 @@ public:
     static constexpr std::uint32_t uid = 501;
     static constexpr bool isAdmin = true;  // so that the user may see the database of background tasks
 
-    // Whether nothing is in this folder, so that opening it would furnish it.
+    // Whether nothing is in this folder, so that opening it would fill it.
     static bool isNew(const std::filesystem::path& folder);
 
-    // Opens the Mac in this folder (an absolute path). One that is absent or empty is furnished first; what a
+    // Opens the Mac in this folder (an absolute path). One that is absent or empty is filled first; what a
     // Mac holds already is left as it is. Raises std::exception for a folder of anything else, which stays as
     // it is, and when the folder can't be made or written.
     explicit SampleMac(const std::filesystem::path& folder);

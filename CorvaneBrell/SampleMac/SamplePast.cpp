@@ -16,8 +16,8 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/PropertyList.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 
 namespace fs = std::filesystem;
 
@@ -147,12 +147,12 @@ bool holdsAnything(const fs::path& journalDirectory) try {
 
 }  // namespace
 
-void liveIn(const SampleMac& sample, const fs::path& journalDirectory, TimeStamp now) {
+void makePast(const SampleMac& sample, const fs::path& journalDirectory, TimeStamp now) {
     const auto isLeftAlone = [&] {
         return readPreferenceMarks(sample.systemRoot()) || holdsAnything(journalDirectory);
     };
     if (isLeftAlone()) return;
-    const FileLock lock = SampleFurniture::lock(sample.systemRoot());
+    const FileLock lock = SampleContents::lock(sample.systemRoot());
     if (isLeftAlone()) return;
     Past(sample, journalDirectory, now).unfold();
     storeDictionary(sample.preferences());

@@ -16,6 +16,6 @@ namespace brell {
 // Leaves a Mac that has a past, and a journal that holds anything, as they are. Stores that were opened
 // before do not know of the host's and the profile's keys. Raises an exception derived from std::exception
 // when something can't be read or written.
-void liveIn(const SampleMac& sample, const std::filesystem::path& journalDirectory, TimeStamp now);
+void makePast(const SampleMac& sample, const std::filesystem::path& journalDirectory, TimeStamp now);
 
 }  // namespace brell

@@ -1,7 +1,7 @@
 #include <utility>
 #include <vector>
 
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 
 namespace brell {
 
@@ -36,7 +36,7 @@ const std::vector<std::pair<PrefKey, PrefValue>>& livedInPreferences() {
 
 }  // namespace
 
-void SampleFurniture::addPreferences(PlistFileStore& store) {
+void SampleContents::addPreferences(PlistFileStore& store) {
     for (const auto& [key, value] : livedInPreferences()) store.write(value, key);
 }
 

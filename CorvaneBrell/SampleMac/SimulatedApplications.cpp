@@ -26,8 +26,8 @@ void SimulatedApplications::requestQuit(Instance instance) {
         if (process.id != instance) continue;
         requests.push_back("quit " + process.bundleIdentifier);
         for (const Application& application : applications_)
-            if (application.bundleIdentifier == process.bundleIdentifier && application.manners.quitsAfter)
-                process.goneAt = loop_.now() + *application.manners.quitsAfter;
+            if (application.bundleIdentifier == process.bundleIdentifier && application.behaviour.quitsAfter)
+                process.goneAt = loop_.now() + *application.behaviour.quitsAfter;
     }
 }
 
@@ -40,15 +40,16 @@ bool SimulatedApplications::hasTerminated(Instance instance) {
 void SimulatedApplications::open(const std::string& path, std::function<void()> answered) {
     requests.push_back("open " + path);
     for (const Application& application : applications_)
-        if (application.path == path && application.manners.appearsAfter &&
+        if (application.path == path && application.behaviour.appearsAfter &&
             !runsOrIsComing(application.bundleIdentifier))
-            start(application.bundleIdentifier, *application.manners.appearsAfter);
+            start(application.bundleIdentifier, *application.behaviour.appearsAfter);
     loop_.callAfter(answersAfter_, std::move(answered));
 }
 
-void SimulatedApplications::setManners(const std::string& bundleIdentifier, ApplicationManners manners) {
+void SimulatedApplications::setBehaviour(const std::string& bundleIdentifier,
+                                         ApplicationBehaviour behaviour) {
     for (Application& application : applications_)
-        if (application.bundleIdentifier == bundleIdentifier) application.manners = manners;
+        if (application.bundleIdentifier == bundleIdentifier) application.behaviour = behaviour;
 }
 
 void SimulatedApplications::launchAnother(const std::string& bundleIdentifier) {

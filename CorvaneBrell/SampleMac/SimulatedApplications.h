@@ -12,7 +12,7 @@
 namespace brell {
 
 // How long an app takes to go after a quit request and to appear after it was opened; nothing for never.
-struct ApplicationManners {
+struct ApplicationBehaviour {
     std::optional<std::chrono::milliseconds> quitsAfter{0};
     std::optional<std::chrono::milliseconds> appearsAfter{0};
 };
@@ -30,7 +30,7 @@ public:
     void open(const std::string& path, std::function<void()> answered) override;
 
     // From now on.
-    void setManners(const std::string& bundleIdentifier, ApplicationManners manners);
+    void setBehaviour(const std::string& bundleIdentifier, ApplicationBehaviour behaviour);
     void setAnswersAfter(std::chrono::milliseconds delay) { answersAfter_ = delay; }
     void launchAnother(const std::string& bundleIdentifier);
     void endAll(const std::string& bundleIdentifier);  // as in a crash
@@ -49,7 +49,7 @@ private:
     struct Application {
         std::string bundleIdentifier;
         std::string path;
-        ApplicationManners manners;
+        ApplicationBehaviour behaviour;
     };
 
     void start(const std::string& bundleIdentifier, std::chrono::milliseconds delay);

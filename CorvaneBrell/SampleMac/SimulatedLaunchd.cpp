@@ -39,9 +39,9 @@ CommandResult failed(std::string_view action, std::int64_t code) {
     return {exitCode, "", LaunchctlWords::failure(action, exitCode)};
 }
 
-JobManner mannerOf(const LaunchdState& state, const std::string& label) {
-    const auto found = state.manners.find(label);
-    return found == state.manners.end() ? JobManner{} : found->second;
+JobBehaviour behaviourOf(const LaunchdState& state, const std::string& label) {
+    const auto found = state.behaviours.find(label);
+    return found == state.behaviours.end() ? JobBehaviour{} : found->second;
 }
 
 bool isLeaving(const SimulatedJob& job) {
@@ -49,13 +49,14 @@ bool isLeaving(const SimulatedJob& job) {
 }
 
 // What launchd makes of a job right after loading it.
-void start(SimulatedJob& job, const LaunchAgentPlist& plist, const JobManner& manner, LaunchdState& state) {
+void start(SimulatedJob& job, const LaunchAgentPlist& plist, const JobBehaviour& behaviour,
+           LaunchdState& state) {
     job.state = "not running";
     if (!plist.runAtLoad && !plist.keepAlive) return;
     job.runs = 1;
-    if (manner.failsWith) {
+    if (behaviour.failsWith) {
         job.state = plist.keepAlive ? "spawn scheduled" : "not running";
-        job.lastExitCode = manner.failsWith;
+        job.lastExitCode = behaviour.failsWith;
     } else {
         job.state = "running";
         job.pid = state.nextPid;
@@ -102,8 +103,9 @@ CommandResult SimulatedLaunchd::run(const AllowedCommand& command) {
     return withState([&](LaunchdState& state) { return answer(command, state); });
 }
 
-void SimulatedLaunchd::setManner(const std::string& label, const JobManner& manner) {
-    withState([&](LaunchdState& state) { return state.manners.insert_or_assign(label, manner).second; });
+void SimulatedLaunchd::setBehaviour(const std::string& label, const JobBehaviour& behaviour) {
+    withState(
+        [&](LaunchdState& state) { return state.behaviours.insert_or_assign(label, behaviour).second; });
 }
 
 CommandResult SimulatedLaunchd::answer(const AllowedCommand& command, LaunchdState& state) const {
@@ -145,7 +147,7 @@ CommandResult SimulatedLaunchd::print(const AllowedCommand& command, LaunchdStat
         return {noSuchService, "",
                 fmt::format("Bad request.\nCould not find service \"{}\" in domain for user gui: {}\n", label,
                             uid_)};
-    return done(LaunchctlWords::service(domain, label, found->second, mannerOf(state, label),
+    return done(LaunchctlWords::service(domain, label, found->second, behaviourOf(state, label),
                                         root_ / found->second.file));
 }
 
@@ -154,14 +156,14 @@ CommandResult SimulatedLaunchd::bootout(const std::string& label, LaunchdState& 
     if (found == state.jobs.end()) return failed("Boot-out", noSuchProcess);
     SimulatedJob& job = found->second;
     if (isLeaving(job)) return failed("Boot-out", underWay);
-    const JobManner manner = mannerOf(state, label);
-    if (manner.asksToLeave == 0) {
+    const JobBehaviour behaviour = behaviourOf(state, label);
+    if (behaviour.asksToLeave == 0) {
         state.jobs.erase(found);
         return done();
     }
     job.state = leavingState;
-    job.asksLeft = manner.asksToLeave;
-    return manner.bootoutAnswer == 0 ? done() : failed("Boot-out", manner.bootoutAnswer);
+    job.asksLeft = behaviour.asksToLeave;
+    return behaviour.bootoutAnswer == 0 ? done() : failed("Boot-out", behaviour.bootoutAnswer);
 }
 
 CommandResult SimulatedLaunchd::bootstrap(const fs::path& file, LaunchdState& state) const {
@@ -169,16 +171,16 @@ CommandResult SimulatedLaunchd::bootstrap(const fs::path& file, LaunchdState& st
     if (!inside) return failed("Bootstrap", inputOutputError);
     const LaunchAgentPlist plist = LaunchAgentPlist::read(root_ / *inside);
     if (!plist.label) return failed("Bootstrap", inputOutputError);
-    const JobManner manner = mannerOf(state, *plist.label);
+    const JobBehaviour behaviour = behaviourOf(state, *plist.label);
     if (const auto known = state.jobs.find(*plist.label); known != state.jobs.end())
-        return failed("Bootstrap", isLeaving(known->second) ? manner.bootstrapAnswer : fileExists);
+        return failed("Bootstrap", isLeaving(known->second) ? behaviour.bootstrapAnswer : fileExists);
     const auto override = state.overrides.find(*plist.label);
     if (override != state.overrides.end() && override->second) return failed("Bootstrap", inputOutputError);
 
     SimulatedJob job;
     job.file = inside->generic_string();
     job.arguments = commandLine(plist);
-    start(job, plist, manner, state);
+    start(job, plist, behaviour, state);
     state.jobs.emplace(*plist.label, std::move(job));
     return done();
 }

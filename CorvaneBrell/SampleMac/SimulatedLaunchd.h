@@ -23,7 +23,7 @@ public:
     // The command has passed its validation and is one of launchctl's.
     CommandResult run(const AllowedCommand& command);
 
-    void setManner(const std::string& label, const JobManner& manner);
+    void setBehaviour(const std::string& label, const JobBehaviour& behaviour);
 
     // Where the state is kept below a Mac's folder.
     static std::filesystem::path stateFile(const std::filesystem::path& root);

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "BrellCore/Support/FileContents.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 
 namespace fs = std::filesystem;
 
@@ -16,13 +16,13 @@ namespace {
 constexpr std::size_t mostDumpBytes = 64 << 20;
 
 CommandResult dumpTasks(const fs::path& root) {
-    const auto dump = readFile(SampleFurniture::taskDumpFile(root), mostDumpBytes);
+    const auto dump = readFile(SampleContents::taskDumpFile(root), mostDumpBytes);
     if (!dump) return {1, "", "Error: the background task database is not there\n"};
     return {0, dump->bytes, ""};
 }
 
 CommandResult indexStatus(const std::string& volume) {
-    if (const auto text = SampleFurniture::mdutilAnswer(volume)) return {0, *text, ""};
+    if (const auto text = SampleContents::mdutilAnswer(volume)) return {0, *text, ""};
     return {1, "Error: could not resolve path `" + volume + "'.\n", ""};
 }
 

@@ -45,24 +45,24 @@ TEST_F(AgentRestoreTest, WaitsAsLongAsLaunchdGivesAJobToEnd) {
     toggle.setWaitingHook([&](const std::string& label, std::chrono::seconds atMost) {
         told.push_back(label + " " + std::to_string(atMost.count()));
     });
-    tools->launchd().setManner(plain, {40, 36, 37, {}, 8});  // 8 seconds
+    tools->launchd().setBehaviour(plain, {40, 36, 37, {}, 8});  // 8 seconds
     toggle.turnOff(agent(plain));
     EXPECT_EQ(told, std::vector{plain + " 13"});
     EXPECT_EQ(stateOf(plain), "disabled, not loaded");
 
     const std::string turnedOn = "com.spotify.client.startuphelper";
-    tools->launchd().setManner(turnedOn, {40, 0, 37, {}, 8});
+    tools->launchd().setBehaviour(turnedOn, {40, 0, 37, {}, 8});
     toggle.turnOn(agent(turnedOn));
     EXPECT_EQ(toggle.turnOff(agent(turnedOn)).status, EntryStatus::restored);
 
     const std::string unlimited = "com.halverson.duskwatch";
-    tools->launchd().setManner(unlimited, {140, 0, 37, {}, 0});
+    tools->launchd().setBehaviour(unlimited, {140, 0, 37, {}, 0});
     toggle.turnOff(agent(unlimited));
     EXPECT_EQ(told.back(), unlimited + " 30");
 }
 
 TEST_F(AgentRestoreTest, AJobThatOutlivesItsTimeStaysInterrupted) {
-    tools->launchd().setManner(plain, {500, 0, 37, {}, 60});
+    tools->launchd().setBehaviour(plain, {500, 0, 37, {}, 60});
     const auto error = thrownBy<AgentToggleError>([&] { toggle.turnOff(agent(plain)); });
     ASSERT_TRUE(error);
     EXPECT_EQ(error->failure(), (AgentToggleFailure{AgentToggleProblem::verifyFailed,
@@ -79,7 +79,7 @@ TEST_F(AgentRestoreTest, AJobThatOutlivesItsTimeStaysInterrupted) {
               plain + " has an interrupted change; restore it from the Journal first.");
 
     const std::string other = "com.lumenfold.sync";
-    tools->launchd().setManner(other, {200, 0, 37, {}});
+    tools->launchd().setBehaviour(other, {200, 0, 37, {}});
     tools->run(AllowedCommand::launchctlBootout("gui/501", other));
     const std::size_t historyBefore = journal.history().size();
     EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(other)); }),
@@ -109,7 +109,7 @@ TEST_F(AgentRestoreTest, ASwitchIsDoneWhenLaunchdShowsIt) {
 }
 
 TEST_F(AgentRestoreTest, AJobThatIsStillLeavingIsNotTakenForPutBack) {
-    tools->launchd().setManner(plain, {200, 0, 37, {}});
+    tools->launchd().setBehaviour(plain, {200, 0, 37, {}});
     tools->failNext(AllowedCommand::Kind::launchctlDisable, ToolFault::refusing(150, "no"));
     EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(plain)); }),
               "launchctl refused: /bin/launchctl disable gui/501/" + plain + ": no");
@@ -354,7 +354,7 @@ TEST_F(AgentRestoreTest, AFileThatWasReplacedIsNeverLoadedInItsPlace) {
     EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry->id});
 
     // The job takes longer to go than it is waited for: it is not missing yet, then it is.
-    tools->launchd().setManner(plain, {80, 0, 37, {}});
+    tools->launchd().setBehaviour(plain, {80, 0, 37, {}});
     tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
     setContents(file, jobFile(foreign));
     const auto restore = [&] { return toggle.restore({plain, file.string(), true, AgentOverride::enabled}); };

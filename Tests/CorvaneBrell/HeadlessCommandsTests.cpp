@@ -237,7 +237,7 @@ TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
 
 TEST_F(HeadlessCommandsTest, AnAgentIsWaitedForAndPutBackAsFarAsItsJobFileAllows) {
     const std::string label = "com.lumenfold.sync";
-    mac.openTools()->launchd().setManner(label, {8, 36, 37, {}});  // nearly two seconds
+    mac.openTools()->launchd().setBehaviour(label, {8, 36, 37, {}});  // nearly two seconds
     const Finished off = run({"--toggle-agent", label.c_str()});
     ASSERT_EQ(journal().active().size(), 1u);
     const std::string id = journal().active().front().id.text();

@@ -122,7 +122,7 @@ TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
     EXPECT_EQ(everythingIn(SampleMac(folder.path / "one").systemRoot()),
               everythingIn(SampleMac(folder.path / "twin").systemRoot()));
 
-    // One whose furnishing was broken off gets the rest.
+    // One whose filling was broken off gets the rest.
     fs::remove(SimulatedLaunchd::stateFile(folder.path / "one"));
     fs::remove_all(folder.path / "one/Volumes");
     SampleMac(folder.path / "one");

@@ -32,7 +32,7 @@ class SamplePastTest : public ::testing::Test {
 protected:
     // Brell started on the Mac after its past.
     Dependencies& liveInAndOpen() {
-        liveIn(mac, directory, now);
+        makePast(mac, directory, now);
         LaunchOptions options;
         options.sampleMac = mac.systemRoot();
         options.journalDirectory = directory;
@@ -110,17 +110,17 @@ TEST_F(SamplePastTest, RestoringEverythingBringsEachPreferenceFileBack) {
 }
 
 TEST_F(SamplePastTest, LeavesAPastAndAJournalThatHoldsAnythingAlone) {
-    liveIn(mac, directory, now);
+    makePast(mac, directory, now);
     auto before = everythingIn(folder.path);
-    liveIn(mac, directory, now + 24h);
-    liveIn(SampleMac(mac.systemRoot()), folder.path / "another journal", now);
+    makePast(mac, directory, now + 24h);
+    makePast(SampleMac(mac.systemRoot()), folder.path / "another journal", now);
     EXPECT_EQ(everythingIn(folder.path), before);
 
     const SampleMac plain(folder.path / "plain");
     setContents(folder.path / "damaged" / "journal.json", "{");
     before = everythingIn(folder.path);
-    liveIn(plain, directory, now);
-    liveIn(plain, folder.path / "damaged", now);
+    makePast(plain, directory, now);
+    makePast(plain, folder.path / "damaged", now);
     EXPECT_EQ(everythingIn(folder.path), before);
     EXPECT_EQ(readPreferenceMarks(plain.systemRoot()), std::nullopt);
 }

@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "CorvaneBrell/Model/TweakRowState.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 
 namespace brell {
@@ -42,7 +42,8 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     EXPECT_EQ(model->state().agentConfirm->commands,
               (Texts{"/bin/launchctl bootout gui/501/com.halverson.duskwatch",
                      "/bin/launchctl disable gui/501/com.halverson.duskwatch"}));
-    sample.openTools()->launchd().setManner("com.halverson.duskwatch", {8, 0, 37, {}});  // nearly two seconds
+    sample.openTools()->launchd().setBehaviour("com.halverson.duskwatch",
+                                               {8, 0, 37, {}});  // nearly two seconds
     Texts told;
     std::size_t interrupted = 0;
     model->setObserver([&](Topic) {
@@ -124,7 +125,7 @@ TEST(AgentConfirmRequest, SaysWhereItLeads) {
 }
 
 TEST_F(AppModelTest, TheTaskListIsAskedForOnlyOnceTheUserAllowedItAndMacOSGaveIt) {
-    const fs::path file = SampleFurniture::taskDumpFile(sample.systemRoot());
+    const fs::path file = SampleContents::taskDumpFile(sample.systemRoot());
     const std::string list = contentsOf(file);
     auto model = openModel();
     const auto isListed = [&] {
@@ -261,8 +262,8 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
         first->apply("dock.autohide");
         settled(*first)->apply("finder.show_hidden");
     }
-    applications.setManners("com.apple.dock", {std::nullopt, std::chrono::milliseconds(0)});
-    applications.setManners("com.apple.finder", {std::chrono::seconds(2), std::chrono::seconds(1)});
+    applications.setBehaviour("com.apple.dock", {std::nullopt, std::chrono::milliseconds(0)});
+    applications.setBehaviour("com.apple.finder", {std::chrono::seconds(2), std::chrono::seconds(1)});
     const auto model = openModel();
     EXPECT_EQ(waiting(*model), (std::set{EffectClass::dockRelaunch, EffectClass::finderRelaunch}));
 

@@ -8,7 +8,7 @@
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SimulatedTools.h"
 #include "Tests/Support/EngineFixture.h"
@@ -205,7 +205,7 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     EXPECT_EQ(whats, (Texts{"Reading the LaunchAgents", "Asking launchd about each LaunchAgent",
                             "Reading macOS's list of background items"}));
 
-    fs::remove(SampleFurniture::taskDumpFile(sample.systemRoot()));
+    fs::remove(SampleContents::taskDumpFile(sample.systemRoot()));
     EXPECT_EQ(readings.loginItems(show, {false, items.tasks}).rows, items.rows) << "as it was read before";
     EXPECT_EQ(soFar[2].rows.size(), items.rows.size()) << "in the meantime, too";
     EXPECT_EQ(readings.loginItems({}, {}).rows, soFar[1].rows);

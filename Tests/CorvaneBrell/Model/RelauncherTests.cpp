@@ -44,7 +44,7 @@ TEST_F(RelauncherTest, EndsAsTheAppBehaves) {
     struct Case {
         const char* what;
         bool running;
-        ApplicationManners manners;
+        ApplicationBehaviour behaviour;
         Outcome outcome;
         std::chrono::milliseconds took;
         bool opens;
@@ -61,10 +61,10 @@ TEST_F(RelauncherTest, EndsAsTheAppBehaves) {
              {"not running and can't be opened", false, {0ms, never}, Outcome::openFailed, 10000ms, true},
          }) {
         SCOPED_TRACE(c.what);
-        apps.setManners(dock, {0ms, 0ms});
+        apps.setBehaviour(dock, {0ms, 0ms});
         apps.endAll(dock);
         if (c.running) apps.launchAnother(dock);
-        apps.setManners(dock, c.manners);
+        apps.setBehaviour(dock, c.behaviour);
         apps.requests.clear();
 
         EXPECT_EQ(relaunchDock(), c.took);
@@ -78,9 +78,9 @@ TEST_F(RelauncherTest, EndsAsTheAppBehaves) {
 }
 
 TEST_F(RelauncherTest, WaitsForEveryInstance) {
-    apps.setManners(dock, {1s, 0ms});
+    apps.setBehaviour(dock, {1s, 0ms});
     apps.requestQuit(apps.running(dock).at(0));  // this one will go, the second one will not
-    apps.setManners(dock, {never, 0ms});
+    apps.setBehaviour(dock, {never, 0ms});
     apps.launchAnother(dock);
     apps.requests.clear();
     EXPECT_EQ(relaunchDock(), 5s);
@@ -90,7 +90,7 @@ TEST_F(RelauncherTest, WaitsForEveryInstance) {
 }
 
 TEST_F(RelauncherTest, AnAppThatCameBackByItselfDoesNotRunTwice) {
-    apps.setManners(dock, {1s, 0ms});
+    apps.setBehaviour(dock, {1s, 0ms});
     const auto handle = start();
     loop.advance(500ms);
     apps.launchAnother(dock);
@@ -101,7 +101,7 @@ TEST_F(RelauncherTest, AnAppThatCameBackByItselfDoesNotRunTwice) {
 
 TEST_F(RelauncherTest, TheTimeToComeBackBeginsWithTheAnswer) {
     apps.setAnswersAfter(30s);
-    apps.setManners(dock, {0ms, 39s});
+    apps.setBehaviour(dock, {0ms, 39s});
     EXPECT_GE(relaunchDock(), 39s);
     EXPECT_EQ(outcomes, std::vector{Outcome::relaunched});
 }
@@ -114,7 +114,7 @@ TEST_F(RelauncherTest, ADryRunAsksNothingOfAnyApp) {
 
 TEST_F(RelauncherTest, LettingGoCallsTheRestOff) {
     apps.setAnswersAfter(1s);
-    apps.setManners(dock, {1s, 3s});
+    apps.setBehaviour(dock, {1s, 3s});
     // Before it begins, while the app quits, before the answer, while the app comes back.
     for (const auto moment : {0ms, 500ms, 1500ms, 2500ms}) {
         apps.requests.clear();
@@ -132,7 +132,7 @@ TEST_F(RelauncherTest, LettingGoCallsTheRestOff) {
 TEST_F(RelauncherTest, TheReceiverMayStartTheNextOneAndLetGoOfThisOne) {
     Relauncher::Handle handle;
     std::vector<std::string> lines;
-    apps.setManners(dock, {never, 0ms});
+    apps.setBehaviour(dock, {never, 0ms});
     handle = Relauncher::relaunch(Target::dock, false, apps, loop, [&](Outcome first) {
         lines.push_back(line(Target::dock, first));
         handle = Relauncher::relaunch(Target::finder, false, apps, loop, [&](Outcome second) {

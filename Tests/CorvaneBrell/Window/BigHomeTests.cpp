@@ -6,7 +6,7 @@
 
 #include <QLineEdit>
 
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/Window/ChangeRow.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
@@ -25,14 +25,14 @@ constexpr std::size_t items = 1200;  // of which a tenth are those agents
 
 class BigHomeTest : public WindowTest {
 protected:
-    void furnish(EntryStatus ofSwitches) {
+    void fill(EntryStatus ofSwitches) {
         std::vector<JournalEntry> journal = sampleJournal(1000, agents, sample.home());
         for (JournalEntry& entry : journal)
             if (entry.isActive()) entry.status = ofSwitches;
         writeJournal(*options.journalDirectory / "journal.json", journal);
         writeSampleHistory(*options.journalDirectory / "history", 4, 500);
         writeSampleAgents(sample.home(), agents);
-        setContents(SampleFurniture::taskDumpFile(sample.systemRoot()),
+        setContents(SampleContents::taskDumpFile(sample.systemRoot()),
                     sampleDump(items, agents - items / 10, sample.home()));
     }
 
@@ -50,7 +50,7 @@ protected:
 };
 
 TEST_F(BigHomeTest, ThePagesShowABatchAtATimeAndNoTurnTakesLong) {
-    furnish(EntryStatus::applied);
+    fill(EntryStatus::applied);
     openWindow();
     longestTurn = 0;
     for (const Screen screen : allCases<Screen>()) go(screen);
@@ -76,7 +76,7 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATimeAndNoTurnTakesLong) {
 
 // A row that the filter leaves over may become that of another item, which must not inherit anything.
 TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
-    furnish(EntryStatus::applied);
+    fill(EntryStatus::applied);
     openWindow();
     go(Screen::loginItems);
     auto* filter = window->currentPage()->findChild<QLineEdit*>();
@@ -96,7 +96,7 @@ TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
 }
 
 TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
-    furnish(EntryStatus::capturing);
+    fill(EntryStatus::capturing);
     openWindow();
     auto* recovery = qobject_cast<RecoverySheet*>(window->sheets().current());
     ASSERT_TRUE(recovery);

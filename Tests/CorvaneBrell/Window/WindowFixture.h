@@ -46,7 +46,7 @@ protected:
     }
 
     // Before the window is opened: a Mac with something of every state.
-    void haveAPast() { liveIn(sample, *options.journalDirectory, systemNow()); }
+    void haveAPast() { makePast(sample, *options.journalDirectory, systemNow()); }
 
     // Opens the window as the program does, and waits until everything is read and shown.
     MainWindow& openWindow() {

@@ -185,7 +185,7 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     openWindow();
     model->turnOff("dock.autohide");
     settle();
-    applications.setManners("com.apple.dock", {std::nullopt, std::nullopt});
+    applications.setBehaviour("com.apple.dock", {std::nullopt, std::nullopt});
     model->askRelaunch();
     model->confirmRelaunch();
     window->close();

@@ -1,4 +1,4 @@
-#include "Tests/Trust/Scenes.h"
+#include "Trust/Scenes.h"
 
 #include "BrellCore/Journal/JournalRebuild.h"
 

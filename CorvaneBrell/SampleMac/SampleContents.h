@@ -9,7 +9,7 @@
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "BrellCore/Support/FileLock.h"
 
-namespace brell::SampleFurniture {
+namespace brell::SampleContents {
 
 // To be held by whoever adds something. Raises std::runtime_error when another process is at it for long.
 FileLock lock(const std::filesystem::path& root);
@@ -27,4 +27,4 @@ std::filesystem::path taskDumpFile(const std::filesystem::path& root);
 // What `mdutil -s` prints about a volume; nothing when there is no such volume.
 std::optional<std::string> mdutilAnswer(std::string_view volume);
 
-}  // namespace brell::SampleFurniture
+}  // namespace brell::SampleContents

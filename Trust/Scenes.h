@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Trust/Rig.h"
+#include "Trust/Rig.h"
 
 namespace brell::trust {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Trust/Stage.h"
+#include "Trust/Stage.h"
 
 namespace brell::trust {
 

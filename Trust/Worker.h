@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Trust/Diary.h"
-#include "Tests/Trust/Rig.h"
+#include "Trust/Diary.h"
+#include "Trust/Rig.h"
 
 namespace brell::trust {
 

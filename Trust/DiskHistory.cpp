@@ -1,4 +1,4 @@
-#include "Tests/Trust/DiskHistory.h"
+#include "Trust/DiskHistory.h"
 
 #include <sys/stat.h>
 

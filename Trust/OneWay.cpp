@@ -1,4 +1,4 @@
-#include "Tests/Trust/OneWay.h"
+#include "Trust/OneWay.h"
 
 namespace brell::trust {
 

@@ -1,11 +1,11 @@
-#include "Tests/Trust/Worker.h"
+#include "Trust/Worker.h"
 
 #include <array>
 #include <numeric>
 
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Engine/Report.h"
-#include "Tests/Trust/Recovery.h"
+#include "Trust/Recovery.h"
 
 namespace brell::trust {
 

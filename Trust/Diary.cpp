@@ -1,4 +1,4 @@
-#include "Tests/Trust/Diary.h"
+#include "Trust/Diary.h"
 
 #include <fcntl.h>
 

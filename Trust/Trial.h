@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "Tests/Trust/Verdict.h"
+#include "Trust/Verdict.h"
 
 namespace brell::trust {
 

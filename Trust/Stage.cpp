@@ -1,4 +1,4 @@
-#include "Tests/Trust/Stage.h"
+#include "Trust/Stage.h"
 
 #include "BrellCore/Journal/JournalRebuild.h"
 
@@ -14,7 +14,7 @@ void replaceFolder(const fs::path& from, const fs::path& to) {
 }
 
 // Originals of several kinds for the keys that the scenes change; the sample Mac has the others.
-void liveIn(const Rig& rig) {
+void makePast(const Rig& rig) {
     rig.store->write(false, {"com.apple.finder", "ShowExternalHardDrivesOnDesktop"});
     rig.store->write("L'été $HOME", {"com.apple.finder", "ShowRemovableMediaOnDesktop"});
 }
@@ -37,7 +37,7 @@ Stage::Stage(fs::path folder) : folder_(std::move(folder)) {
 void Stage::prepare(const Scene& scene) {
     fs::remove_all(world());
     Rig rig(world());
-    liveIn(rig);
+    makePast(rig);
     setting_.original = conditionOf(world());
     scene.prepare(rig);
     setting_.entries = rig.journal.all();

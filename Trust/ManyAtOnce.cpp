@@ -1,4 +1,4 @@
-#include "Tests/Trust/ManyAtOnce.h"
+#include "Trust/ManyAtOnce.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,7 +12,7 @@
 #include <thread>
 #include <utility>
 
-#include "Tests/Trust/Worker.h"
+#include "Trust/Worker.h"
 
 namespace fs = std::filesystem;
 

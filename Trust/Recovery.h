@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Trust/Verdict.h"
+#include "Trust/Verdict.h"
 
 namespace brell::trust {
 

@@ -1,7 +1,7 @@
 // Every launchctl command in turn fails, hangs or lies.
 
-#include "Tests/Trust/Recovery.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/Recovery.h"
+#include "Trust/Trial.h"
 
 namespace brell::trust {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Tests/Trust/Verdict.h"
+#include "Trust/Verdict.h"
 
 namespace brell::trust {
 

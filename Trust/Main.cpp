@@ -16,8 +16,8 @@
 #include "BrellCore/Support/Text.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
-#include "Tests/Trust/ManyAtOnce.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/ManyAtOnce.h"
+#include "Trust/Trial.h"
 
 using namespace brell;
 using namespace brell::trust;

@@ -1,4 +1,4 @@
-#include "Tests/Trust/Verdict.h"
+#include "Trust/Verdict.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "Tests/Trust/Rig.h"
+#include "Trust/Rig.h"
 
 namespace fs = std::filesystem;
 

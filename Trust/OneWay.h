@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Tests/Support/SystemCalls.h"
-#include "Tests/Trust/Verdict.h"
+#include "Trust/Verdict.h"
 
 namespace brell::trust {
 

@@ -12,7 +12,7 @@
 
 namespace brell::trust {
 
-// One run of the program over the Mac in this folder, which is furnished when it is not there yet.
+// One run of the program over the Mac in this folder, which is filled when it is not there yet.
 class Rig {
 public:
     // Time passes only when it is asked for or slept through.

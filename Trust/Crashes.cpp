@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "Tests/Support/SystemCalls.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/Trial.h"
 
 using brell::testing::CallObserver;
 using brell::testing::SystemCall;

@@ -4,9 +4,9 @@
 #include <cerrno>
 
 #include "Tests/Support/SystemCalls.h"
-#include "Tests/Trust/OneWay.h"
-#include "Tests/Trust/Recovery.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/OneWay.h"
+#include "Trust/Recovery.h"
+#include "Trust/Trial.h"
 
 using brell::testing::CallObserver;
 using brell::testing::SystemCall;

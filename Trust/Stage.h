@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "Tests/Trust/Scenes.h"
+#include "Trust/Scenes.h"
 
 namespace brell::trust {
 

@@ -1,4 +1,4 @@
-#include "CorvaneBrell/SampleMac/Furniture.h"
+#include "CorvaneBrell/SampleMac/SampleContents.h"
 
 #include <fmt/format.h>
 
@@ -35,12 +35,12 @@ void addLink(const fs::path& link, const fs::path& target) {
     fs::create_symlink(target, link);
 }
 
-std::string bytesOf(const SampleFurniture::SampleAgent& agent) {
+std::string bytesOf(const SampleContents::SampleAgent& agent) {
     const auto* job = std::get_if<PlistDictionary>(&agent.contents);
     return job ? writeXmlPropertyList({*job}) : std::string(std::get<std::string_view>(agent.contents));
 }
 
-void addAgentFile(const SampleFurniture::SampleAgent& agent, const fs::path& home) {
+void addAgentFile(const SampleContents::SampleAgent& agent, const fs::path& home) {
     const fs::path file = home / "Library/LaunchAgents" / agent.fileName;
     if (agent.isLink) {
         add(home / "Dotfiles" / agent.fileName, bytesOf(agent));
@@ -51,21 +51,21 @@ void addAgentFile(const SampleFurniture::SampleAgent& agent, const fs::path& hom
 }
 
 // What launchd knows after the last login.
-void addKnowledge(LaunchdState& state, const SampleFurniture::SampleAgent& agent, const fs::path& root,
+void addKnowledge(LaunchdState& state, const SampleContents::SampleAgent& agent, const fs::path& root,
                   const fs::path& file) {
     const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
     if (!plist.label) return;
     if (agent.override != AgentOverride::absent)
         state.overrides[*plist.label] = agent.override == AgentOverride::disabled;
-    if (agent.manner != JobManner{}) state.manners[*plist.label] = agent.manner;
-    if (!agent.standing) return;
-    const SampleFurniture::Standing& standing = *agent.standing;
+    if (agent.behaviour != JobBehaviour{}) state.behaviours[*plist.label] = agent.behaviour;
+    if (!agent.state) return;
+    const SampleContents::JobState& job = *agent.state;
     state.jobs[*plist.label] = {file.lexically_relative(root).generic_string(),
                                 commandLine(plist),
-                                std::string(standing.state),
-                                standing.runs,
-                                standing.lastExitCode,
-                                standing.pid};
+                                std::string(job.state),
+                                job.runs,
+                                job.lastExitCode,
+                                job.pid};
 }
 
 // The startup volume stands in the list under its name, as on every Mac.
@@ -83,17 +83,17 @@ constexpr std::array<Volume, 3> volumes{{
 
 }  // namespace
 
-FileLock SampleFurniture::lock(const fs::path& root) {
+FileLock SampleContents::lock(const fs::path& root) {
     auto lock = FileLock::acquire(root / lockName, 30s);
-    if (!lock) throw std::runtime_error(root.string() + " is being furnished by another process.");
+    if (!lock) throw std::runtime_error(root.string() + " is being filled by another process.");
     return std::move(*lock);
 }
 
-bool SampleFurniture::hasBegun(const fs::path& root) {
+bool SampleContents::hasBegun(const fs::path& root) {
     return fs::exists(root / lockName);
 }
 
-void SampleFurniture::addJobs(const fs::path& root, const fs::path& home) {
+void SampleContents::addJobs(const fs::path& root, const fs::path& home) {
     for (const SystemJob& job : systemJobs()) add(root / job.path, writeXmlPropertyList({job.job}));
     add(home / "Library/LaunchAgents/com.tallowgate.agent.plist.bak", "kept by an installer");
     LaunchdState state;
@@ -105,20 +105,20 @@ void SampleFurniture::addJobs(const fs::path& root, const fs::path& home) {
     if (!fs::exists(file)) writeLaunchdState(file, state);
 }
 
-void SampleFurniture::addTaskDump(const fs::path& root) {
+void SampleContents::addTaskDump(const fs::path& root) {
     add(taskDumpFile(root), sampleTaskDump);
 }
 
-fs::path SampleFurniture::taskDumpFile(const fs::path& root) {
+fs::path SampleContents::taskDumpFile(const fs::path& root) {
     return root / "private/var/db/background-tasks.txt";
 }
 
-void SampleFurniture::addVolumes(const fs::path& root) {
+void SampleContents::addVolumes(const fs::path& root) {
     for (const Volume& volume : volumes) fs::create_directories(root / "Volumes" / volume.name);
     addLink(root / "Volumes" / startupVolume, "..");
 }
 
-std::optional<std::string> SampleFurniture::mdutilAnswer(std::string_view volume) {
+std::optional<std::string> SampleContents::mdutilAnswer(std::string_view volume) {
     if (volume == "/") return "/:\n\tIndexing enabled. \n";
     for (const Volume& known : volumes)
         if (volume == fmt::format("/Volumes/{}", known.name)) return std::string(known.answer);

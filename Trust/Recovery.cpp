@@ -1,4 +1,4 @@
-#include "Tests/Trust/Recovery.h"
+#include "Trust/Recovery.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 
 #include <set>
 
-#include "Tests/Trust/DiskHistory.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/DiskHistory.h"
+#include "Trust/Trial.h"
 
 namespace brell::trust {
 

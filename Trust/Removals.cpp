@@ -1,8 +1,8 @@
 // Somebody removes the journal, or what lies beside it, before every file system call in turn.
 
 #include "Tests/Support/SystemCalls.h"
-#include "Tests/Trust/Recovery.h"
-#include "Tests/Trust/Trial.h"
+#include "Trust/Recovery.h"
+#include "Trust/Trial.h"
 
 using brell::testing::CallObserver;
 using brell::testing::SystemCall;
