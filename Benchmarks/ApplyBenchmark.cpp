@@ -17,7 +17,7 @@ const std::string domain = "com.apple.dock";
 const std::string tweakID = "dock.autohide";
 constexpr std::size_t entries = 50;
 
-// What the files held at the stages of one application.
+// The files' contents at the stages of one application.
 struct Stages {
     std::string preferenceBefore, journalBefore;
     std::string journalCaptured, scriptCaptured, historyCaptured;

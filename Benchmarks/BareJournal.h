@@ -14,7 +14,7 @@
 
 namespace brell::bare {
 
-// What Brell reads and replaces in one folder.
+// The files that Brell reads and replaces in one folder.
 struct JournalFiles {
     explicit JournalFiles(const std::filesystem::path& root)
         : folder(root),
@@ -33,7 +33,7 @@ struct JournalFiles {
     const std::filesystem::path preferences;
 };
 
-// Whether something stands there, and whether it is a link.
+// Asks whether something stands there, and whether it is a link.
 inline void look(const std::string& file) {
     struct stat status;
     ::lstat(file.c_str(), &status);

@@ -1,4 +1,4 @@
-// What starting any C++ program costs: the bare side of the comparison of whole processes.
+// The cost of starting any C++ program: the bare side of the comparison of whole processes.
 int main() {
     return 0;
 }

@@ -23,7 +23,7 @@ struct LaunchOptions {
     std::optional<std::string> openGroup;            // screen to show first
     std::optional<std::filesystem::path> sampleMac;  // work on the simulated Mac in this folder; absolute
 
-    // Whether the run is to do something without a window and end.
+    // True when the run is to do something without a window and end.
     bool isHeadlessRequest() const {
         return applyAll || restoreAll || toggleAgent || quitAfterCapture || statusJSON;
     }

@@ -1,4 +1,4 @@
-// What a run works on: the Mac it runs on, or a stand-in for one.
+// The Mac that a run works on: the one it runs on, or a stand-in for one.
 #pragma once
 
 #include <cstdint>

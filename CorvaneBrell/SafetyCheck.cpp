@@ -15,7 +15,7 @@ namespace brell {
 
 namespace {
 
-// What stands at the path itself, a symbolic link included; nothing when nothing does.
+// The thing at the path itself, a symbolic link included; nothing when nothing does.
 std::optional<struct stat> statusOf(const fs::path& path) {
     struct stat status;
     return ::lstat(path.c_str(), &status) == 0 ? std::optional(status) : std::nullopt;

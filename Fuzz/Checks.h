@@ -1,4 +1,4 @@
-// What several targets ask of a reader.
+// Checks of a reader that several targets share.
 #pragma once
 
 #include <simdjson.h>

@@ -39,7 +39,7 @@ void checkWrittenAgain(const HistoryLine& line) {
     require(back == std::vector{HistoryLine{line.at, line.entry.status, line.entry}});
 }
 
-// What is read between two good lines, which are there whatever stands between them.
+// The lines read between two good ones, which are there whatever stands between them.
 std::vector<HistoryLine> linesAmongOthers(std::string_view text) {
     static const HistoryLine good = goodLine();
     static const std::string goodText = historyLineText(good.at, good.entry);

@@ -26,7 +26,7 @@ std::optional<std::string> written(const PlistValue& value) {
     }
 }
 
-// Whether the value has no integer beyond 64 bits, which is never written, and no more values than are soon
+// True when the value has no integer beyond 64 bits, which is never written, and no more values than are soon
 // written; a small file may hold many.
 bool isSoonWritten(const PlistValue& value, std::size_t& left) {
     if (left == 0 || value.as<PlistBigInteger>()) return false;

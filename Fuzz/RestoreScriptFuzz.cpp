@@ -13,7 +13,7 @@ namespace {
 using namespace brell;
 using namespace brell::fuzz;
 
-// A word as the shell sees it. What is the program's own stands bare, what is data does not.
+// A word as the shell sees it. The program's own words stand bare, data does not.
 struct Word {
     std::string text;
     bool bare;
@@ -190,7 +190,7 @@ Command valueWords(const PrefValue& value) {
     return words;
 }
 
-// What `defaults read` prints, as $(...) gives it.
+// The text that `defaults read` prints, as $(...) gives it.
 std::string expectedText(const PrefValue& value) {
     std::string text = RestoreScript::defaultsReadText(value).value();
     text.erase(text.find_last_not_of('\n') + 1);

@@ -1,4 +1,4 @@
-// What a background item is, in plain words: whose it is, what it does and what stops without it.
+// A background item in plain words: whose it is, what it does and what stops without it.
 #pragma once
 
 #include <optional>

@@ -13,7 +13,7 @@ public:
     // Looks up the links that lead to the folder, once; the folder need not exist.
     explicit AgentFolder(const std::filesystem::path& directory);
 
-    // Whether the path, which may be a link itself, is that of a job file directly in the folder.
+    // True when the path, which may be a link itself, is that of a job file directly in the folder.
     bool holds(const std::filesystem::path& path) const;
     // The same of a path without links.
     bool isDirectlyInside(const std::filesystem::path& resolved) const;

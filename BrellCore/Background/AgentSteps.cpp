@@ -195,7 +195,7 @@ void AgentSteps::runStep(const AllowedCommand& command) {
     if (!result.succeeded()) throw commandError(command, result.output());
 }
 
-// What launchd reports otherwise, or why it can't be asked; nothing when all is as expected.
+// The state that launchd reports instead, or why it can't be asked; nothing when all is as expected.
 std::optional<AgentToggleFailure> AgentSteps::mismatch(const AgentTarget& target) try {
     const AgentOverride override = target.isDisabled ? AgentOverride::disabled : AgentOverride::enabled;
     const AgentState state = currentState();

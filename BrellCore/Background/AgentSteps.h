@@ -45,7 +45,7 @@ public:
     // domain is a gui domain. runner must outlive the steps.
     AgentSteps(CommandRunning& runner, Waiting waiting, std::string domain, std::string label);
 
-    // What launchd says now. Raises when it can't be asked.
+    // The answer that launchd gives now. Raises when it can't be asked.
     AgentState currentState();
     AgentState currentState(const AgentOverrides& known);
     AgentOverrides overrides();  // of every label
@@ -58,9 +58,9 @@ public:
     // not loaded nor the bootstrap of one that is loaded from there already is an error.
     void carryOut(const AgentPlan& plan, bool isLoaded, const std::string& jobFile);
 
-    // Whether a step was run that may have changed something, even if it failed.
+    // True after a step that may have changed something, even if it failed.
     bool mayHaveChanged() const { return mayHaveChanged_; }
-    // Whether such a step was stopped for taking too long: it may still act, at any time.
+    // True when such a step was stopped for taking too long: it may still act, at any time.
     bool mayStillChange() const { return mayStillChange_; }
 
 private:

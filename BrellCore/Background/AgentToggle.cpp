@@ -40,7 +40,7 @@ void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
                   file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
 }
 
-// Whether launchd names a file that is gone; what it says in parentheses is none.
+// True when launchd names a file that is gone; words in parentheses name none.
 bool isGone(const std::string& path) {
     std::error_code failed;
     return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
@@ -50,7 +50,7 @@ std::string placeOf(const LoadedState& loaded) {
     return loaded.path ? excerpt(*loaded.path, mostOfASentence) : "an unknown place";
 }
 
-// Two files may have the same label. What was loaded from another one could not be brought back from this
+// Two files may have the same label. A job loaded from another one could not be brought back from this
 // one, unless that was renamed.
 void checkSource(const LoadedState& loaded, const std::string& label, const std::string& plistPath) {
     if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath) && !isGone(loaded.path.value_or("")))
@@ -247,7 +247,7 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, AgentSwitch 
     return {agent.label, agent.plistPath, before.loaded.isLoaded(), before.override};
 }
 
-// The journal is a file like any other, and its label may be that of somebody else's job: so a job that is
+// The journal is a file like any other, and its label may be that of another user's job: so a job that is
 // loaded from elsewhere is never ended, and otherwise a file of the folder has to have the label. Gives a
 // sentence when it is as far back as it goes.
 std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
@@ -265,7 +265,7 @@ std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCa
     return std::nullopt;
 }
 
-// What is allowed again starts nothing; to turn something off, it has to be the user's.
+// Allowing an agent again starts nothing; to turn something off, it has to be the user's.
 std::optional<std::string> AgentToggle::putBackWithoutFile(AgentSteps& steps,
                                                            const AgentCapture& capture) const {
     const std::string noFile =
@@ -276,7 +276,7 @@ std::optional<std::string> AgentToggle::putBackWithoutFile(AgentSteps& steps,
     return noFile + "it is allowed again, but there was nothing to load.";
 }
 
-// Whether it is the user's own. Where launchd does not say where it comes from, a file has to speak for it.
+// True when it is the user's own. Where launchd does not say where it comes from, a file has to speak for it.
 bool AgentToggle::isOwn(const LoadedState& loaded, bool hasFile) const {
     return loaded.isLoaded() && loaded.path ? folder_.holds(*loaded.path) : hasFile;
 }

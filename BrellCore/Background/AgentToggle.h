@@ -28,7 +28,7 @@ struct AgentPreview {
 // the journal is touched, every launchctl step after the entry is on disk.
 class AgentToggle final : public AgentRestoring {
 public:
-    // What every command is built from; nothing of a record on screen reaches launchctl unchecked.
+    // The record that every command is built from; nothing of a record on screen reaches launchctl unchecked.
     struct Validated {
         std::string label;
         std::string plistPath;  // absolute, links resolved

@@ -20,7 +20,7 @@ struct AdminGroup {
     bool operator==(const AdminGroup&) const = default;
 };
 
-// Whether an account is an administrator; group is the one named "admin", if there is one.
+// True when an account is an administrator; group is the one named "admin", if there is one.
 bool isAdministrator(gid_t primaryGroup, const std::optional<AdminGroup>& group, std::string_view account);
 
 struct BTMReader {

@@ -35,14 +35,14 @@ public:
     bool hasEnded();
 
     // Only once it has ended: what it returned to the system, or 128 and the number of the signal that ended
-    // it, or -1 when somebody else in this program took the answer away.
+    // it, or -1 when another part of this program took the answer away.
     int exitCode() const { return exitCode_.value(); }
 
     // Asks the child to end, unless it already has.
     void terminate();
 
 private:
-    pid_t pid_;  // the child's until it was seen to have ended, afterwards perhaps somebody else's
+    pid_t pid_;  // the child's until it was seen to have ended, afterwards perhaps another process's
     std::optional<int> exitCode_;
 };
 

@@ -35,7 +35,7 @@ struct CommandFailure {
 };
 std::string describe(const CommandFailure& failure);
 
-// Whether the command was started and asked to stop: what it does may be under way, and end as it likes.
+// True for a command that was started and asked to stop: what it does may be under way, and end as it likes.
 bool wasStopped(CommandProblem problem);
 
 class CommandError final : public FailureError<CommandFailure> {
@@ -58,7 +58,7 @@ public:
     // Validates, runs and waits for the end. Any exception means that the command could not be run; one that
     // ran and failed is a result like any other.
     virtual CommandResult run(const AllowedCommand& command) = 0;
-    // The same with a patience of its own. What runs no process answers as above, at once.
+    // The same with a patience of its own. A runner that starts no process answers as above, at once.
     virtual CommandResult runPatiently(const AllowedCommand& command, const CommandPatience& patience);
 };
 

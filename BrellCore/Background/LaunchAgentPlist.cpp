@@ -22,7 +22,7 @@ std::optional<std::uint32_t> ownerOf(const fs::path& file) {
     return static_cast<std::uint32_t>(status.st_uid);
 }
 
-// What is known of a file that can't be read.
+// All that is known of a file that can't be read.
 LaunchAgentPlist nothingOf(const fs::path& file) {
     LaunchAgentPlist plist;
     plist.path = file.string();
@@ -44,7 +44,7 @@ std::optional<PlistDictionary> readDictionary(const fs::path& file) {
     return std::nullopt;
 }
 
-// What a link to another folder holds; nothing for a link beside its file, and for a file.
+// The contents behind a link to another folder; nothing for a link beside its file, and for a file.
 std::optional<std::string> leadingOut(const fs::path& file) {
     std::error_code noLink;
     const fs::path target = fs::read_symlink(file, noLink);

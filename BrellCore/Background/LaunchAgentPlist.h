@@ -9,8 +9,8 @@
 
 namespace brell {
 
-// Whether a job file that is a link to another folder is read. macOS may ask the user before it lets a
-// program look into that folder, Documents for one; nothing there is looked at otherwise.
+// The choice whether a job file that is a link to another folder is read. macOS may ask the user before it
+// lets a program look into that folder, Documents for one; nothing there is looked at otherwise.
 enum class LinksOut { followed, left };
 
 struct LaunchAgentPlist {

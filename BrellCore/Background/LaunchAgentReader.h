@@ -1,4 +1,4 @@
-// What launchd knows about background jobs, read without changing anything.
+// launchd's knowledge of background jobs, read without changing anything.
 #pragma once
 
 #include <array>
@@ -61,8 +61,8 @@ struct LaunchAgentReader {
     std::filesystem::path userAgentsDirectory() const { return home / "Library/LaunchAgents"; }
     std::string domain() const { return AgentCommands::guiDomain(uid); }
 
-    // The job files of a folder in the order of their names. What can't be listed is left out and gives the
-    // error.
+    // The job files of a folder in the order of their names. A file that can't be listed is left out and
+    // gives the error.
     static std::vector<std::filesystem::path> jobFiles(const std::filesystem::path& folder,
                                                        std::error_code& error);
     static std::vector<LaunchAgentPlist> plists(const std::filesystem::path& folder,

@@ -39,7 +39,7 @@ bool opensBlock(std::string_view trimmedLine) {
 // anything.
 class OwnLines {
 public:
-    // Whether the line stands outside every nested block.
+    // True when the line stands outside every nested block.
     bool isOutermost(std::string_view line) {
         const std::string_view content = stripped(line);
         if (inNested_) {

@@ -1,4 +1,4 @@
-// What launchctl prints, as records.
+// launchctl's output as records.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace brell {
 
-// What launchd says about one job.
+// One job as launchd describes it.
 struct LoadedState {
     enum class Kind {
         loaded,
@@ -27,7 +27,7 @@ struct LoadedState {
     std::optional<std::int64_t> runs;
     std::optional<std::int64_t> lastExitCode;
     std::optional<std::int64_t> pid;
-    // What it was loaded from: its job file, or words in parentheses for one that an app handed over.
+    // The place it was loaded from: its job file, or words in parentheses for one that an app handed over.
     std::optional<std::string> path = {};
     // In seconds: how long it may take to end before launchd kills it.
     std::optional<std::int64_t> exitTimeout = {};

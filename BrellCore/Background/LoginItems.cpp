@@ -108,7 +108,7 @@ LoginItemRow rowOf(const LaunchAgentRecord& record, const BTMItem* item) {
             isOn(record, item)};
 }
 
-// What the item runs, as far as its URL says so: an application, but not a job file.
+// The program that the item runs, as far as its URL says so: an application, but not a job file.
 std::optional<std::string> executableOf(const BTMItem& item) {
     auto path = item.url ? pathOfItemUrl(*item.url) : std::nullopt;
     if (!path || path->ends_with(".plist")) return std::nullopt;

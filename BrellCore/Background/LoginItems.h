@@ -14,13 +14,13 @@
 
 namespace brell {
 
-// Who can change an item; also the order of the list.
+// The one who can change an item; also the order of the list.
 enum class LoginItemBadge { toggleable, adminOnly, appManaged };
 std::string_view text(LoginItemBadge badge);
 
 struct LoginItemRow {
     std::string id;               // unique in its list, and the same in the next one
-    std::string title, subtitle;  // to be shown: in one line each, and cut where somebody made them long
+    std::string title, subtitle;  // to be shown: in one line each, and cut where they are long
     LoginItemBadge badge;
     std::optional<LaunchAgentRecord> record;  // absent for an item that only the database knows
     std::optional<BTMItem> btm;

@@ -45,7 +45,7 @@ int millisecondsUntil(Deadline deadline) {
     return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), lookEvery).count());
 }
 
-// What the child prints on one of its two outputs. Closed once its end was read.
+// One of the child's two outputs and the bytes read from it. Closed once its end was read.
 struct Output {
     UniqueFd readEnd;
     std::string bytes;

@@ -12,7 +12,7 @@
 
 namespace brell::CatalogTable {
 
-// What has to be said of one tweak; everything else follows from it and its group.
+// The words and values that one tweak needs; everything else follows from it and its group.
 struct Row {
     std::string_view id;
     std::string_view title;

@@ -1,4 +1,4 @@
-// Whether what a change wrote is still there, and whether somebody else changed it.
+// The question whether a change's values are still there or were changed by others.
 #pragma once
 
 #include "BrellCore/Journal/JournalEntry.h"

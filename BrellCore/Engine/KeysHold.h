@@ -1,4 +1,4 @@
-// What the keys of a change hold now, seen from the change.
+// The values that the keys of a change hold now, seen from the change.
 #pragma once
 
 #include <optional>
@@ -17,8 +17,8 @@ enum class KeysHold {
     unreadable,     // some key can't be read
 };
 
-// Of a change of preferences; nothing of a LaunchAgent's, which has no keys. What is both, because the change
-// wrote what was there, counts as written.
+// Of a change of preferences; nothing of a LaunchAgent's, which has no keys. A value that is both, because
+// the change wrote what was there, counts as written.
 std::optional<KeysHold> keysHold(const JournalEntry& entry, PreferenceReader& preferences);
 
 }  // namespace brell

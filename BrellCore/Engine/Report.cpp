@@ -20,7 +20,7 @@ bool beginsAddress(std::string_view before) {
     return before.ends_with("http:") || before.ends_with("https:") || before.ends_with("ftp:");
 }
 
-// Whether a character of a cell would end it, or begin a link, an image, HTML or what reads as another
+// True for a character that would end its cell, or begin a link, an image, HTML or what reads as another
 // character. The rest of the cell begins with it.
 bool isMarkup(std::string_view rest, std::string_view before, bool isFirstOfItsKind) {
     const char next = rest.size() > 1 ? rest[1] : ' ';

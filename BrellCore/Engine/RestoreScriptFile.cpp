@@ -54,7 +54,7 @@ bool RestoreScriptFile::keepLocked() {
     return true;
 }
 
-// A file that somebody removed or replaced is not the one that was written.
+// A file that was removed or replaced is not the one that was written.
 bool RestoreScriptFile::isWritten(const std::vector<Uuid>& active) const {
     return written_ && written_->entries == active && identityIfKnown(*file_) == written_->identity;
 }

@@ -30,7 +30,7 @@ void checkValues(const Tweak& tweak, const std::vector<PrefValue>& values) {
     }
 }
 
-// What can't be saved could not be put back.
+// An original that can't be saved could not be put back.
 void checkCanBeSaved(const JournaledWrite& write) try {
     JsonWriter json(JsonWriter::Layout::compact);
     writeJson(json, write.original);
@@ -39,7 +39,7 @@ void checkCanBeSaved(const JournaledWrite& write) try {
     throw refused(write.key.rendered() + " can't be changed: " + error.what() + ".");
 }
 
-// What turning a tweak off comes to in a state without an entry of ours to restore.
+// Says why a tweak whose state has no entry of ours to restore is not turned off.
 struct TurnOffRefusal {
     const Tweak& tweak;
     std::string operator()(const PerHost&) const {
@@ -87,7 +87,7 @@ JournalEntry TweakEngine::turnOff(const Tweak& tweak, bool overridingDrift) {
         // Before the lock's file is made, so that a refusal leaves nothing behind.
         if (!entryToRestore()) checkChange(tweak, removed);
         const Journal::Exclusive held = journal_.exclusive();
-        // Again: what was on may have been put back by somebody else, who is not to lose what is there now.
+        // Again: what was on may have been put back by another program, whose value is not to be lost.
         if (const auto entry = entryToRestore()) return restoreOne(*entry, overridingDrift, held);
         return changeLocked(tweak, EntryDirection::resetToDefault, removed, std::nullopt, held);
     });
@@ -112,7 +112,7 @@ JournalEntry TweakEngine::finishAgentChange(AgentChange change, EntryStatus stat
                                             std::optional<std::string> failure) {
     return asEngineErrors([&] {
         change.entry.status = status;
-        // What a tool printed may be any bytes, and must not keep the outcome out of the journal.
+        // A tool may print any bytes, which must not keep the outcome out of the journal.
         if (failure) change.entry.failure = repairedUtf8(*failure);
         if (status == EntryStatus::applied) {
             saveApplied(change.entry, change.held);

@@ -34,7 +34,7 @@ public:
     virtual std::optional<std::string> otherState(const AgentCapture& capture) = 0;
 };
 
-// What restoring several entries came to.
+// The outcome of restoring several entries.
 struct RestoreAllOutcome {
     std::vector<Uuid> restored;                        // in the order of restoring
     std::vector<Uuid> skippedDrifted;                  // left alone until the user confirms them
@@ -85,7 +85,7 @@ public:
                        std::optional<std::string> choiceID = std::nullopt);
     // Removes the tweak's keys, so that the system's defaults take effect.
     JournalEntry resetToDefault(const Tweak& tweak);
-    // Undoes one active entry and gives it as saved. A key that somebody else changed since stops it with
+    // Undoes one active entry and gives it as saved. A key that was changed since by others stops it with
     // Drift, unless that is overridden. After any other error the keys that came back stay back, the entry is
     // active, and the next undo finishes it. check is called with the lock held, before anything is put back;
     // what it raises leaves everything as it is.

@@ -1,4 +1,4 @@
-// What the user's preferences hold for a tweak now, and who is responsible for it.
+// The state of a tweak in the user's preferences now, and who is responsible for it.
 #pragma once
 
 #include <optional>
@@ -24,7 +24,7 @@ struct OffByBrell {  // an active change of ours removed the keys
     Uuid entry;
     bool operator==(const OffByBrell&) const = default;
 };
-struct ChangedOutsideBrell {  // drift: a key of an active change of ours holds somebody else's value
+struct ChangedOutsideBrell {  // drift: a key of an active change of ours holds a value that is not ours
     Uuid entry;
     bool operator==(const ChangedOutsideBrell&) const = default;
 };

@@ -14,7 +14,7 @@ class PreferenceStore;
 // Makes the key hold what the change writes. Gives what went wrong; the key may then hold anything.
 std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store);
 
-// What becomes of a value of a kind that Brell never writes, which somebody else stored.
+// The fate of a stored value of a kind that Brell never writes.
 enum class OtherType { keep, replace };
 
 // Makes the key hold its original again. Raises StoreError when it does not come back.

@@ -1,4 +1,4 @@
-// What is kept of a LaunchAgent before it is switched.
+// The state of a LaunchAgent that is kept before it is switched.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ struct AgentCapture {
     bool wasLoaded;
     AgentOverride override;
 
-    // Whether the change turned it on. It turned off what was not disabled.
+    // True when the change turned it on: an agent that was not disabled was turned off.
     bool turnedOn() const { return override == AgentOverride::disabled; }
     bool operator==(const AgentCapture&) const = default;
 };

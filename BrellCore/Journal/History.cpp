@@ -20,7 +20,7 @@ namespace {
 constexpr std::string_view extension = ".jsonl";
 constexpr std::size_t mostBytes = 256 * 1024 * 1024;  // of one day
 
-// Never through a link: somebody may have planted it under a name that is known in advance.
+// Never through a link, which another program may have planted: the name is known in advance.
 UniqueFd openForAppending(const fs::path& file) {
     std::error_code ignored;
     return openInFolder(file, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC,

@@ -43,7 +43,8 @@ std::vector<HistoryLine> readHistory(const std::filesystem::path& directory, std
 using BetweenFiles =
     std::function<bool(std::vector<HistoryLine>& lines, std::uintmax_t done, std::uintmax_t total)>;
 
-// What tells how each entry ended: of lines of one day about one entry that follow each other the last.
+// The lines that tell how each entry ended: of lines of one day about one entry that follow each other the
+// last.
 HistoryReading readLastOfHistory(const std::filesystem::path& directory, const BetweenFiles& goOn);
 
 }  // namespace brell

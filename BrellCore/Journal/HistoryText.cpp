@@ -83,7 +83,7 @@ void forEachLine(const std::string& text, Use&& use) {
     }
 }
 
-// Whether it is whole, if historyLineText made it.
+// True for a whole line that historyLineText made.
 bool endsWithEvent(std::string_view line) {
     if (!line.ends_with("\"}")) return false;
     line.remove_suffix(2);

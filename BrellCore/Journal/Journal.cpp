@@ -64,7 +64,7 @@ void checkOnlyOne(const JournalEntry& saved, const std::vector<JournalEntry>& en
     if (othersAreActive) throw cannotWrite("another Brell has changed " + saved.tweakID + " meanwhile");
 }
 
-// What the action gives; whatever keeps it from that keeps the journal from being written.
+// Gives the action's result; every error in it means that the journal can't be written.
 template <class Action>
 auto asCannotWrite(Action&& action) try {
     return action();

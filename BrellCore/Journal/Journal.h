@@ -19,7 +19,7 @@
 
 namespace brell {
 
-// What a journal is for. Entries of a dry run were never carried out, so that undoing them would overwrite
+// The purpose of a journal. Entries of a dry run were never carried out, so that undoing them would overwrite
 // what the user chose: they have folders of their own, and a file in them that says so.
 enum class JournalUse { changes, dryRun };
 
@@ -71,7 +71,7 @@ public:
     std::vector<JournalEntry> entries(const std::vector<Uuid>& ids);  // in this order; none for an unknown id
     std::optional<JournalEntry> activeEntry(std::string_view tweakID);
 
-    // Every entry while nobody makes a change; nothing while somebody does, here or in another program: what
+    // Every entry while no change is being made; nothing while one is, here or in another program: what
     // is not finished then may be theirs.
     std::optional<std::vector<JournalEntry>> allAtRest();
 

@@ -23,8 +23,8 @@ std::filesystem::path lockIn(const std::filesystem::path& folder);
 // std::runtime_error, its text without a final stop, when the lock can't be taken.
 FileLock takeLock(const std::filesystem::path& lockFile);
 
-// What a journal is read from: its folder, its file, and where that is a link the file it leads to and the
-// folder of that.
+// The places that a journal is read from: its folder, its file, and where that is a link the file it leads to
+// and the folder of that.
 std::vector<std::filesystem::path> sourcesOf(const std::filesystem::path& journal);
 // Why one of these may say what others want, without a final stop. Raises std::system_error when that can't
 // be told.
@@ -32,7 +32,8 @@ std::optional<std::string> whyNotTrusted(const std::vector<std::filesystem::path
 
 // Stands beside the file from before a damaged one leaves its place until the new one has taken it.
 std::filesystem::path rebuildMark(const std::filesystem::path& journal);
-// What a rebuilding adds, before the moment, to the names of the damaged journal and of the script before.
+// The word that a rebuilding adds, before the moment, to the names of the damaged journal and of the script
+// before.
 inline constexpr std::string_view damagedEnding = ".damaged-", scriptBeforeEnding = ".before-";
 
 // Of a file that is not there: why it is no journal that was never written, without a final stop; nothing

@@ -89,8 +89,8 @@ void replace(const fs::path& file, const std::string& text) try {
     throw cannotRebuild(error.failure().path, error.failure().code);
 }
 
-// What can't have two names, such as a folder, leaves its place before the new journal takes it. The mark
-// tells whoever starts in between.
+// A thing that can't have two names, such as a folder, leaves its place before the new journal takes it. The
+// mark tells a program that starts in between.
 void moveAside(const fs::path& file, const fs::path& aside) {
     replace(rebuildMark(file), "");
     if (::rename(file.c_str(), aside.c_str()) != 0) {
@@ -178,7 +178,7 @@ std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPl
                                       const RebuildProgress& goOn, const Clock& clock) {
     checkDamaged(directory);  // before the lock's file is made, so that a refusal leaves nothing behind
     const FileLock lock = lockOf(directory);
-    checkDamaged(directory);  // again: somebody else may have rebuilt it meanwhile
+    checkDamaged(directory);  // again: another program may have rebuilt it meanwhile
     const auto plan = planRebuild(directory, goOn);
     if (!plan) return std::nullopt;
     if (*plan != confirmed) throw cannotRebuild("its history tells something else than before");

@@ -21,7 +21,7 @@ std::optional<std::string> journalDamage(const std::filesystem::path& directory)
 // Told how many bytes of the history were read; false ends the reading there.
 using RebuildProgress = std::function<bool(std::uintmax_t done, std::uintmax_t total)>;
 
-// What rebuilding would make of this directory's journal. Nothing when goOn ended it.
+// The journal that rebuilding would make of this directory's journal. Nothing when goOn ended it.
 std::optional<RebuildPlan> planRebuild(const std::filesystem::path& directory, const RebuildProgress& goOn);
 
 struct Rebuilt {

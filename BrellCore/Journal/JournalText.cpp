@@ -32,7 +32,7 @@ JournalError newerFormat(std::int64_t format) {
                                      format)});
 }
 
-// What is found by its identifier must be the only one.
+// An entry that is found by its identifier must be the only one.
 void checkUnique(const std::vector<JournalEntry>& entries) {
     std::vector<Uuid> ids;
     ids.reserve(entries.size());
@@ -42,11 +42,11 @@ void checkUnique(const std::vector<JournalEntry>& entries) {
     if (twin != ids.end()) throw std::runtime_error("the entry " + twin->text() + " stands twice");
 }
 
-// What the parser says of a text means nothing to whoever finds the journal damaged.
+// The parser's own words mean nothing to a user with a damaged journal.
 std::string reasonOf(const std::exception& error) {
     if (dynamic_cast<const simdjson::simdjson_error*>(&error))
         return "it is damaged, or something else than Brell wrote it";
-    // What it quotes may end with a stop. An excerpt's three stay.
+    // The text that it quotes may end with a stop. An excerpt's three stay.
     std::string_view reason = error.what();
     if (reason.ends_with('.') && !reason.ends_with("...")) reason.remove_suffix(1);
     return std::string(reason);

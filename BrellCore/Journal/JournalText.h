@@ -23,7 +23,7 @@ public:
     static constexpr std::int64_t formatVersion = 1;              // written, and the highest that is read
     static constexpr std::size_t mostBytes = 1024 * 1024 * 1024;  // of a file that is read
 
-    // What one entry, new or changed, makes of the text: for the file first, and then for take().
+    // The text with one entry, new or changed: for the file first, and then for take().
     struct Change {
         std::string text;
         std::vector<Span> spans;

@@ -5,8 +5,8 @@
 
 namespace brell {
 
-// Whether this place, taken or not, is the journal's or that of a file that Brell keeps for it: its history,
-// its script, its lock, its marks, and what a rebuilding leaves.
+// True when this place, taken or not, is the journal's or that of a file that Brell keeps for it: its
+// history, its script, its lock, its marks, and what a rebuilding leaves.
 bool isOfTheJournal(const std::filesystem::path& file, const Journal& journal);
 
 }  // namespace brell

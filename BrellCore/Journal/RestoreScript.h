@@ -24,7 +24,7 @@ void save(const std::filesystem::path& file, std::string_view text);
 std::string quote(std::string_view text);
 // The value as arguments of `defaults write`.
 std::string valueArgs(const PrefValue& value);
-// What `defaults read` prints for the value; nothing for arrays, which are never compared.
+// The text that `defaults read` prints for the value; nothing for arrays, which are never compared.
 std::optional<std::string> defaultsReadText(const PrefValue& value);
 // The line that puts one key back.
 std::string preferenceLine(const JournaledWrite& write);

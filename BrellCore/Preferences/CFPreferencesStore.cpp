@@ -23,7 +23,7 @@ StoredValue classified(const std::optional<DefaultsObject>& object, const PrefKe
     return *std::move(value);
 }
 
-// What would be refused when it is read is refused before anything of the old value is removed.
+// A value that would be refused when it is read is refused before anything of the old value is removed.
 PlistValue writable(const PrefValue& value, const PrefKey& key) {
     PlistValue object = value.propertyListObject();
     if (PrefValue::fromPropertyList(object)) return object;
@@ -87,7 +87,7 @@ bool CFPreferencesStore::isForced(const PrefKey& key) {
     const DefaultsApplication application = applicationOf(key.domain);
     if (!forcedCheck_) return false;
     if (calls_->appValueIsForced(key.name, application)) return true;
-    // The platform promises an answer about a single application only. What is forced for all is forced for
+    // The platform promises an answer about a single application only. A value forced for all is forced for
     // this one.
     return !application.identifier &&
            calls_->appValueIsForced(key.name, DefaultsApplication{std::string(NeverTouch::ownLabel)});

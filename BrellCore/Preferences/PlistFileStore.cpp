@@ -184,7 +184,7 @@ StoredValue PlistFileStore::effectiveValueLocked(const PrefKey& key, Seen* seen)
     return systemDefault == systemDefaults_.end() ? StoredValue() : StoredValue(systemDefault->second);
 }
 
-// What the domain's file holds; parsed again only when the file is no longer the one that was parsed.
+// The contents of the domain's file; parsed again only when the file is no longer the one that was parsed.
 const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain, Seen* seen) try {
     const bool isSeen = seen && seen->contains(domain);
     auto known = domains_.find(domain);
@@ -217,7 +217,8 @@ void PlistFileStore::saveLocked(const std::string& domain, const Values& values)
     const fs::path file = fileOf(directory_, domain);
     try {
         const std::string text = textOf(values);
-        // What could not be read again could not be put back either. A small binary file can be a large text.
+        // A file that could not be read again could not be put back either. A small binary file can be a
+        // large text.
         if (text.size() > mostBytes)
             throw unwritable(file, fmt::format("it would hold more than {} bytes", mostBytes));
         replaceFile(file, text, Durability::readersOnly);

@@ -1,4 +1,4 @@
-// What a preference is named by.
+// The name of a preference.
 #pragma once
 
 #include <set>

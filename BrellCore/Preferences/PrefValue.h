@@ -50,7 +50,7 @@ struct PrefValue {
 // The word for a property list that fromPropertyList refuses: "dictionary", "array (not all strings)", ...
 std::string propertyListTypeName(const PlistValue& object);
 
-// What a store holds for a key.
+// The value that a store holds for a key.
 struct StoredValue {
     std::optional<PrefValue> value;
 

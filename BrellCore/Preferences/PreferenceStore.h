@@ -16,10 +16,10 @@ class PreferenceReader {
 public:
     virtual ~PreferenceReader();
 
-    // What is stored for the current user on any host in exactly this domain: no global domain, no managed
+    // The value stored for the current user on any host in exactly this domain: no global domain, no managed
     // and no per-host values.
     virtual StoredValue exactValue(const PrefKey& key) = 0;
-    // What an application of the domain sees after the platform's whole search.
+    // The value that an application of the domain sees after the platform's whole search.
     virtual StoredValue effectiveValue(const PrefKey& key) = 0;
     // A value for this host only, which hides the ordinary one.
     virtual bool hasByHostValue(const PrefKey& key) = 0;

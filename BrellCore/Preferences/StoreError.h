@@ -1,4 +1,4 @@
-// What a preference store raises.
+// The errors that a preference store raises.
 #pragma once
 
 #include <string>

@@ -20,7 +20,7 @@ struct DefaultsApplication {
 // A value may hold for every machine that the user logs in to, or for this one only.
 enum class HostScope { any, current };
 
-// What no property list holds; only its name is of use.
+// A value that no property list holds; only its name is of use.
 struct ForeignObject {
     std::string typeWord;
     bool operator==(const ForeignObject&) const = default;
@@ -34,12 +34,12 @@ class UserDefaultsCalls {
 public:
     virtual ~UserDefaultsCalls();
 
-    // What is stored for exactly this application and these machines; nothing when nothing is. Readings may
+    // The value stored for exactly this application and these machines; nothing when nothing is. Readings may
     // be as old as the last synchronize.
     virtual std::optional<DefaultsObject> copyValue(const std::string& key,
                                                     const DefaultsApplication& application,
                                                     HostScope hosts) = 0;
-    // What the application sees after the platform's whole search.
+    // The value that the application sees after the platform's whole search.
     virtual std::optional<DefaultsObject> copyAppValue(const std::string& key,
                                                        const DefaultsApplication& application) = 0;
     virtual bool appValueIsForced(const std::string& key, const DefaultsApplication& application) = 0;

@@ -1,4 +1,4 @@
-// Whether Spotlight indexes each volume. Only reads.
+// Spotlight's indexing of each volume, which is only read.
 #pragma once
 
 #include <filesystem>

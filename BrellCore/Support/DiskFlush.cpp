@@ -13,7 +13,7 @@ namespace brell {
 
 namespace {
 
-// What file systems answer to a request that they do not know.
+// The errors by which file systems answer a request that they do not know.
 bool saysNotSupported(int code) {
     const auto answers = {ENOTSUP, EOPNOTSUPP, ENOTTY, EINVAL, ENOSYS};
     return std::find(answers.begin(), answers.end(), code) != answers.end();

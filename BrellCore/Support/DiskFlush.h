@@ -13,9 +13,9 @@ namespace brell {
 // False when the system reports that it did not get there; errno says why.
 bool flushToDisk(const UniqueFd& file);
 
-// What flushToDisk makes of the flushes that a system has, the most thorough first; each answers as fsync
-// does. One that is interrupted is tried again, one that is not supported gives way to the next, and every
-// other answer is the last word.
+// The order in which flushToDisk tries the flushes that a system has, the most thorough first; each answers
+// as fsync does. One that is interrupted is tried again, one that is not supported gives way to the next, and
+// every other answer is the last word.
 bool firstSupportedFlush(std::initializer_list<std::function<int()>> flushes);
 
 // Brings the names in this folder to the disk. Best effort: some file systems refuse it.

@@ -1,4 +1,4 @@
-// What went wrong is a plain record that callers compare and switch on; the exception only carries it.
+// A failure is a plain record that callers compare and switch on; the exception only carries it.
 #pragma once
 
 #include <stdexcept>

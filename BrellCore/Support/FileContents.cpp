@@ -83,7 +83,7 @@ std::optional<FileIdentity> identityOf(const fs::path& path) {
 }
 
 std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding) {
-    // Without waiting: opening a named pipe would otherwise last until somebody writes to it.
+    // Without waiting: opening a named pipe would otherwise last until a program writes to it.
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file && saysThatNothingIsThere(errno)) {
         checkNoLinkAt(path);

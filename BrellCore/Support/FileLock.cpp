@@ -26,7 +26,7 @@ std::runtime_error notOrdinary(const fs::path& file) {
     return std::runtime_error(file.string() + ": it is not an ordinary file");
 }
 
-// Why it could not be opened: never through a link, which somebody may have planted.
+// Why it could not be opened: never through a link, which another program may have planted.
 [[noreturn]] void throwWhyNotOpened(const fs::path& file) {
     const std::system_error error = failure(file);
     std::error_code unknown;
@@ -45,7 +45,7 @@ UniqueFd openLockFile(const fs::path& file) {
     return opened;
 }
 
-// False when somebody removed the file after it was opened: a lock on it would exclude nobody. Throws when
+// False when the file was removed after it was opened: a lock on it would exclude nobody. Throws when
 // the system can't say: waiting for another holder would not help.
 bool isStillAt(const fs::path& file, const UniqueFd& descriptor) {
     struct stat opened, named;

@@ -21,7 +21,7 @@ public:
 
     const std::filesystem::path& file() const { return path_; }
 
-    // False when somebody removed the file since: another one may be locked in its place. Throws
+    // False when the file was removed since: another one may be locked in its place. Throws
     // std::runtime_error when the system can't say.
     bool stillExcludes() const;
 

@@ -24,7 +24,7 @@ inline simdjson::ondemand::document startReading(simdjson::ondemand::parser& par
 // std::runtime_error.
 void checkWellFormed(simdjson::ondemand::value value, int levels = 64);
 
-// The integer under "format" of a whole JSON object; nothing when it has none, or two. What else is in the
+// The integer under "format" of a whole JSON object; nothing when it has none, or two. Anything else in the
 // object does not matter, be it more than anybody here can read: so that a newer file counts as newer and not
 // as broken.
 std::optional<std::int64_t> formatOf(const std::string& padded);
@@ -37,7 +37,7 @@ public:
     constexpr KnownKeys(const std::array<std::string_view, count>& keys, std::size_t required)
         : keys_(keys), required_(required) {}
 
-    // Whether it is one of them.
+    // True for one of them.
     bool met(std::string_view key) {
         for (std::size_t i = 0; i < count; ++i) {
             if (keys_[i] != key) continue;

@@ -89,7 +89,7 @@ void JsonWriter::newLine() {
     text_.append(static_cast<std::size_t>(depth_) * 2, ' ');
 }
 
-// What could steer the terminal of somebody who prints the file is written as an escape.
+// Characters that could steer a terminal which shows the file are written as escapes.
 void JsonWriter::quoted(std::string_view text) {
     text_ += '"';
     while (!text.empty()) {

@@ -1,4 +1,4 @@
-// Whether others than this user could have written what a file holds.
+// The check whether others than this user could have written what a file holds.
 #pragma once
 
 #include <sys/types.h>

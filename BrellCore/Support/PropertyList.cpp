@@ -14,7 +14,7 @@ std::vector<const PlistEntry*> sortedByKey(const PlistDictionary& dictionary) {
     sorted.reserve(dictionary.entries.size());
     for (const PlistEntry& entry : dictionary.entries) sorted.push_back(&entry);
     const auto before = [](const PlistEntry* one, const PlistEntry* other) { return one->key < other->key; };
-    // What we have written is in order.
+    // A text of our own writing is in order.
     if (!std::is_sorted(sorted.begin(), sorted.end(), before))
         std::sort(sorted.begin(), sorted.end(), before);
     return sorted;

@@ -97,7 +97,7 @@ std::string writeXmlPropertyList(const PlistValue& value);
 // twice; and for more levels or values than are read.
 std::string writeBinaryPropertyList(const PlistValue& value);
 
-// Whether the XML form can hold this text: UTF-8 without U+FFFE, U+FFFF and control characters other than
+// True when the XML form can hold this text: UTF-8 without U+FFFE, U+FFFF and control characters other than
 // tab, line feed and carriage return.
 bool isXmlText(std::string_view text);
 

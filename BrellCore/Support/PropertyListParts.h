@@ -1,4 +1,4 @@
-// What the readers and writers of property lists share. For them alone.
+// The parts that the readers and writers of property lists share. For them alone.
 #pragma once
 
 #include <fmt/format.h>

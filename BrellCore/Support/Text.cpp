@@ -169,7 +169,7 @@ std::string firstNames(const std::vector<std::string>& names) {
 
 std::string fileUrl(std::string_view absolutePath) {
     constexpr char hex[] = "0123456789ABCDEF";
-    // What a path may hold as it stands; the platform's own file URLs leave these, too.
+    // Characters that a path may hold as they stand; the platform's own file URLs leave these, too.
     constexpr std::string_view plain =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/!$&'()*+,:=@";
     std::string url = "file://";

@@ -26,8 +26,9 @@ constexpr bool isPrintableAscii(char c) {
     return c >= 0x20 && c < 0x7F;
 }
 
-// Whether the character does more to a terminal, or to a line, than stand in it: controls, line and paragraph
-// separators, marks that turn the direction of the text, blanks without a width. All lie below U+10000.
+// True when the character does more to a terminal, or to a line, than stand in it: controls, line and
+// paragraph separators, marks that turn the direction of the text, blanks without a width. All lie below
+// U+10000.
 constexpr bool steersATerminal(std::int32_t codePoint) {
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x061C ||
            codePoint == 0x200B || codePoint == 0x200E || codePoint == 0x200F ||

@@ -1,4 +1,4 @@
-// What the text inside the elements of the XML form means.
+// The meaning of the text inside the elements of the XML form.
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-// What an entity stands for, given what is between "&" and ";".
+// The text that an entity stands for, given what is between "&" and ";".
 std::optional<std::int32_t> entityCharacter(std::string_view name) {
     constexpr std::pair<std::string_view, char> named[] = {
         {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};

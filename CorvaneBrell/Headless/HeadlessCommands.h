@@ -1,4 +1,4 @@
-// What the program does without a window, for scripts and automated checks: one line of text for each result,
+// The program's work without a window, for scripts and automated checks: one line of text for each result,
 // and an exit status.
 #pragma once
 
@@ -21,8 +21,8 @@ inline constexpr int cannotStart = 2;  // nothing was tried
 
 namespace HeadlessCommands {
 
-// Performs what the options ask for and gives the exit status; nothing when they ask for nothing. What could
-// stand in the way of a change is said to warnings before the first one.
+// Performs what the options ask for and gives the exit status; nothing when they ask for nothing. A thing
+// that could stand in the way of a change is said to warnings before the first one.
 std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out,
                                   std::ostream& warnings = std::cerr);
 

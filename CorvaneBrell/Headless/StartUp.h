@@ -12,7 +12,7 @@ struct StartUp {
     std::optional<int> ended;  // the exit status of a run that is over already
 };
 
-// Reads the words of the command line and carries out what they ask for without a window. What there is to
+// Reads the words of the command line and carries out what they ask for without a window. All there is to
 // say goes to standard output and standard error.
 StartUp startUp(int argc, const char* const* argv);
 

@@ -1,4 +1,4 @@
-// What there is to see of the window: every page, a search, open details, the bars and every sheet.
+// Everything there is to see of the window: every page, a search, open details, the bars and every sheet.
 #pragma once
 
 #include <functional>

@@ -5,7 +5,7 @@
 
 namespace brell {
 
-// Whether the file is locked, as by the box "Locked" in Finder. Always false off macOS.
+// True when the file is locked, as by the box "Locked" in Finder. Always false off macOS.
 bool isLocked(const struct stat& status);
 
 }  // namespace brell

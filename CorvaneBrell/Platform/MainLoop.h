@@ -6,8 +6,8 @@
 
 namespace brell {
 
-// Calls come one at a time on the main thread, never from inside the function that asked for them. Whoever
-// asks sees to it that a call that comes after the end of its receiver does nothing.
+// Calls come one at a time on the main thread, never from inside the function that asked for them. An object
+// that asks sees to it that a call that comes after the end of its receiver does nothing.
 class MainLoop {
 public:
     virtual ~MainLoop() = default;

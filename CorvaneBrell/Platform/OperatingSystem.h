@@ -1,4 +1,4 @@
-// What the operating system says about itself and the user.
+// The operating system's words about itself and the user.
 #pragma once
 
 #include <filesystem>
@@ -16,18 +16,18 @@ struct OperatingSystemVersion {
     bool operator==(const OperatingSystemVersion&) const = default;
 };
 
-// Of the running system; off macOS of its kernel. What can't be read counts as 0.
+// Of the running system; off macOS of its kernel. A part that can't be read counts as 0.
 OperatingSystemVersion currentOSVersion();
 
 // The numbers at the start of a text such as "26.1" or "6.1.0-18-amd64".
 OperatingSystemVersion parseOSVersion(const std::string& text);
 
-// What macOS wrote down about itself in this property list: the true version, whatever a program is told
-// about it. Nothing when the file does not say.
+// The version that macOS wrote down about itself in this property list: the true version, whatever a program
+// is told about it. Nothing when the file does not say.
 std::optional<OperatingSystemVersion> versionInFile(const std::filesystem::path& file);
 
-// What a version told by macOS really is: the release after 15 is 26, and programs made with older tools are
-// told that it is 16.
+// The true version behind one told by macOS: the release after 15 is 26, and programs made with older tools
+// are told that it is 16.
 OperatingSystemVersion releasedVersion(OperatingSystemVersion told);
 
 // The user's home folder, an absolute path without a slash at its end; empty when nothing names one. On macOS
@@ -35,7 +35,7 @@ OperatingSystemVersion releasedVersion(OperatingSystemVersion told);
 // elsewhere HOME does.
 std::filesystem::path homeFolder();
 
-// What each of the two names; empty when it names no absolute path.
+// The folder that each of the two names; empty when it names no absolute path.
 std::filesystem::path homeInEnvironment();
 std::filesystem::path homeInUserDatabase();
 

@@ -44,7 +44,7 @@ public:
         NSURL* application = [NSURL fileURLWithFileSystemRepresentation:path.c_str()
                                                             isDirectory:YES
                                                           relativeToURL:nil];
-        // The answer comes on a thread of the platform's. What it says does not count: the instance is looked
+        // The answer comes on a thread of the platform's. Its words do not count: the instance is looked
         // for.
         [NSWorkspace.sharedWorkspace openApplicationAtURL:application
                                             configuration:[NSWorkspaceOpenConfiguration configuration]

@@ -1,5 +1,5 @@
-// What the sample Mac's launchd knows: the jobs it has loaded and the user's overrides, kept in one file, so
-// that separate processes see each other's changes.
+// The knowledge of the sample Mac's launchd: the jobs it has loaded and the user's overrides, kept in one
+// file, so that separate processes see each other's changes.
 #pragma once
 
 #include <cstdint>

@@ -50,7 +50,7 @@ void addAgentFile(const SampleContents::SampleAgent& agent, const fs::path& home
     }
 }
 
-// What launchd knows after the last login.
+// launchd's knowledge after the last login.
 void addKnowledge(LaunchdState& state, const SampleContents::SampleAgent& agent, const fs::path& root,
                   const fs::path& file) {
     const LaunchAgentPlist plist = LaunchAgentPlist::read(file);

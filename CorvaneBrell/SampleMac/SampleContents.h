@@ -1,4 +1,4 @@
-// What the sample Mac holds when it is new.
+// The contents of a new sample Mac.
 #pragma once
 
 #include <filesystem>
@@ -11,9 +11,9 @@
 
 namespace brell::SampleContents {
 
-// To be held by whoever adds something. Raises std::runtime_error when another process is at it for long.
+// To be held while something is added. Raises std::runtime_error when another process is at it for long.
 FileLock lock(const std::filesystem::path& root);
-// Whether somebody has held that lock in this folder, so that it is a sample Mac or is becoming one.
+// True when a program has held that lock in this folder, so that it is a sample Mac or is becoming one.
 bool hasBegun(const std::filesystem::path& root);
 
 // All of these leave files alone that are there already. root is the Mac's folder without links.
@@ -24,7 +24,7 @@ void addVolumes(const std::filesystem::path& root);
 
 std::filesystem::path taskDumpFile(const std::filesystem::path& root);
 
-// What `mdutil -s` prints about a volume; nothing when there is no such volume.
+// The text that `mdutil -s` prints about a volume; nothing when there is no such volume.
 std::optional<std::string> mdutilAnswer(std::string_view volume);
 
 }  // namespace brell::SampleContents

@@ -25,7 +25,7 @@ public:
     static constexpr std::uint32_t uid = 501;
     static constexpr bool isAdmin = true;  // so that the user may see the database of background tasks
 
-    // Whether nothing is in this folder, so that opening it would fill it.
+    // True when nothing is in this folder, so that opening it would fill it.
     static bool isNew(const std::filesystem::path& folder);
 
     // Opens the Mac in this folder (an absolute path). One that is absent or empty is filled first; what a

@@ -7,7 +7,8 @@ namespace brell {
 
 namespace {
 
-// What its user has set in the years before Brell came, some of it with the same keys, some with others.
+// The settings that its user has made in the years before Brell came, some of it with the same keys, some
+// with others.
 const std::vector<std::pair<PrefKey, PrefValue>>& livedInPreferences() {
     static const std::vector<std::pair<PrefKey, PrefValue>> preferences{
         {{"com.apple.finder", "ShowPathbar"}, true},

@@ -35,7 +35,7 @@ public:
     void launchAnother(const std::string& bundleIdentifier);
     void endAll(const std::string& bundleIdentifier);  // as in a crash
 
-    // What was asked for, in order: "quit com.apple.dock", "open /System/Library/CoreServices/Dock.app".
+    // The requests so far, in order: "quit com.apple.dock", "open /System/Library/CoreServices/Dock.app".
     std::vector<std::string> requests;
 
 private:

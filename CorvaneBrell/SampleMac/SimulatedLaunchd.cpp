@@ -48,7 +48,7 @@ bool isLeaving(const SimulatedJob& job) {
     return job.state == leavingState;
 }
 
-// What launchd makes of a job right after loading it.
+// The state of a job right after launchd has loaded it.
 void start(SimulatedJob& job, const LaunchAgentPlist& plist, const JobBehaviour& behaviour,
            LaunchdState& state) {
     job.state = "not running";

@@ -40,7 +40,7 @@ private:
     const std::uint32_t uid_;
 };
 
-// What launchd runs for a job: its arguments, or its program alone.
+// The command line that launchd runs for a job: its arguments, or its program alone.
 std::vector<std::string> commandLine(const LaunchAgentPlist& plist);
 
 }  // namespace brell

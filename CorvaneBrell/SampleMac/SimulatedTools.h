@@ -15,7 +15,7 @@
 
 namespace brell {
 
-// What goes wrong with one command.
+// A fault of one command.
 struct ToolFault {
     bool takesEffect;
     std::optional<CommandResult> answer;  // nothing: it does not end and is stopped
