@@ -10,13 +10,14 @@
 #include <vector>
 
 #include "BrellCore/Background/CommandRunning.h"
-#include "BrellCore/Preferences/PreferenceStore.h"
 #include "CorvaneBrell/LaunchOptions.h"
 #include "CorvaneBrell/Platform/MainLoop.h"
 #include "CorvaneBrell/Platform/OperatingSystem.h"
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
+
+class PreferenceStore;
 
 struct Machine {
     std::filesystem::path home;

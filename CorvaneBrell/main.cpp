@@ -12,6 +12,7 @@
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Headless/HeadlessCommands.h"
 #include "CorvaneBrell/Headless/StartUp.h"
+#include "CorvaneBrell/Machine.h"
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Version.h"
 #include "CorvaneBrell/Window/Appearance.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/DryRunStore.h"
 #include "CorvaneBrell/SafetyCheck.h"
 
@@ -90,6 +91,26 @@ AppModel::~AppModel() {
     readings_.end();
     questions_.end();
     firstTaskList_.end();
+}
+
+const LaunchOptions& AppModel::options() const {
+    return deps_->options;
+}
+
+const TweakCatalog& AppModel::catalog() const {
+    return deps_->catalog;
+}
+
+std::vector<const Tweak*> AppModel::offeredTweaks() const {
+    return catalog().available(deps_->macOSMajor());
+}
+
+std::string AppModel::macOSVersion() const {
+    return deps_->machine.osVersion.text();
+}
+
+void AppModel::keepMacOS() {
+    own_.keepMacOS(deps_->machine.osVersion);
 }
 
 std::optional<std::string> AppModel::whyNothingReal() const {

@@ -15,7 +15,7 @@
 
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
-#include "CorvaneBrell/Dependencies.h"
+#include "CorvaneBrell/LaunchOptions.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/Lane.h"
 #include "CorvaneBrell/Model/ObservedState.h"
@@ -26,6 +26,8 @@
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
+
+struct Dependencies;
 
 // The main thread makes, uses and destroys it; nothing here blocks that after the first look at everything.
 // The lanes do the work and can't reach the state; a change of the state is announced when it is made. What
@@ -42,14 +44,14 @@ public:
 
     using ObservedState::setObserver;
     using ObservedState::state;
-    const LaunchOptions& options() const { return deps_->options; }  // after the fallback
-    const TweakCatalog& catalog() const { return deps_->catalog; }
-    std::vector<const Tweak*> offeredTweaks() const { return catalog().available(deps_->macOSMajor()); }
-    std::string macOSVersion() const { return deps_->machine.osVersion.text(); }
+    const LaunchOptions& options() const;  // after the fallback
+    const TweakCatalog& catalog() const;
+    std::vector<const Tweak*> offeredTweaks() const;
+    std::string macOSVersion() const;
     // The one asked for, or the user's, also where a throw-away journal had to take its place.
     const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
     OwnPreferences& ownPreferences() { return own_; }
-    void keepMacOS() { own_.keepMacOS(deps_->machine.osVersion); }  // as the one under which Brell last ran
+    void keepMacOS();  // as the one under which Brell last ran
     const TweakSearch& search() const { return search_; }
 
     // Says why no action changes anything real; nothing when changes are real.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppModel.h"
 
 namespace brell {

@@ -1,5 +1,6 @@
 // Readings with the system's tools, and those that the user waits for.
 
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppModel.h"
 
 namespace fs = std::filesystem;

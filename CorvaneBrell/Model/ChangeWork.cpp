@@ -7,6 +7,7 @@
 #include "BrellCore/Engine/KeysHold.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/PendingRelaunches.h"
 
 namespace brell {
@@ -39,6 +40,13 @@ std::optional<std::string> renderedNow(const Tweak& tweak, PreferenceReader& pre
 
 std::string leftOut(const std::vector<std::string>& ids, std::string_view reason) {
     return "Left out, because " + std::string(reason) + ": " + firstNames(ids) + ".";
+}
+
+TweakEngine::Progress goOn(Progress& progress) {
+    return [&progress](std::size_t done, std::size_t total) {
+        progress.tell(done, total);
+        return !progress.isEnding();
+    };
 }
 
 // One step of several: the others are taken all the same.
@@ -205,7 +213,7 @@ ChangeOutcome ChangeWork::recover() {
         outcome.agentsTouched = outcome.agentsTouched || entry.agent;
         noteKeys(outcome, entry.tweakID);
     }
-    const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn());
+    const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn(progress_));
     outcome.restored = deps_.journal->entries(recovered.restored);
     for (const auto& [id, message] : recovered.failed) outcome.recoveryFailures->push_back(message);
     return finished(std::move(outcome));
@@ -293,7 +301,8 @@ bool ChangeWork::restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry
 void ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
                                  const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then) {
     for (const JournalEntry& entry : entries) noteBefore(outcome, entry);
-    const RestoreAllOutcome restored = deps_.engine.restoreSelected(idsOf(entries), confirmed, goOn());
+    const RestoreAllOutcome restored =
+        deps_.engine.restoreSelected(idsOf(entries), confirmed, goOn(progress_));
     outcome.restored = deps_.journal->entries(restored.restored);
     for (const auto& [id, message] : restored.failed) outcome.failures.push_back(message);
     if (!restored.skippedDrifted.empty())
@@ -353,13 +362,6 @@ bool ChangeWork::isAsShown(const DriftedEntry& shown) {
 bool ChangeWork::asksForDrift(const JournalEntry& entry) {
     return entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
            hasDrifted(entry, deps_.store);
-}
-
-TweakEngine::Progress ChangeWork::goOn() {
-    return [this](std::size_t done, std::size_t total) {
-        progress_.tell(done, total);
-        return !progress_.isEnding();
-    };
 }
 
 // Reads what a change came to, while nothing else changes.

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeOutcome.h"
 #include "CorvaneBrell/Model/Progress.h"
 
 namespace brell {
+
+struct Dependencies;
 
 // The agent of a change, to be switched once more. Raises std::exception when its file can't be read.
 LaunchAgentRecord switchedAgent(const AgentCapture& before);
@@ -59,7 +60,6 @@ private:
     void ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request);
     bool isAsShown(const DriftedEntry& shown);
     bool asksForDrift(const JournalEntry& entry);
-    TweakEngine::Progress goOn();
     ChangeOutcome finished(ChangeOutcome outcome);
 
     Dependencies& deps_;

@@ -14,11 +14,12 @@
 #include <thread>
 #include <type_traits>
 
-#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/Progress.h"
 #include "CorvaneBrell/Platform/MainLoop.h"
 
 namespace brell {
+
+struct Dependencies;
 
 // A job's value, or the text of the error that ended it.
 template <class Value>

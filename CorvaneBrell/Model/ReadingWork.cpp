@@ -9,6 +9,7 @@
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ValueWords.h"
 

@@ -10,11 +10,13 @@
 #include <vector>
 
 #include "BrellCore/Catalog/Presets.h"
-#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppState.h"
 #include "CorvaneBrell/Model/Progress.h"
 
 namespace brell {
+
+class AgentToggle;
+struct Dependencies;
 
 // One look at everything.
 struct Everything {

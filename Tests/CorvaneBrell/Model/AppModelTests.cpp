@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/TweakRowState.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/BigHome.h"

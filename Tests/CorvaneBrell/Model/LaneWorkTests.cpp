@@ -6,6 +6,7 @@
 
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
