@@ -88,19 +88,15 @@ void applyBare(const JournalFiles& files, const Stages& stages) {
 
 }  // namespace
 
-int main() try {
-    const bare::ScratchFolder oursFolder, bareFolder;
-    const JournalFiles oursFiles(oursFolder.path), bareFiles(bareFolder.path);
-    Ours ours(oursFiles);
-    ours.applyOnceAndNote();
-    std::filesystem::copy(oursFolder.path, bareFolder.path, std::filesystem::copy_options::recursive);
-
-    PairReport report;
-    report.compare(
-        {.name = "apply one tweak", .limit = 1.15, .pairs = 101, .prepare = [&] { ours.restart(); }},
-        [&] { ours.apply(); }, [&] { applyBare(bareFiles, ours.stages); });
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return measured([](PairReport& report) {
+        const bare::ScratchFolder oursFolder, bareFolder;
+        const JournalFiles oursFiles(oursFolder.path), bareFiles(bareFolder.path);
+        Ours ours(oursFiles);
+        ours.applyOnceAndNote();
+        std::filesystem::copy(oursFolder.path, bareFolder.path, std::filesystem::copy_options::recursive);
+        report.compare(
+            {.name = "apply one tweak", .limit = 1.15, .pairs = 101, .prepare = [&] { ours.restart(); }},
+            [&] { ours.apply(); }, [&] { applyBare(bareFiles, ours.stages); });
+    });
 }

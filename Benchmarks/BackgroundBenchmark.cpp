@@ -124,13 +124,10 @@ void compareCommand(PairReport& report) {
 
 }  // namespace
 
-int main() try {
-    PairReport report;
-    compareDump(report);
-    compareMerge(report);
-    compareCommand(report);
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return measured([](PairReport& report) {
+        compareDump(report);
+        compareMerge(report);
+        compareCommand(report);
+    });
 }

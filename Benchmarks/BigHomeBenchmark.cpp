@@ -174,16 +174,13 @@ void compareWindow(Growth& growth) {
 
 }  // namespace
 
-int main(int argc, char** argv) try {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::setenv("QT_LOGGING_RULES", "default.warning=false", 1);  // what this platform lacks is no news
-    const QApplication app(argc, argv);
-    PairReport report;
-    Growth growth(report, 1'000);
-    compareReading(growth);
-    compareWindow(growth);
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main(int argc, char** argv) {
+    return measured([&](PairReport& report) {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("QT_LOGGING_RULES", "default.warning=false", 1);  // what this platform lacks is no news
+        const QApplication app(argc, argv);
+        Growth growth(report, 1'000);
+        compareReading(growth);
+        compareWindow(growth);
+    });
 }

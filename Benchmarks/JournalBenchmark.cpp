@@ -102,16 +102,13 @@ void compareRebuilding(PairReport& report) {
 
 }  // namespace
 
-int main() try {
-    PairReport report;
-    compareUpsert(report, 50, 1.15);
-    compareUpsert(report, 1'000, 1.2);
-    compareUpsert(report, 10'000, 1.25);
-    compareOpening(report);
-    compareHistory(report);
-    compareRebuilding(report);
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return measured([](PairReport& report) {
+        compareUpsert(report, 50, 1.15);
+        compareUpsert(report, 1'000, 1.2);
+        compareUpsert(report, 10'000, 1.25);
+        compareOpening(report);
+        compareHistory(report);
+        compareRebuilding(report);
+    });
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <string>
 #include <utility>
@@ -113,5 +114,16 @@ private:
 
     bool missed_ = false;
 };
+
+// The exit status of a benchmark, once the comparisons are in the report; 2 when they could not be made.
+template <typename Comparisons>
+int measured(Comparisons compare) try {
+    PairReport report;
+    compare(report);
+    return report.exitStatus();
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 2;
+}
 
 }  // namespace brell

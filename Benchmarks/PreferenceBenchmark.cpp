@@ -42,16 +42,13 @@ void compareWriting(PairReport& report, PlistFileStore& store, const std::string
 
 }  // namespace
 
-int main() try {
-    const bare::ScratchFolder folder;
-    PlistFileStore store(folder.path, {domain});
-    fill(store);
-    const std::string file = folder.path / (domain + ".plist");
-    PairReport report;
-    compareReading(report, store, file);
-    compareWriting(report, store, file);
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return measured([](PairReport& report) {
+        const bare::ScratchFolder folder;
+        PlistFileStore store(folder.path, {domain});
+        fill(store);
+        const std::string file = folder.path / (domain + ".plist");
+        compareReading(report, store, file);
+        compareWriting(report, store, file);
+    });
 }

@@ -5,18 +5,14 @@
 #include "Benchmarks/Pairs.h"
 #include "Benchmarks/RunToEnd.h"
 
-int main() try {
-    const brell::bare::ScratchFolder folder;
-    brell::PairReport report;
-    report.compare(
-        {.name = "status of all tweaks, whole process", .limit = 2, .pairs = 201},
-        [&] {
-            brell::bare::runToEnd({BRELL_PROGRAM, "--status-json", "--journal-directory", folder.path});
-        },
-        [] { brell::bare::runToEnd({BRELL_EMPTY_PROGRAM}); });
-
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return brell::measured([](brell::PairReport& report) {
+        const brell::bare::ScratchFolder folder;
+        report.compare(
+            {.name = "status of all tweaks, whole process", .limit = 2, .pairs = 201},
+            [&] {
+                brell::bare::runToEnd({BRELL_PROGRAM, "--status-json", "--journal-directory", folder.path});
+            },
+            [] { brell::bare::runToEnd({BRELL_EMPTY_PROGRAM}); });
+    });
 }

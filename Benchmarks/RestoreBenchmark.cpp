@@ -82,26 +82,22 @@ void restoreBare(const JournalFiles& files, const std::vector<JournalEntry>& ent
 
 }  // namespace
 
-int main() try {
-    const bare::ScratchFolder oursFolder, bareFolder;
-    const JournalFiles oursFiles(oursFolder.path), bareFiles(bareFolder.path);
-    Ours ours(oursFiles);
-    fs::copy(oursFolder.path, bareFolder.path, fs::copy_options::recursive);
-    Bytes bytes{bare::read(oursFiles.journal),
-                historyLineText(systemNow(), ours.entries.front()),
-                bare::read(oursFiles.script),
-                {}};
-    for (const std::string& domain : TweakCatalog::allowedDomains())
-        if (fs::exists(oursFiles.preferenceFile(domain)))
-            bytes.preferences.emplace(bareFiles.preferenceFile(domain),
-                                      bare::read(oursFiles.preferenceFile(domain)));
-
-    PairReport report;
-    report.compare(
-        {.name = "undo every tweak", .limit = 1.12, .prepare = [&] { ours.restart(); }},
-        [&] { ours.restoreAll(); }, [&] { restoreBare(bareFiles, ours.entries, bytes); });
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return measured([](PairReport& report) {
+        const bare::ScratchFolder oursFolder, bareFolder;
+        const JournalFiles oursFiles(oursFolder.path), bareFiles(bareFolder.path);
+        Ours ours(oursFiles);
+        fs::copy(oursFolder.path, bareFolder.path, fs::copy_options::recursive);
+        Bytes bytes{bare::read(oursFiles.journal),
+                    historyLineText(systemNow(), ours.entries.front()),
+                    bare::read(oursFiles.script),
+                    {}};
+        for (const std::string& domain : TweakCatalog::allowedDomains())
+            if (fs::exists(oursFiles.preferenceFile(domain)))
+                bytes.preferences.emplace(bareFiles.preferenceFile(domain),
+                                          bare::read(oursFiles.preferenceFile(domain)));
+        report.compare(
+            {.name = "undo every tweak", .limit = 1.12, .prepare = [&] { ours.restart(); }},
+            [&] { ours.restoreAll(); }, [&] { restoreBare(bareFiles, ours.entries, bytes); });
+    });
 }

@@ -6,19 +6,16 @@
 #include "Benchmarks/Pairs.h"
 #include "Benchmarks/RunToEnd.h"
 
-int main() try {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    const brell::bare::ScratchFolder folder;
-    const std::string mac = (folder.path / "mac").string();
-    brell::PairReport report;
-    report.compare(
-        {.name = "first paint of the window, whole process", .limit = 2.4},
-        [&] {
-            brell::bare::runToEnd({BRELL_FIRST_PAINT, mac});
-        },
-        [] { brell::bare::runToEnd({BRELL_FIRST_PAINT}); });
-    return report.exitStatus();
-} catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 2;
+int main() {
+    return brell::measured([](brell::PairReport& report) {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        const brell::bare::ScratchFolder folder;
+        const std::string mac = (folder.path / "mac").string();
+        report.compare(
+            {.name = "first paint of the window, whole process", .limit = 2.4},
+            [&] {
+                brell::bare::runToEnd({BRELL_FIRST_PAINT, mac});
+            },
+            [] { brell::bare::runToEnd({BRELL_FIRST_PAINT}); });
+    });
 }
