@@ -1,5 +1,6 @@
 #include "BrellCore/Engine/Report.h"
 
+#include <algorithm>
 #include <functional>
 #include <set>
 
@@ -15,9 +16,11 @@ bool isLetterOrDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// Viewers make links of these, and not of file URLs.
+// Viewers make links of these, however they are written, and not of file URLs.
 bool beginsAddress(std::string_view before) {
-    return before.ends_with("http:") || before.ends_with("https:") || before.ends_with("ftp:");
+    constexpr std::size_t longest = std::string_view("https:").size();
+    const std::string end = lowerCaseAscii(before.substr(before.size() - std::min(before.size(), longest)));
+    return end.ends_with("http:") || end.ends_with("https:") || end.ends_with("ftp:");
 }
 
 // True for a character that would end its cell, or begin a link, an image, HTML or what reads as another
@@ -26,7 +29,8 @@ bool isMarkup(std::string_view rest, std::string_view before, bool isFirstOfItsK
     const char next = rest.size() > 1 ? rest[1] : ' ';
     switch (rest.front()) {
         case '|':
-        case '<': return true;
+        case '<':
+        case '`': return true;  // between two of which a backslash would stand for itself
         case '\\': return isPrintableAscii(next) && next != ' ' && !isLetterOrDigit(next);
         case '&': return next == '#' || isLetterOrDigit(next);
         case '(': return before.ends_with(']');
@@ -35,7 +39,6 @@ bool isMarkup(std::string_view rest, std::string_view before, bool isFirstOfItsK
         // These only work in pairs: the first of a kind stays as it is.
         case '*':
         case '_':
-        case '`':
         case '~': return !isFirstOfItsKind;
         default: return false;
     }

@@ -43,7 +43,8 @@ TEST_F(ReportTest, ValuesReadAsTheyAreAndNothingInThemIsMarkup) {
         {"![i](http://x)", "![i]\\(http:\\//x)"},
         {"<img src=x> &lt; &#60;", "\\<img src=x> \\&lt; \\&#60;"},
         {"www.x.org", "www\\.x.org"},
-        {"**a** `b` ~~c~~ _d_", "*\\*a\\*\\* `b\\` ~\\~c\\~\\~ _d\\_"},
+        {"HTTP://x Https://y", "HTTP:\\//x Https:\\//y"},
+        {"**a** `b` ~~c~~ _d_", "*\\*a\\*\\* \\`b\\` ~\\~c\\~\\~ _d\\_"},
     };
     for (const auto& [text, cell] : cells) journal.upsert(entryOf(text, {}));
     const std::string whole = report();
