@@ -7,6 +7,7 @@
 . "$root/script/lib/package/bundle.sh"
 . "$root/script/lib/package/licenses.sh"
 . "$root/script/lib/package/image.sh"
+. "$root/script/lib/hardening.sh"
 
 otool() { echo "$2:" && tail -n +2 "$2"; }
 install_name_tool() {
@@ -192,6 +193,39 @@ testEveryLibraryBringsItsLicense() {
     expectRefusal 'holds no licence text of fmt' addLicenses "$app"
     touch "$app/Contents/Frameworks/libnew.dylib"
     expectRefusal 'no library of Homebrew'"'"'s is named libnew.dylib' addLicenses "$app"
+}
+
+# The library has all of it, as those of the system have, and can't speak for the program.
+testHardeningIsMissedWhereItWasTakenOut() {
+    if [ "$(uname -s)-$(uname -m)" != Linux-x86_64 ]; then return; fi
+    local hard=(-O2 -w -fPIE -fstack-protector-strong -fstack-clash-protection -fcf-protection
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -D_GLIBCXX_ASSERTIONS)
+    echo '#include <string.h>
+        int library(char* s, char* t) { char own[64]; strcpy(own, s); strcpy(own, t); return own[1]; }' >library.c
+    echo '#include <cstring>
+        #include <vector>
+        extern "C" int library(char*, char*);
+        int main(int count, char** words) {
+            std::vector<int> many(count);
+            char name[64], page[20000];
+            std::strcpy(name, words[0]);
+            std::memset(page, count, sizeof page);
+            return many[count - 1] + library(name, page);
+        }' >own.cpp
+    cc "${hard[@]}" -c library.c
+    expectMissing() {
+        c++ -std=c++20 "${hard[@]}" -Wl,-z,relro,-z,now own.cpp library.o "${@:2}" -o own
+        expectText "$1" "$(missingHardening own)"
+    }
+    expectMissing '' -pie
+    expectMissing 'a place in memory that changes' -no-pie
+    expectMissing "tables of addresses that can't be written" -pie -Wl,-z,norelro
+    expectMissing 'addresses that are bound at the start' -pie -Wl,-z,lazy
+    expectMissing 'stack protection' -pie -fno-stack-protector
+    expectMissing 'functions that know how large a buffer is' -pie -U_FORTIFY_SOURCE
+    expectMissing 'the checks of the C++ library' -pie -U_GLIBCXX_ASSERTIONS
+    expectMissing 'control-flow protection' -pie -fcf-protection=none
+    expectMissing 'stack-clash protection' -pie -fno-stack-clash-protection
 }
 
 runTests

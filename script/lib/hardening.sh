@@ -2,20 +2,22 @@
 # shellcheck shell=bash
 
 # missingHardening PROGRAM: a line for each thing that should make mistakes with memory harder to use, and that the
-# program does not have. Of those that are only instructions, one that can be there for no other reason is looked for.
+# program does not have. Of those that are only instructions, one that can be there for no other reason is looked for;
+# the libraries that are linked into it (of C, and pugixml) were hardened by those who built them, and tell nothing.
 missingHardening() {
-    local code names
+    local code names called
     if [ "$(uname -s)" = Darwin ]; then
         otool -hv "$1" | grep -q PIE || echo "a place in memory that changes"
         nm -u "$1" | grep -q ___stack_chk_fail || echo "stack protection"
         return
     fi
     names=$(readelf -sW --dyn-syms "$1") code=$(objdump -d --no-show-raw-insn "$1")
+    called=$(awk '/^[0-9a-f]+ </ { isOurs = $2 ~ /^<(main|_Z)/ && $2 !~ /4pugi/ } isOurs && /<__.*_chk/' <<<"$code")
     readelf -dW "$1" | grep -q 'FLAGS_1.* PIE' || echo "a place in memory that changes"
     readelf -lW "$1" | grep -q GNU_RELRO || echo "tables of addresses that can't be written"
     readelf -dW "$1" | grep -q 'FLAGS_1.* NOW' || echo "addresses that are bound at the start"
-    grep -q '__stack_chk_fail@' <<<"$names" || echo "stack protection"
-    grep -qE '__(mem|str|v?snprintf|read|f?printf|fread)[a-z]*_chk@' <<<"$names" ||
+    grep -q '<__stack_chk_fail@' <<<"$called" || echo "stack protection"
+    grep -qE '<__(mem|str|v?snprintf|read|f?printf|fread)[a-z]*_chk@' <<<"$called" ||
         echo "functions that know how large a buffer is"
     grep -q '__glibcxx_assert_fail' <<<"$names" || echo "the checks of the C++ library"
     case $(uname -m) in
