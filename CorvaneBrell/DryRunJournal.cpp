@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "CorvaneBrell/Console.h"
 #include "CorvaneBrell/Machine.h"
@@ -15,8 +16,7 @@ namespace {
 
 // As in every journal, a history that can't be read is passed over.
 void copyHistory(const fs::path& from, const fs::path& to) {
-    std::error_code passedOver;
-    fs::create_directory(to, passedOver);
+    std::error_code passedOver = createFolders(to);
     for (const fs::directory_entry& day : fs::directory_iterator(from, passedOver))
         if (day.is_regular_file(passedOver)) fs::copy_file(day, to / day.path().filename(), passedOver);
 }

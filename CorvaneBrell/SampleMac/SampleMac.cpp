@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Support/DiskFlush.h"
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 
@@ -21,7 +22,7 @@ void checkCanBeSampleMac(const fs::path& folder) {
 
 fs::path madeWithoutLinks(const fs::path& folder) try {
     checkCanBeSampleMac(folder);
-    fs::create_directories(folder);
+    if (const std::error_code failed = createFolders(folder)) throw fs::filesystem_error("", folder, failed);
     return fs::canonical(folder);
 } catch (const fs::filesystem_error& error) {
     throw std::runtime_error("The folder " + folder.string() +

@@ -164,9 +164,10 @@ TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndL
     const fs::path copies = folder.path / "copies";
     fs::create_directory(copies);
     const auto runDry = [&](const std::string& word) {
-        return runLine("TMPDIR='" + copies.string() + "' '" BRELL_PROGRAM "' --dry-run --sample-mac '" +
-                       mac.systemRoot().string() + "' --journal-directory '" + journalDirectory.string() +
-                       "' " + word + " 2>'" + (folder.path / "said").string() + "'");
+        return runLine("umask 0; TMPDIR='" + copies.string() +
+                       "' '" BRELL_PROGRAM "' --dry-run --sample-mac '" + mac.systemRoot().string() +
+                       "' --journal-directory '" + journalDirectory.string() + "' " + word + " 2>'" +
+                       (folder.path / "said").string() + "'");
     };
     EXPECT_EQ(runDry("--status-json"), (Finished{0, status}));
     EXPECT_EQ(contentsOf(folder.path / "said"), "note: The dry run works on a copy of the journal in " +
@@ -176,7 +177,9 @@ TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndL
     EXPECT_EQ(everythingIn(folder.path / "mac"), before);
     EXPECT_EQ(namesIn(copies).size(), 2u);
     for (const fs::directory_entry& copy : fs::directory_iterator(copies)) {
-        EXPECT_EQ(copy.status().permissions(), fs::perms::owner_all) << "its values are the user's alone";
+        for (const fs::path& made : {copy.path(), copy.path() / "history"})
+            EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all)
+                << "its values are the user's alone";
         EXPECT_FALSE(namesIn(copy.path() / "history").empty());
     }
 
