@@ -102,6 +102,13 @@ std::vector<std::string> putBackLines(const JournalEntry& entry) {
     return lines;
 }
 
+std::vector<std::string> againLines(const JournalEntry& entry) {
+    std::vector<std::string> lines;
+    for (const JournaledWrite& write : entry.writes)
+        lines.push_back(words(write.key) + ": again " + words(write.written));
+    return lines;
+}
+
 std::string wayBack(const JournalEntry& entry) {
     if (entry.agent) return position(*entry.agent);
     if (entry.writes.size() == 1) return words(entry.writes.front().original);

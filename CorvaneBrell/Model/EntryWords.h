@@ -20,6 +20,8 @@ std::vector<std::string> changeLines(const JournalEntry& entry);
 
 // One line for each key: "com.apple.dock autohide: back to absent". An agent's entry has none.
 std::vector<std::string> putBackLines(const JournalEntry& entry);
+// The same for a change that is made once more: "com.apple.dock autohide: again true".
+std::vector<std::string> againLines(const JournalEntry& entry);
 
 // Where an undo leads: "absent"; with several keys "autohide absent, tilesize 36"; for an agent "on".
 std::string wayBack(const JournalEntry& entry);

@@ -117,8 +117,9 @@ std::string relaunchText(const AppState& state, const TweakCatalog& catalog) {
 }
 
 std::string activityText(const Activity& activity) {
-    if (activity.total == 0) return activity.what + "…";
-    return fmt::format("{}: {} of {}", activity.what, activity.done, activity.total);
+    const std::string what = excerpt(activity.what, mostOfASentence);  // it may name a file
+    if (activity.total == 0) return what + "…";
+    return fmt::format("{}: {} of {}", what, activity.done, activity.total);
 }
 
 }  // namespace brell

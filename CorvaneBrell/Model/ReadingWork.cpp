@@ -214,10 +214,8 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
     for (const JournalEntry& entry : deps_.journal->entries(action.made))
         if (entry.isActive()) request.steps.push_back(restoreStep(entry, deps_.catalog, deps_.toggle));
     for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
-        RestoreStep step{
-            entryTitle(entry, deps_.catalog), "Again as it was changed before", {}, entry.agent.has_value()};
-        for (const JournaledWrite& write : entry.writes)
-            step.lines.push_back(write.key.rendered() + ": again " + write.written.rendered());
+        RestoreStep step{entryTitle(entry, deps_.catalog), "Again as it was changed before",
+                         againLines(entry), entry.agent.has_value()};
         if (entry.agent)
             step.lines =
                 deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))

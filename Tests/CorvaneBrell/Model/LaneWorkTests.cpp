@@ -163,6 +163,15 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     EXPECT_TRUE(undone.agentsTouched);
 }
 
+TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
+    JournalEntry entry = dependencies.journal->entry(made("dock.size")).value();
+    entry.writes[0].written = PrefValue("a\n\u202Eb");
+    entry.status = EntryStatus::restored;
+    dependencies.journal->upsert(entry);
+    EXPECT_EQ(readings.undoing({"", {}, {entry.id}}).steps.at(0).lines,
+              Texts{"com.apple.dock tilesize: again \"a  b\""});
+}
+
 TEST_F(LaneWorkTest, WhatOthersSetIsKeptWithoutWriting) {
     const Uuid reset = made("dock.autohide"), other = made("dock.size"), ours = made("finder.show_hidden");
     const auto switched =

@@ -75,10 +75,10 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
                                    waiting}));
     EXPECT_EQ(doneNotices(state), Notices{});
 
-    state.relaunchActivity = Activity{"Relaunching"};
+    state.relaunchActivity = Activity{"Saving a\n\u202Eb"};
     state.fileActivity = Activity{"Restoring changes", 3, 12};
     EXPECT_EQ(standing().back(), report) << "the relaunch is under way";
-    EXPECT_EQ(activityText(*activityOf(state)), "Relaunching…");
+    EXPECT_EQ(activityText(*activityOf(state)), "Saving a  b…");
     EXPECT_EQ(activityText(*state.fileActivity), "Restoring changes: 3 of 12");
 }
 
