@@ -44,7 +44,8 @@ fs::path save(const fs::path& file, std::string_view contents, const Journal& jo
     const fs::file_status found = fs::symlink_status(file);
     if (fs::exists(found) && !fs::is_regular_file(found))
         throw std::runtime_error(file.string() + " is not an ordinary file; choose another name.");
-    replaceFile(file, contents, Durability::powerCut, 0666);
+    constexpr unsigned permissions = 0644;  // a script that others may write is a trap, whatever the umask
+    replaceFile(file, contents, Durability::powerCut, permissions);
     return file;
 }
 

@@ -1,6 +1,7 @@
 // Login items, volumes, relaunches, presets and the other pages, over the sample Mac.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -324,10 +325,14 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
 TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     const auto model = openModel();
     settled(*model)->apply("dock.autohide");
+    const mode_t before = ::umask(0);
     model->saveRestoreScript(folder.path / "saved.sh");
     model->saveReport(folder.path / "saved.md");
     EXPECT_TRUE(model->state().fileActivity) << "what takes long says what it is";
     settled(*model)->exportPreset(Presets::shipped().front(), folder.path / "saved.corvanepreset");
+    ::umask(before);
+    for (const char* name : {"saved.sh", "saved.md", "saved.corvanepreset"})
+        EXPECT_EQ(fs::status(folder.path / name).permissions(), fs::perms(0644)) << name;
     std::string script;
     settled(*model)->makeRestoreScript([&](const std::string& made) { script = made; });
     const auto behindTheDate = [](const std::string& text) { return text.substr(text.find("\n# Run it")); };
