@@ -52,6 +52,7 @@ TEST_F(SampleMacTest, HasAnItemForEveryStateThatTheListCanShow) {
     EXPECT_EQ(states, (Names{"t0?", "t0y", "t1?", "t1y", "a0y", "a1?", "a1n", "a1y", "s1?", "s1n", "s1y"}));
     EXPECT_EQ(rows.size(), 25u);
     EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [](const auto& row) { return row.isCrashLooping; }));
+    EXPECT_EQ(fs::status(mac.systemRoot()).permissions(), fs::perms::owner_all);
 }
 
 TEST_F(SampleMacTest, HasVolumesInEveryStateOfTheIndex) {
