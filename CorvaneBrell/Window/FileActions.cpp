@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include "BrellCore/Engine/Report.h"
+#include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/FileContents.h"
 #include "CorvaneBrell/Model/AppModel.h"
@@ -71,17 +72,20 @@ void showScript(const QString& script, const std::filesystem::path& file, QWidge
     window->show();
 }
 
-// The one that the last change left: without its journal no other can be made.
+// The one that the last change left: without its journal no other can be made. Where others may write, it may
+// be theirs.
 void showKeptScript(const AppModel& model, QWidget* over) try {
     constexpr std::size_t most = 64 * 1024 * 1024;
     const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
+    if (const auto reason = whyNotTrusted({file.parent_path(), file}))
+        throw std::runtime_error(*reason + ".");
     const auto kept = readFile(file, most);
     if (kept) return showScript(qt(kept->bytes), file, over->window());
     tell(
         over, QObject::tr("There is no restore script"),
         QObject::tr("%1 does not exist: no change that Brell made was still active when it was last written.")
             .arg(qt(file.string())));
-} catch (const ReadError& error) {
+} catch (const std::exception& error) {
     tell(over, QObject::tr("The restore script could not be read"), qt(error.what()));
 }
 

@@ -71,6 +71,22 @@ TEST_F(SheetsTest, ADamagedJournalIsRebuiltForTheNextWindow) {
     EXPECT_FALSE(model->state().entries.empty());
 }
 
+TEST_F(SheetsTest, ARestoreScriptThatOthersCouldHaveWrittenIsNotOffered) {
+    namespace fs = std::filesystem;
+    haveAPast();
+    const fs::path script = *options.journalDirectory / "restore.sh";
+    for (const fs::path& writable : {script, *options.journalDirectory}) {
+        setContents(*options.journalDirectory / "journal.json", "damaged");
+        fs::permissions(writable, fs::perms::others_write, fs::perm_options::add);
+        openWindow();
+        press(*window, "Show Restore Script");
+        auto* message = window->findChild<Sheet*>();
+        ASSERT_TRUE(message);
+        EXPECT_TRUE(words(*message).contains(qt(writable.string()) + " can be written by every user"));
+        fs::permissions(writable, fs::perms::others_write, fs::perm_options::remove);
+    }
+}
+
 TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     openLivedIn();
     go(Screen::loginItems);
