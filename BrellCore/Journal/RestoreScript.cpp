@@ -58,9 +58,8 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
         "#!/bin/sh",
         "# Corvane Brell restore script, written " + iso8601(writtenAt) + ".",
         "# Run it in Terminal (sh restore.sh) to put back every setting Brell changed, newest change first.",
-        "# A preference is restored only if it still holds the value Brell wrote; arrays and keys Brell "
-        "removed "
-        "are restored unconditionally.",
+        "# A preference is restored only if it still holds the value Brell wrote; "
+        "arrays and keys Brell removed are restored unconditionally.",
         "set -u",
         R"sh(restore() { domain="$1"; key="$2"; expect="$3"; shift 3)sh",
         R"sh(  current="$(defaults read "$domain" "$key" 2>/dev/null)")sh",

@@ -8,7 +8,7 @@
 namespace brell {
 
 std::optional<std::string> whyNotOnlyOurs(const std::filesystem::path& path, uid_t user) {
-    constexpr uid_t root = 0;
+    constexpr unsigned root = 0;
     struct stat status;
     if (::stat(path.c_str(), &status) != 0) {
         if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
@@ -16,6 +16,8 @@ std::optional<std::string> whyNotOnlyOurs(const std::filesystem::path& path, uid
     }
     if (status.st_uid != user && status.st_uid != root) return path.string() + " belongs to another user";
     if ((status.st_mode & S_IWOTH) != 0) return path.string() + " can be written by every user of this Mac";
+    if ((status.st_mode & S_IWGRP) != 0 && status.st_gid != root && status.st_gid != user)
+        return path.string() + " can be written by a group of users";
     return std::nullopt;
 }
 

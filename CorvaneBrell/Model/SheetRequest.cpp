@@ -11,9 +11,8 @@ namespace {
 std::string_view wordsFor(const AgentTarget& target) {
     if (target == AgentTarget{true, false}) return "launchd stops it now and starts it no more at login.";
     if (target == AgentTarget{true, true})
-        return "launchd starts it no more at login. It stays loaded until you log out, as it was before "
-               "Brell "
-               "turned it on.";
+        return "launchd starts it no more at login. "
+               "It stays loaded until you log out, as it was before Brell turned it on.";
     if (target == AgentTarget{false, true}) return "launchd starts it again, now and at each login.";
     return "launchd starts it again at each login, but not now: it was not loaded before Brell turned it "
            "off.";

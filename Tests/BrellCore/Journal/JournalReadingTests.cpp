@@ -194,13 +194,16 @@ TEST_F(JournalReadingTest, WhatOthersCouldHaveWrittenIsRefused) {
             fs::permissions(path, perms);
             isRefused(path, " can be written by every user of this Mac");
         }
-        fs::permissions(path, before | fs::perms::group_write);
+        fs::permissions(path, before);
         if (::geteuid() != 0) continue;  // else nothing can be given away
+        fs::permissions(path, before | fs::perms::group_write);
         ASSERT_EQ(::chown(path.c_str(), 501, 20), 0);
         isRefused(path, " belongs to another user");
+        ASSERT_EQ(::chown(path.c_str(), 0, 20), 0);
+        isRefused(path, " can be written by a group of users");
         ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
     }
-    journal->upsert(sampleEntries()[1]);  // a group may write it
+    journal->upsert(sampleEntries()[1]);  // its own group may write it
     EXPECT_EQ(contentsOf(real), sample);
 }
 
