@@ -8,6 +8,7 @@
 
 #include "Benchmarks/Bare.h"
 #include "Benchmarks/Pairs.h"
+#include "Benchmarks/RunToEnd.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Background/RunProcess.h"
 #include "Tests/Support/BigHome.h"
@@ -112,6 +113,18 @@ void spawnAndDrain(const char* program) {
     ::waitpid(child, nullptr, 0);
 }
 
+// One that obeys needs no grace period: it costs as much as one that takes that long.
+void compareStopping(PairReport& report) {
+    report.compare(
+        {.name = "stop a command that does not end", .limit = 1.3},
+        [] {
+            runProcess("/bin/sleep", {"60"}, {0.1, nullptr});
+        },
+        [] {
+            bare::runToEnd({"/bin/sleep", "0.1"});
+        });
+}
+
 void compareCommand(PairReport& report) {
     constexpr const char* program = "/usr/bin/true";
     report.compare(
@@ -129,5 +142,6 @@ int main() {
         compareDump(report);
         compareMerge(report);
         compareCommand(report);
+        compareStopping(report);
     });
 }

@@ -12,6 +12,7 @@
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/TweakSearch.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
@@ -137,6 +138,17 @@ void compareReading(Growth& growth) {
     });
 }
 
+void compareSearch(Growth& growth) {
+    const TweakCatalog catalog(sampleHome.string());
+    const TweakSearch search(catalog, 26);
+    const auto find = [&](const Home& home) {
+        std::string query = "show s hidden f";
+        for (std::size_t i = 0; i < home.size; ++i) query += " a hidden s";
+        if (search.find(query).tweaks.empty()) throw std::runtime_error("nothing is found");
+    };
+    growth.compare("words searched for", find);
+}
+
 void compareWindow(Growth& growth) {
     OpenWindow few(growth.few()), many(growth.many());
     const auto compare = [&](const std::string& name, const std::function<void(OpenWindow&)>& work) {
@@ -181,6 +193,7 @@ int main(int argc, char** argv) {
         const QApplication app(argc, argv);
         Growth growth(report, 1'000);
         compareReading(growth);
+        compareSearch(growth);
         compareWindow(growth);
     });
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 #include "BrellCore/Support/Uuid.h"
 
@@ -36,6 +37,23 @@ std::string contentsOf(const fs::path& file) {
     std::ostringstream text;
     text << stream.rdbuf();
     return text.str();
+}
+
+std::string sample(const fs::path& name) {
+    const fs::path file = fs::path(BRELL_SAMPLES) / name;
+    if (!fs::is_regular_file(file)) throw std::runtime_error("no sample " + file.string());
+    return contentsOf(file);
+}
+
+std::vector<Texts> sampleRows(const fs::path& name) {
+    std::vector<Texts> rows;
+    std::istringstream lines(sample(name));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream columns(line);
+        rows.emplace_back();
+        for (std::string column; std::getline(columns, column, '\t');) rows.back().push_back(column);
+    }
+    return rows;
 }
 
 void setContents(const fs::path& file, std::string_view contents) {

@@ -34,6 +34,11 @@ void keepFoldersInMemory();
 std::set<std::string> namesIn(const std::filesystem::path& folder);
 
 std::string contentsOf(const std::filesystem::path& file);
+// A file of Tests/Samples; the fuzz targets of its folder's name start from it, too.
+std::string sample(const std::filesystem::path& name);
+// One that is a table: a row a line, its columns parted by tabs.
+std::vector<Texts> sampleRows(const std::filesystem::path& name);
+
 void setContents(const std::filesystem::path& file, std::string_view contents);  // makes the folders above
 
 // Everything in a folder by path within it, hidden names included: a file's bytes, "(folder)" for a folder.

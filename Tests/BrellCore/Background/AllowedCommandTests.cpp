@@ -83,10 +83,5 @@ TEST(AllowedCommand, RefusesEveryArgumentThatIsNotStrictlyOfItsForm) {
     }
 }
 
-TEST(CommandResult, OutputIsBothStreamsOnTwoLines) {
-    EXPECT_EQ((CommandResult{0, "out", ""}.output()), "out");
-    EXPECT_EQ((CommandResult{0, "", "err"}.output()), "\nerr");
-}
-
 }  // namespace
 }  // namespace brell

@@ -4,60 +4,14 @@
 
 #include "BrellCore/Background/BTMReader.h"
 #include "Tests/Support/FakeCommandRunner.h"
+#include "Tests/Support/Testing.h"
 
 namespace brell {
 namespace {
 
 using testing::FakeCommandRunner;
 
-constexpr std::string_view sample = R"(========================
- Records for UID -2 : FFFFEEEE-DDDD-CCCC-BBBB-AAAAFFFFFFFE
-========================
-
- ServiceManagement migrated: true
-
- Items:
-
- #1:
-                 UUID: 0A1B
-                 Name: (null)
-       Developer Name: Example Corp: Tools
-      Team Identifier: ABCDE12345
-                 Type: legacy daemon (0x10010)
-                Flags: [ legacy ] (0x1)
-          Disposition: [enabled, disallowed, notified] (0x9)
-           Identifier: 16.com.example.daemon
-                  URL: file:///Library/LaunchDaemons/com.example%20d.plist
-    Parent Identifier: Example
- Embedded Item Identifiers:
-    #1: 16.com.example.tool
-    #2: com.example:other
-    #3: (null)
-    Bundle Identifier: com.example.app
-
- #2:
-                 Name: no identifier
-                 Type: app (0x2)
-
-========================
- Records for UID 501 : 11112222
-========================
- #12:
-           Identifier: 2.com.example.app
-                 Name: Example:
-                  URL: /Applications/Example App.app
-                 Type: curated (0x2000)
-          Disposition: 0x3
-    #1: belongs to no list
- Records for UID nobody : 3333
- #1:
-           Identifier: dropped
- Records for UID 0 :
- #1:
-           Identifier: root
-                 Type: login item
-          Disposition: ][enabled
-)";
+const std::string dumped = testing::sample("BTMDump/dump.txt");
 
 TEST(BTMDumpParser, ReadsEverySectionItemAndField) {
     BTMItem daemon{"16.com.example.daemon",
@@ -83,7 +37,7 @@ TEST(BTMDumpParser, ReadsEverySectionItemAndField) {
                 {},
                 {}};
     BTMItem root{"root", {}, {}, {}, BTMItemType::loginItem, false, true, {}, {}, {}, {}};
-    const auto dump = BTMDumpParser::parse(sample);
+    const auto dump = BTMDumpParser::parse(dumped);
     ASSERT_TRUE(dump);
     EXPECT_EQ(*dump, (BTMDump{{{-2, {daemon}}, {0, {root}}, {501, {app}}}}));
     EXPECT_EQ(dump->systemItems(), (std::vector{daemon, root}));
@@ -104,9 +58,9 @@ TEST(BTMDumpParser, EveryLineFromANumberSignToAColonOpensAnItemExceptWhatAListHo
 }
 
 TEST(BTMDumpParser, ADumpCutShortAnywhereGivesTheItemsBeforeTheCut) {
-    const auto whole = BTMDumpParser::parse(sample);
-    for (std::size_t length = 0; length < sample.size(); ++length) {
-        const auto dump = BTMDumpParser::parse(sample.substr(0, length)).value_or(BTMDump{});
+    const auto whole = BTMDumpParser::parse(dumped);
+    for (std::size_t length = 0; length < dumped.size(); ++length) {
+        const auto dump = BTMDumpParser::parse(dumped.substr(0, length)).value_or(BTMDump{});
         ASSERT_LE(dump.items(-2).size(), whole->items(-2).size()) << length;
         if (!dump.items(501).empty()) {
             ASSERT_EQ(dump.items(-2), whole->items(-2)) << length;
@@ -128,11 +82,11 @@ TEST(BTMItem, StripsTheNumberInFrontOfTheIdentifierOnly) {
 TEST(BTMReader, GivesADumpOnlyToAnAdministratorAndOnlyOnSuccess) {
     FakeCommandRunner runner;
     const auto command = AllowedCommand::sfltoolDumpBTM();
-    runner.answer(command, std::string(sample));
+    runner.answer(command, dumped);
     EXPECT_EQ((BTMReader{runner, [] { return false; }}.dump()), std::nullopt);
     EXPECT_TRUE(runner.commands().empty());
-    EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), BTMDumpParser::parse(sample));
-    runner.answer(command, CommandResult{1, std::string(sample), "not authorized"});
+    EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), BTMDumpParser::parse(dumped));
+    runner.answer(command, CommandResult{1, dumped, "not authorized"});
     EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), std::nullopt);
     runner.fail(command);
     EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), std::nullopt);

@@ -41,14 +41,8 @@ struct LaunchAgentReaderTest : ::testing::Test {
 };
 
 TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJob) {
-    const fs::path file = job(folder.path / "a.plist", R"(
-        <key>Label</key><string>com.example.a</string>
-        <key>ProgramArguments</key><array><string>/bin/sh</string><string>-c</string></array>
-        <key>RunAtLoad</key><true/>
-        <key>KeepAlive</key><dict><key>SuccessfulExit</key><false/></dict>
-        <key>StartInterval</key><integer>3600</integer>
-        <key>StartCalendarInterval</key><array/>
-        <key>AssociatedBundleIdentifiers</key><string>com.example.app</string>)");
+    const fs::path file = folder.path / "a.plist";
+    setContents(file, sample("PropertyList/agent-every-key.plist"));
     LaunchAgentPlist expected = onlyPath(file, ::getuid());
     expected.label = "com.example.a";
     expected.arguments = {"/bin/sh", "-c"};
@@ -62,14 +56,8 @@ TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJob) {
 }
 
 TEST_F(LaunchAgentReaderTest, ValuesOfAnotherTypeCountAsMissing) {
-    const fs::path file = job(folder.path / "a.plist", R"(
-        <key>Label</key><integer>5</integer>
-        <key>Program</key><string>/usr/bin/true</string>
-        <key>ProgramArguments</key><array><string>/bin/sh</string><integer>1</integer></array>
-        <key>RunAtLoad</key><integer>1</integer>
-        <key>KeepAlive</key><false/>
-        <key>StartInterval</key><true/>
-        <key>AssociatedBundleIdentifiers</key><array><string>a</string><string>b</string></array>)");
+    const fs::path file = folder.path / "a.plist";
+    setContents(file, sample("PropertyList/agent-other-types.plist"));
     LaunchAgentPlist expected = onlyPath(file, ::getuid());
     expected.program = "/usr/bin/true";
     expected.associatedBundleIDs = {"a", "b"};

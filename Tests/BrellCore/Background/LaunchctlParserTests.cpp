@@ -1,4 +1,5 @@
 #include "BrellCore/Background/LaunchctlParser.h"
+#include "Tests/Support/Testing.h"
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,7 @@ namespace brell {
 namespace {
 
 using Overrides = AgentOverrides;
+using testing::sample;
 
 LoadedState loaded(std::string state, std::optional<std::int64_t> runs,
                    std::optional<std::int64_t> lastExitCode, std::optional<std::int64_t> pid) {
@@ -17,22 +19,7 @@ LoadedState parsed(std::string standardOutput) {
 }
 
 TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
-    const std::string text = R"(disabled services = {
-		"com.example.off" => disabled
-		"com.example.on" => enabled
-		"com.example.twice" => enabled
-		"com.example.twice" => disabled
-		"com.example.other" => true
-		"com.example.unclosed => disabled
-		com.example.bare => disabled
-	}
-	"com.example.on" => disabled
-	login item associations = {
-		"com.example.helper" => "com.example.app"
-		"com.example.on" => disabled
-	}
-)";
-    EXPECT_EQ(LaunchctlParser::parsePrintDisabled(text),
+    EXPECT_EQ(LaunchctlParser::parsePrintDisabled(sample("Launchctl/overrides.txt")),
               (Overrides{{"com.example.off", AgentOverride::disabled},
                          {"com.example.on", AgentOverride::enabled},
                          {"com.example.twice", AgentOverride::disabled}}));
@@ -48,50 +35,10 @@ TEST(ParsePrintDisabled, TakesTheOverridesOutOfAllThatIsPrinted) {
 }
 
 TEST(ParsePrint, ReadsTheJobsOwnLinesOnly) {
-    const std::string text = R"(
-Warning: this is printed before
-gui/501/com.example.agent = {
-	active count = 1
-	path = /Users/jo/Library/LaunchAgents/com.example.agent.plist
-	state = running
-
-	program = /bin/sh
-	arguments = {
-		/bin/sh
-		-c
-		echo
-state = in an argument
-	path = /in/an/argument.plist
-	pid = 7
-}
-		if Could not find service = {
-	}
-
-	environment = {
-		pid => 8
-		runs = 9
-	}
-	exit timeout = 20
-	runs = 3
-	pid = 4711
-	last exit code = 78: EX_CONFIG
-
-	endpoints = {
-		"com.example.port" = {
-			state = active
-			pid = 10
-		}
-	}
-	resource coalition = {
-		state = active
-		runs = 11
-	}
-}
-)";
     LoadedState expected = loaded("running", 3, 78, 4711);
     expected.exitTimeout = 20;
     expected.path = "/Users/jo/Library/LaunchAgents/com.example.agent.plist";
-    EXPECT_EQ(parsed(text), expected);
+    EXPECT_EQ(parsed(sample("Launchctl/job.txt")), expected);
 }
 
 TEST(ParsePrint, AnArgumentThatImitatesTheEndOfTheArgumentsDoesNotHideTheJobsNumbers) {

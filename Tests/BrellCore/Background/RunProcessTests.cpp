@@ -5,9 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <functional>
-
 #include "BrellCore/Background/ProcessCommandRunner.h"
 #include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/UniqueFd.h"
@@ -32,12 +29,6 @@ std::optional<CommandResult> runChild(const std::vector<std::string>& arguments,
     if (const auto* result = std::get_if<CommandResult>(&ending)) return *result;
     EXPECT_EQ(ending, Ending(CommandProblem::timedOut));
     return std::nullopt;
-}
-
-double secondsOf(const std::function<void()>& action) {
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 // Of our children; some may still run.
@@ -89,19 +80,13 @@ TEST(RunProcess, SleepsWhileItWaitsForASilentChild) {
     EXPECT_GE(sleeps(), before + 5);
 }
 
-TEST(RunProcess, StopsWhatDoesNotEndAndNeverWaitsLongerThanTheGracePeriods) {
-    // Obeys: no need for the grace periods. A program that prints without end must not hold us either.
-    for (const char* mode : {"sleeps", "endless"})
-        EXPECT_LT(secondsOf([&] { EXPECT_EQ(runChild({mode}, 0.2), std::nullopt) << mode; }), 1.5) << mode;
+TEST(RunProcess, StopsWhatDoesNotEndAfterAMomentToPutItsThingsInOrder) {
+    // One obeys, one prints without end, one must be killed with its outputs open.
+    for (const char* mode : {"sleeps", "endless", "ignores"}) EXPECT_EQ(runChild({mode}, 0.2), std::nullopt);
     EXPECT_FALSE(hasZombies());
-
-    // One that needs a moment to put its things in order gets it.
     const TemporaryFolder folder;
     EXPECT_EQ(runChild({"tidies", (folder.path / "tidied").string()}, 0.2), std::nullopt);
     EXPECT_EQ(namesIn(folder.path), Names{"tidied"});
-
-    // Does not obey, and keeps its outputs open: both grace periods pass.
-    EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"ignores"}, 0.2), std::nullopt); }), 5.5);
 }
 
 TEST(RunProcess, EndsWithThePatienceOfItsCaller) {
@@ -125,7 +110,7 @@ TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
 }
 
 TEST(RunProcess, AnOutputHeldOpenByAGrandchildDoesNotHoldTheCaller) {
-    EXPECT_LT(secondsOf([] { EXPECT_EQ(runChild({"grandchild"}), (CommandResult{0, "mine", ""})); }), 3.5);
+    EXPECT_EQ(runChild({"grandchild"}), (CommandResult{0, "mine", ""})) << "else it is stopped, after long";
 }
 
 TEST(RunProcess, LeavesNoDescriptorBehindAndSaysWhyItCannotStart) {

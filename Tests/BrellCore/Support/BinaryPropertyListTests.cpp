@@ -3,7 +3,6 @@
 
 #include <bit>
 #include <cmath>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,15 +22,12 @@ std::string bigEndian(std::uint64_t number, std::size_t size) {
     return bytes;
 }
 
-// A binary file of these objects, each given as its own bytes. Any number of the trailer can be made wrong.
+// A binary file of these objects, each given as its own bytes.
 struct BinaryFile {
     std::vector<std::string> objects;
     std::uint64_t top = 0;
     std::size_t offsetSize = 2;
     std::size_t referenceSize = 1;
-    std::vector<std::uint64_t> offsets{};  // instead of the true ones
-    std::optional<std::uint64_t> count{};
-    std::optional<std::uint64_t> table{};
 
     std::string bytes() const {
         std::string file = "bplist00";
@@ -41,11 +37,9 @@ struct BinaryFile {
             file += object;
         }
         const std::size_t tableBegin = file.size();
-        for (const std::uint64_t offset : offsets.empty() ? begins : offsets)
-            file += bigEndian(offset, offsetSize);
+        for (const std::uint64_t begin : begins) file += bigEndian(begin, offsetSize);
         file += std::string(6, '\0') + bigEndian(offsetSize, 1) + bigEndian(referenceSize, 1);
-        return file + bigEndian(count.value_or(begins.size()), 8) + bigEndian(top, 8) +
-               bigEndian(table.value_or(tableBegin), 8);
+        return file + bigEndian(begins.size(), 8) + bigEndian(top, 8) + bigEndian(tableBegin, 8);
     }
 };
 
@@ -64,11 +58,6 @@ std::string longCount(char kind, std::uint64_t count) {
 
 std::string realBytes(double number) {
     return bigEndian(std::bit_cast<std::uint64_t>(number), 8);
-}
-
-BinaryFile everyKind() {
-    return {{"\xD3\x01\x02\x03\x04\x08\x09", "Qa", "\x62\xD8\x3D\xDE\0"s, "Qc", "\xA3\x05\x06\x07", "\x09",
-             "\x10\xFF", "\x23" + realBytes(0.1), "\x42xy", "\x33" + realBytes(-1.5)}};
 }
 
 }  // namespace
@@ -128,56 +117,6 @@ TEST(BinaryPropertyListTest, SharedObjectsAndEveryWidthOfReferencesAreRead) {
     }
 }
 
-TEST(BinaryPropertyListTest, ObjectsThatNoPreferenceHoldsAreRefused) {
-    for (const std::string& object :
-         {"\0"s, "\x0A"s, "\x15"s + std::string(32, '\0'), "\x21\0\0"s, "\x32\0\0\0\0"s,
-          "\x33" + realBytes(std::nan("")), "\x51\x80"s, "\x61\xD8\0"s, "\x61\xDC\0"s, "\x62\xD8\0\0\x41"s,
-          "\x62\xD8\0\xE0\0"s, "\x70"s, "\x88"s + std::string(9, '\0'), "\x5F\x09"s,
-          "\x5F\x14"s + std::string(16, '\0'), "\x5F\x20\x01z"s})
-        EXPECT_TRUE(thrownBy<PlistError>([&] { readObject(object); })) << ::testing::PrintToString(object);
-}
-
-TEST(BinaryPropertyListTest, ABrokenStructureIsRefusedWithItsReason) {
-    const std::uint64_t huge = ~std::uint64_t{0};
-    const std::pair<BinaryFile, std::string_view> refusals[] = {
-        {{{"\x09"}, 1}, "a top object that it does not have"},
-        {{{"\x09"}, 0, 0}, "impossible width"},
-        {{{"\x09"}, 0, 2, 0}, "impossible width"},
-        {{{"\x09"}, 0, 9}, "impossible width"},
-        {{{"\x09"}, 0, 2, 9}, "impossible width"},
-        {{{"\x09"}, 0, 2, 1, {}, huge}, "does not fit its size"},
-        {{{"\x09"}, 0, 8, 1, {}, huge / 8 + 2}, "does not fit its size"},
-        {{{"\x09"}, 0, 2, 1, {}, 0}, "does not fit its size"},
-        {{{"\x09"}, 0, 2, 1, {}, {}, huge}, "does not fit its size"},
-        {{{"\x09"}, 0, 2, 1, {}, {}, 7}, "does not fit its size"},
-        {{{"\x09", "\x09"}, 0, 2, 1, {7, 9}}, "object 0 lies outside"},
-        {{{"\x09", "\x09"}, 0, 2, 1, {8, 10}}, "object 1 lies outside"},
-        {{{"\x09"}, 0, 8, 1, {huge}}, "object 0 lies outside"},
-        {{{"\x13\0\0"s}}, "byte 8 reaches beyond"},
-        {{{"\x5F"s}}, "byte 8"},
-        {{{"\x5F\x13"s}}, "byte 8 reaches beyond"},
-        {{{longCount('\x4F', huge)}}, "byte 8 reaches beyond"},
-        {{{longCount('\x6F', huge / 2 + 1)}}, "byte 8 reaches beyond"},
-        {{{longCount('\xAF', huge)}, 0, 2, 8}, "byte 8 reaches beyond"},
-        {{{longCount('\xDF', huge / 16 + 1)}, 0, 2, 8}, "byte 8 reaches beyond"},
-        {{{"\xA1\x01"}}, "refers to object 1, which does not exist"},
-        {{{"\xA1" + bigEndian(huge, 8)}, 0, 2, 8}, "which does not exist"},
-        {{{"\xA1\0"s}}, "byte 8 contains itself"},
-        {{{"\xA1\x01", "\xD1\x02\0"s, "Qa"}}, "byte 8 contains itself"},
-        {{{"\xD1\x01\x01", "\x09"}}, "byte 11 is a key but no text"},
-        {{{"\xD1\x02\x02"}}, "which does not exist"},
-        {{{"\xD2\x01\x02\x01\x01", "Qa", "\x61\0a"s}}, "the key \"a\" stands twice"},
-        {{{"\x09", "\x09"}, 0, 2, 1, {8}}, "does not fit its size"},
-        {{{"\xA1\x01", "\x52\x51\x61"}, 0, 2, 1, {8, 8}}, "bytes 8 and 8 lie over each other"},
-        {{{"\xA1\x01", "\x52\x51\x61", "\x09"}, 0, 2, 1, {8, 11, 10}}, "bytes 10 and 11 lie over each other"},
-    };
-    for (const auto& [file, reason] : refusals)
-        EXPECT_NE(reasonFor(file).find(reason), std::string::npos) << reason << "\n" << reasonFor(file);
-    std::string otherVersion = BinaryFile{{"\x09"}}.bytes();
-    otherVersion[6] = '1';
-    EXPECT_NE(messageOf([&] { readPropertyList(otherVersion); }).find("another version"), std::string::npos);
-}
-
 TEST(BinaryPropertyListTest, AFewBytesCannotBecomeALargeValue) {
     std::vector<std::string> doubling;  // each array holds the next one twice
     for (char next = 1; next < 100; ++next) doubling.push_back("\xA2"s + next + next);
@@ -225,11 +164,8 @@ TEST(BinaryPropertyListTest, WrittenValuesReadBackExactly) {
         EXPECT_TRUE(thrownBy<PlistError>([&] { writeBinaryPropertyList(refused); }));
 }
 
-TEST(BinaryPropertyListTest, AFileCutOrDamagedAtAnyByteIsReadOrRefusedButNeverHarms) {
-    const std::string whole = everyKind().bytes();
-    ASSERT_TRUE(readPropertyList(whole).as<PlistDictionary>());
-    for (std::size_t size = 0; size < whole.size(); ++size)
-        EXPECT_TRUE(thrownBy<PlistError>([&] { readPropertyList(whole.substr(0, size)); })) << size;
+TEST(BinaryPropertyListTest, AFileDamagedAtAnyByteIsReadOrRefusedButNeverHarms) {
+    const std::string whole = sample("PropertyList/kinds.binary.plist");
     int refused = 0;
     for (std::size_t at = 0; at < whole.size(); ++at)
         for (const int flip : {0x01, 0x10, 0x80, 0xFF}) {

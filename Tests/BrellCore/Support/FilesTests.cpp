@@ -50,23 +50,6 @@ TEST_F(FilesTest, ReplacingMakesFoldersAndKeepsEveryByte) {
     EXPECT_EQ(status.st_mode & 0777, 0644 & ~mask);
 }
 
-TEST_F(FilesTest, ReplacingCostsOneRenameAndSynchronizesTheFileThenTheFolder) {
-    if (!systemCallsAreWatched()) GTEST_SKIP();
-    setContents(file, "old");
-    for (const auto& [durability, synchronizes] :
-         {std::pair(Durability::readersOnly, 0u), {Durability::powerCut, 1u}}) {
-        const CountedCalls calls(folder.path);
-        replaceFile(file, "new", durability);
-
-        EXPECT_EQ(calls.of(SystemCall::fsync), 2 * synchronizes);
-        EXPECT_EQ(calls.of(SystemCall::fsync, folder.path), synchronizes);
-        EXPECT_EQ(calls.of(SystemCall::rename), 1u);
-        EXPECT_EQ(calls.of(SystemCall::write), 1u);
-        EXPECT_EQ(calls.of(SystemCall::open), 1 + synchronizes);
-        EXPECT_EQ(calls.of(SystemCall::close), 1 + synchronizes);
-    }
-}
-
 TEST_F(FilesTest, EachFailingStepKeepsTheOldTargetAndRemovesTheTemporary) {
     if (!systemCallsAreWatched()) GTEST_SKIP();
     const struct {

@@ -22,8 +22,9 @@ void write(int descriptor, std::string_view text) {
     }
 }
 
+// Longer than any test waits for it.
 void sleepLong() {
-    ::sleep(10);
+    ::sleep(60);
 }
 
 const char* tidied = nullptr;
@@ -84,7 +85,7 @@ int main(int argc, char** argv) {
     if (mode == "ignores") {
         ::signal(SIGTERM, SIG_IGN);
         write(1, "deaf");
-        sleepLong();
+        for (;;) ::pause();
     }
     if (mode == "tidies") {
         tidyWhenStopped(argv[2]);
