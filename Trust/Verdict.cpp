@@ -1,6 +1,7 @@
 #include "Trust/Verdict.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "BrellCore/Journal/RestoreScript.h"
 #include "Tests/Support/Shell.h"
@@ -159,9 +160,10 @@ Faults judgeScript(const Stage& stage, const Claim& claim) try {
     Faults faults;
     if (fs::exists(script)) {
         const testing::Finished finished = testing::runLine(
-            "PATH='" + stage.tools().string() + "':'" BRELL_STAND_INS "':\"$PATH\" DEFAULTS_FOLDER='" +
-            SampleMac(stage.world()).preferences().string() + "' BRELL_SAMPLE_MAC='" +
-            stage.world().string() + "' sh '" + script.string() + "' 2>&1");
+            "sh " + testing::shellWord(script) + " 2>&1",
+            {{"PATH", stage.tools().string() + ":" BRELL_STAND_INS ":" + std::getenv("PATH")},
+             {"DEFAULTS_FOLDER", SampleMac(stage.world()).preferences()},
+             {"BRELL_SAMPLE_MAC", stage.world()}});
         if (finished.status != 0) faults.push_back("the script fails: " + finished.output);
     }
     const Condition now = conditionOf(stage.world());

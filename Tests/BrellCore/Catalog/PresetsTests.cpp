@@ -9,6 +9,7 @@ namespace brell {
 
 namespace {
 
+using testing::Texts;
 using testing::thrownBy;
 using Ids = std::vector<std::string>;
 
@@ -40,8 +41,7 @@ TEST_F(PresetsTest, ShippedOnesAreApplicableAndCarryTheIdOfTheirName) {
 }
 
 TEST_F(PresetsTest, ExportsTheSampleFileAndImportsItAgain) {
-    const std::string bytes =
-        testing::contentsOf(std::filesystem::path(BRELL_SAMPLES) / "quiet-dock.corvanepreset");
+    const std::string bytes = testing::sample("Preset/quiet-dock.corvanepreset");
     const Preset& quietDock = Presets::shipped().front();
 
     EXPECT_EQ(PresetFile::encode(quietDock), bytes);
@@ -99,20 +99,10 @@ TEST_F(PresetsTest, AnotherFormatIsRefusedBeforeAnythingElseIsLookedAt) {
 }
 
 TEST_F(PresetsTest, WhatIsNotAWholePresetIsUnreadable) {
-    for (const std::string& bytes : std::vector<std::string>{
-             "", "[]", R"({"name": "A", "tweaks": []})", R"({"format": true, "name": "A", "tweaks": []})",
-             R"({"format": 1.0, "name": "A", "tweaks": []})",
-             R"({"format": 9223372036854775808, "name": "A", "tweaks": []})",
-             R"({"format": 1, "format": 1, "name": "A", "tweaks": []})",
-             R"({"format": 1, "format": 2, "name": "A", "tweaks": []})", R"({"format": 1, "tweaks": []})",
-             R"({"format": 1, "name": 5, "tweaks": []})",
-             R"({"format": 1, "name": "A", "name": "B", "tweaks": []})", R"({"format": 1, "name": "A"})",
-             R"({"format": 1, "name": "A", "tweaks": {"dock.autohide": true}})",
-             R"({"format": 1, "name": "A", "tweaks": ["dock.autohide", 1]})",
-             R"({"format": 1, "name": "A", "tweaks": []}x)", R"({"format": 2} x)",
-             "{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}",
-             R"({"format": 1, "name": "A", "tweaks": [], "x": [1,,2]})"})
-        EXPECT_EQ(refusalOf(bytes), PresetFileFailure(UnreadablePreset())) << bytes.substr(0, 100);
+    std::vector<Texts> files = testing::sampleRows("Preset/unreadable.txt");
+    files.insert(files.end(), {{""}, {"{\"format\": 1, \"name\": \"\xC3(\", \"tweaks\": []}"}});
+    for (const Texts& file : files)
+        EXPECT_EQ(refusalOf(file[0]), PresetFileFailure(UnreadablePreset())) << file[0];
     EXPECT_EQ(describe(PresetFileFailure(UnreadablePreset())), "This is not a preset file Brell can read.");
 }
 

@@ -45,7 +45,7 @@ protected:
     const TemporaryFolder folder;
     const fs::path history = folder.path / "made" / "history";
     const fs::path day = history / "2026-11-16.jsonl";
-    const std::string sample = sampleFile("history-line-format-1.jsonl");
+    const std::string sample = testing::sample("History/format-1.jsonl");
     const HistoryLine line{at("2026-11-16T00:00:01Z"), EntryStatus::restored, sampleEntries()[1]};
 
     Lines all() const { return readHistory(history, std::nullopt); }

@@ -193,7 +193,7 @@ TEST_F(JournalWritingTest, FollowsTheFileOfOthersAndOutlivesItsLoss) {
     EXPECT_TRUE(thrownBy<JournalError>([&] { mine->upsert(b); }));
     EXPECT_TRUE(thrownBy<JournalError>([&] { mine->activeEntry("a"); }));
     EXPECT_EQ(contentsOf(file), "damaged");
-    setContents(file, sampleFile("journal-format-1.json"));
+    setContents(file, sample("Journal/format-1.json"));
     EXPECT_EQ(opened()->all(), sampleEntries());
     EXPECT_EQ(mine->active().size(), 4u) << "with those that were active";
 }

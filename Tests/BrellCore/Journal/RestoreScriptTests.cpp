@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "Tests/Support/Entries.h"
@@ -21,25 +23,8 @@ namespace {
 const PrefKey autohide{"com.apple.dock", "autohide"};
 const PrefKey language{"NSGlobalDomain", "AppleLanguages"};
 
-const std::string header =
-    "#!/bin/sh\n"
-    "# Corvane Brell restore script, written 2026-11-15T12:00:00Z.\n"
-    "# Run it in Terminal (sh restore.sh) to put back every setting Brell changed, newest change first.\n"
-    "# A preference is restored only if it still holds the value Brell wrote; arrays and keys Brell removed "
-    "are restored unconditionally.\n"
-    "set -u\n"
-    "restore() { domain=\"$1\"; key=\"$2\"; expect=\"$3\"; shift 3\n"
-    "  current=\"$(defaults read \"$domain\" \"$key\" 2>/dev/null)\"\n"
-    "  if [ \"$current\" = \"$expect\" ]; then \"$@\"; else echo \"skip $domain $key (now: "
-    "${current:-absent})\"; fi; }\n"
-    "\n";
-const std::string footer =
-    "\n"
-    "echo 'Done. Relaunch Finder and the Dock, or log out and back in, for every change to take effect.'\n";
-
 TEST(RestoreScriptTextTest, AnEmptyJournalHasNothingToRestore) {
-    const std::string nothing =
-        header + "echo 'Nothing to restore: Brell has no active change on record.'\n" + footer;
+    const std::string nothing = sample("RestoreScript/nothing.sh");
     EXPECT_EQ(RestoreScript::render({}, noon), nothing);
     JournalEntry restored = entryOf("dock.autohide", {{autohide, {}, PrefValue(true)}});
     JournalEntry failed = restored;
@@ -63,21 +48,8 @@ TEST(RestoreScriptTextTest, ActiveEntriesStandNewestFirst) {
     JournalEntry bareAgent = agent;
     bareAgent.agent = std::nullopt;
 
-    EXPECT_EQ(
-        RestoreScript::render({bareAgent, agent, reset, sameTime, interrupted}, noon),
-        header +
-            "# misc.always_show_scrollbars (applied 2026-11-15T12:00:00Z)\n"
-            "restore -g 'NSWindowResizeTime' '2' defaults write -g 'NSWindowResizeTime' -float 2.0\n"
-            "defaults write -g 'AppleLanguages' -array 'en-GB' 'it'\n"
-            "# dock.position (reset to default 2026-11-15T11:00:00Z)\n"
-            "defaults write 'com.apple.dock' 'orientation' -string 'it'\\''s left'\n"
-            "# dock.autohide (applied 2026-11-15T11:00:00Z)\n"
-            "restore 'com.apple.dock' 'autohide' '1' defaults delete 'com.apple.dock' 'autohide'\n"
-            "# agent:org.example.sync (applied 2026-11-15T10:00:00Z)\n"
-            "# agent:org.example.sync (applied 2026-11-15T10:00:00Z)\n"
-            "launchctl disable \"gui/$(id -u)/\"'org.example.sync'\n"
-            "launchctl bootstrap \"gui/$(id -u)\" '/Users/o'\\''hara/Sync.plist' 2>/dev/null || true\n" +
-            footer);
+    EXPECT_EQ(RestoreScript::render({bareAgent, agent, reset, sameTime, interrupted}, noon),
+              sample("RestoreScript/active.sh"));
     EXPECT_EQ(RestoreScript::agentLines({"a", "/a.plist", false, AgentOverride::absent}),
               Texts{"launchctl enable \"gui/$(id -u)/\"'a'"});
 }
@@ -96,10 +68,10 @@ protected:
     std::string run(const std::vector<JournalEntry>& entries) {
         setContents(folder.path / "restore.sh", RestoreScript::render(entries, noon));
         const Finished finished =
-            runLine("cd '" + elsewhere.string() + "' && PATH='" + tools.string() +
-                    ":" BRELL_STAND_INS "':$PATH DEFAULTS_FOLDER='" + (folder.path / "preferences").string() +
-                    "' LAUNCHCTL_LOG='" + (folder.path / "launchctl.log").string() + "' " + GetParam() +
-                    " ../restore.sh 2>&1");
+            runLine("cd " + shellWord(elsewhere) + " && " + std::string(GetParam()) + " ../restore.sh 2>&1",
+                    {{"PATH", tools.string() + ":" BRELL_STAND_INS ":" + std::getenv("PATH")},
+                     {"DEFAULTS_FOLDER", folder.path / "preferences"},
+                     {"LAUNCHCTL_LOG", folder.path / "launchctl.log"}});
         EXPECT_EQ(finished.status, 0) << finished.output;
         EXPECT_EQ(namesIn(elsewhere), Names{});  // where a smuggled command would leave a file
         return finished.output;
@@ -108,7 +80,8 @@ protected:
     const TemporaryFolder folder;
     const fs::path tools = folder.path / "tools";
     const fs::path elsewhere = folder.path / "elsewhere";
-    const std::string done = footer.substr(7, footer.size() - 9) + "\n";
+    const std::string done =
+        "Done. Relaunch Finder and the Dock, or log out and back in, for every change to take effect.\n";
     PlistFileStore files{folder.path / "preferences", TweakCatalog::allowedDomains()};
 };
 

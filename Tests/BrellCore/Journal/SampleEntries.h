@@ -15,11 +15,7 @@ inline TimeStamp at(const char* iso) {
     return parseIso8601(iso).value();
 }
 
-inline std::string sampleFile(const char* name) {
-    return contentsOf(std::filesystem::path(BRELL_SAMPLES) / name);
-}
-
-// What "journal-format-1.json" holds.
+// What Journal/format-1.json holds.
 inline std::vector<JournalEntry> sampleEntries() {
     using Strings = PrefValue::StringArray;
     JournalEntry preference =

@@ -8,9 +8,10 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <deque>
 #include <map>
-#include <set>
 #include <tuple>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
@@ -28,23 +29,29 @@ struct Object {
     int owners = 1;
 };
 
-std::set<const Object*> alive;
+std::deque<Object> made;  // never freed, so that a late use of one is noticed, too
 Object anyApplication{"*"}, anyHost{"any host"}, currentHost{"current host"}, currentUser{"user"};
 
 using Place = std::tuple<std::string, std::string, std::string>;  // application, host and key
 std::map<Place, Object*> preferences;
-std::set<std::string> lockedApplications;
+std::string locked;  // an application on hosts, which can't be saved
 bool takesPropertyLists = true;
 
+// What somebody owns.
 Object* objectOf(CFTypeRef reference) {
-    return static_cast<Object*>(const_cast<void*>(reference));
+    auto* object = static_cast<Object*>(const_cast<void*>(reference));
+    EXPECT_GT(object->owners, 0) << "used after its last owner let it go";
+    return object;
+}
+
+std::size_t ownedObjects() {
+    return static_cast<std::size_t>(
+        std::count_if(made.begin(), made.end(), [](const Object& object) { return object.owners > 0; }));
 }
 
 template <class Reference>
 Reference created(std::string bytes, CFTypeID type = 1) {
-    auto* object = new Object{std::move(bytes), type};
-    alive.insert(object);
-    return reinterpret_cast<Reference>(object);
+    return reinterpret_cast<Reference>(&made.emplace_back(Object{std::move(bytes), type}));
 }
 
 const std::string& textOf(CFTypeRef reference) {
@@ -75,36 +82,27 @@ CFTypeRef CFRetain(CFTypeRef object) {
     return object;
 }
 
-void CFRelease(CFTypeRef reference) {
-    Object* object = objectOf(reference);
-    ASSERT_GT(object->owners, 0);
-    if (--object->owners > 0) return;
-    ASSERT_EQ(alive.erase(object), 1u);
-    delete object;
+void CFRelease(CFTypeRef object) {
+    EXPECT_GE(--objectOf(object)->owners, 0);
 }
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
     return objectOf(object)->type;
 }
 
-CFTypeID CFStringGetTypeID() {
-    return 21;
-}
-CFTypeID CFNumberGetTypeID() {
-    return 22;
-}
-CFTypeID CFDataGetTypeID() {
-    return 23;
-}
-CFTypeID CFDateGetTypeID() {
-    return 24;
-}
-CFTypeID CFArrayGetTypeID() {
-    return 25;
-}
-CFTypeID CFDictionaryGetTypeID() {
-    return 26;
-}
+// NOLINTBEGIN(cppcoreguidelines-macro-usage)
+#define BRELL_TYPE(KIND, NUMBER)     \
+    CFTypeID CF##KIND##GetTypeID() { \
+        return NUMBER;               \
+    }
+BRELL_TYPE(String, 21)
+BRELL_TYPE(Number, 22)
+BRELL_TYPE(Data, 23)
+BRELL_TYPE(Date, 24)
+BRELL_TYPE(Array, 25)
+BRELL_TYPE(Dictionary, 26)
+#undef BRELL_TYPE
+// NOLINTEND(cppcoreguidelines-macro-usage)
 
 CFStringRef CFCopyTypeIDDescription(CFTypeID type) {
     return type == 0 ? nullptr : created<CFStringRef>("CFType" + std::to_string(type));
@@ -174,7 +172,7 @@ void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef
 }
 
 Boolean CFPreferencesSynchronize(CFStringRef application, CFStringRef, CFStringRef host) {
-    return lockedApplications.count(textOf(application) + " on " + textOf(host)) == 0;
+    return locked != textOf(application) + " on " + textOf(host);
 }
 
 }  // extern "C"
@@ -188,9 +186,10 @@ protected:
     ~UserDefaultsCallsTest() override {
         for (const auto& [place, object] : preferences) CFRelease(object);
         preferences.clear();
-        lockedApplications.clear();
+        locked.clear();
         takesPropertyLists = true;
-        EXPECT_EQ(alive.size(), 0u) << "Objects are left that nobody owns.";
+        EXPECT_EQ(ownedObjects(), 0u) << "Objects are left that nobody lets go.";
+        made.clear();
     }
     static void store(const Place& place, std::string bytes, CFTypeID type = 1) {
         preferences[place] = objectOf(created<CFTypeRef>(std::move(bytes), type));
@@ -215,11 +214,10 @@ TEST_F(UserDefaultsCallsTest, EachKindIsReadAsItWasSetAndOwnedByThePreferencesAl
         EXPECT_EQ(exact("k", dock), std::optional<DefaultsObject>(value));
     }
     EXPECT_EQ(exact("k", every), std::nullopt);
-    EXPECT_EQ(alive.size(), 1u);
-    EXPECT_EQ((*alive.begin())->owners, 1);
+    EXPECT_EQ(ownedObjects(), 1u);
     calls->removeValue("k", dock);
     EXPECT_EQ(exact("k", dock), std::nullopt);
-    EXPECT_EQ(alive.size(), 0u);
+    EXPECT_EQ(ownedObjects(), 0u);
 }
 
 TEST_F(UserDefaultsCallsTest, EveryCallAsksAboutItsOwnApplicationAndMachines) {
@@ -237,7 +235,7 @@ TEST_F(UserDefaultsCallsTest, EveryCallAsksAboutItsOwnApplicationAndMachines) {
     EXPECT_EQ(calls->copyAppValue("k", every), std::nullopt);
     EXPECT_TRUE(calls->appValueIsForced("k", dock));
     EXPECT_FALSE(calls->appValueIsForced("k", every));
-    lockedApplications = {"* on any host"};
+    locked = "* on any host";
     EXPECT_FALSE(calls->synchronize(every, HostScope::any));
     EXPECT_TRUE(calls->synchronize(every, HostScope::current));
     EXPECT_TRUE(calls->synchronize(dock, HostScope::any));
@@ -281,7 +279,7 @@ TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
     EXPECT_TRUE(refused([&] { calls->setValue("k", {noText}, dock); }));
     takesPropertyLists = false;
     EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, dock); }));
-    EXPECT_EQ(alive.size(), 0u);
+    EXPECT_EQ(ownedObjects(), 0u);
     EXPECT_TRUE(preferences.empty());
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
@@ -18,9 +19,9 @@ protected:
     // As pasted into a shell, with `defaults` over the fixture's preference files.
     Finished paste(const std::string& text) const {
         setContents(folder.path / "pasted", text);
-        return runLine("cd '" + folder.path.string() +
-                       "' && PATH='" BRELL_STAND_INS "':$PATH DEFAULTS_FOLDER='" +
-                       (folder.path / "preferences").string() + "' bash pasted");
+        return runLine("cd " + shellWord(folder.path) + " && bash pasted",
+                       {{"PATH", BRELL_STAND_INS ":" + std::string(std::getenv("PATH"))},
+                        {"DEFAULTS_FOLDER", folder.path / "preferences"}});
     }
 };
 
