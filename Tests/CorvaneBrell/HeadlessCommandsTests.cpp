@@ -1,21 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "CorvaneBrell/Headless/HeadlessCommands.h"
-
-#include <unistd.h>
-
-#include <sstream>
-
-#include "BrellCore/Catalog/TweakCatalog.h"
-#include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Headless/Tour.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/CorvaneBrell/HeadlessFixture.h"
 #include "Tests/Support/Entries.h"
-#include "Tests/Support/Shell.h"
-#include "Tests/Support/Testing.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -27,23 +17,8 @@ namespace {
 const PrefKey tileSize{"com.apple.dock", "tilesize"};
 const PrefKey screenshots{"com.apple.screencapture", "location"};
 
-class HeadlessCommandsTest : public ::testing::Test {
+class HeadlessCommandsTest : public HeadlessTest {
 protected:
-    Finished run(std::vector<const char*> words) const {
-        words.insert(words.begin(), "corvane-brell");
-        LaunchOptions options = readCommandLine(static_cast<int>(words.size()), words.data()).options;
-        options.sampleMac = folder.path / "mac";
-        std::ostringstream out, notes;
-        const auto status = HeadlessCommands::runIfRequested(options, out, notes);
-        return {status.value_or(-1), out.str()};
-    }
-    // The program itself with these words.
-    Finished runProgram(const std::string& words) const {
-        return runLine("'" BRELL_PROGRAM "' --sample-mac '" + (folder.path / "mac").string() + "' " + words);
-    }
-    std::map<std::string, PlistFileStore::Values> preferences() const {
-        return mac.openPreferences()->snapshot();
-    }
     Journal journal() const { return {journalFile(), journalDirectory / "history"}; }
     fs::path journalFile() const { return journalDirectory / "journal.json"; }
 
@@ -52,13 +27,6 @@ protected:
         for (const Tweak& tweak : catalog.all()) lines += before + tweak.id + "\n";
         return lines;
     }
-
-    const bool inMemory = (keepFoldersInMemory(), true);
-    const TemporaryFolder folder;
-    const SampleMac mac{folder.path / "mac"};
-    const fs::path journalDirectory = Journal::defaultDirectory(mac.home());
-    const TweakCatalog catalog{mac.home().string()};
-    const std::map<std::string, PlistFileStore::Values> original = preferences();
 };
 
 TEST_F(HeadlessCommandsTest, WithoutARequestNothingHappens) {
@@ -124,7 +92,7 @@ TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
 TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
     const auto preferencesBefore = everythingIn(mac.preferences());
     const std::string dryJournal = folder.path / "dry";
-    const Finished dry = run({"--dry-run", "--apply-all", "--journal-directory", dryJournal.c_str()});
+    const Finished dry = run({"--dry-run", "--apply-all", "--journal-directory", dryJournal});
     EXPECT_EQ(dry.status, 0);
     std::string expected;
     for (const Tweak& tweak : catalog.all()) {
@@ -148,12 +116,12 @@ TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
     const auto whole = everythingIn(folder.path);
     for (const char* words : {"--restore-all", "--apply-all", "--status-json"})
         EXPECT_EQ(
-            run({words, "--journal-directory", dryJournal.c_str()}),
+            run({words, "--journal-directory", dryJournal}),
             (Finished{2, "error: The change journal could not be read: " + dryJournal +
                              "/dry-run.txt says that it is a dry run's, whose changes were never made.\n"}))
             << words;
     EXPECT_EQ(everythingIn(folder.path), whole);
-    EXPECT_EQ(run({"--dry-run", "--restore-all", "--journal-directory", dryJournal.c_str()}).status, 0);
+    EXPECT_EQ(run({"--dry-run", "--restore-all", "--journal-directory", dryJournal}).status, 0);
 }
 
 TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndLeavesItAlone) {
@@ -164,10 +132,10 @@ TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndL
     const fs::path copies = folder.path / "copies";
     fs::create_directory(copies);
     const auto runDry = [&](const std::string& word) {
-        return runLine("umask 0; TMPDIR='" + copies.string() +
-                       "' '" BRELL_PROGRAM "' --dry-run --sample-mac '" + mac.systemRoot().string() +
-                       "' --journal-directory '" + journalDirectory.string() + "' " + word + " 2>'" +
-                       (folder.path / "said").string() + "'");
+        return runLine("umask 0; " + shellWord(BRELL_PROGRAM) + " --dry-run --sample-mac " +
+                           shellWord(mac.systemRoot()) + " --journal-directory " +
+                           shellWord(journalDirectory) + " " + word + " 2>" + shellWord(folder.path / "said"),
+                       {{"TMPDIR", copies}});
     };
     EXPECT_EQ(runDry("--status-json"), (Finished{0, status}));
     EXPECT_EQ(contentsOf(folder.path / "said"), "note: The dry run works on a copy of the journal in " +
@@ -241,7 +209,7 @@ TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
 TEST_F(HeadlessCommandsTest, AnAgentIsWaitedForAndPutBackAsFarAsItsJobFileAllows) {
     const std::string label = "com.lumenfold.sync";
     mac.openTools()->launchd().setBehaviour(label, {8, 36, 37, {}});  // nearly two seconds
-    const Finished off = run({"--toggle-agent", label.c_str()});
+    const Finished off = run({"--toggle-agent", label});
     ASSERT_EQ(journal().active().size(), 1u);
     const std::string id = journal().active().front().id.text();
     EXPECT_EQ(off, (Finished{0, "run /bin/launchctl bootout gui/501/" + label +
@@ -330,10 +298,10 @@ TEST_F(HeadlessProgramTest, SaysWhatItDoesNotUnderstand) {
     EXPECT_EQ(unknown.status, 2);
     EXPECT_NE(unknown.output.find("--fast"), std::string::npos) << unknown.output;
     EXPECT_EQ(runProgram("--fast 2>/dev/null").output, "");
-    const Finished nothing = runLine("'" BRELL_PROGRAM "' 2>&1");
+    const Finished nothing = runLine(shellWord(BRELL_PROGRAM) + " 2>&1");
     EXPECT_EQ(nothing.status, 2);
     EXPECT_TRUE(nothing.output.starts_with("error: There is nothing to do")) << nothing.output;
-    const Finished windowAlone = runProgram("--snapshot '" + (folder.path / "w.png").string() + "' 2>&1");
+    const Finished windowAlone = runProgram("--snapshot " + shellWord(folder.path / "w.png") + " 2>&1");
     EXPECT_EQ(windowAlone, nothing) << "no tour instead";
     EXPECT_EQ(runProgram("--help").status, 0);
     EXPECT_TRUE(runProgram("--version").output.starts_with("Corvane Brell "));
@@ -346,8 +314,7 @@ TEST_F(HeadlessProgramTest, WithoutASampleMacNothingIsMadeBeforeTheFirstWrite) {
     fs::create_directory(home);
     fs::create_directory(temporary);
     const auto runHere = [&](const std::string& words) {
-        return runLine("HOME='" + home.string() + "' TMPDIR='" + temporary.string() +
-                       "' '" BRELL_PROGRAM "' " + words);
+        return runLine(shellWord(BRELL_PROGRAM) + " " + words, {{"HOME", home}, {"TMPDIR", temporary}});
     };
     for (const char* words :
          {"--status-json", "--restore-all", "--dry-run --status-json", "--dry-run --apply-all"})

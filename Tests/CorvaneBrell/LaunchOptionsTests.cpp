@@ -61,27 +61,16 @@ TEST(LaunchOptionsTest, WordsThatMakeNoSenseEndTheRunWithASentence) {
     const std::vector<std::pair<std::vector<const char*>, std::string>> cases{
         {{"--apply-everything"}, unknown("--apply-everything")},
         {{"dock.size"}, unknown("dock.size")},
-        {{"three", "two"}, unknown("three")},
         {{"--status-json", "--", "extra"}, unknown("--")},
-        {{"-a"}, unknown("-a")},
         {{"--two\nlines\x1B[2J"}, unknown("--two lines [2J")},
         {{"--journal-directory=", "--dry-run", "--apply-all"}, folder},
-        {{"--journal-directory=", "/tmp/j", "--apply-all"}, folder},
         {{"--journal-directory", "", "--apply-all"}, folder},
         {{"--journal-directory", "--dry-run", "--apply-all"}, folder},
-        {{"--dry-run", "--journal-directory=--dry-run"}, folder},
         {{"--apply-all", "--journal-directory"}, folder},
-        {{"--journal-directory=", "--sample-mac=/tmp/mac", "--apply-all"}, folder},
         {{"--sample-mac="}, needs("--sample-mac needs a value, DIR")},
-        {{"--open-group=", "--dry-run", "--apply-all"}, needs("--open-group needs a value, SCREEN")},
         {{"--toggle-agent", "--restore-all"}, needs("--toggle-agent needs a value, LABEL")},
-        {{"--quit-after-capture"}, needs("--quit-after-capture needs a value, ID")},
-        {{"--snapshot", "--quit-after-snapshot"}, needs("--snapshot needs a value, FILE")},
         {{"--dry-run=false", "--apply-all"}, "--dry-run takes no value."},
-        {{"--dry-run", "--dry-run=no", "--apply-all"}, "--dry-run takes no value."},
         {{"--status-json=0", "--sample-mac", "M"}, "--status-json takes no value."},
-        {{"--apply-all=true"}, "--apply-all takes no value."},
-        {{"--restore-all="}, "--restore-all takes no value."},
         {{"--journal-directory", "a", "--journal-directory=b"}, "--journal-directory is given twice."},
         {{"--snapshot", "p.png", "--snapshot-delay", "soon"}, delay + "soon."},
         {{"--snapshot", "p.png", "--snapshot-delay", "-1"}, delay + "-1."},
@@ -98,15 +87,11 @@ TEST(LaunchOptionsTest, WordsThatMakeNoSenseEndTheRunWithASentence) {
 
 TEST(LaunchOptionsTest, HelpNamesTheWordsAndVersionTheProgram) {
     const CommandLine help = read({"--apply-all", "--help"});
-    ASSERT_TRUE(help.earlyEnd);
-    EXPECT_EQ(help.earlyEnd->status, 0);
     EXPECT_EQ(help.options, LaunchOptions());
+    EXPECT_EQ(help.earlyEnd.value().status, 0);
     for (const char* word : {"--journal-directory DIR", "--dry-run", "--snapshot-delay SECONDS", "--version"})
         EXPECT_NE(help.earlyEnd->text.find(word), std::string::npos) << word;
-    const CommandLine version = read({"--version"});
-    ASSERT_TRUE(version.earlyEnd);
-    EXPECT_EQ(version.earlyEnd->status, 0);
-    EXPECT_TRUE(version.earlyEnd->text.starts_with("Corvane Brell 0."));
+    EXPECT_TRUE(read({"--version"}).earlyEnd.value().text.starts_with("Corvane Brell 0."));
 }
 
 TEST(LaunchOptionsTest, ARelativePathInAFolderThatIsGoneIsAClearError) {

@@ -2,13 +2,9 @@
 
 #include "CorvaneBrell/SafetyCheck.h"
 
-#include <sstream>
-
 #include "BrellCore/Preferences/PlistFileStore.h"
-#include "CorvaneBrell/Headless/HeadlessCommands.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "Tests/Support/Testing.h"
+#include "Tests/CorvaneBrell/HeadlessFixture.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -17,23 +13,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class SafetyCheckTest : public ::testing::Test {
+class SafetyCheckTest : public HeadlessTest {
 protected:
-    LaunchOptions options() const {
+    Machine machine() const {
         LaunchOptions options;
-        options.sampleMac = folder.path / "mac";
-        options.journalDirectory = journalDirectory;
-        return options;
+        options.sampleMac = mac.systemRoot();
+        options.journalDirectory = notYetThere;
+        return machineFor(options);
     }
-    std::vector<std::string> warnings() const { return safetyWarnings(machineFor(options())); }
+    Texts warnings() const { return safetyWarnings(machine()); }
     fs::path fileOf(const std::string& domain) const {
         return PlistFileStore::fileOf(mac.preferences(), domain);
     }
 
-    const bool inMemory = (keepFoldersInMemory(), true);
-    const TemporaryFolder folder;
-    const SampleMac mac{folder.path / "mac"};
-    const fs::path journalDirectory = folder.path / "not" / "yet" / "there";
+    const fs::path notYetThere = folder.path / "not" / "yet" / "there";
 };
 
 }  // namespace
@@ -56,15 +49,15 @@ TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
     EXPECT_EQ(warnings(), (Texts{ofDock, "The preference file " + finder.string() +
                                              " is locked, so that its settings may not be changeable."}));
 
-    const auto toSomebodyElse = safetyWarnings(machineFor(options()), ::geteuid() + 1);
-    const std::set<std::string> said(toSomebodyElse.begin(), toSomebodyElse.end());
-    EXPECT_TRUE(said.contains(ofDock));
-    EXPECT_TRUE(said.contains("The preference file " + finder.string() +
+    const Texts toOthers = safetyWarnings(machine(), ::geteuid() + 1);
+    const Names told(toOthers.begin(), toOthers.end());
+    EXPECT_TRUE(told.contains(ofDock));
+    EXPECT_TRUE(told.contains("The preference file " + finder.string() +
                               " belongs to another user, so that its settings may not be changeable."));
 }
 
 TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamed) {
-    const std::string name = "The journal folder " + journalDirectory.string();
+    const std::string name = "The journal folder " + notYetThere.string();
     setContents(folder.path / "not", "a file in the way");
     EXPECT_EQ(warnings(),
               Texts{name + " cannot be written, so that nothing can be changed: Not a directory."});
@@ -72,18 +65,13 @@ TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamed) {
 
 TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults) {
     fs::permissions(fileOf("com.apple.finder"), fs::perms::owner_read);
-    const auto saidBy = [&](void (*request)(LaunchOptions&)) {
-        LaunchOptions asked = options();
-        request(asked);
-        std::ostringstream out, said;
-        HeadlessCommands::runIfRequested(asked, out, said);
-        EXPECT_EQ(out.str().find("The preference file"), std::string::npos);
-        return said.str();
-    };
-    EXPECT_EQ(saidBy([](LaunchOptions& asked) { asked.restoreAll = true; }),
-              "warning: " + warnings().front() + "\n");
-    EXPECT_EQ(saidBy([](LaunchOptions& asked) { asked.statusJSON = true; }), "");
-    EXPECT_EQ(saidBy([](LaunchOptions& asked) { asked.restoreAll = asked.dryRun = true; }), "");
+    for (const auto& [words, warning] :
+         {std::pair(Texts{"--restore-all"}, "warning: " + warnings().front() + "\n"),
+          {Texts{"--status-json"}, ""},
+          {Texts{"--restore-all", "--dry-run"}, ""}}) {
+        EXPECT_EQ(run(words).output.find("The preference file"), std::string::npos);
+        EXPECT_EQ(said, warning) << words[0];
+    }
 }
 
 TEST_F(SafetyCheckTest, RootIsRefusedWithItsReason) {

@@ -18,15 +18,6 @@ using namespace testing;
 using Command = AllowedCommand;
 
 struct SampleMacTest : ::testing::Test {
-    std::string ask(const Command& command) { return tools->run(command).stdoutText; }
-    std::pair<int, std::string> change(const Command& command) {
-        const CommandResult result = tools->run(command);
-        EXPECT_EQ(result.stdoutText, "");
-        return {result.exitCode, result.stderrText};
-    }
-    LoadedState loaded(const std::string& label) {
-        return LaunchctlParser::parsePrint(tools->run(Command::launchctlPrint("gui/501/" + label)));
-    }
     std::string fileOf(const std::string& label) const {
         return (mac.launchAgents() / (label + ".plist")).string();
     }
@@ -62,59 +53,8 @@ TEST_F(SampleMacTest, HasVolumesInEveryStateOfTheIndex) {
     EXPECT_EQ(states, (std::set<std::optional<bool>>{std::nullopt, false, true}));
 }
 
-TEST_F(SampleMacTest, AnswersLikeLaunchctl) {
-    const std::string on = "homebrew.mxcl.redis";
-    const std::string off = "com.spotify.client.startuphelper";
-    const auto bootstrap = [&](const std::string& file) {
-        return change(Command::launchctlBootstrap("gui/501", file));
-    };
-    const auto bootout = [&](const std::string& label) {
-        return change(Command::launchctlBootout("gui/501", label));
-    };
-    const std::pair<int, std::string> done{0, ""};
-    const std::pair<int, std::string> inputOutput{5, "Bootstrap failed: 5: Input/output error\n"};
-
-    EXPECT_EQ(bootstrap(fileOf(on)), (std::pair{17, std::string("Bootstrap failed: 17: File exists\n")}));
-    EXPECT_EQ(bootstrap(fileOf(off)), inputOutput);
-    EXPECT_EQ(bootstrap(fileOf("com.example.missing")), inputOutput);
-    EXPECT_EQ(bootstrap(fileOf("org.millrace.feeds")), inputOutput);
-    EXPECT_EQ(bootstrap("/Library/LaunchAgents/of.another.mac.plist"), inputOutput);
-    EXPECT_EQ(bootout(off), (std::pair{3, std::string("Boot-out failed: 3: No such process\n")}));
-    EXPECT_EQ(
-        tools->run(Command::launchctlPrint("gui/501/" + off)),
-        (CommandResult{
-            113, "", "Bad request.\nCould not find service \"" + off + "\" in domain for user gui: 501\n"}));
-
-    EXPECT_EQ(change(Command::launchctlDisable("gui/501", on)), done);
-    EXPECT_TRUE(loaded(on).isLoaded());
-    EXPECT_EQ(bootout(on), done);
-    EXPECT_EQ(bootstrap(fileOf(on)), inputOutput);
-    EXPECT_EQ(change(Command::launchctlEnable("gui/501", on)), done);
-    EXPECT_EQ(bootstrap(fileOf(on)), done);
-    EXPECT_EQ(loaded(on).runs, 1);
-    EXPECT_EQ(LaunchctlParser::parsePrintDisabled(ask(Command::launchctlPrintDisabled("gui/501"))).at(on),
-              AgentOverride::enabled);
-
-    EXPECT_EQ(messageOf([&] { tools->run(Command::launchctlEnable("gui/501", "two words")); }),
-              "Refused to run a command with an invalid label two words.");
-}
-
-TEST_F(SampleMacTest, ASlowJobStaysListedForItsNumberOfAsks) {
-    const std::string slow = "com.pebblewick.indexer";
-    EXPECT_EQ(change(Command::launchctlBootout("gui/501", slow)),
-              (std::pair{36, std::string("Boot-out failed: 36: Operation now in progress\n")}));
-    for (int ask = 0; ask < 6; ++ask) {
-        EXPECT_EQ(loaded(slow).state, "SIGTERMed") << ask;
-        EXPECT_EQ(change(Command::launchctlBootstrap("gui/501", fileOf(slow))).first, 5);
-        tools = mac.openTools();  // another process asks on
-    }
-    EXPECT_EQ(loaded(slow), LoadedState::notLoaded());
-    EXPECT_EQ(change(Command::launchctlBootstrap("gui/501", fileOf(slow))).first, 0);
-    EXPECT_EQ(loaded(slow).state, "running");
-}
-
 TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
-    change(Command::launchctlBootout("gui/501", "homebrew.mxcl.redis"));
+    tools->run(Command::launchctlBootout("gui/501", "homebrew.mxcl.redis"));
     fs::remove(fileOf("us.zoom.updater"));
     setContents(fileOf("com.google.keystone.agent"), "edited");
     const auto before = everythingIn(mac.systemRoot());
@@ -141,22 +81,6 @@ TEST_F(SampleMacTest, IsMadeInNoFolderOfSomethingElse) {
                   "The folder " + (folder.path / name).string() +
                       " is no sample Mac and not empty, so that none is made in it.");
     EXPECT_EQ(everythingIn(folder.path), before);
-}
-
-TEST_F(SampleMacTest, GoesWrongOnRequest) {
-    const std::string label = "homebrew.mxcl.redis";
-    const auto disable = Command::launchctlDisable("gui/501", label);
-    const auto isDisabled = [&] {
-        return ask(Command::launchctlPrintDisabled("gui/501")).find("\"" + label + "\" => disabled") !=
-               std::string::npos;
-    };
-    tools->failNext(disable.kind, ToolFault::lying());
-    tools->failNext(disable.kind, ToolFault::hangingAfterwards());
-    EXPECT_TRUE(tools->run(disable).succeeded());
-    EXPECT_FALSE(isDisabled());
-    EXPECT_EQ(messageOf([&] { tools->run(disable); }),
-              "The command did not finish in time and was stopped: " + disable.rendered() + ".");
-    EXPECT_TRUE(isDisabled());
 }
 
 TEST_F(SampleMacTest, SaysThatItsStateIsDamagedAndKeepsIt) {

@@ -22,7 +22,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void keepFoldersInMemory() {
-    if (fs::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
+    if (!std::getenv("TMPDIR") && fs::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
 }
 
 std::set<std::string> namesIn(const fs::path& folder) {
