@@ -9,6 +9,7 @@
 #include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/FileLock.h"
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
+#include "Tests/Support/Shell.h"
 #include "Tests/Support/SystemCalls.h"
 
 namespace fs = std::filesystem;
@@ -27,6 +28,17 @@ protected:
         return engine
             .finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::applied, {})
             .id;
+    }
+
+    // Somebody who knows no lock does this when launchd is asked for the first time under it.
+    void atTheFirstQuestionUnderTheLock(const AllowedCommand& theirs) {
+        tools->interfere([this, theirs, done = false](const AllowedCommand&) mutable {
+            if (!done && !FileLock::acquire(journalDirectory / ".journal.lock", 0ms)) {
+                done = true;
+                mac.openTools()->run(theirs);
+            }
+            return std::optional<ToolFault>();
+        });
     }
 };
 
@@ -257,14 +269,14 @@ TEST_F(AgentRestoreTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
 // What else happens while an agent is switched: late commands, other processes, files that are replaced.
 
 TEST_F(AgentRestoreTest, AStoppedProcessThatSetOffMoreIsUndoneByRecovery) {
-    const std::string root = mac.systemRoot().string();
+    const std::string root = shellWord(mac.systemRoot());
     for (const auto& [kind, word, done] :
          {std::tuple(AllowedCommand::Kind::launchctlBootout, "bootout", ", not loaded"),
           std::tuple(AllowedCommand::Kind::launchctlDisable, "disable", "disabled, loaded")}) {
         const fs::path go = folder.path / (std::string("go ") + word);
-        const std::string late = "(while [ -d '" + root + "' ] && [ ! -e '" + go.string() +
-                                 "' ]; do sleep 0.05; done; BRELL_SAMPLE_MAC='" + root +
-                                 "' '" BRELL_LAUNCHCTL "' " + word + " gui/501/" + plain +
+        const std::string late = "(while [ -d " + root + " ] && [ ! -e " + shellWord(go) +
+                                 " ]; do sleep 0.05; done; BRELL_SAMPLE_MAC=" + root + " " +
+                                 shellWord(BRELL_LAUNCHCTL) + " " + word + " gui/501/" + plain +
                                  ") >/dev/null 2>&1 & exec sleep 60";
         tools->interfere([&, kind = kind](const AllowedCommand& command) -> std::optional<ToolFault> {
             if (command.kind != kind) return std::nullopt;
@@ -297,14 +309,7 @@ TEST_F(AgentRestoreTest, WhatAStoppedCommandDidIsPutBackAtOnce) {
 
 TEST_F(AgentRestoreTest, TheCaptureIsMadeUnderTheLock) {
     const LaunchAgentRecord record = agent(plain);
-    const auto otherTools = mac.openTools();
-    int asked = 0;
-    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
-        if (++asked != 3) return std::nullopt;  // the first two are asked before the lock is taken
-        EXPECT_FALSE(FileLock::acquire(journalDirectory / ".journal.lock", std::chrono::milliseconds(0)));
-        otherTools->run(AllowedCommand::launchctlBootout("gui/501", plain));  // somebody who knows no lock
-        return std::nullopt;
-    });
+    atTheFirstQuestionUnderTheLock(AllowedCommand::launchctlBootout("gui/501", plain));
     EXPECT_EQ(toggle.turnOff(record).agent,
               (AgentCapture{plain, fileOf(plain).string(), false, AgentOverride::absent}));
 }
@@ -312,12 +317,7 @@ TEST_F(AgentRestoreTest, TheCaptureIsMadeUnderTheLock) {
 TEST_F(AgentRestoreTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwritten) {
     const JournalEntry off = toggle.turnOff(agent(plain));
     const LaunchAgentRecord record = agent(plain);
-    const auto otherTools = mac.openTools();
-    int asked = 0;
-    tools->interfere([&](const AllowedCommand&) -> std::optional<ToolFault> {
-        if (++asked == 3) otherTools->run(AllowedCommand::launchctlEnable("gui/501", plain));
-        return std::nullopt;
-    });
+    atTheFirstQuestionUnderTheLock(AllowedCommand::launchctlEnable("gui/501", plain));
     EXPECT_EQ(messageOf([&] { toggle.turnOn(record); }),
               plain +
                   " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "

@@ -161,7 +161,10 @@ TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
     const std::string enable = "/bin/launchctl enable " + service;
     const std::string disable = "/bin/launchctl disable " + service;
     const std::string bootout = "/bin/launchctl bootout " + service;
-    const std::string bootstrap = "/bin/launchctl bootstrap gui/501 " + fileOf(plain).string();
+    const auto loading = [](const fs::path& file) {
+        return AllowedCommand::launchctlBootstrap("gui/501", file.string()).rendered();
+    };
+    const std::string bootstrap = loading(fileOf(plain));
     using Lines = std::vector<std::string>;
     EXPECT_EQ(toggle.previewOff(agent(plain)), (Lines{bootout, disable}));
     EXPECT_EQ(toggle.previewOn(agent(plain)), (Lines{enable, bootstrap}));
@@ -192,8 +195,7 @@ TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
 
     const fs::path renamed = mac.launchAgents() / "renamed.plist";
     fs::rename(fileOf(plain), renamed);
-    EXPECT_EQ(toggle.previewRestore(*off.agent).back(),
-              "/bin/launchctl bootstrap gui/501 " + renamed.string() + " (only if it is not loaded)");
+    EXPECT_EQ(toggle.previewRestore(*off.agent).back(), loading(renamed) + " (only if it is not loaded)");
 }
 
 // Plain, slow, slow and talkative, crash-looping, in the binary form.

@@ -64,7 +64,12 @@ TEST_F(HostileNeighboursTest, WhatStandsInAFilesPlaceIsSaidAndTheRestGoesOn) {
         int status;  // of the others
         std::string sentence, goesOn;
     } rows[] = {
-        {dock, {"--status-json"}, {Obstacle::linkToFile}, 0, unread, "finder.path_bar"},
+        {dock,
+         {"--status-json"},
+         {Obstacle::linkToFile},
+         0,
+         "error: The preference file ",
+         "finder.path_bar"},
         {dock,
          {"--apply-all"},
          {Obstacle::linkToFile},

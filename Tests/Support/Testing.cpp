@@ -22,7 +22,8 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void keepFoldersInMemory() {
-    if (!std::getenv("TMPDIR") && fs::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
+    const bool isThere = fs::temp_directory_path().string().starts_with("/dev/shm");
+    if (!isThere && fs::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
 }
 
 std::set<std::string> namesIn(const fs::path& folder) {

@@ -25,8 +25,7 @@ public:
     const std::filesystem::path path;  // absolute, without symbolic links
 };
 
-// From now on TemporaryFolder makes its folders in memory, where the system has a place for that and the user
-// named no other one. For tests
+// From now on TemporaryFolder makes its folders in memory, where the system has a place for that. For tests
 // with thousands of durable writes: flushing to a disk would take most of their time, and whether the bytes
 // reach one is not what they ask.
 void keepFoldersInMemory();
