@@ -15,9 +15,9 @@ namespace {
 
 void add(Diaries& diaries, const std::string& what, const std::string& text) {
     if (what == "did") {
-        ++diaries.done[text];
+        ++diaries.done;
     } else if (what == "refused") {
-        ++diaries.refused[text];
+        ++diaries.refused;
     } else if (what == "drifted") {
         diaries.drifted.insert(Uuid::parse(text).value());
     } else if (what == "fault") {

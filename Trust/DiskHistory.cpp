@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <set>
 #include <tuple>
 
@@ -36,23 +38,9 @@ ino_t inodeOf(const fs::path& path) {
 }
 
 bool changesTheDisk(SystemCall call) {
-    switch (call) {
-        case SystemCall::open:
-        case SystemCall::write:
-        case SystemCall::fsync:
-        case SystemCall::rename:
-        case SystemCall::link:
-        case SystemCall::unlink:
-        case SystemCall::mkdir: return true;
-        case SystemCall::read:
-        case SystemCall::pread:
-        case SystemCall::close:
-        case SystemCall::stat:
-        case SystemCall::lstat:
-        case SystemCall::fstat:
-        case SystemCall::flock: return false;
-    }
-    return false;
+    constexpr std::array changing{SystemCall::open, SystemCall::write,  SystemCall::fsync, SystemCall::rename,
+                                  SystemCall::link, SystemCall::unlink, SystemCall::mkdir};
+    return std::find(changing.begin(), changing.end(), call) != changing.end();
 }
 
 // All that a file that was not synchronised may hold, the newest first.
@@ -177,18 +165,17 @@ void Disk::layDown(const fs::path& mac) const {
             fs::remove(mac / path);
 }
 
+// A disk in the making, and what of each folder's names and of each file's contents is on it.
 struct DiskHistory::Choice {
+    Disk disk;
     std::map<Object, std::vector<bool>> done;
     std::map<Object, std::string> contents;
 };
 
-// One thing that may be in several ways.
+// One thing that may be in so many ways, the first of which is the newest.
 struct DiskHistory::Dial {
-    std::optional<Object> object;  // a file or a folder of ours; nothing: a file of the system
-    std::string path;              // of that file
-    std::vector<std::vector<bool>> masks;
-    std::vector<std::optional<std::string>> contents;
-    std::size_t positions() const { return std::max(masks.size(), contents.size()); }
+    std::size_t positions;
+    std::function<void(Choice& choice, std::size_t position)> turn;
 };
 
 std::map<std::string, DiskHistory::Object> DiskHistory::Folder::with(const std::vector<bool>& done) const {
@@ -287,38 +274,34 @@ void DiskHistory::noteNames(const Snapshot& before, const Snapshot& after) {
 std::vector<DiskHistory::Dial> DiskHistory::dials() const {
     std::vector<Dial> dials;
     for (const auto& [object, folder] : folders_)
-        if (!folder.pending.empty()) dials.push_back({object, {}, possiblyDone(folder.pending.size()), {}});
-    for (const auto& [object, file] : files_) {
-        if (file.versions.size() < 2) continue;
-        const std::vector<std::string> contents = possibleContents(file.versions);
-        dials.push_back({object, {}, {}, {contents.begin(), contents.end()}});
-    }
+        if (const auto masks = possiblyDone(folder.pending.size()); !folder.pending.empty())
+            dials.push_back({masks.size(), [object = object, masks](Choice& choice, std::size_t position) {
+                                 choice.done[object] = masks[position];
+                             }});
+    for (const auto& [object, file] : files_)
+        if (const auto contents = possibleContents(file.versions); contents.size() > 1)
+            dials.push_back(
+                {contents.size(), [object = object, contents](Choice& choice, std::size_t position) {
+                     choice.contents[object] = contents[position];
+                 }});
     for (const auto& [path, versions] : ofTheSystem_)
-        if (versions.size() > 1)
-            dials.push_back({std::nullopt, path, {}, {versions.rbegin(), versions.rend()}});
+        dials.push_back(
+            {versions.size(), [&path = path, &versions = versions](Choice& choice, std::size_t position) {
+                 choice.disk.ofTheSystem[path] = versions.rbegin()[static_cast<std::ptrdiff_t>(position)];
+                 choice.disk.systemLags |= position != 0;
+             }});
     return dials;
 }
 
 Disk DiskHistory::diskWith(const std::vector<Dial>& dials, const std::vector<std::size_t>& settings) const {
-    Disk disk;
-    for (const auto& [path, versions] : ofTheSystem_) disk.ofTheSystem[path] = versions.back();
     Choice choice;
-    for (std::size_t i = 0; i < dials.size(); ++i) {
-        const Dial& dial = dials[i];
-        if (!dial.object) {
-            disk.ofTheSystem[dial.path] = dial.contents[settings[i]];
-            disk.systemLags = disk.systemLags || settings[i] != 0;
-        } else if (!dial.masks.empty()) {
-            choice.done[*dial.object] = dial.masks[settings[i]];
-        } else {
-            choice.contents[*dial.object] = dial.contents[settings[i]].value();
-        }
-    }
-    lay(disk, choice, root_, library);
-    return disk;
+    for (std::size_t i = 0; i < dials.size(); ++i) dials[i].turn(choice, settings[i]);
+    lay(choice, root_, library);
+    return std::move(choice.disk);
 }
 
-void DiskHistory::lay(Disk& disk, const Choice& choice, Object object, const std::string& path) const {
+void DiskHistory::lay(Choice& choice, Object object, const std::string& path) const {
+    Disk& disk = choice.disk;
     const auto file = files_.find(object);
     if (file != files_.end()) {
         const auto chosen = choice.contents.find(object);
@@ -330,13 +313,13 @@ void DiskHistory::lay(Disk& disk, const Choice& choice, Object object, const std
     const Folder& folder = folders_.at(object);
     for (const auto& [name, child] :
          folder.with(done == choice.done.end() ? std::vector<bool>() : done->second))
-        lay(disk, choice, child, path + "/" + name);
+        lay(choice, child, path + "/" + name);
 }
 
 std::vector<Disk> DiskHistory::afterPowerCut() const {
     const std::vector<Dial> all = dials();
     std::vector<std::size_t> positions;
-    for (const Dial& dial : all) positions.push_back(dial.positions());
+    for (const Dial& dial : all) positions.push_back(dial.positions);
     std::vector<Disk> disks;
     for (const auto& settings : combinations(positions)) disks.push_back(diskWith(all, settings));
     return disks;

@@ -93,7 +93,7 @@ private:
     void noteNames(const Snapshot& before, const Snapshot& after);
     std::vector<Dial> dials() const;
     Disk diskWith(const std::vector<Dial>& dials, const std::vector<std::size_t>& settings) const;
-    void lay(Disk& disk, const Choice& choice, Object folder, const std::string& path) const;
+    void lay(Choice& choice, Object object, const std::string& path) const;
 
     std::map<ino_t, Object> objects_;  // of the newest snapshot
     std::map<Object, File> files_;

@@ -5,12 +5,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <iostream>
 #include <limits>
 #include <optional>
 #include <random>
+#include <set>
 #include <thread>
 
 #include "BrellCore/Support/Text.h"
@@ -42,8 +44,12 @@ constexpr std::chrono::seconds timeInASample{4};
 struct Options {
     std::size_t sample = std::numeric_limits<std::size_t>::max();  // points of each kind
     std::size_t jobs = std::max(1u, std::thread::hardware_concurrency());
-    std::vector<Kind> kinds;
-    std::optional<Crowd> crowd;
+    Crowd crowd;
+    std::vector<std::string> words;  // the kinds; empty: all
+
+    bool wants(const std::string& word) const {
+        return words.empty() || std::find(words.begin(), words.end(), word) != words.end();
+    }
 };
 
 struct Tally {
@@ -118,47 +124,23 @@ Tally tryAll(const Kind& kind, const Options& options, std::size_t points) {
     return all;
 }
 
-std::size_t numberIn(const std::string& word) {
-    if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos)
-        throw std::runtime_error("a whole number is wanted, not \"" + word + "\".");
-    const std::size_t number = std::stoul(word);
-    if (number == 0) throw std::runtime_error("the number wants to be at least 1.");
-    return number;
-}
-
-const Kind& kindNamed(const std::string& word) {
-    const auto kind =
-        std::find_if(kinds.begin(), kinds.end(), [&](const Kind& known) { return word == known.word; });
-    if (kind == kinds.end()) throw std::runtime_error("unknown word " + word + ".");
-    return *kind;
-}
-
-Options optionsFrom(const std::vector<std::string>& words) {
+Options optionsFrom(int argc, char** argv) {
     Options options;
+    options.crowd.seed = std::random_device()() % 1'000'000;
     std::optional<std::size_t> seconds;
-    Crowd crowd;
-    crowd.seed = std::random_device()() % 1'000'000;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const auto value = [&] { return numberIn(i + 1 < words.size() ? words[++i] : std::string()); };
-        if (words[i] == "--sample") {
-            options.sample = value();
-            crowd.time = timeInASample;
-        } else if (words[i] == "--jobs") {
-            options.jobs = value();
-        } else if (words[i] == "--seconds") {
-            seconds = value();
-        } else if (words[i] == "--seed") {
-            crowd.seed = value();
-        } else if (words[i] == manyAtOnce) {
-            options.crowd = crowd;
-        } else {
-            options.kinds.push_back(kindNamed(words[i]));
-        }
-    }
-    if (seconds) crowd.time = std::chrono::seconds(*seconds);
-    const bool isEverything = options.kinds.empty() && !options.crowd;
-    if (isEverything) options.kinds.assign(kinds.begin(), kinds.end());
-    if (isEverything || options.crowd) options.crowd = crowd;
+    std::set<std::string> known{manyAtOnce};
+    for (const Kind& kind : kinds) known.insert(kind.word);
+
+    const CLI::Range number(1, 1'000'000);
+    CLI::App app;
+    const CLI::Option* sample = app.add_option("--sample", options.sample)->check(number);
+    app.add_option("--jobs", options.jobs)->check(number);
+    app.add_option("--seconds", seconds)->check(number);
+    app.add_option("--seed", options.crowd.seed)->check(number);
+    app.add_option("KIND", options.words)->check(CLI::IsMember(known));
+    app.parse(argc, argv);
+    if (*sample) options.crowd.time = timeInASample;
+    if (seconds) options.crowd.time = std::chrono::seconds(*seconds);
     return options;
 }
 
@@ -182,15 +164,17 @@ bool tryCrowd(const Crowd& crowd) {
 }  // namespace
 
 int main(int argc, char** argv) try {
-    const Options options = optionsFrom({argv + 1, argv + argc});
-    if (!options.kinds.empty() && !testing::systemCallsAreWatched()) {
+    const Options options = optionsFrom(argc, argv);
+    const bool onlyTheCrowd = options.words == std::vector<std::string>{manyAtOnce};
+    if (!onlyTheCrowd && !testing::systemCallsAreWatched()) {
         std::cerr << "File system calls can't be watched on this system.\n";
         return 2;
     }
     testing::keepFoldersInMemory();
     bool isWell = true;
-    for (const Kind& kind : options.kinds) isWell &= tryPoints(kind, options);
-    if (options.crowd) isWell &= tryCrowd(*options.crowd);
+    for (const Kind& kind : kinds)
+        if (options.wants(kind.word)) isWell &= tryPoints(kind, options);
+    if (options.wants(manyAtOnce)) isWell &= tryCrowd(options.crowd);
     return isWell ? 0 : 1;
 } catch (const std::exception& error) {
     std::cerr << "BrellTrust: " << error.what() << '\n';

@@ -238,17 +238,8 @@ void expectAtMost(Faults& faults, std::size_t most, std::size_t found, const std
 
 std::string summaryOf(const CrowdAtWork& work, const Crowd& crowd, const Diaries& diaries,
                       const Records& records) {
-    std::string deeds;
-    std::size_t done = 0, refused = 0;
-    for (const auto& [deed, times] : diaries.refused) refused += times;
-    for (const auto& [deed, times] : diaries.done) {
-        done += times;
-        const auto others = diaries.refused.find(deed);
-        deeds += "  " + deed + ": " + std::to_string(times) + " done, " +
-                 std::to_string(others == diaries.refused.end() ? 0 : others->second) + " refused\n";
-    }
     const auto text = [](std::size_t number) { return std::to_string(number); };
-    return deeds + text(done) + " operations done and " + text(refused) + " refused in " +
+    return text(diaries.done) + " operations done and " + text(diaries.refused) + " refused in " +
            std::to_string(crowd.time.count()) + " s by " + text(crowd.programs) + " programs of " +
            text(crowd.threads) + " threads, " + text(work.killed) + " killed and replaced (seed " +
            std::to_string(crowd.seed) + "); " + text(records.entries.size()) + " entries, " +

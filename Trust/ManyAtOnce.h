@@ -19,7 +19,7 @@ struct Crowd {
 
 // What came of it.
 struct CrowdReport {
-    std::string summary;  // in numbers; several lines
+    std::string summary;  // in numbers
     Faults faults;
 };
 
