@@ -146,6 +146,13 @@ int failedWith(int code) {
     return -1;
 }
 
+// The call as the program makes it, unless it is to fail.
+template <class Result, class Place, class... Arguments>
+Result watched(SystemCall call, Place place, Next& next, Arguments... arguments) {
+    if (const int code = codeFor(call, place)) return failedWith(code);
+    return next.as<Result(Arguments...)>()(arguments...);
+}
+
 bool takesMode(int flags) {
 #ifdef O_TMPFILE
     if ((flags & O_TMPFILE) == O_TMPFILE) return true;
@@ -185,94 +192,78 @@ void CallObserver::stop() {}
 
 #ifdef __linux__
 
-using brell::testing::codeFor;
-using brell::testing::failedWith;
-using brell::testing::SystemCall;
+using namespace brell::testing;
 
 extern "C" {
 
 int open(const char* path, int flags, ...) {
     mode_t mode = 0;
-    if (brell::testing::takesMode(flags)) {
+    if (takesMode(flags)) {
         std::va_list rest;
         va_start(rest, flags);
         mode = va_arg(rest, mode_t);
         va_end(rest);
     }
     if (const int code = codeFor(SystemCall::open, path)) return failedWith(code);
-    return brell::testing::nextOpen.as<int(const char*, int, ...)>()(path, flags, mode);
+    return nextOpen.as<int(const char*, int, ...)>()(path, flags, mode);
 }
 
 ssize_t read(int descriptor, void* bytes, size_t count) {
-    if (const int code = codeFor(SystemCall::read, descriptor)) return failedWith(code);
-    return brell::testing::nextRead.as<ssize_t(int, void*, size_t)>()(descriptor, bytes, count);
+    return watched<ssize_t>(SystemCall::read, descriptor, nextRead, descriptor, bytes, count);
 }
 
 ssize_t pread(int descriptor, void* bytes, size_t count, off_t offset) {
-    if (const int code = codeFor(SystemCall::pread, descriptor)) return failedWith(code);
-    return brell::testing::nextPread.as<ssize_t(int, void*, size_t, off_t)>()(descriptor, bytes, count,
-                                                                              offset);
+    return watched<ssize_t>(SystemCall::pread, descriptor, nextPread, descriptor, bytes, count, offset);
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t count) {
-    if (const int code = codeFor(SystemCall::write, descriptor)) return failedWith(code);
-    return brell::testing::nextWrite.as<ssize_t(int, const void*, size_t)>()(descriptor, bytes, count);
+    return watched<ssize_t>(SystemCall::write, descriptor, nextWrite, descriptor, bytes, count);
 }
 
 int fsync(int descriptor) {
-    if (const int code = codeFor(SystemCall::fsync, descriptor)) return failedWith(code);
-    return brell::testing::nextFsync.as<int(int)>()(descriptor);
+    return watched<int>(SystemCall::fsync, descriptor, nextFsync, descriptor);
 }
 
 int fdatasync(int descriptor) {
-    if (const int code = codeFor(SystemCall::fsync, descriptor)) return failedWith(code);
-    return brell::testing::nextFdatasync.as<int(int)>()(descriptor);
+    return watched<int>(SystemCall::fsync, descriptor, nextFdatasync, descriptor);
 }
 
 int rename(const char* from, const char* to) noexcept {
-    if (const int code = codeFor(SystemCall::rename, to)) return failedWith(code);
-    return brell::testing::nextRename.as<int(const char*, const char*)>()(from, to);
+    return watched<int>(SystemCall::rename, to, nextRename, from, to);
 }
 
 int link(const char* from, const char* to) noexcept {
-    if (const int code = codeFor(SystemCall::link, to)) return failedWith(code);
-    return brell::testing::nextLink.as<int(const char*, const char*)>()(from, to);
+    return watched<int>(SystemCall::link, to, nextLink, from, to);
 }
 
 int unlink(const char* path) noexcept {
-    if (const int code = codeFor(SystemCall::unlink, path)) return failedWith(code);
-    return brell::testing::nextUnlink.as<int(const char*)>()(path);
+    return watched<int>(SystemCall::unlink, path, nextUnlink, path);
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {
-    if (const int code = codeFor(SystemCall::mkdir, path)) return failedWith(code);
-    return brell::testing::nextMkdir.as<int(const char*, mode_t)>()(path, mode);
+    return watched<int>(SystemCall::mkdir, path, nextMkdir, path, mode);
 }
 
 int close(int descriptor) {
     const int code = codeFor(SystemCall::close, descriptor);
-    const int result = brell::testing::nextClose.as<int(int)>()(descriptor);
+    const int result = nextClose.as<int(int)>()(descriptor);
     return code != 0 ? failedWith(code) : result;
 }
 
 int stat(const char* path, struct stat* status) noexcept {
-    if (const int code = codeFor(SystemCall::stat, path)) return failedWith(code);
-    return brell::testing::nextStat.as<int(const char*, struct stat*)>()(path, status);
+    return watched<int>(SystemCall::stat, path, nextStat, path, status);
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    if (const int code = codeFor(SystemCall::lstat, path)) return failedWith(code);
-    return brell::testing::nextLstat.as<int(const char*, struct stat*)>()(path, status);
+    return watched<int>(SystemCall::lstat, path, nextLstat, path, status);
 }
 
 int fstat(int descriptor, struct stat* status) noexcept {
-    if (const int code = codeFor(SystemCall::fstat, descriptor)) return failedWith(code);
-    return brell::testing::nextFstat.as<int(int, struct stat*)>()(descriptor, status);
+    return watched<int>(SystemCall::fstat, descriptor, nextFstat, descriptor, status);
 }
 
 int flock(int descriptor, int operation) noexcept {
-    if (const int code = codeFor(SystemCall::flock, descriptor)) return failedWith(code);
-    return brell::testing::nextFlock.as<int(int, int)>()(descriptor, operation);
+    return watched<int>(SystemCall::flock, descriptor, nextFlock, descriptor, operation);
 }
 
 }  // extern "C"

@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Model/TweakSearch.h"
 
+#include "Tests/Support/Testing.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,13 +9,14 @@
 #include <set>
 
 using namespace brell;
+using namespace brell::testing;
 
 namespace {
 
 class TweakSearchTest : public ::testing::Test {
 protected:
-    std::vector<std::string> ids(std::string_view query) const {
-        std::vector<std::string> found;
+    Texts ids(std::string_view query) const {
+        Texts found;
         for (const Tweak* tweak : search.find(query).tweaks) found.push_back(tweak->id);
         return found;
     }
@@ -22,8 +25,8 @@ protected:
         return found.empty() ? "nothing" : found[0];
     }
 
-    std::vector<std::string> inCatalogOrder(std::string_view group) const {
-        std::vector<std::string> found;
+    Texts inCatalogOrder(std::string_view group) const {
+        Texts found;
         for (const Tweak& tweak : catalog.all())
             if (tweak.id.starts_with(group)) found.push_back(tweak.id);
         return found;
@@ -34,29 +37,8 @@ protected:
 };
 
 TEST_F(TweakSearchTest, TheRightRowComesFirst) {
-    const std::vector<std::pair<std::string_view, std::vector<std::string_view>>> cases{
-        {"finder.show_hidden",
-         {"dotfiles", "hidden", "HID fil", "AppleShowAllFiles", "allfiles", "com.apple.finder showallf",
-          "how do I show hidden files"}},
-        {"finder.no_dsstore_on_shares", {".ds_store"}},
-        {"dock.autohide", {"dock disappear"}},
-        {"dock.autohide_instant", {"autohide-delay", "dock animation speed"}},
-        {"dock.minimize_effect", {"genie"}},
-        {"dock.position", {"dock left"}},
-        {"shot.jpg", {"screenshot jpg"}},
-        {"shot.folder", {"screenshots folder"}},
-        {"shot.cursor", {"screenshot mouse"}},
-        {"text.no_autocorrect", {"disable autocorrect"}},
-        {"text.no_smart_quotes", {"curly quotes"}},
-        {"kb.hold_to_repeat", {"pressandhold", "kb.hold_to_repeat"}},
-        {"docs.save_to_disk", {"icloud"}},
-        {"mc.keep_space_order", {"spaces order"}},
-        {"priv.no_personalized_ads", {"ads"}},
-        {"misc.always_show_scrollbars", {"scrollbar"}},
-        {"misc.no_timemachine_offer", {"time machine"}},
-    };
-    for (const auto& [id, queries] : cases)
-        for (const std::string_view query : queries) EXPECT_EQ(first(query), id) << query;
+    for (const Texts& row : sampleRows("Search/first.txt"))
+        for (std::size_t i = 1; i < row.size(); ++i) EXPECT_EQ(first(row[i]), row[0]) << row[i];
 }
 
 TEST_F(TweakSearchTest, EveryTweakIsFoundFirstByItsTitleAndItsKeys) {
@@ -68,14 +50,14 @@ TEST_F(TweakSearchTest, EveryTweakIsFoundFirstByItsTitleAndItsKeys) {
 }
 
 TEST_F(TweakSearchTest, EveryWordCountsAndOnlyAsTheBeginningOfOne) {
-    EXPECT_EQ(ids("dotfiles jpg"), std::vector<std::string>());  // each is somewhere, but not together
-    EXPECT_EQ(ids("idden"), std::vector<std::string>());
-    EXPECT_EQ(ids("hidden qqq"), std::vector<std::string>());
-    EXPECT_EQ(ids("hiddenfiles"), std::vector<std::string>());
+    EXPECT_EQ(ids("dotfiles jpg"), Texts());  // each is somewhere, but not together
+    EXPECT_EQ(ids("idden"), Texts());
+    EXPECT_EQ(ids("hidden qqq"), Texts());
+    EXPECT_EQ(ids("hiddenfiles"), Texts());
     EXPECT_FALSE(ids("usbstores").empty());  // DSDontWriteUSBStores
     EXPECT_FALSE(ids("stores").empty());
     for (const std::string_view within : {"sdont", "sbstores", "bstores", "tores"})
-        EXPECT_EQ(ids(within), std::vector<std::string>()) << within;
+        EXPECT_EQ(ids(within), Texts()) << within;
     for (const std::string_view empty : {"", "  ", "...", "\xFF\xFE", "\t-"})
         EXPECT_EQ(search.find(empty), SearchResults()) << empty;
     // A filler alone is a word like any other.
@@ -94,7 +76,7 @@ TEST_F(TweakSearchTest, LetterCaseAndAccentsDoNotCount) {
 
 TEST_F(TweakSearchTest, EquallyGoodOnesStandInTheOrderOfTheCatalogAndPagesAreFoundToo) {
     EXPECT_EQ(ids("capture grab"), inCatalogOrder("shot."));
-    std::vector<std::string> ofTheDock;  // many, and the word fits them all alike
+    Texts ofTheDock;  // many, and the word fits them all alike
     for (const std::string& id : ids("apple"))
         if (id.starts_with("dock.")) ofTheDock.push_back(id);
     EXPECT_EQ(ofTheDock, inCatalogOrder("dock."));
@@ -104,21 +86,10 @@ TEST_F(TweakSearchTest, EquallyGoodOnesStandInTheOrderOfTheCatalogAndPagesAreFou
     EXPECT_EQ(search.find("dock").screens.at(0), Screen::dock);
 }
 
-TEST_F(TweakSearchTest, TakesUnderAMillisecondAndTimeInProportionToTheQuery) {
-    using Clock = std::chrono::steady_clock;
-    auto best = Clock::duration::max();  // of many: the machine may be busy with other things
-    for (int i = 0; i < 200; ++i) {
-        const auto begin = Clock::now();
-        search.find("show s hidden f");
-        best = std::min(best, Clock::now() - begin);
-    }
-    EXPECT_LT(best, std::chrono::milliseconds(1));
-
+TEST_F(TweakSearchTest, AnEndlessQueryIsAnswered) {
     std::string endless;
     for (int i = 0; i < 20'000; ++i) endless += "a hidden s ";
-    const auto begin = Clock::now();
-    EXPECT_FALSE(search.find(endless).tweaks.empty());
-    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_FALSE(ids(endless).empty());
 }
 
 TEST(ScreenTest, EveryGroupHasItsPageAndEveryPageItsWords) {
@@ -126,13 +97,10 @@ TEST(ScreenTest, EveryGroupHasItsPageAndEveryPageItsWords) {
         EXPECT_EQ(group(screenOf(tweakGroup)), tweakGroup);
     std::set<std::string_view> symbols, purposes;
     for (const Screen screen : allCases<Screen>()) {
-        symbols.insert(symbol(screen));
-        purposes.insert(purpose(screen));
-        EXPECT_TRUE(purpose(screen).ends_with('.')) << title(screen);
+        EXPECT_TRUE(symbols.insert(symbol(screen)).second && purposes.insert(purpose(screen)).second)
+            << title(screen);
         EXPECT_FALSE(searchWords(screen).empty()) << title(screen);
     }
-    EXPECT_EQ(symbols.size(), 12U);
-    EXPECT_EQ(purposes.size(), 12U);
 }
 
 }  // namespace
