@@ -104,15 +104,6 @@ TEST_F(TweakEngineTest, AWriteThatDoesNotStickIsRolledBackNewestFirst) {
     EXPECT_EQ(script(), RestoreScript::render({}, now));
 }
 
-TEST_F(TweakEngineTest, AStoreThatTakesNoWritesLeavesNothingToRecover) {
-    store.goWrong(Fault::refuses, "write");
-    const StoreFailure reason = FaultyStore::simulated("write " + inner.rendered());
-    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("finder.drives_on_desktop")); }), EngineFailure(reason));
-    EXPECT_EQ(statuses(), std::vector{EntryStatus::failed});
-    EXPECT_EQ(journal.all().at(0).failure, describe(reason));
-    EXPECT_EQ(files.snapshot(), original);
-}
-
 TEST_F(TweakEngineTest, ARollbackThatFailsKeepsTheEntryForRecovery) {
     // The first synchronise is that of the change, the later ones are those of the rollback.
     store.goWrong(Fault::refuses, "synchronize");
@@ -130,23 +121,14 @@ TEST_F(TweakEngineTest, ARollbackThatFailsKeepsTheEntryForRecovery) {
 }
 
 TEST_F(TweakEngineTest, WhatWasNotPutBackIsNotSaidToBe) {
-    const PrefKey magnification{"com.apple.dock", "magnification"}, largeSize{"com.apple.dock", "largesize"};
     files.write(false, magnification);
     store.goWrong(Fault::ignores, "write com.apple.dock", 2);
-    const PrefValue written = tweak("dock.magnify").writes[1].target;
-    try {
-        engine.apply(tweak("dock.magnify"));
-        ADD_FAILURE() << "the second key was not written";
-    } catch (const EngineError& error) {
-        EXPECT_EQ(error.failure(), EngineFailure(VerifyFailed{largeSize, written, {}}));
-        EXPECT_EQ(error.what(),
-                  "After writing com.apple.dock largesize, macOS reports absent instead of " +
-                      written.rendered() +
-                      ". After putting back com.apple.dock magnification, macOS reports true instead of "
-                      "false.");
-        EXPECT_EQ(journal.all().at(0).failure, error.what());
-    }
-    EXPECT_EQ(journal.all().at(0).status, EntryStatus::capturing);
+    const std::string told =
+        "After writing com.apple.dock largesize, macOS reports absent instead of 80. After putting back "
+        "com.apple.dock magnification, macOS reports true instead of false.";
+    EXPECT_EQ(messageOf([&] { engine.apply(tweak("dock.magnify")); }), told);
+    EXPECT_EQ(journal.all().at(0).failure, told);
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::capturing});
 }
 
 TEST_F(TweakEngineTest, AnOriginalThatDoesNotComeBackKeepsTheEntryActive) {
@@ -190,6 +172,8 @@ TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
     store.heal();
     files.markUnsupported(tileSize);  // somebody put a dictionary there
     EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }), EngineFailure(Drift{entry.id}));
+    setContents(folder.path / "preferences" / "com.apple.dock.plist", "damaged");
+    EXPECT_EQ(engine.driftedEntries(), std::vector{entry});
 }
 
 TEST_F(TweakEngineTest, ValuesSetBeforeUsAreResetWhenTurnedOffAndCanComeBack) {
@@ -232,26 +216,18 @@ TEST_F(TweakEngineTest, RestoreAllGoesNewestFirstAndAsksAboutDrift) {
     EXPECT_EQ(engine.restoreAll({}), RestoreAllOutcome());
 }
 
-TEST_F(TweakEngineTest, AnEntryThatCannotBeReadHasDrifted) {
-    const Uuid size = engine.apply(tweak("dock.size")).id;
-    setContents(folder.path / "preferences" / "com.apple.dock.plist", "damaged");
-    ASSERT_EQ(engine.driftedEntries().size(), 1u);
-    EXPECT_EQ(engine.driftedEntries()[0].id, size);
-}
-
 TEST_F(TweakEngineTest, ASuccessTakesAwayWhatKilledProcessesLeftLongAgo) {
-    const auto leave = [](const std::filesystem::path& target) {
-        const auto file = temporaryFor(target);
-        setContents(file, "half");
-        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - 25h);
-        return file;
-    };
     const auto leaveEach = [&] {
-        return std::vector{leave(journal.fileURL()), leave(journalDirectory / RestoreScript::fileName),
-                           leave(folder.path / "preferences" / "com.apple.dock.plist")};
+        std::vector<fs::path> left;
+        for (const fs::path& target : {journal.fileURL(), journalDirectory / RestoreScript::fileName,
+                                       folder.path / "preferences" / "com.apple.dock.plist"}) {
+            setContents(left.emplace_back(temporaryFor(target)), "half");
+            fs::last_write_time(left.back(), fs::file_time_type::clock::now() - 25h);
+        }
+        return left;
     };
     const auto there = [](const auto& all) {
-        return std::count_if(all.begin(), all.end(), [](const auto& file) { return exists(file); });
+        return std::count_if(all.begin(), all.end(), [](const fs::path& file) { return exists(file); });
     };
     auto leftovers = leaveEach();
     engineFailure([&] { engine.turnOff(tweak("dock.size"), false); });

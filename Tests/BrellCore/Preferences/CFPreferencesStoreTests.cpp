@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/BrellCore/Preferences/Operations.h"
 #include "Tests/Support/StandInDefaults.h"
 #include "Tests/Support/Testing.h"
 
@@ -154,11 +155,7 @@ TEST_F(CFPreferencesStoreTest, AWriteThatCouldNotBeSavedIsAFailureAlthoughItIsSt
 
 TEST_F(CFPreferencesStoreTest, OtherDomainsNeverReachThePlatform) {
     const StoreFailure refused = DomainNotAllowed{"com.apple.finder"};
-    for (const std::function<void()>& operation : std::vector<std::function<void()>>{
-             [&] { store.exactValue(stranger); }, [&] { store.effectiveValue(stranger); },
-             [&] { store.hasByHostValue(stranger); }, [&] { store.isForced(stranger); },
-             [&] { store.write(1, stranger); }, [&] { store.remove(stranger); },
-             [&] { store.synchronize(stranger.domain); }})
+    for (const std::function<void()>& operation : operationsOn(store, stranger))
         EXPECT_EQ(failureOf<StoreError>(operation), refused);
     CFPreferencesStore unchecked({"com.apple.dock"}, false, defaults);
     EXPECT_EQ(failureOf<StoreError>([&] { unchecked.isForced(stranger); }), refused);

@@ -7,6 +7,7 @@
 
 #include "BrellCore/Support/Failure.h"
 #include "BrellCore/Support/PropertyList.h"
+#include "Tests/BrellCore/Preferences/Operations.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
@@ -74,21 +75,10 @@ TEST_F(PlistFileStoreTest, RemovingWhatIsNotStoredTouchesNothing) {
 TEST_F(PlistFileStoreTest, EveryOperationRefusesOtherDomainsFirst) {
     store.failNextWrite(stranger);
     store.markUnsupported(stranger);
-    const std::vector<std::function<void()>> operations{[&] { store.checkAllowed(stranger.domain); },
-                                                        [&] { store.exactValue(stranger); },
-                                                        [&] { store.effectiveValue(stranger); },
-                                                        [&] { store.hasByHostValue(stranger); },
-                                                        [&] { store.isForced(stranger); },
-                                                        [&] { store.write(true, stranger); },
-                                                        [&] { store.remove(stranger); },
-                                                        [&] { store.synchronize(stranger.domain); },
-                                                        [&] { store.put(StoredValue(), stranger); }};
-    for (const auto& operation : operations)
+    for (const std::function<void()>& operation : operationsOn(store, stranger))
         EXPECT_EQ(failureOf<StoreError>(operation), StoreFailure(DomainNotAllowed{"com.apple.finder"}));
     EXPECT_EQ(describe(StoreFailure(DomainNotAllowed{"com.apple.finder"})),
               "The domain com.apple.finder is not one Brell may change.");
-    EXPECT_EQ(describe(StoreFailure(SynchronizeFailed{"com.apple.dock"})),
-              "macOS did not confirm the write to com.apple.dock.");
     EXPECT_EQ(namesIn(directory), Names());
 }
 

