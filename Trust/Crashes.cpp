@@ -6,7 +6,7 @@
 #include "Tests/Support/SystemCalls.h"
 #include "Trust/Trial.h"
 
-using brell::testing::CallObserver;
+using brell::testing::EachCall;
 using brell::testing::SystemCall;
 
 namespace fs = std::filesystem;
@@ -17,20 +17,6 @@ namespace {
 
 constexpr int endedThere = 42;
 
-// Ends the process instead of its n-th call, as a kill does: nothing is cleaned up, nothing is written.
-class EndingCall final : CallObserver {
-public:
-    EndingCall(const fs::path& folder, std::size_t n) : CallObserver(folder), left_(n) { start(); }
-    ~EndingCall() override { stop(); }
-
-private:
-    int sees(SystemCall, const std::string&) override {
-        if (left_-- == 0) ::_exit(endedThere);
-        return 0;
-    }
-    std::size_t left_;
-};
-
 // Gives the exit status: endedThere, or that of an operation that was over before its n-th call.
 int performInChild(const Stage& stage, const Scene& scene, std::size_t n) {
     const pid_t child = ::fork();
@@ -38,7 +24,11 @@ int performInChild(const Stage& stage, const Scene& scene, std::size_t n) {
         try {
             Rig rig(stage.world());
             damageJournal(scene, rig);
-            const EndingCall ending(stage.world(), n);
+            // Instead of its n-th call, as a kill does: nothing is cleaned up, nothing is written.
+            const EachCall ending(stage.world(), [left = n](SystemCall) mutable {
+                if (left-- == 0) ::_exit(endedThere);
+                return 0;
+            });
             scene.perform(rig);
         } catch (const std::exception&) {
             ::_exit(1);

@@ -8,7 +8,7 @@
 #include "Trust/Recovery.h"
 #include "Trust/Trial.h"
 
-using brell::testing::CallObserver;
+using brell::testing::EachCall;
 using brell::testing::SystemCall;
 
 namespace fs = std::filesystem;
@@ -24,30 +24,6 @@ struct Code {
 constexpr std::array codes{Code{ENOSPC, "no space"}, Code{EIO, "input/output error"},
                            Code{EACCES, "permission denied"}, Code{EMFILE, "too many open files"},
                            Code{EINTR, "interrupted"}};
-
-// The n-th call fails, and if that lasts, with it all later ones of its kind.
-class FaultyCall final : CallObserver {
-public:
-    FaultyCall(const fs::path& folder, std::size_t n, int code, bool lasts)
-        : CallObserver(folder), left_(n), code_(code), lasts_(lasts) {
-        start();
-    }
-    ~FaultyCall() override { stop(); }
-
-    std::optional<SystemCall> failed;  // nothing: it was never reached
-
-private:
-    int sees(SystemCall call, const std::string&) override {
-        if (!failed && left_-- == 0) {
-            failed = call;
-            return code_;
-        }
-        return lasts_ && failed == call ? code_ : 0;
-    }
-    std::size_t left_;
-    const int code_;
-    const bool lasts_;
-};
 
 std::size_t openDescriptors() {
     return testing::namesIn("/proc/self/fd").size();
@@ -72,9 +48,13 @@ Faults tryFault(const Stage& stage, const Scene& scene, const Goal& goal, std::s
     Attempt made;
     std::optional<SystemCall> failed;
     {
-        const FaultyCall faulty(stage.world(), n, code.number, lasts);
+        // The n-th call, and if that lasts, with it all later ones of its kind.
+        const EachCall faulty(stage.world(), [&, left = n](SystemCall call) mutable {
+            const bool isTheOne = !failed && left-- == 0;
+            if (isTheOne) failed = call;
+            return isTheOne || (lasts && failed == call) ? code.number : 0;
+        });
         made = attempt(scene, rig);
-        failed = faulty.failed;
     }
     Faults faults = undo.found();
     if (!failed) return {"the call was never made"};

@@ -4,7 +4,7 @@
 #include "Trust/Recovery.h"
 #include "Trust/Trial.h"
 
-using brell::testing::CallObserver;
+using brell::testing::EachCall;
 using brell::testing::SystemCall;
 
 namespace fs = std::filesystem;
@@ -13,23 +13,6 @@ namespace brell::trust {
 
 namespace {
 
-class RemovingCall final : CallObserver {
-public:
-    RemovingCall(const fs::path& world, std::size_t n, fs::path what)
-        : CallObserver(world), left_(n), what_(std::move(what)) {
-        start();
-    }
-    ~RemovingCall() override { stop(); }
-
-private:
-    int sees(SystemCall, const std::string&) override {
-        if (left_-- == 0) fs::remove_all(what_);
-        return 0;
-    }
-    std::size_t left_;
-    const fs::path what_;
-};
-
 // The program that was at work goes on: what it does is done and on record, and all of it comes back.
 Faults tryRemoval(const Stage& stage, const Scene& scene, const Goal& goal, std::size_t n,
                   const fs::path& what) {
@@ -37,7 +20,10 @@ Faults tryRemoval(const Stage& stage, const Scene& scene, const Goal& goal, std:
     Rig rig(stage.world());
     Attempt made;
     {
-        const RemovingCall removing(stage.world(), n, rig.journalDirectory / what);
+        const EachCall removing(stage.world(), [&, left = n](SystemCall) mutable {
+            if (left-- == 0) fs::remove_all(rig.journalDirectory / what);
+            return 0;
+        });
         made = attempt(scene, rig);
     }
     Faults faults = made.sentences;

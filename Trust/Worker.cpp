@@ -21,16 +21,13 @@ bool isBusy(const std::string& sentence) {
     return sentence.find("another Brell has been busy with it") != std::string::npos;
 }
 
-// Whether it is what happens where others are at work, too: they were first, or take too long.
-struct IsOfOthers {
-    bool operator()(const Refused&) const { return true; }
-    bool operator()(const NotActive&) const { return true; }
-    bool operator()(const Drift&) const { return true; }  // a killed program may have undone half a change
-    bool operator()(const JournalFailure& failure) const { return isBusy(describe(failure)); }
-    bool operator()(const StoreFailure&) const { return false; }
-    bool operator()(const VerifyFailed&) const { return false; }
-    bool operator()(const NoAgentRestorer&) const { return false; }
-};
+// Whether it is what happens where others are at work, too: they were first, or take too long. A killed
+// program may have undone half a change.
+bool isOfOthers(const EngineFailure& failure) {
+    if (const auto* journal = std::get_if<JournalFailure>(&failure)) return isBusy(describe(*journal));
+    return std::holds_alternative<Refused>(failure) || std::holds_alternative<NotActive>(failure) ||
+           std::holds_alternative<Drift>(failure);
+}
 
 bool isOfOthers(const AgentToggleFailure& failure) {
     switch (failure.problem) {
@@ -92,7 +89,7 @@ void Worker::perform(const Deed& deed) {
         diary_.did(deed_);
     } catch (const EngineError& error) {
         if (const auto* drift = std::get_if<Drift>(&error.failure())) diary_.foundDrifted(drift->entry);
-        refused(error.what(), std::visit(IsOfOthers(), error.failure()));
+        refused(error.what(), isOfOthers(error.failure()));
     } catch (const AgentToggleError& error) {
         refused(error.what(), isOfOthers(error.failure()));
     } catch (const JournalError& error) {
@@ -159,7 +156,7 @@ void Worker::applyPreset() {
         try {
             keepInMind(rig_.engine.apply(rig_.tweak(id)));
         } catch (const EngineError& error) {
-            refused(error.what(), std::visit(IsOfOthers(), error.failure()));
+            refused(error.what(), isOfOthers(error.failure()));
         }
     }
 }

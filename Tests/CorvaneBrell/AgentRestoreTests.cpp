@@ -42,16 +42,6 @@ protected:
     }
 };
 
-// A file that is there and can't be opened.
-class ClosedFile final : CallObserver {
-public:
-    explicit ClosedFile(const fs::path& file) : CallObserver(file) { start(); }
-    ~ClosedFile() override { stop(); }
-
-private:
-    int sees(SystemCall call, const std::string&) override { return call == SystemCall::open ? EACCES : 0; }
-};
-
 TEST_F(AgentRestoreTest, WaitsAsLongAsLaunchdGivesAJobToEnd) {
     std::vector<std::string> told;
     toggle.setWaitingHook([&](const std::string& label, std::chrono::seconds atMost) {
@@ -171,7 +161,8 @@ TEST_F(AgentRestoreTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHa
 
     // Whether one has it is not known while a file or the folder can't be read.
     if (systemCallsAreWatched()) {
-        const ClosedFile closed(fileOf(plain));
+        const EachCall closed(fileOf(plain),
+                              [](SystemCall call) { return call == SystemCall::open ? EACCES : 0; });
         EXPECT_EQ(messageOf([&] { engine.restore(journal.activeEntry("agent:" + replaced)->id, false); }),
                   "The file " + fileOf(plain).string() + " could not be read: Permission denied.");
     }

@@ -146,16 +146,6 @@ TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
     EXPECT_EQ(stateOf("com.example.dot"), "disabled, not loaded");
 }
 
-TEST_F(AgentToggleTest, ALabelWithQuotesIsReadAsItIsAndNotSwitched) {
-    const std::string odd = "a \"quoted\" => enabled";
-    setContents(mac.launchAgents() / "odd.plist", jobFile("a \"quoted\" =&gt; enabled"));
-    tools->launchd().run(AllowedCommand::launchctlDisable("gui/501", odd));
-    EXPECT_EQ(record("odd.plist").label(), odd);
-    EXPECT_EQ(record("odd.plist").override, AgentOverride::disabled);
-    EXPECT_EQ(messageOf([&] { toggle.turnOn(record("odd.plist")); }),
-              "The label \"" + odd + "\" contains characters Brell does not pass to launchctl.");
-}
-
 TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
     const std::string service = "gui/501/" + plain;
     const std::string enable = "/bin/launchctl enable " + service;

@@ -6,6 +6,7 @@
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "CorvaneBrell/DryRunCommandRunner.h"
 #include "CorvaneBrell/DryRunStore.h"
+#include "Tests/BrellCore/Preferences/Operations.h"
 #include "Tests/Support/FakeCommandRunner.h"
 #include "Tests/Support/Testing.h"
 
@@ -60,11 +61,8 @@ TEST_F(DryRunStoreTest, RemembersWhatItHoldsBackAndReadsTheRestThrough) {
 }
 
 TEST_F(DryRunStoreTest, RefusesOtherDomainsLikeTheRealStore) {
-    const StoreFailure refused = DomainNotAllowed{foreign.domain};
-    EXPECT_EQ(failureOf<StoreError>([&] { store.write(true, foreign); }), refused);
-    EXPECT_EQ(failureOf<StoreError>([&] { store.remove(foreign); }), refused);
-    EXPECT_EQ(failureOf<StoreError>([&] { store.synchronize(foreign.domain); }), refused);
-    EXPECT_EQ(failureOf<StoreError>([&] { store.exactValue(foreign); }), refused);
+    for (const std::function<void()>& operation : operationsOn(store, foreign))
+        EXPECT_EQ(failureOf<StoreError>(operation), StoreFailure(DomainNotAllowed{foreign.domain}));
     EXPECT_EQ(out.str(), "");
 }
 

@@ -29,27 +29,27 @@ enum class Obstacle {
     folder,
     huge,  // a file larger than any memory, which takes no room
 };
-inline constexpr std::array obstacles{
-    Obstacle::linkToFile,     Obstacle::linkToNothing, Obstacle::linkToItself,
-    Obstacle::linkToFolder,   Obstacle::linkToZeros,   Obstacle::linkToFull,
-    Obstacle::linkToTerminal, Obstacle::pipe,          Obstacle::socket,
-    Obstacle::folder,         Obstacle::huge};
+inline constexpr std::array<const char*, 11> obstacleNames{"a link to a file",
+                                                           "a link to nothing",
+                                                           "a link to itself",
+                                                           "a link to a folder",
+                                                           "a link to /dev/zero",
+                                                           "a link to /dev/full",
+                                                           "a link to a terminal",
+                                                           "a named pipe",
+                                                           "a socket",
+                                                           "a folder",
+                                                           "a huge file"};
 
 inline const char* nameOf(Obstacle obstacle) {
-    constexpr const char* names[] = {"a link to a file",
-                                     "a link to nothing",
-                                     "a link to itself",
-                                     "a link to a folder",
-                                     "a link to /dev/zero",
-                                     "a link to /dev/full",
-                                     "a link to a terminal",
-                                     "a named pipe",
-                                     "a socket",
-                                     "a folder",
-                                     "a huge file"};
-    static_assert(std::size(names) == obstacles.size());
-    return names[static_cast<std::size_t>(obstacle)];
+    return obstacleNames.at(static_cast<std::size_t>(obstacle));
 }
+
+inline constexpr auto obstacles = [] {
+    std::array<Obstacle, obstacleNames.size()> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<Obstacle>(i);
+    return all;
+}();
 
 // A socket's address has little room for a path: it is made elsewhere under a short one and moved.
 inline void makeSocket(const std::filesystem::path& place) {

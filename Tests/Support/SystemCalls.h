@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace brell::testing {
@@ -51,6 +53,21 @@ protected:
 
 private:
     const std::string folder_;
+};
+
+// Asks for an answer to each call below a folder as long as it lives: the errno to fail with, or 0.
+class EachCall final : CallObserver {
+public:
+    using Answer = std::function<int(SystemCall call)>;
+    EachCall(const std::filesystem::path& folder, Answer answer)
+        : CallObserver(folder), answer_(std::move(answer)) {
+        start();
+    }
+    ~EachCall() override { stop(); }
+
+private:
+    int sees(SystemCall call, const std::string&) override { return answer_(call); }
+    const Answer answer_;
 };
 
 // Counts the calls below a folder, of all threads, as long as it lives.

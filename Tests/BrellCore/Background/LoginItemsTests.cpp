@@ -48,7 +48,16 @@ std::vector<std::string> pairs(const std::vector<LoginItemRow>& rows) {
     return texts;
 }
 
-using Texts = std::vector<std::string>;
+using testing::Texts;
+
+// What a row tells, in one line.
+std::string told(const LoginItemRow& row) {
+    constexpr const char* badges[] = {"switch", "admin", "app"};
+    std::string text = row.title + " | " + row.subtitle + " | " + badges[static_cast<int>(row.badge)] +
+                       (row.isOn ? ", on" : ", off");
+    if (row.allowedInSystemSettings) text += *row.allowedInSystemSettings ? ", allowed" : ", not allowed";
+    return text;
+}
 
 TEST(LoginItemsMerger, MatchesByIdentifierFileOrBundle) {
     const std::string file = "/Users/jo/Library/LaunchAgents/a b.plist";
@@ -139,25 +148,19 @@ TEST(LoginItemsMerger, TellsAboutARecord) {
     const auto daemon =
         record("com.example.tool", "/Library/LaunchDaemons/x.plist", AgentScope::systemDaemon);
     known.enabled = false;
-    const LoginItemRow row = merge({}, {known}, {daemon}).front();
-    EXPECT_EQ(row.badge, LoginItemBadge::adminOnly);
-    EXPECT_FALSE(row.isOn);
-
+    EXPECT_EQ(told(merge({}, {known}, {daemon}).front()),
+              "com.example.tool | com.example.tool · on demand | admin, off, not allowed");
     for (const std::optional<std::string>& noLabel :
          {std::optional<std::string>(), std::optional<std::string>("")}) {
         const LaunchAgentRecord unlabelled = record(noLabel, "/Users/jo/Library/LaunchAgents/y.plist");
-        const LoginItemRow alone = LoginItemsMerger::merge({unlabelled}, {}, nullptr, uid).front();
-        EXPECT_EQ(alone.badge, LoginItemBadge::appManaged);
-        EXPECT_EQ(alone.subtitle, "y.plist · on demand");
-        EXPECT_EQ(alone.allowedInSystemSettings, std::nullopt);
-        EXPECT_TRUE(alone.isOn);
+        EXPECT_EQ(told(LoginItemsMerger::merge({unlabelled}, {}, nullptr, uid).front()),
+                  "Unknown | y.plist · on demand | app, on");
     }
 
     LaunchAgentRecord linked = record({}, "/Users/jo/Library/LaunchAgents/z.plist");
     linked.plist.leadsTo = "/Users/jo/Documents/z.plist";
     const LoginItemRow link = LoginItemsMerger::merge({linked}, {}, nullptr, uid).front();
-    EXPECT_EQ(link.title, "z");
-    EXPECT_EQ(link.subtitle, "z.plist · a link to /Users/jo/Documents/z.plist");
+    EXPECT_EQ(told(link), "z | z.plist · a link to /Users/jo/Documents/z.plist | app, on");
     EXPECT_EQ(
         link.explanation.what,
         "A link to /Users/jo/Documents/z.plist. Brell does not look behind it, so that macOS need not ask "
@@ -174,16 +177,9 @@ TEST(LoginItemsMerger, TellsAboutAnItemThatLaunchdDoesNotKnow) {
     helper.enabled = true;
     const auto rows = merge({}, {app, helper});
     ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].title, "Helper");
-    EXPECT_EQ(rows[0].subtitle, "Example Corp · background daemon");
-    EXPECT_EQ(rows[0].badge, LoginItemBadge::adminOnly);
-    EXPECT_TRUE(rows[0].isOn);
+    EXPECT_EQ(told(rows[0]), "Helper | Example Corp · background daemon | admin, on, allowed");
     EXPECT_EQ(rows[0].explanation.what, "A background item with no program listed.");
-    EXPECT_EQ(rows[1].title, "Ex ample");
-    EXPECT_EQ(rows[1].subtitle, "com.example.app · login item");
-    EXPECT_EQ(rows[1].badge, LoginItemBadge::appManaged);
-    EXPECT_EQ(rows[1].allowedInSystemSettings, true);
-    EXPECT_FALSE(rows[1].isOn);
+    EXPECT_EQ(told(rows[1]), "Ex ample | com.example.app · login item | app, off, allowed");
 }
 
 TEST(LoginItemsMerger, SortsByBadgeThenTitleWithoutCaseThenID) {

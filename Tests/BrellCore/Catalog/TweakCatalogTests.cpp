@@ -80,19 +80,6 @@ TEST_F(TweakCatalogTest, EveryChoiceHasOneValueOfTheRightTypeForEachWrite) {
     EXPECT_EQ(choiceTweaks, 4u);
 }
 
-TEST_F(TweakCatalogTest, KnowsTheExceptions) {
-    Ids unconfirmed, experimental;
-    for (const Tweak& tweak : catalog.all()) {
-        if (!tweak.isConfirmed(26)) unconfirmed.insert(tweak.id);
-        if (tweak.risk == Risk::experimental) experimental.insert(tweak.id);
-    }
-    EXPECT_EQ(unconfirmed,
-              (Ids{"finder.drives_on_desktop", "finder.no_extension_warning", "text.no_autocorrect",
-                   "text.no_smart_dashes", "text.no_double_space_period", "misc.always_show_scrollbars"}));
-    EXPECT_EQ(experimental,
-              (Ids{"mc.fast_animation", "anim.no_window_animation", "priv.no_personalized_ads"}));
-}
-
 TEST_F(TweakCatalogTest, DerivesTheTextsOfATweakFromItsRow) {
     const Tweak& hidden = *catalog.tweak("finder.show_hidden");
 

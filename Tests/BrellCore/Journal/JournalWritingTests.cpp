@@ -251,16 +251,10 @@ TEST_F(JournalWritingTest, AJournalThatIsRemovedUnderAChangeIsMadeAnew) {
         mine->upsert(ended, held);
     }
     if (!systemCallsAreWatched()) return;
-    const struct Removing final : CallObserver {
-        explicit Removing(const fs::path& at) : CallObserver(at), folder(at) { start(); }
-        ~Removing() override { stop(); }
-        int sees(SystemCall call, const std::string&) override {
-            if (call == SystemCall::rename && !std::exchange(isDone, true)) fs::remove_all(folder);
-            return 0;
-        }
-        const fs::path folder;
-        bool isDone = false;
-    } inTheMiddle(directory);
+    const EachCall inTheMiddle(directory, [&, isDone = false](SystemCall call) mutable {
+        if (call == SystemCall::rename && !std::exchange(isDone, true)) fs::remove_all(directory);
+        return 0;
+    });
     mine->upsert(entry);
     EXPECT_EQ(opened()->entry(entry.id), entry);
 }

