@@ -28,24 +28,11 @@ TEST_F(ReportTest, SaysThatNothingIsChanged) {
 }
 
 TEST_F(ReportTest, ValuesReadAsTheyAreAndNothingInThemIsMarkup) {
-    const std::vector<std::pair<std::string, std::string>> cells{
-        {"_FXSortFoldersFirst", "_FXSortFoldersFirst"},
-        {"~/Desktop", "~/Desktop"},
-        {"C:\\Program", "C:\\Program"},
-        {"a & b > c [1] (2) e.g. 3*4", "a & b > c [1] (2) e.g. 3*4"},
-        {"a|b", "a\\|b"},
-        {"a\\|b", "a\\\\\\|b"},
-        {"a\\*b\\", "a\\\\*b\\"},
-        {"![i](http://x)", "![i]\\(http:\\//x)"},
-        {"<img src=x> &lt; &#60;", "\\<img src=x> \\&lt; \\&#60;"},
-        {"www.x.org", "www\\.x.org"},
-        {"HTTP://x Https://y", "HTTP:\\//x Https:\\//y"},
-        {"**a** `b` ~~c~~ _d_", "*\\*a\\*\\* \\`b\\` ~\\~c\\~\\~ _d\\_"},
-    };
-    for (const auto& [text, cell] : cells) journal.upsert(entryOf(text, {}));
+    const std::vector<Texts> rows = sampleRows("Report/cells.txt");  // a text, and the cell that shows it
+    for (const Texts& row : rows) journal.upsert(entryOf(row[0], {}));
     const std::string whole = report();
-    for (const auto& [text, cell] : cells)
-        EXPECT_NE(whole.find("\n| " + cell + " | - | - | - | "), std::string::npos) << text;
+    for (const Texts& row : rows)
+        EXPECT_NE(whole.find("\n| " + row[1] + " | - | - | - | "), std::string::npos) << row[0];
 }
 
 TEST_F(ReportTest, TellsEverythingThatHappened) {

@@ -51,10 +51,6 @@ TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
         (std::map<std::string, Values>{
             {"com.apple.dock", {{"autohide", Strings{"a", ""}}, {"tilesize", 36}, {"z \u00E9", " <&>\n"}}},
             {"NSGlobalDomain", {{"delay", 0.1}}}}));
-    EXPECT_EQ(readPropertyList(contentsOf(file)),
-              (PlistValue{PlistDictionary{{{"autohide", PrefValue(Strings{"a", ""}).propertyListObject()},
-                                           {"tilesize", {std::int64_t{36}}},
-                                           {"z \u00E9", {std::string(" <&>\n")}}}}}));
 
     store.put(StoredValue::absent(), autohide);
     EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
@@ -99,13 +95,6 @@ TEST_F(PlistFileStoreTest, PlaysTheSituationsThatTheRealStoreMeets) {
     EXPECT_EQ(store.exactValue(autohide), StoredValue(3));
     store.remove(autohide);
     EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
-
-    store.registerSystemDefault(5, autohide);
-    store.registerSystemDefault(6, tileSize);
-    EXPECT_EQ(store.exactValue(autohide), StoredValue::absent());
-    EXPECT_EQ(store.effectiveValue(autohide), StoredValue(5));
-    EXPECT_EQ(store.effectiveValue(tileSize), StoredValue(2));
-    EXPECT_EQ(store.effectiveValue({"NSGlobalDomain", "autohide"}), StoredValue::absent());
 
     store.markForced(tileSize);
     EXPECT_TRUE(store.isForced(tileSize));

@@ -89,24 +89,8 @@ TEST(PrefValueTest, OtherPropertyListsAreRefusedByName) {
 }
 
 TEST(PrefValueTest, JsonKeysMayComeInAnyOrderAndAbsenceWins) {
-    const struct {
-        const char* text;
-        StoredValue stored;
-    } rows[] = {{R"({"absent": true})", {}},
-                {R"({"x": [1, {}], "absent": true})", {}},
-                {R"({"type": "int", "value": 36, "absent": true})", {}},
-                {R"({"value": "x", "absent": true, "type": "string"})", {}},
-                {R"({"absent": true, "type": "float", "value": 1})", {}},
-                {R"({"type": 5, "value": [1e999, {}], "absent": true})", {}},
-                {R"({"value": "x", "absent": true, "type": "int"})", {}},
-                {R"({"type": "stringArray", "value": ["a", 1], "absent": true})", {}},
-                {R"({"absent": false, "type": "bool", "value": true})", PrefValue(true)},
-                {R"({"value": true, "type": "bool", "absent": false})", PrefValue(true)},
-                {R"({"value": ["b", "a"], "x": null, "type": "stringArray"})", PrefValue(Strings{"b", "a"})},
-                {R"({"\u0074ype": "string", "value": "\u00e9\ud83d\ude00"})", PrefValue("\u00E9\U0001F600")},
-                {R"({"type": "int", "v\u0061lue": 2})", PrefValue(2)},
-                {R"({"type": "double", "value": 2})", PrefValue(2.0)}};
-    for (const auto& row : rows) EXPECT_EQ(storedValue(row.text), row.stored) << row.text;
+    for (const Texts& row : sampleRows("Journal/values.txt"))
+        EXPECT_EQ(storedValue(row[0]).rendered(), row[1]) << row[0];
 }
 
 TEST(PrefValueTest, JsonIsNeverGuessedAt) {

@@ -11,10 +11,14 @@
 
 #include "BrellCore/Support/TimeStamp.h"
 #include "BrellCore/Support/Uuid.h"
+#include "Tests/Support/Testing.h"
 
 namespace brell {
 
 namespace {
+
+using testing::sampleRows;
+using testing::Texts;
 
 std::uint64_t bitsOf(double number) {
     return std::bit_cast<std::uint64_t>(number);
@@ -93,13 +97,8 @@ TEST(TimeStampTest, ReadsAndWritesOneFormOnly) {
         EXPECT_EQ(iso8601(time), row.text);
         EXPECT_EQ(parseIso8601(row.text), time);
     }
-    for (const char* text :
-         {"", "2026-11-15", "2026-11-15T20:23:13", "2026-11-15T20:23:13z", "2026-11-15 20:23:13Z",
-          "2026-11-15T20:23:13.5Z", "2026-11-15T20:23:13+00:00", "2026-02-29T00:00:00Z",
-          "2026-13-01T00:00:00Z", "2026-00-10T00:00:00Z", "2026-01-00T00:00:00Z", "2026-11-15T24:00:00Z",
-          "2026-11-15T23:60:00Z", "2026-11-15T23:59:60Z", "-026-11-15T20:23:13Z", "2026-+1-15T20:23:13Z",
-          " 026-11-15T20:23:13Z"})
-        EXPECT_FALSE(parseIso8601(text)) << text;
+    EXPECT_FALSE(parseIso8601(""));
+    for (const Texts& row : sampleRows("Numbers/no-dates.txt")) EXPECT_FALSE(parseIso8601(row[0])) << row[0];
 }
 
 TEST(UuidTest, OnlyTheCanonicalFormIsOne) {
