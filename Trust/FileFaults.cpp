@@ -2,9 +2,12 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "Tests/Support/SystemCalls.h"
-#include "Trust/OneWay.h"
 #include "Trust/Recovery.h"
 #include "Trust/Trial.h"
 
@@ -24,6 +27,43 @@ struct Code {
 constexpr std::array codes{Code{ENOSPC, "no space"}, Code{EIO, "input/output error"},
                            Code{EACCES, "permission denied"}, Code{EMFILE, "too many open files"},
                            Code{EINTR, "interrupted"}};
+
+// Watches that an undo goes one way only: looks at the keys of the changes that are active when it is made,
+// each time before a preference file is replaced. A key that has come back to its original stays there.
+class OneWay {
+public:
+    explicit OneWay(Rig& rig) : mac_(rig.mac) {
+        for (const JournalEntry& entry : rig.journal.active())
+            for (const JournaledWrite& write : entry.writes)
+                if (write.original != write.written) writes_.push_back(write);
+    }
+
+    Faults found() {  // after one more look
+        look();
+        return faults_;
+    }
+
+private:
+    void look() {
+        const auto store = mac_.openPreferences();
+        for (const JournaledWrite& write : writes_) {
+            const StoredValue now = store->exactValue(write.key);
+            if (now == write.original)
+                back_.insert(write.key);
+            else if (back_.contains(write.key))
+                faults_.push_back(write.key.rendered() + " was back and then became " + now.rendered());
+        }
+    }
+
+    const SampleMac mac_;
+    std::vector<JournaledWrite> writes_;
+    std::set<PrefKey> back_;
+    Faults faults_;
+    const EachCall watching_{mac_.preferences(), [this](SystemCall call) {
+                                 if (call == SystemCall::rename) look();
+                                 return 0;
+                             }};
+};
 
 std::size_t openDescriptors() {
     return testing::namesIn("/proc/self/fd").size();
