@@ -53,6 +53,19 @@ TEST_F(SampleMacTest, HasVolumesInEveryStateOfTheIndex) {
     EXPECT_EQ(states, (std::set<std::optional<bool>>{std::nullopt, false, true}));
 }
 
+TEST_F(SampleMacTest, LoadsNoJobThatLaunchdWouldNotLoad) {
+    const std::string loaded = "homebrew.mxcl.redis", leaving = "com.pebblewick.indexer";
+    EXPECT_EQ(tools->run(Command::launchctlBootout("gui/501", leaving)).exitCode, 36);
+    const std::pair<std::string, int> rows[] = {{fileOf(loaded), 17},
+                                                {fileOf(leaving), 5},
+                                                {fileOf("com.spotify.client.startuphelper"), 5},  // disabled
+                                                {fileOf("org.millrace.feeds"), 5},  // without a label
+                                                {fileOf("com.example.missing"), 5},
+                                                {"/Library/LaunchAgents/of.another.mac.plist", 5}};
+    for (const auto& [file, exitCode] : rows)
+        EXPECT_EQ(tools->run(Command::launchctlBootstrap("gui/501", file)).exitCode, exitCode) << file;
+}
+
 TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
     tools->run(Command::launchctlBootout("gui/501", "homebrew.mxcl.redis"));
     fs::remove(fileOf("us.zoom.updater"));

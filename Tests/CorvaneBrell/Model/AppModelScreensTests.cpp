@@ -345,6 +345,16 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
     EXPECT_FALSE(fs::exists(folder.path / "dry.md"));
 }
 
+TEST_F(AppModelTest, AScriptThatCannotBeWrittenIsToldOnce) {
+    const auto model = openModel();
+    fs::create_directories(Journal::defaultDirectory(sample.home()) / "restore.sh");  // in the way
+    settled(*model)->apply("dock.autohide");
+    EXPECT_TRUE(model->state().errorMessage.value_or("").starts_with("The restore script "));
+    model->dismissError();
+    settled(*model)->apply("finder.show_hidden");
+    EXPECT_FALSE(model->state().errorMessage);
+}
+
 TEST_F(AppModelTest, TheScreenAskedForIsShown) {
     options.openGroup = "journal";
     EXPECT_EQ(openModel()->state().screen, Screen::journal);
