@@ -347,7 +347,7 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
 
 TEST_F(AppModelTest, AScriptThatCannotBeWrittenIsToldOnce) {
     const auto model = openModel();
-    fs::create_directories(Journal::defaultDirectory(sample.home()) / "restore.sh");  // in the way
+    fs::create_directories(model->journalDirectory() / "restore.sh");  // in the way
     settled(*model)->apply("dock.autohide");
     EXPECT_TRUE(model->state().errorMessage.value_or("").starts_with("The restore script "));
     model->dismissError();
