@@ -335,6 +335,9 @@ TEST_F(AppModelTest, ReportScriptAndPresetAreSavedWhereAskedOrTheReasonIsSaid) {
               PresetFile::encode(Presets::shipped().front()));
     EXPECT_FALSE(model->state().errorMessage);
 
+    fs::create_directory(folder.path / "in-the-way");
+    settled(*model)->saveReport(folder.path / "in-the-way");
+    EXPECT_TRUE(model->state().errorMessage) << "the reason is the lane's";
     options.dryRun = true;
     const auto dry = openModel();
     settled(*dry)->saveReport(folder.path / "dry.md");
