@@ -147,6 +147,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     ASSERT_TRUE(
         tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
     ASSERT_EQ(readings.driftedAgents().size(), 1u);
+    EXPECT_EQ(told.back().what, "Asking launchd about what Brell switched");
     const ChangeOutcome again = changes.applyAgain({switched.made[0].id});
     EXPECT_EQ(again.failures, Texts());
     EXPECT_TRUE(again.agentsTouched);
