@@ -12,6 +12,7 @@
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Uuid.h"
+#include "CorvaneBrell/Platform/ApplicationNames.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
 
 namespace fs = std::filesystem;
@@ -46,7 +47,8 @@ Machine thisMachine(const LaunchOptions& options) {
             std::move(files),
             userPreferences(preferences, TweakCatalog::allowedDomains()),
             userPreferences(preferences, {std::string(NeverTouch::ownLabel)}),
-            std::make_unique<ProcessCommandRunner>(commandSeconds)};
+            std::make_unique<ProcessCommandRunner>(commandSeconds),
+            applicationName};
 }
 
 }  // namespace

@@ -26,7 +26,8 @@ std::optional<Machine> standInFor(const LaunchOptions& options) {
         std::move(files),
         sample.openPreferences(),
         std::make_unique<PlistFileStore>(sample.preferences(), DomainSet{std::string(NeverTouch::ownLabel)}),
-        sample.openTools()};
+        sample.openTools(),
+        SampleMac::applicationName};
 }
 
 void makePastFor(const LaunchOptions& options) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +31,8 @@ struct Machine {
     std::unique_ptr<PreferenceStore> store;
     std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain
     std::unique_ptr<CommandRunning> runner;
+    // Of the app with this bundle identifier; nothing where there is none. From any thread.
+    std::function<std::optional<std::string>(const std::string& bundleIdentifier)> applicationName;
 };
 
 // Where a journal can lie that nobody needs later: a name in the user's folder for temporary files, given to

@@ -50,6 +50,16 @@ void addAgentFile(const SampleContents::SampleAgent& agent, const fs::path& home
     }
 }
 
+// The program of a job. One app was thrown away, and its agent stayed behind.
+void addProgram(const fs::path& jobFile, const fs::path& root) {
+    constexpr std::string_view gone = "/Applications/Fernwright Notes.app/";
+    const auto program = LaunchAgentPlist::read(jobFile).executable();
+    if (!program || program->starts_with(gone)) return;
+    const fs::path file = root / fs::path(*program).relative_path();
+    fs::create_directories(file.parent_path());
+    add(file, "");
+}
+
 // launchd's knowledge after the last login.
 void addKnowledge(LaunchdState& state, const SampleContents::SampleAgent& agent, const fs::path& root,
                   const fs::path& file) {
@@ -94,12 +104,17 @@ bool SampleContents::hasBegun(const fs::path& root) {
 }
 
 void SampleContents::addJobs(const fs::path& root, const fs::path& home) {
-    for (const SystemJob& job : systemJobs()) add(root / job.path, writeXmlPropertyList({job.job}));
+    for (const SystemJob& job : systemJobs()) {
+        add(root / job.path, writeXmlPropertyList({job.job}));
+        addProgram(root / job.path, root);
+    }
     add(home / "Library/LaunchAgents/com.tallowgate.agent.plist.bak", "kept by an installer");
     LaunchdState state;
     for (const SampleAgent& agent : userAgents()) {
+        const fs::path file = home / "Library/LaunchAgents" / agent.fileName;
         addAgentFile(agent, home);
-        addKnowledge(state, agent, root, home / "Library/LaunchAgents" / agent.fileName);
+        addProgram(file, root);
+        addKnowledge(state, agent, root, file);
     }
     const fs::path file = SimulatedLaunchd::stateFile(root);
     if (!fs::exists(file)) writeLaunchdState(file, state);

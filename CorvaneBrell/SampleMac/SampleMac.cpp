@@ -1,5 +1,6 @@
 #include "CorvaneBrell/SampleMac/SampleMac.h"
 
+#include <map>
 #include <stdexcept>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
@@ -30,6 +31,13 @@ fs::path madeWithoutLinks(const fs::path& folder) try {
 }
 
 }  // namespace
+
+std::optional<std::string> SampleMac::applicationName(const std::string& bundleIdentifier) {
+    static const std::map<std::string, std::string> names{{"com.google.Chrome", "Google Chrome"},
+                                                          {"io.verdigris.app", "Verdigris Relay"}};
+    const auto known = names.find(bundleIdentifier);
+    return known == names.end() ? std::nullopt : std::optional(known->second);
+}
 
 bool SampleMac::isNew(const fs::path& folder) {
     std::error_code unknown;

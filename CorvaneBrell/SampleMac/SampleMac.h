@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "BrellCore/Preferences/PlistFileStore.h"
 #include "CorvaneBrell/Platform/OperatingSystem.h"
@@ -24,6 +26,9 @@ public:
     static constexpr OperatingSystemVersion osVersion{26, 1, 0};
     static constexpr std::uint32_t uid = 501;
     static constexpr bool isAdmin = true;  // so that the user may see the database of background tasks
+
+    // Of an app that one of its jobs names.
+    static std::optional<std::string> applicationName(const std::string& bundleIdentifier);
 
     // True when nothing is in this folder, so that opening it would fill it.
     static bool isNew(const std::filesystem::path& folder);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "BrellCore/Background/JobProgram.h"
 #include "Tests/Support/FakeCommandRunner.h"
 #include "Tests/Support/Testing.h"
 
@@ -137,6 +138,34 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
     EXPECT_EQ(runner.commands().size(), 5u);  // nothing is run for what launchd can't address
     listed[1].loaded = running;
     EXPECT_EQ(listed[1], reader.userAgents()[1]);
+}
+
+TEST_F(LaunchAgentReaderTest, AProgramIsMissingOnlyWhereThatIsSure) {
+    const fs::path root = folder.path / "mac", home = root / "Users/sam";
+    testing::setContents(root / "opt/there", "");
+    fs::create_symlink("gone", root / "opt/dangling");
+    fs::create_directories(root / "shut");
+    const auto missing = [&](const std::optional<std::string>& program, const std::string& first) {
+        LaunchAgentPlist job;
+        job.program = program;
+        job.arguments = {first};
+        return missingProgram(job, root, home);
+    };
+    for (const char* gone : {"/opt/gone", "/opt/dangling", "/opt/there/below", "/no/such/folder",
+                             "/Volumesque", "/Users/sam/Documentation/x"})
+        EXPECT_EQ(missing(std::nullopt, gone), gone);
+    EXPECT_EQ(missing("/opt/gone", "/opt/there"), "/opt/gone") << "the program comes first";
+    EXPECT_EQ(missing("/opt/there", "/opt/gone"), std::nullopt);
+    // Not known: what launchd looks up, and places that are not looked at.
+    for (const char* unknown :
+         {"", "gone", "bin/gone", "~/bin/gone", "/Volumes/Disk/gone", "/Network/gone", "/opt/../Volumes/gone",
+          "/Users/sam/Documents/gone", "/Users/sam/Library/Mobile Documents/gone"})
+        EXPECT_EQ(missing(std::nullopt, unknown), std::nullopt) << unknown;
+    EXPECT_EQ(missingProgram(LaunchAgentPlist(), root, home), std::nullopt);
+    if (::geteuid() == 0) return;  // who may look into every folder
+    fs::permissions(root / "shut", fs::perms::none);
+    EXPECT_EQ(missing("/shut/gone", ""), std::nullopt);
+    fs::permissions(root / "shut", fs::perms::owner_all);
 }
 
 TEST_F(LaunchAgentReaderTest, FailsOnlyWhenTheOverridesCannotBeRead) {

@@ -45,6 +45,8 @@ __attribute__((objc_root_class))
 
 @interface NSString : NSObject
 + (nullable instancetype)stringWithUTF8String:(const char*)text;
+@property(nullable, readonly) const char* UTF8String;
+@property(readonly, copy) NSString* stringByDeletingPathExtension;
 @end
 
 @interface NSError : NSObject
@@ -55,6 +57,7 @@ __attribute__((objc_root_class))
 + (NSURL*)fileURLWithFileSystemRepresentation:(const char*)path
                                   isDirectory:(BOOL)isFolder
                                 relativeToURL:(nullable NSURL*)base;
+@property(nullable, readonly, copy) NSString* lastPathComponent;
 @end
 
 typedef struct {
@@ -65,6 +68,7 @@ typedef struct {
 } NSFastEnumerationState;
 
 @interface NSArray<ObjectType> : NSObject
++ (instancetype)arrayWithObject:(ObjectType)object;
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
                                     count:(NSUInteger)count;
@@ -84,6 +88,8 @@ typedef struct {
 // Both handlers are called on a queue of the system's.
 @interface NSWorkspace : NSObject
 @property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+- (nullable NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)identifier;
+- (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)files;
 - (void)openURL:(NSURL*)url
         configuration:(NSWorkspaceOpenConfiguration*)configuration
     completionHandler:

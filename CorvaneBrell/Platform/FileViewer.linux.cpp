@@ -1,0 +1,9 @@
+#include "CorvaneBrell/Platform/FileViewer.h"
+
+namespace brell {
+
+bool selectInFileViewer(const std::filesystem::path&) {
+    return false;
+}
+
+}  // namespace brell
