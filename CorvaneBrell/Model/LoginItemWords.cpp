@@ -4,6 +4,8 @@
 
 #include <array>
 
+#include "BrellCore/Support/Text.h"
+
 namespace brell {
 
 std::string intervalWords(std::int64_t seconds) {
@@ -30,6 +32,18 @@ std::string startWords(const LaunchAgentPlist& plist) {
     const std::string exact = fmt::format("every {} s", *plist.startInterval);
     if (const std::size_t at = words.find(exact); at != std::string::npos)
         words.replace(at, exact.size(), intervalWords(*plist.startInterval));
+    return words;
+}
+
+std::vector<std::string> conditionWords(const LoginItemRow& row, const JobFacts& facts) {
+    std::vector<std::string> words;
+    if (row.isCrashLooping) words.emplace_back("keeps crashing and restarting");
+    if (row.allowedInSystemSettings == false) words.emplace_back("not allowed in System Settings");
+    if (facts.missingProgram)
+        words.push_back("its program is missing: " + excerpt(*facts.missingProgram, mostOfASentence));
+    if (facts.otherOwner)
+        words.emplace_back(*facts.otherOwner == 0 ? "its file belongs to the system's administrator, root"
+                                                  : "its file belongs to another account of this Mac");
     return words;
 }
 

@@ -1,10 +1,12 @@
-// When a login item runs, as people say it: "at login, every hour".
+// A login item in words: when it runs, and how it fares.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "BrellCore/Background/LoginItems.h"
+#include "CorvaneBrell/Model/JobFacts.h"
 
 namespace brell {
 
@@ -12,6 +14,9 @@ namespace brell {
 std::string intervalWords(std::int64_t seconds);
 
 std::string startWords(const LaunchAgentPlist& plist);
+
+// How it fares, where that is worth a word: "keeps crashing and restarting".
+std::vector<std::string> conditionWords(const LoginItemRow& row, const JobFacts& facts);
 
 // The row's subtitle: its name, and when it runs.
 std::string subtitleWords(const LoginItemRow& row);

@@ -8,6 +8,9 @@ namespace {
 
 constexpr const char* taskListKey = "readsBackgroundItems";
 constexpr const char* macOSKey = "lastMacOS";
+constexpr const char* jobsKey = "seenLoginItems";
+constexpr const char* tasksKey = "seenBackgroundItems";
+constexpr std::size_t mostNameBytes = 256 * 1024;  // a long list has some ten thousand
 
 PrefKey ownKey(std::string name) {
     return {std::string(OwnPreferences::domain), std::move(name)};
@@ -42,6 +45,35 @@ bool OwnPreferences::readsTaskList() const {
 void OwnPreferences::keepReadingTaskList(bool reads) try {
     if (readsTaskList() != reads) setNumber(taskListKey, reads ? 1 : 0);
 } catch (const StoreError&) {
+}
+
+SeenItems OwnPreferences::seenItems() const {
+    return {names(jobsKey), names(tasksKey)};
+}
+
+void OwnPreferences::keepSeenItems(const SeenItems& seen) try {
+    if (seen.jobs) keepNames(jobsKey, *seen.jobs);
+    if (seen.tasks) keepNames(tasksKey, *seen.tasks);
+} catch (const StoreError&) {
+}
+
+std::optional<NameSet> OwnPreferences::names(const char* key) const try {
+    const StoredValue stored = store_.exactValue(ownKey(key));
+    const auto* kept = stored.value ? stored.value->as<PrefValue::StringArray>() : nullptr;
+    return kept ? std::optional(NameSet(kept->begin(), kept->end())) : std::nullopt;
+} catch (const StoreError&) {
+    return std::nullopt;
+}
+
+void OwnPreferences::keepNames(const char* key, const NameSet& wanted) {
+    if (names(key) == wanted) return;
+    std::size_t bytes = 0;
+    for (const std::string& name : wanted) bytes += name.size();
+    if (bytes > mostNameBytes)
+        store_.remove(ownKey(key));
+    else
+        store_.write(PrefValue::StringArray(wanted.begin(), wanted.end()), ownKey(key));
+    store_.synchronize(std::string(domain));
 }
 
 std::optional<OperatingSystemVersion> OwnPreferences::lastMacOS() const {

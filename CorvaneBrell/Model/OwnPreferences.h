@@ -9,6 +9,7 @@
 #include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Review/PrivacyChecklist.h"
 #include "CorvaneBrell/Model/Screen.h"
+#include "CorvaneBrell/Model/SeenItems.h"
 #include "CorvaneBrell/Platform/OperatingSystem.h"
 
 namespace brell {
@@ -40,6 +41,11 @@ public:
     bool readsTaskList() const;
     void keepReadingTaskList(bool reads);
 
+    // The login items of the last visit. A list that is too long to be kept counts as never seen; one that
+    // was not seen this time is left as it is kept.
+    SeenItems seenItems() const;
+    void keepSeenItems(const SeenItems& seen);
+
     // The macOS under which Brell was last closed; nothing when it never was.
     std::optional<OperatingSystemVersion> lastMacOS() const;
     void keepMacOS(const OperatingSystemVersion& version);  // one that can't be kept is asked for again
@@ -49,6 +55,9 @@ public:
     void keepWindowPlace(const WindowPlace& place);  // one that can't be kept is no reason to stay open
 
 private:
+    std::optional<NameSet> names(const char* key) const;
+    void keepNames(const char* key, const NameSet& names);
+
     PreferenceStore& store_;
 };
 

@@ -63,7 +63,23 @@ TEST_F(OwnPreferencesTest, TheWindowsPlaceIsKeptAndOneThatCannotBeIsNone) {
         EXPECT_EQ(own.lastMacOS(), std::nullopt) << odd;
     }
 
+    SeenItems seen{NameSet{"a", "b"}, std::nullopt};
+    EXPECT_EQ(own.seenItems(), SeenItems());
+    own.keepSeenItems(seen);
+    EXPECT_EQ(own.seenItems(), seen);
+    seen = {NameSet{}, NameSet{"c"}};
+    own.keepSeenItems(seen);
+    own.keepSeenItems({NameSet{}, std::nullopt});
+    EXPECT_EQ(own.seenItems(), seen) << "a list that was not seen this time stays as it was kept";
+    NameSet tooMany;
+    while (tooMany.size() < 10'000) tooMany.insert(std::string(100, 'x') + std::to_string(tooMany.size()));
+    own.keepSeenItems({tooMany, std::nullopt});
+    EXPECT_EQ(own.seenItems().jobs, std::nullopt) << "as if it never was seen, so that nothing is new";
+    files.write("text", key("seenLoginItems"));
+    EXPECT_EQ(own.seenItems().jobs, std::nullopt);
+
     setContents(folder.path / "com.corvane.brell.plist", "not a property list");
+    own.keepSeenItems(seen);
     own.keepWindowPlace(place);  // no reason to keep the window open
     own.keepMacOS({26, 1, 0});
 }
