@@ -71,7 +71,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
       strip_(new Strip(model)),
       sheets_(new SheetPresenter(model, this)),
       refresh_(new QTimer(this)),
-      look_(new QTimer(this)) {
+      look_(loop_, std::chrono::seconds(1), [this] { model_.lookAgain(); }) {
     setWindowTitle(brell::windowTitle(model));
     setMinimumSize(smallest);
     auto* center = new QWidget;
@@ -100,14 +100,9 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     connect(leaveSearch, &QShortcut::activated, this, [this] { sidebar_->search().clear(); });
     refresh_->setSingleShot(true);
     connect(refresh_, &QTimer::timeout, this, &MainWindow::refreshNow);
-    look_->setSingleShot(true);
-    connect(look_, &QTimer::timeout, this, [this] {
-        looked_.start();
-        model_.lookAgain();
-    });
-    looked_.start();  // the model has just looked
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-        if (state == Qt::ApplicationActive) lookSoon();
+        // Another application was in front, and may have changed anything.
+        if (state == Qt::ApplicationActive) look_.ask();
     });
     model.setObserver([this](Topic topic) { modelChanged(topic); });
     refreshNow();
@@ -216,13 +211,6 @@ void MainWindow::setChangedOnly(bool changedOnly) {
             stale_[page].insert(Topic::journal);
         }
     refreshNow();
-}
-
-// Another application was in front, and may have changed anything. At most once a second.
-void MainWindow::lookSoon() {
-    constexpr qint64 pause = 1000;
-    if (!look_->isActive())
-        look_->start(static_cast<int>(std::clamp<qint64>(pause - looked_.elapsed(), 0, pause)));
 }
 
 void MainWindow::focusSearch() {

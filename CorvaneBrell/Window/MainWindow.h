@@ -1,11 +1,12 @@
 // The window: the sidebar, one page, the strip at its foot, and the menus.
 #pragma once
 
-#include <QElapsedTimer>
 #include <QMainWindow>
 #include <map>
 
+#include "CorvaneBrell/Model/Paced.h"
 #include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/QtMainLoop.h"
 
 class QStackedWidget;
 class QTimer;
@@ -52,7 +53,6 @@ private:
     void goTo(Screen screen);
     void showScreen(Screen screen);
     void showPage(Page* page);
-    void lookSoon();
     void search(const QString& query);
     void enterPage();
     Page* page(Screen screen);
@@ -74,8 +74,8 @@ private:
     SearchPage* searchPage_ = nullptr;  // made by the first search
     SheetPresenter* sheets_;
     QTimer* refresh_;
-    QTimer* look_;          // at what others may have changed
-    QElapsedTimer looked_;  // since the last one
+    QtMainLoop loop_;
+    Paced look_;  // at what others may have changed
     std::map<Screen, Page*> pages_;
     std::map<const Page*, Changes> stale_;  // what each page has not shown yet
     bool changedOnly_ = false;
