@@ -102,6 +102,15 @@ public:
         missed_ = missed_ || isMissed(figures, plan.limit);
     }
 
+    // A figure that nothing is compared with.
+    void check(const std::string& name, double microseconds, double limit) {
+        const bool isOver = microseconds > limit;
+        std::printf("%-42s %39s  %10s%s\n", name.c_str(), readable(limit).c_str(),
+                    readable(microseconds).c_str(), isOver ? "  MISSED" : "");
+        std::fflush(stdout);
+        missed_ = missed_ || isOver;
+    }
+
     // 1 when a ratio missed its limit by more than noise: its whole interval lies above.
     int exitStatus() const { return missed_ ? 1 : 0; }
 
