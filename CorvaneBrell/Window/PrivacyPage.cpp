@@ -5,6 +5,7 @@
 
 #include "CorvaneBrell/Window/Card.h"
 #include "CorvaneBrell/Window/DayText.h"
+#include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/TweakList.h"
@@ -12,35 +13,51 @@
 namespace brell {
 
 PrivacyCardRow::PrivacyCardRow(AppModel& model, const PrivacyCard& card, QWidget* parent)
-    : Row(qt(card.title), Columns::control, parent), model_(model), card_(card) {
+    : Row(qt(card.title), Columns::control, parent),
+      model_(model),
+      card_(card),
+      state_(new Paragraph({}, Paragraph::Look::secondary)) {
     setObjectName(qt(card.id));
-    setWhat(tr("%1\nWho needs it: %2\nWhat to look for: %3")
-                .arg(qt(card.meaning), qt(card.whoNeedsIt), qt(card.whatToLookFor)));
-    auto* buttons = new QWidget;
-    auto* column = new QVBoxLayout(buttons);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(6);
-    column->addWidget(paneButton(card.deepLink, tr("Privacy & Security, then %1").arg(qt(card.title))));
-    reviewed_ = actionButton(tr("Mark as reviewed"), "checkmark.circle");
-    reviewed_->setAccessibleName(tr("Mark as reviewed: %1").arg(qt(card.title)));
-    connect(reviewed_, &QPushButton::clicked, this, [this] { model_.markReviewed(card_.id); });
-    column->addWidget(reviewed_);
-    setControl(buttons);
+    auto* facts = new FactList;
+    facts->add(tr("What it means"), qt(card.meaning));
+    facts->add(tr("Who needs it"), qt(card.whoNeedsIt));
+    facts->add(tr("What to look for"), qt(card.whatToLookFor));
+    auto* below = new QWidget;
+    auto* column = new QVBoxLayout(below);
+    column->setContentsMargins(0, 4, 0, 2);
+    column->setSpacing(10);
+    column->addWidget(facts);
+    column->addLayout(buttons());
+    addBelow(below);
     refresh();
+}
+
+QLayout* PrivacyCardRow::buttons() {
+    auto* line = new QHBoxLayout;
+    line->setSpacing(8);
+    line->addWidget(paneButton(card_.deepLink, tr("Privacy & Security, then %1").arg(qt(card_.title))));
+    reviewed_ = actionButton(tr("Mark as reviewed"), "checkmark.circle");
+    reviewed_->setAccessibleName(tr("Mark as reviewed: %1").arg(qt(card_.title)));
+    connect(reviewed_, &QPushButton::clicked, this, [this] { model_.markReviewed(card_.id); });
+    line->addWidget(reviewed_);
+    line->addSpacing(4);
+    line->addWidget(state_, 1, Qt::AlignVCenter);
+    return line;
 }
 
 void PrivacyCardRow::refresh() {
     const auto date = model_.reviewedDate(card_.id);
-    const QString state = date ? tr("Reviewed on %1").arg(dayText(*date)) : tr("Not reviewed yet");
-    std::vector<RowBadge> notices{
-        {state, date ? "checkmark.circle" : "questionmark.circle", date ? Tone::positive : Tone::plain, {}}};
-    setNotices(notices);
-    reviewed_->setAccessibleDescription(state);
+    state_->setText(date ? tr("Reviewed on %1").arg(dayText(*date)) : tr("Not reviewed yet"));
+    reviewed_->setAccessibleDescription(state_->text());
     reviewed_->setEnabled(!isLocked(model_.state()));
 }
 
 PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
-    : Page(qt(title(Screen::privacy)), qt(purpose(Screen::privacy)), parent), tweaks_(new TweakList(model)) {
+    : Page(qt(title(Screen::privacy)), qt(purpose(Screen::privacy)), parent),
+      model_(model),
+      summary_(new Paragraph),
+      tweaks_(new TweakList(model)) {
+    setHeadLine(summary_);
     tweaks_->show(tweaksOf(model, TweakGroup::privacy));
     content()->addWidget(tweaks_);
 
@@ -60,8 +77,13 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
 
 void PrivacyPage::refresh(const Changes& changed) {
     tweaks_->refresh();
-    if (changed.contains(Topic::privacy) || changed.contains(Topic::journal))
-        for (PrivacyCardRow* card : cards_) card->refresh();
+    if (!changed.contains(Topic::privacy) && !changed.contains(Topic::journal)) return;
+    for (PrivacyCardRow* card : cards_) card->refresh();
+    const auto& all = PrivacyChecklist::cards();
+    const auto reviewed = std::count_if(all.begin(), all.end(), [this](const PrivacyCard& card) {
+        return model_.reviewedDate(card.id).has_value();
+    });
+    summary_->setText(tr("Reviewed %1 of %2.").arg(reviewed).arg(all.size()));
 }
 
 }  // namespace brell

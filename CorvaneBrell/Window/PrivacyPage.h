@@ -17,8 +17,11 @@ public:
     void refresh();
 
 private:
+    QLayout* buttons();
+
     AppModel& model_;
     const PrivacyCard& card_;
+    Paragraph* state_;
     QPushButton* reviewed_;
 };
 
@@ -30,6 +33,8 @@ public:
     void refresh(const Changes& changed) override;
 
 private:
+    AppModel& model_;
+    Paragraph* summary_;
     TweakList* tweaks_;
     std::vector<PrivacyCardRow*> cards_;
 };
