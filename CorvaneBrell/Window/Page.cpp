@@ -130,12 +130,16 @@ QPushButton* actionButton(const QString& text, const QString& symbol) {
     auto* button = new QPushButton(text);
     if (!symbol.isEmpty()) button->setIcon(symbolIcon(utf8(symbol)));
     button->setMinimumHeight(28);
-    // Some styles leave no room beside the words.
-    constexpr int room = 28;
-    const int picture = symbol.isEmpty() ? 0 : button->iconSize().width() + 4;
-    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + picture + room);
     button->setAutoDefault(false);
+    setActionText(button, text);
     return button;
+}
+
+void setActionText(QPushButton* button, const QString& text) {
+    constexpr int room = 28;  // some styles leave none beside the words
+    const int picture = button->icon().isNull() ? 0 : button->iconSize().width() + 4;
+    button->setText(text);
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + picture + room);
 }
 
 }  // namespace brell

@@ -66,5 +66,7 @@ QWidget* in(QWidget* parent);
 Paragraph* sectionHeading(const QString& text);
 // A push button as pages, bars and details use it.
 QPushButton* actionButton(const QString& text, const QString& symbol = {});
+// Other words for one, with room for them.
+void setActionText(QPushButton* button, const QString& text);
 
 }  // namespace brell

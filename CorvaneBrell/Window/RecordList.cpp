@@ -52,7 +52,7 @@ void RowColumn::takeOut(QWidget* row) {
 void RowColumn::setCounts(std::size_t shown, std::size_t all) {
     setVisible(shown > 0);
     more_->setVisible(shown < all);
-    more_->setText(tr("Show %1 More").arg(std::min(batch_, all - std::min(shown, all))));
+    setActionText(more_, tr("Show %1 More").arg(std::min(batch_, all - std::min(shown, all))));
 }
 
 }  // namespace brell

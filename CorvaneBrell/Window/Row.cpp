@@ -165,6 +165,10 @@ void Row::setNotices(const std::vector<RowBadge>& notices) {
     words_->insertWidget(1, notice_);
 }
 
+void Row::addBelow(QWidget* part) {
+    words_->addWidget(part);
+}
+
 void Row::mark(const QStringList& words) {
     titleText_->mark(words);
     what_->mark(words);

@@ -48,6 +48,7 @@ public:
     // Why something is not possible here, or what is wrong: in plain sight, below the text. Empty: nothing.
     void setNotice(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);
     void setNotices(const std::vector<RowBadge>& notices);  // several of these
+    void addBelow(QWidget* part);                           // the words; the row takes it
     // Where these words begin a word of the title or the text they are marked.
     void mark(const QStringList& words);
 

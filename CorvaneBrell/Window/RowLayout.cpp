@@ -119,8 +119,8 @@ int RowLayout::placeWide(Places& places, int left, int columnsLeft) const {
     return padding.top() + height;
 }
 
-// The title beside the control, the words below both; beside a control of several lines they stay at the
-// left.
+// The title beside the control, the words and the notes below both, and the badge at the right end of the
+// last of these lines; beside a control of several lines they all stay at the left.
 int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right) const {
     const int beside = std::max(columnsLeft - left, 1), whole = right - arrowWidth - gap - left;
     const int title = heightOf(Part::title, beside), control = at(places, Part::control).height();
@@ -130,28 +130,27 @@ int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right)
     for (const Part part : {Part::wayBack, Part::control, Part::arrow})
         at(places, part)
             .moveTop(inTheMiddle(padding.top(), isHigh ? control : head, at(places, part).height()));
-    const int width = isHigh ? beside : whole;
-    const int wordsTop = padding.top() + head + (isHigh ? lineGap : 0), words = heightOf(Part::words, width);
-    at(places, Part::words) = {left, wordsTop, width, words};
-    return std::max(placeFoot(places, left, wordsTop + words + lineGap, width), padding.top() + control);
+    const int wordsTop = padding.top() + head + (isHigh ? lineGap : 0);
+    // What a high control leaves beside it is for the words; the badge stands below it.
+    if (!isHigh) return placeFoot(places, left, wordsTop, whole - badgeWidth - wordsGap, whole);
+    const int bottom = std::max(placeFoot(places, left, wordsTop, beside, beside),
+                                padding.top() + control + lineGap + badgeHeight);
+    at(places, Part::badge).moveBottomRight({left + whole - 1, bottom - 1 + lineGap});
+    return bottom;
 }
 
-// The notes, and beside them the place of the badge.
-int RowLayout::placeFoot(Places& places, int left, int top, int width) const {
-    const QLayoutItem* notes = item(Part::notes);
-    const QLayoutItem* badge = item(Part::badge);
-    const bool hasNotes = notes && !notes->isEmpty();
-    const int notesWidth = hasNotes ? std::min(notes->sizeHint().width(), width - badgeWidth - wordsGap) : 0;
-    const int height = std::max(heightOf(Part::notes, notesWidth), badgeHeight);
-    if (hasNotes) {
-        const int own = heightOf(Part::notes, notesWidth);
-        at(places, Part::notes) = {left, inTheMiddle(top, height, own), notesWidth, own};
+// The words have the whole width where notes stand below them, and else leave room for the badge, too.
+int RowLayout::placeFoot(Places& places, int left, int top, int lastLine, int whole) const {
+    const int notes = heightOf(Part::notes, lastLine), width = notes > 0 ? whole : lastLine;
+    const int words = heightOf(Part::words, width);
+    at(places, Part::words) = {left, top, width, words};
+    if (notes > 0) at(places, Part::notes) = {left, top + words + lineGap, lastLine, notes};
+    const int bottom = top + std::max(words + (notes > 0 ? lineGap + notes : 0), badgeHeight);
+    if (const QLayoutItem* badge = item(Part::badge)) {
+        const int own = std::min(badge->sizeHint().width(), badgeWidth);
+        at(places, Part::badge) = {left + whole - own, bottom - badgeHeight + lineGap, own, badgeHeight};
     }
-    if (badge)
-        at(places, Part::badge) = {left + (hasNotes ? notesWidth + wordsGap : 0),
-                                   inTheMiddle(top, height, badgeHeight),
-                                   std::min(badge->sizeHint().width(), badgeWidth), badgeHeight};
-    return top + height - lineGap;  // where the badge is not, there is room enough
+    return bottom;
 }
 
 int RowLayout::arranged(Places& places, int width) const {

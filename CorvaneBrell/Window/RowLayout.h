@@ -8,8 +8,8 @@
 
 namespace brell {
 
-// In a row that is narrow the badge stands under the title and the words, beside the notes, in a place that
-// is kept for it: whatever comes and goes, the row has one height.
+// In a row that is narrow the badge stands under the title, at the right end of the last line, in a place
+// that is kept for it: whatever comes and goes, the row has one height, and no line is empty.
 class RowLayout final : public QLayout {
     Q_OBJECT
 public:
@@ -49,7 +49,7 @@ private:
     int placeColumns(Places& places, int right) const;
     int placeWide(Places& places, int left, int columnsLeft) const;
     int placeNarrow(Places& places, int left, int columnsLeft, int right) const;
-    int placeFoot(Places& places, int left, int top, int width) const;
+    int placeFoot(Places& places, int left, int top, int lastLine, int whole) const;
     // Gives the height of them all.
     int arranged(Places& places, int width) const;
 

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds patience{300};
 constexpr std::chrono::seconds lookAgain{1};
-constexpr int lineHeight = 26;
+constexpr int lineHeight = 25;
 
 struct Look {
     QString title;
@@ -72,7 +72,7 @@ QHBoxLayout* lineIn(QVBoxLayout* column) {
 
 Strip::Strip(AppModel& model, QWidget* parent) : QWidget(parent), model_(model), more_(actionButton({})) {
     auto* column = new QVBoxLayout(PageColumn::in(this));
-    column->setContentsMargins(PageColumn::margin, 5, PageColumn::margin, 5);
+    column->setContentsMargins(PageColumn::margin, 4, PageColumn::margin, 3);
     column->setSpacing(0);
     upper_ = lineIn(column);
     lower_ = lineIn(column);
@@ -190,7 +190,7 @@ void Strip::showStanding() {
     const bool none = notices_.empty();
     put(upper_, standing_, none ? nullptr : &notices_[first_ % notices_.size()]);
     more_->setVisible(notices_.size() > 1);
-    more_->setText(tr("%1 more").arg(notices_.size() - !none));
+    setActionText(more_, tr("%1 more").arg(notices_.size() - !none));
     for (QPushButton* button : recover_)
         button->setEnabled(!model_.state().changeActivity && !isLocked(model_.state()));
 }

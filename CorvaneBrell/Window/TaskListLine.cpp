@@ -14,12 +14,11 @@ TaskListLine::TaskListLine(AppModel& model, QWidget* parent)
       model_(model),
       words_(new Paragraph({}, Paragraph::Look::body)),
       button_(actionButton({})) {
-    words_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);
     line->addWidget(new SymbolView("info.circle", Tone::plain, 16));
-    line->addWidget(words_, 1);
+    line->addWidget(words_, 1, Qt::AlignVCenter);
     line->addWidget(button_);
     connect(button_, &QPushButton::clicked, this, [this] {
         if (model_.state().taskListActivity) return model_.cancelTaskList();
@@ -38,7 +37,7 @@ void TaskListLine::refresh() {
                "macOS's list of them."));
     else
         words_->setText(tr("Items that apps registered with macOS may be missing here."));
-    button_->setText(isBeingRead ? tr("Cancel") : tr("Read macOS's List of Background Items..."));
+    setActionText(button_, isBeingRead ? tr("Cancel") : tr("Read macOS's List of Background Items..."));
     button_->setHidden(state.taskList == TaskList::hidden);
     // At the first look it is there already if it will stay, so that no row moves.
     setHidden(state.taskList == TaskList::read ||
