@@ -81,6 +81,12 @@ std::string TweakCatalog::titleOf(std::string_view id) const {
     return known ? known->title : std::string(id);
 }
 
+std::vector<std::string> TweakCatalog::titlesOf(const std::vector<std::string>& ids) const {
+    std::vector<std::string> titles;
+    for (const std::string& id : ids) titles.push_back(titleOf(id));
+    return titles;
+}
+
 std::vector<const Tweak*> TweakCatalog::available(int major) const {
     std::vector<const Tweak*> tweaks;
     for (const Tweak& tweak : all_)

@@ -36,7 +36,8 @@ public:
     const std::vector<Tweak>& all() const { return all_; }  // in display order
     const Tweak* tweak(std::string_view id) const;          // nullptr when unknown
     std::string titleOf(std::string_view id) const;         // the id itself when unknown
-    std::vector<const Tweak*> available(int major) const;   // by macOS major version, in display order
+    std::vector<std::string> titlesOf(const std::vector<std::string>& ids) const;
+    std::vector<const Tweak*> available(int major) const;  // by macOS major version, in display order
     const std::string& home() const { return home_; }
     const std::string& homeFileURL() const { return homeFileURL_; }  // ends with a slash, as for any folder
 

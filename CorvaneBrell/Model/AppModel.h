@@ -7,7 +7,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <ostream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -83,7 +82,7 @@ public:
     void askRestore(const Uuid& entryID);
     void askRestoreAll();
     void askUndoSince(const Uuid& entryID);  // this change and every later one
-    void confirmRestore();
+    void confirmRestore(const std::set<Uuid>& ticked = {});
     void cancelRestore();
     void confirmDrift(const std::set<Uuid>& ticked);
     void cancelDrift();
@@ -162,7 +161,9 @@ private:
     void dropInterrupted(const std::vector<JournalEntry>& restored);
     std::string noteRelaunches(const ChangeOutcome& outcome);  // why they can't be kept, or nothing
     void askDrift(const DriftRequest& request);
-    void askRestoreOf(std::string title, const std::vector<JournalEntry>& entries);
+    void askRestoreOf(const std::string& title, const std::vector<JournalEntry>& entries);
+    void showRestore(JobResult<RestoreRequest> request);
+    void restoreAnswered(const DriftRequest& changes, const std::set<Uuid>& ticked);
 
     std::int64_t processNow(EffectClass effect) const;
     std::string updateRelaunches(const std::function<void(PendingRelaunches&)>& change);  // likewise
@@ -181,10 +182,9 @@ private:
     const TweakSearch search_;
     std::array<std::size_t, enumTexts<Screen>.size()> changedCounts_{};  // by screen
     std::optional<int> historyDays_;
-    std::multiset<std::string> changing_;  // tweaks with a change under way
-    bool refreshWaits_ = false;            // a refresh is asked for and has not begun
-    int changesFinished_ = 0;
-    int changesSeen_ = 0;  // finished when the last refresh began
+    std::multiset<std::string> changing_;        // tweaks with a change under way
+    bool refreshWaits_ = false;                  // a refresh is asked for and has not begun
+    int changesFinished_ = 0, changesSeen_ = 0;  // by now, and when the last refresh began
     int savesUnderWay_ = 0;
     std::shared_ptr<const BTMDump> tasks_;  // macOS's list of background items as it was last read
     std::shared_ptr<std::atomic<bool>> taskListCancelled_;  // of the first reading

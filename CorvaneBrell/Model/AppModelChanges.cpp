@@ -19,11 +19,6 @@ bool runsCommands(const SessionChange& action, const std::vector<JournalEntry>& 
     });
 }
 
-bool isAmong(const std::vector<DriftedEntry>& drifted, const Uuid& id) {
-    return std::any_of(drifted.begin(), drifted.end(),
-                       [&](const DriftedEntry& one) { return one.entry.id == id; });
-}
-
 std::string restoringText(std::size_t changes) {
     return changes == 1 ? "Restoring a change" : "Restoring changes";
 }
@@ -77,10 +72,7 @@ void AppModel::turnOff(const std::string& tweakID) {
 void AppModel::askRestore(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries)
         if (entry.id == entryID && entry.isActive())
-            // Of one that drifted the question about that is the only one.
-            return isAmong(state_.drifted, entryID)
-                       ? change(restoringText(1), {}, &ChangeWork::restore, std::vector{entryID})
-                       : askRestoreOf("Restore “" + entryTitle(entry, catalog()) + "”?", {entry});
+            return askRestoreOf("Restore “" + entryTitle(entry, catalog()) + "”?", {entry});
     fail(describe(EngineFailure(NotActive{entryID})));
 }
 
@@ -101,27 +93,27 @@ void AppModel::askUndoSince(const Uuid& entryID) {
     fail(describe(EngineFailure(NotActive{entryID})));
 }
 
-void AppModel::askRestoreOf(std::string title, const std::vector<JournalEntry>& entries) {
+void AppModel::askRestoreOf(const std::string& title, const std::vector<JournalEntry>& entries) {
     if (entries.empty()) return;
-    RestoreRequest request{Uuid::random(), std::move(title), {}, {}};
-    for (const JournalEntry& entry : entries) {
-        request.entries.push_back(entry.id);
-        request.steps.push_back(restoreStep(entry, catalog(), deps_->toggle));
-    }
-    set(&AppState::restoreRequest, std::move(request), Topic::question);
+    const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
+    questions_.run("", &ReadingWork::restoring, done, title, idsOf(entries));
+}
+
+// What was read while another one was open can be asked for again.
+void AppModel::showRestore(JobResult<RestoreRequest> request) {
+    if (!request.value) return fail(request.error);
+    if (!state_.restoreRequest) set(&AppState::restoreRequest, std::move(*request.value), Topic::question);
 }
 
 void AppModel::cancelRestore() {
     set(&AppState::restoreRequest, std::nullopt, Topic::question);
 }
 
-void AppModel::confirmRestore() {
+void AppModel::confirmRestore(const std::set<Uuid>& ticked) {
     if (!state_.restoreRequest) return;
-    const RestoreRequest asked = *state_.restoreRequest;
+    const DriftRequest changes = state_.restoreRequest->changes;
     cancelRestore();
-    if (asked.undoing)
-        return change("Undoing " + asked.undoing->name, {}, &ChangeWork::undoAction, *asked.undoing);
-    change(restoringText(asked.entries.size()), {}, &ChangeWork::restore, asked.entries);
+    restoreAnswered(changes, ticked);
 }
 
 void AppModel::cancelDrift() {
@@ -132,8 +124,14 @@ void AppModel::confirmDrift(const std::set<Uuid>& ticked) {
     if (!state_.driftRequest) return;
     const DriftRequest request = *state_.driftRequest;
     cancelDrift();
-    const auto count = request.others.size() + ticked.size();
-    if (count > 0) change(restoringText(count), {}, &ChangeWork::restoreConfirmed, request, ticked);
+    restoreAnswered(request, ticked);
+}
+
+void AppModel::restoreAnswered(const DriftRequest& changes, const std::set<Uuid>& ticked) {
+    const auto count = changes.others.size() + ticked.size();
+    if (count == 0 && !changes.undoing) return;
+    const std::string what = changes.undoing ? "Undoing " + changes.undoing->name : restoringText(count);
+    change(what, {}, &ChangeWork::restoreConfirmed, changes, ticked);
 }
 
 void AppModel::undoLast() {
@@ -141,10 +139,7 @@ void AppModel::undoLast() {
     if (!last || state_.changeActivity) return;
     if (!runsCommands(*last, state_.entries))
         return change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
-    const auto done = [this](const JobResult<RestoreRequest>& request) {
-        if (!request.value) return fail(request.error);
-        if (!state_.restoreRequest) set(&AppState::restoreRequest, *request.value, Topic::question);
-    };
+    const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
     questions_.run("", &ReadingWork::undoing, done, *last);
 }
 

@@ -27,10 +27,12 @@ void AppModel::loadLoginItems() {
 // Rows are shown as they are read, the first time.
 void AppModel::readLoginItems(const TaskSource& tasks) {
     Posted<LoginItems> soFar;
-    if (!state_.loginItemsLoaded)
+    if (!state_.loginItemsLoaded) {
+        if (!state_.seenItems.jobs) put(&AppState::seenItems, own_.seenItems());
         soFar = readings_.posted<LoginItems>([this](LoginItems items) {
             if (!state_.loginItemsLoaded) showLoginItems(std::move(items), false);
         });
+    }
     const auto done = [this, isRead = tasks.isRead](JobResult<LoginItems> result) {
         if (!result.value) return fail(result.error);
         if (result.value->error)
@@ -49,8 +51,15 @@ void AppModel::showLoginItems(LoginItems items, bool isAll) {
     if (!items.error || !state_.loginItemsLoaded) {
         isOther |= put(&AppState::loginItems, std::move(items.rows));
         isOther |= put(&AppState::switchRefusals, std::move(items.refusals));
+        isOther |= put(&AppState::jobFacts, std::move(items.facts));
     }
     if (isAll) {
+        // Read whole, and in sight.
+        if (!items.error && state_.screen == Screen::loginItems) {
+            const SeenItems now = SeenItems::in(state_.loginItems, items.tasks != nullptr);
+            if (!options().dryRun) own_.keepSeenItems(now);
+            state_.seenItems.beginWith(now);
+        }
         isOther |= put(&AppState::taskList, items.tasks          ? TaskList::read
                                             : items.mayReadTasks ? TaskList::offered
                                                                  : TaskList::hidden);

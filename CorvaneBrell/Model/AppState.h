@@ -11,11 +11,13 @@
 #include "BrellCore/Review/Spotlight.h"
 #include "BrellCore/Support/EnumText.h"
 #include "CorvaneBrell/Model/EntryWords.h"
+#include "CorvaneBrell/Model/JobFacts.h"
 #include "CorvaneBrell/Model/PendingRelaunches.h"
 #include "CorvaneBrell/Model/Progress.h"
 #include "CorvaneBrell/Model/RebuildRequest.h"
 #include "CorvaneBrell/Model/Requests.h"
 #include "CorvaneBrell/Model/Screen.h"
+#include "CorvaneBrell/Model/SeenItems.h"
 #include "CorvaneBrell/Model/SessionUndo.h"
 #include "CorvaneBrell/Platform/OperatingSystem.h"
 
@@ -86,6 +88,8 @@ struct AppState {
     // Topic::loginItems
     std::vector<LoginItemRow> loginItems;
     std::map<std::string, std::string> switchRefusals;  // why the user's own can't be, by their records' ids
+    std::map<std::string, JobFacts> jobFacts;  // by their records' ids; of most there is nothing to tell
+    SeenItems seenItems;                       // of the last visit
     bool loginItemsLoaded = false;
     TaskList taskList = TaskList::unknown;
 

@@ -12,15 +12,13 @@ std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string 
     return action;
 }
 
-KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences) {
-    KeyReadings keys;
+std::vector<JournalEntry> undoneBy(const ChangeOutcome& outcome) {
     std::set<std::string_view> changedAnew;
     for (const JournalEntry& entry : outcome.made) changedAnew.insert(entry.tweakID);
-    for (const JournalEntry& entry : outcome.restored) {
-        if (changedAnew.contains(entry.tweakID)) continue;
-        for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
-    }
-    return keys;
+    std::vector<JournalEntry> undone;
+    for (const JournalEntry& entry : outcome.restored)
+        if (!changedAnew.contains(entry.tweakID)) undone.push_back(entry);
+    return undone;
 }
 
 std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries) {

@@ -34,8 +34,8 @@ enum class LeadsTo { whatItRestored, theOriginals };
 std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name,
                                       LeadsTo leadsTo = LeadsTo::whatItRestored);
 
-// The keys of restored entries as they read now; those that were changed anew are left out.
-KeyReadings keysToProve(const ChangeOutcome& outcome, PreferenceReader& preferences);
+// What it restored without changing it anew.
+std::vector<JournalEntry> undoneBy(const ChangeOutcome& outcome);
 
 std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries);
 

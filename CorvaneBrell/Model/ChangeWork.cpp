@@ -38,8 +38,18 @@ std::optional<std::string> renderedNow(const Tweak& tweak, PreferenceReader& pre
     return renderedTogether(values);
 }
 
-std::string leftOut(const std::vector<std::string>& ids, std::string_view reason) {
-    return "Left out, because " + std::string(reason) + ": " + firstNames(ids) + ".";
+std::string leftOut(const std::vector<std::string>& names, std::string_view reason) {
+    return "Left out, because " + std::string(reason) + ": " + firstNames(names) + ".";
+}
+
+std::string named(const std::string& title, const std::string& reason) {
+    return reason.starts_with(title) ? reason : title + ": " + reason;
+}
+
+std::string countWords(std::size_t made, std::size_t wanted, std::size_t refused) {
+    const std::string words = fmt::format("{} of {} changes were made", made, wanted);
+    if (refused == 0) return words + ".";
+    return fmt::format("{}; {} {} refused.", words, refused, refused == 1 ? "was" : "were");
 }
 
 TweakEngine::Progress goOn(Progress& progress) {
@@ -108,55 +118,44 @@ ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
     return finished(std::move(outcome));
 }
 
-ChangeOutcome ChangeWork::restore(const std::vector<Uuid>& ids) {
-    ChangeOutcome outcome;
-    const std::vector<JournalEntry> entries = deps_.journal->entries(ids);
-    std::vector<Uuid> drifted, others;
-    for (const JournalEntry& entry : entries) (asksForDrift(entry) ? drifted : others).push_back(entry.id);
-    if (drifted.empty())
-        restoreTogether(outcome, entries, {}, std::nullopt);
-    else
-        ask(outcome, drifted, {.others = others});
-    return finished(std::move(outcome));
-}
-
 ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked) {
     ChangeOutcome outcome;
-    std::vector<Uuid> drifted;
+    std::vector<Uuid> shown;
     bool isStale = false;
-    for (const DriftedEntry& shown : request.entries) {
-        drifted.push_back(shown.entry.id);
-        isStale = isStale || (ticked.contains(shown.entry.id) && !isAsShown(shown));
+    for (const DriftedEntry& one : request.entries) {
+        shown.push_back(one.entry.id);
+        isStale = isStale || (ticked.contains(one.entry.id) && !isAsShown(one));
     }
     if (isStale) {
-        ask(outcome, drifted, request);
+        ask(outcome, shown, request);
         return finished(std::move(outcome));
     }
-    if (request.undoing) return undoWith(*request.undoing, ticked);
+    if (request.undoing) return undoWith(*request.undoing, {shown.begin(), shown.end()}, ticked);
     std::vector<Uuid> ids = request.others;
-    for (const Uuid& id : drifted)
+    for (const Uuid& id : shown)
         if (ticked.contains(id)) ids.push_back(id);
     restoreTogether(outcome, deps_.journal->entries(ids), ticked, request.pendingAfterDrift);
     return finished(std::move(outcome));
 }
 
 ChangeOutcome ChangeWork::undoAction(const SessionChange& action) {
-    return undoWith(action, std::nullopt);
+    return undoWith(action, {}, {});
 }
 
-// ticked: the answer about what drifted; nothing while that was not asked for.
-ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::optional<std::set<Uuid>>& ticked) {
+// asked: what drifted and was asked for already; ticked: the answer.
+ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::set<Uuid>& asked,
+                                   const std::set<Uuid>& ticked) {
     ChangeOutcome outcome;
-    std::vector<Uuid> drifted;
+    std::vector<Uuid> left, drifted;
     for (auto id = action.made.rbegin(); id != action.made.rend(); ++id)
         tryStep(outcome.failures, [&] {
             const auto entry = deps_.journal->entry(*id);
             if (!entry || !entry->isActive()) return;
-            if (!restoreUnlessDrifted(outcome, *entry, ticked && ticked->contains(*id)))
-                drifted.push_back(*id);
+            if (!restoreUnlessDrifted(outcome, *entry, ticked.contains(*id)))
+                (asked.contains(*id) ? left : drifted).push_back(*id);
         });
-    if (!drifted.empty() && !ticked) ask(outcome, drifted, {.undoing = action});
-    if (!drifted.empty() || !outcome.failures.empty()) return finished(std::move(outcome));
+    if (!drifted.empty()) ask(outcome, drifted, {.undoing = action});
+    if (!drifted.empty() || !left.empty() || !outcome.failures.empty()) return finished(std::move(outcome));
 
     for (const Uuid& id : action.restored)
         tryStep(outcome.failures, [&] {
@@ -238,6 +237,11 @@ ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
 ChangeOutcome ChangeWork::applyPreset(const PresetPlan& plan) {
     ChangeOutcome outcome;
     const std::vector<std::string> ids = plan.toApply();
+    std::vector<std::string> refused;
+    for (const PresetStep& step : plan.steps)
+        if (const auto* why = std::get_if<WouldBeRefused>(&step.outcome))
+            refused.push_back(named(step.title, why->reason));
+    const std::size_t wanted = ids.size() + refused.size();
     for (const std::string& id : ids) {
         if (progress_.isEnding()) break;
         progress_.tell(outcome.made.size(), ids.size());
@@ -246,18 +250,27 @@ ChangeOutcome ChangeWork::applyPreset(const PresetPlan& plan) {
         try {
             outcome.made.push_back(deps_.engine.apply(tweak));
         } catch (const EngineError& error) {
-            outcome.report.push_back(tweak.title + ": " + error.what());
+            refused.push_back(named(tweak.title, error.what()));
         }
     }
-    outcome.report.insert(outcome.report.begin(), std::to_string(outcome.made.size()) + " of " +
-                                                      std::to_string(ids.size()) + " changes were made.");
+    outcome.report = {countWords(outcome.made.size(), wanted, refused.size())};
+    outcome.report.insert(outcome.report.end(), refused.begin(), refused.end());
+    addLeftOut(outcome, plan);
+    outcome.undo.done = actionOf(outcome, plan.preset.name);
+    return finished(std::move(outcome));
+}
+
+// Where everything went as it was shown before, how many were made says enough.
+void ChangeWork::addLeftOut(ChangeOutcome& outcome, const PresetPlan& plan) const {
     if (!plan.unknown.empty())
         outcome.report.push_back(leftOut(plan.unknown, "this version of Brell does not know them"));
     if (!plan.experimental.empty())
-        outcome.report.push_back(
-            leftOut(plan.experimental, "experimental tweaks are never applied by a preset"));
-    outcome.undo.done = actionOf(outcome, plan.preset.name);
-    return finished(std::move(outcome));
+        outcome.report.push_back(leftOut(deps_.catalog.titlesOf(plan.experimental),
+                                         "experimental tweaks are never applied by a preset"));
+    if (outcome.report.size() == 1 || outcome.made.empty()) return;
+    std::vector<std::string> made;
+    for (const JournalEntry& entry : outcome.made) made.push_back(entry.tweakID);
+    outcome.report.push_back("Changed: " + join(deps_.catalog.titlesOf(made), ", ") + ".");
 }
 
 // Makes nothing when there is nothing to do.
@@ -345,8 +358,12 @@ void ChangeWork::ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, D
         request.id = Uuid::random();
         request.entries.clear();
         for (const JournalEntry& entry : deps_.journal->entries(drifted)) {
-            DriftedEntry now = driftedEntry(entry, readKeys(entry, deps_.store));
-            if (!now.lines.empty()) request.entries.push_back(std::move(now));
+            DriftedEntry now = driftedEntry(entry, readKeys(entry, deps_.store), deps_.catalog);
+            // One that holds what Brell wrote again is as any other.
+            if (now.lines.empty())
+                request.others.push_back(entry.id);
+            else
+                request.entries.push_back(std::move(now));
         }
         if (!request.entries.empty()) outcome.question = std::move(request);
     });
@@ -356,7 +373,7 @@ void ChangeWork::ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, D
 bool ChangeWork::isAsShown(const DriftedEntry& shown) {
     const auto entry = deps_.journal->entry(shown.entry.id);
     return !entry || !asksForDrift(*entry) ||
-           driftedEntry(*entry, readKeys(*entry, deps_.store)).lines == shown.lines;
+           driftedEntry(*entry, readKeys(*entry, deps_.store), deps_.catalog).lines == shown.lines;
 }
 
 bool ChangeWork::asksForDrift(const JournalEntry& entry) {
@@ -366,7 +383,11 @@ bool ChangeWork::asksForDrift(const JournalEntry& entry) {
 
 // Reads what a change came to, while nothing else changes.
 ChangeOutcome ChangeWork::finished(ChangeOutcome outcome) {
-    outcome.proof = undoProof(keysToProve(outcome, deps_.store), outcome.alreadyBack);
+    const std::vector<JournalEntry> undone = undoneBy(outcome);
+    KeyReadings keys;
+    for (const JournalEntry& entry : undone)
+        for (KeyReading& key : readKeys(entry, deps_.store)) keys.push_back(std::move(key));
+    outcome.proof = undoProof(undone, keys, outcome.alreadyBack, deps_.catalog);
     std::set<std::string_view> changed;
     for (const auto* entries : {&outcome.restored, &outcome.made})
         for (const JournalEntry& entry : *entries) changed.insert(entry.tweakID);

@@ -27,10 +27,9 @@ public:
     ChangeOutcome apply(const PendingApply& wish);
     ChangeOutcome turnOff(const std::string& tweakID);
 
-    // Restore nothing while one of the entries has drifted and is not back as it was by itself: then all of
-    // them wait for the answer. The second is for the answer, with the drifted ones that are to be restored
-    // all the same; one that holds something else than the question showed is asked for again.
-    ChangeOutcome restore(const std::vector<Uuid>& ids);
+    // Restores the others of the request and those of its drifted ones that are ticked. While a ticked one
+    // holds something else than the request shows nothing is restored, and it is asked for again; one of the
+    // others that has drifted since is left, and asked for.
     ChangeOutcome restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked);
     // Restores what the action made and makes again what it restored. A change that drifted is asked for,
     // and the rest waits; with an answer the ticked ones are restored, and the rest follows if those were
@@ -48,13 +47,15 @@ public:
     ChangeOutcome applyPreset(const PresetPlan& plan);
 
 private:
-    ChangeOutcome undoWith(const SessionChange& action, const std::optional<std::set<Uuid>>& ticked);
+    ChangeOutcome undoWith(const SessionChange& action, const std::set<Uuid>& asked,
+                           const std::set<Uuid>& ticked);
     void carryOut(ChangeOutcome& outcome, const PendingApply& wish);
     void noteKeys(ChangeOutcome& outcome, const std::string& tweakID);
     void noteBefore(ChangeOutcome& outcome, const JournalEntry& entry);
     bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active, bool isConfirmed);
     void restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
                          const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then);
+    void addLeftOut(ChangeOutcome& outcome, const PresetPlan& plan) const;
     void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
     JournalEntry switchedAgain(const AgentCapture& before);
     void ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request);

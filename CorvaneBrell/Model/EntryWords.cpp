@@ -8,6 +8,7 @@
 
 #include "BrellCore/Background/AgentSteps.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
 
@@ -70,16 +71,68 @@ bool isInterruption(const HistoryLine& begun, const HistoryLine* next) {
     return begun.event == EntryStatus::capturing && (!next || next->event == EntryStatus::restored);
 }
 
-std::string eventWords(const HistoryLine& line) {
+std::string keyCount(std::size_t count) {
+    return count == 1 ? "1 key was changed" : fmt::format("{} keys were changed", count);
+}
+
+// In the order of the tweak's writes.
+std::vector<StoredValue> valuesOf(const JournalEntry& entry, const Tweak& tweak,
+                                  StoredValue JournaledWrite::*value) {
+    std::vector<StoredValue> values(tweak.writes.size(), StoredValue::absent());
+    for (std::size_t i = 0; i < tweak.writes.size(); ++i)
+        for (const JournaledWrite& write : entry.writes)
+            if (write.key == tweak.writes[i].key) values[i] = write.*value;
+    return values;
+}
+
+std::string originalWords(const JournalEntry& entry, const Tweak& tweak, const TweakCatalog& catalog) {
+    return valueWords(tweak, valuesOf(entry, tweak, &JournaledWrite::original), catalog.home());
+}
+
+std::string madeWords(const JournalEntry& entry, const Tweak& tweak, const TweakCatalog& catalog) {
+    if (entry.direction == EntryDirection::resetToDefault) return "macOS default";
+    return valueWords(tweak, valuesOf(entry, tweak, &JournaledWrite::written), catalog.home());
+}
+
+// In the order of the tweak's writes; nothing where one of them can't be read.
+std::vector<StoredValue> valuesNow(const KeyReadings& keys, const Tweak& tweak) {
+    std::vector<StoredValue> values;
+    for (const Write& write : tweak.writes)
+        for (const KeyReading& key : keys)
+            if (key.write.key == write.key && key.now) values.push_back(*key.now);
+    return values;
+}
+
+std::string appliedWords(const JournalEntry& entry, const TweakCatalog& catalog) {
+    if (entry.agent) return entry.agent->turnedOn() ? "turned on" : "turned off";
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (!tweak) return keyCount(entry.writes.size());
+    return madeWords(entry, *tweak, catalog) + ", was " + originalWords(entry, *tweak, catalog);
+}
+
+std::string restoredWords(const JournalEntry& entry, const TweakCatalog& catalog) {
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (entry.agent) return "back to " + wayBack(entry);
+    if (!tweak) return "back as it was";
+    return "back to " + originalWords(entry, *tweak, catalog);
+}
+
+// Of one that is not what it was before no more than its name.
+std::string undoneWords(const std::vector<JournalEntry>& undone, const TweakCatalog& catalog, bool isBack) {
+    if (undone.size() > 1) return counted(undone.size(), "change", "changes") + (isBack ? " are back" : "");
+    const std::string title = entryTitle(undone.front(), catalog);
+    return isBack ? title + " is " + restoredWords(undone.front(), catalog) : title;
+}
+
+std::string eventWords(const HistoryLine& line, const TweakCatalog& catalog) {
     const auto failure = failureWords(line.entry);
-    const std::string reason = failure ? ": " + *failure : "";
     switch (line.event) {
-        case EntryStatus::capturing: return "Interrupted" + reason;
-        case EntryStatus::applied: return "Applied";
-        case EntryStatus::failed: return "Failed" + (reason.empty() ? ": no reason was recorded." : reason);
+        case EntryStatus::capturing: return "interrupted" + (failure ? ". " + *failure : "");
+        case EntryStatus::applied: return appliedWords(line.entry, catalog);
+        case EntryStatus::failed: return "failed. " + failure.value_or("No reason was recorded.");
         case EntryStatus::restored: break;
     }
-    return "Restored" + reason;
+    return failure ? *failure : restoredWords(line.entry, catalog);
 }
 
 }  // namespace
@@ -118,6 +171,36 @@ std::string wayBack(const JournalEntry& entry) {
     return join(keys, ", ");
 }
 
+std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog) {
+    if (entry.agent)
+        return std::string(entry.agent->turnedOn() ? "Turned on" : "Turned off") + ", back to " +
+               wayBack(entry);
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (!tweak) return keyCount(entry.writes.size());
+    return madeWords(entry, *tweak, catalog) + ", back to " + originalWords(entry, *tweak, catalog);
+}
+
+std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
+                       const std::vector<StoredValue>& now) {
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (!tweak || now.size() != tweak->writes.size()) return changeWords(entry, catalog);
+    return fmt::format("Now {}. Brell wrote {}; before that it was {}.",
+                       valueWords(*tweak, now, catalog.home()), madeWords(entry, *tweak, catalog),
+                       originalWords(entry, *tweak, catalog));
+}
+
+std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog) {
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (entry.agent || !tweak) return changeWords(entry, catalog);
+    const std::string original = originalWords(entry, *tweak, catalog);
+    if (std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore)))
+        return "Already as before: " + original;
+    const std::vector<StoredValue> now = valuesNow(keys, *tweak);
+    const bool isKnown = now.size() == tweak->writes.size();
+    return fmt::format("Now {}, back to {}", isKnown ? valueWords(*tweak, now, catalog.home()) : "not known",
+                       original);
+}
+
 std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion) {
     if (entry.macOSVersion == runningVersion) return std::nullopt;
     return fmt::format("Made on macOS {}; this Mac now runs {}.", excerpt(entry.macOSVersion),
@@ -128,8 +211,8 @@ std::optional<std::string> failureWords(const JournalEntry& entry) {
     return entry.failure ? std::optional(excerpt(*entry.failure, mostOfASentence)) : std::nullopt;
 }
 
-DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys) {
-    DriftedEntry drifted{entry, {}};
+DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog) {
+    DriftedEntry drifted{entry, {}, restoreWords(entry, keys, catalog)};
     for (const KeyReading& key : keys)
         if (!key.isAsWritten()) drifted.lines.push_back(driftLine(key));
     return drifted;
@@ -146,14 +229,20 @@ std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentS
                                      found.rendered(), left.rendered(), before.rendered())}};
 }
 
-std::optional<UndoProof> undoProof(const KeyReadings& keys, const std::vector<std::string>& alreadyBack) {
-    if (keys.empty() && alreadyBack.empty()) return std::nullopt;
+std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,
+                                   const std::vector<std::string>& alreadyBack, const TweakCatalog& catalog) {
+    if (undone.empty()) return std::nullopt;
+    const bool isComplete = std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore));
+    std::vector<std::string> sentences = proofSentences(keys);
+    const std::string what = undoneWords(undone, catalog, isComplete);
+    if (sentences.empty())
+        sentences.push_back(what + ".");
+    else
+        sentences.front() = what + ": " + sentences.front();
     std::vector<std::string> back;
     for (const std::string& name : alreadyBack) back.push_back(name + " was already back as it was.");
-    std::string words = firstOf(proofSentences(keys), " ");
-    if (!keys.empty() && !back.empty()) words += " ";
-    return UndoProof{words + firstOf(back, " "),
-                     std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore))};
+    if (!back.empty()) sentences.push_back(firstOf(back, " "));
+    return UndoProof{firstOf(sentences, " "), isComplete};
 }
 
 std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const TweakCatalog& catalog) {
@@ -162,7 +251,8 @@ std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const
     for (auto line = history.rbegin(); line != history.rend(); ++line) {
         const HistoryLine*& later = next[line->entry.id];
         if (line->event != EntryStatus::capturing || isInterruption(*line, later))
-            lines.push_back({line->at, line->event, entryTitle(line->entry, catalog), eventWords(*line)});
+            lines.push_back(
+                {line->at, line->event, entryTitle(line->entry, catalog), eventWords(*line, catalog)});
         later = &*line;
     }
     return lines;

@@ -26,6 +26,15 @@ std::vector<std::string> againLines(const JournalEntry& entry);
 // Where an undo leads: "absent"; with several keys "autohide absent, tilesize 36"; for an agent "on".
 std::string wayBack(const JournalEntry& entry);
 
+// What a change made and where its undo leads: "Large, back to 41", "Turned off, back to on". Of a tweak that
+// the catalog does not know only how many keys it has.
+std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog);
+// The same for one that others changed since: "Now 50. Brell wrote Large; before that it was 41."
+std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
+                       const std::vector<StoredValue>& now);
+// What an undo would do now, of keys that read so: "Now 50, back to 41".
+std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog);
+
 // Says so when the change was made on another version of macOS than the running one.
 std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion);
 
@@ -39,11 +48,12 @@ struct DriftedEntry {
     // wrote true; original false", or the one of an agent: "com.acme.agent: now override enabled, loaded;
     // Brell left override disabled, not loaded; original override absent, loaded".
     std::vector<std::string> lines;
+    std::string words = {};  // what restoring would do now; of an agent nothing
     bool operator==(const DriftedEntry&) const = default;
 };
 
 // keys are the entry's as they read now; one that can't be read counts as drifted.
-DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys);
+DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog);
 
 // now is what launchd says about the entry's label. Nothing when the agent is as the change left it, for an
 // entry that is not applied or not an agent's, and where launchd could not say.
@@ -51,21 +61,24 @@ std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentS
 
 // The result of an undo.
 struct UndoProof {
-    std::string words;  // "3 of 3 keys are exactly as before."; every key that is not is named
-    bool isComplete;    // every key is as before
+    // "Icon size is back to 41: 1 of 1 key is exactly as before."; every key that is not is named.
+    std::string words;
+    bool isComplete;  // every key is as before
     bool operator==(const UndoProof&) const = default;
 };
 
-// keys are those of the undone changes; alreadyBack names the changes that others had undone before.
-// Nothing where there is neither.
-std::optional<UndoProof> undoProof(const KeyReadings& keys, const std::vector<std::string>& alreadyBack);
+// keys are those of the undone changes; alreadyBack names those that others had undone before. Nothing where
+// nothing was undone.
+std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,
+                                   const std::vector<std::string>& alreadyBack, const TweakCatalog& catalog);
 
 // A line of the history, as far as it is told: there may be a hundred thousand.
 struct ToldLine {
     TimeStamp at;
     EntryStatus event;
     std::string title;  // of what was changed
-    std::string words;  // what became of it: "Applied", "Restored", "Failed: reason", "Interrupted"
+    std::string
+        words;  // what became of it: "Large, was Small", "back to Small", "failed. Reason", "interrupted"
     bool operator==(const ToldLine&) const = default;
 };
 

@@ -1,8 +1,12 @@
 #include "CorvaneBrell/Model/ReadingWork.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <stdexcept>
 
+#include "BrellCore/Background/JobProgram.h"
+#include "BrellCore/Engine/Drift.h"
 #include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
@@ -11,7 +15,6 @@
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
-#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace fs = std::filesystem;
 
@@ -31,6 +34,12 @@ std::vector<JournalEntry> latestOnTop(std::vector<JournalEntry> entries) {
     if (!std::is_sorted(entries.begin(), entries.end(), later))
         std::stable_sort(entries.begin(), entries.end(), later);
     return entries;
+}
+
+std::optional<std::uint32_t> ownerOf(const fs::path& file) {
+    struct stat status;
+    if (::stat(file.c_str(), &status) != 0) return std::nullopt;
+    return static_cast<std::uint32_t>(status.st_uid);
 }
 
 bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences) {
@@ -70,7 +79,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
     const auto preferences = deps_.store.reader();
     for (const JournalEntry& entry : everything.entries)
         if (isNoLongerInForce(entry, *preferences))
-            everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences)));
+            everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog));
     return everything;
 }
 
@@ -114,6 +123,8 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
         soFar(items);
     };
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) noteRefusal(user[i], items);
+    noteFacts(user, items);
+    noteFacts(system, items);
     showSoFar();
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) {
         progress_.tell("Asking launchd about each LaunchAgent", i, user.size());
@@ -139,6 +150,20 @@ std::shared_ptr<const BTMDump> ReadingWork::firstTaskList(const Cancellation& is
     constexpr double secondsToType = 120;
     return taskList(CommandPatience{
         secondsToType, [this, isCancelled] { return isCancelled->load() || progress_.isEnding(); }});
+}
+
+// The home belongs to the user, and so should the files in it.
+void ReadingWork::noteFacts(const std::vector<LaunchAgentRecord>& jobs, LoginItems& items) {
+    const auto user = ownerOf(deps_.machine.home);
+    for (const LaunchAgentRecord& job : jobs) {
+        if (progress_.isEnding()) return;
+        JobFacts facts{missingProgram(job.plist, deps_.machine.systemRoot, deps_.machine.home), {}, {}};
+        for (const std::string& bundleID : job.plist.associatedBundleIDs)
+            if (const auto app = deps_.machine.applicationName(bundleID)) facts.apps.push_back(excerpt(*app));
+        const auto& owner = job.plist.fileOwnerUID;
+        if (job.scope == AgentScope::user && user && owner && owner != user) facts.otherOwner = owner;
+        if (facts != JobFacts()) items.facts.emplace(job.id(), std::move(facts));
+    }
 }
 
 void ReadingWork::noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const {
@@ -205,33 +230,60 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     return request;
 }
 
-RestoreStep restoreStep(const JournalEntry& entry, const TweakCatalog& catalog, const AgentToggle& toggle) {
-    return {entryTitle(entry, catalog), changeWords(entry, catalog),
-            entry.agent ? toggle.previewRestore(*entry.agent) : putBackLines(entry), entry.agent.has_value()};
+RestoreRequest ReadingWork::restoring(const std::string& title, const std::vector<Uuid>& changes) {
+    RestoreRequest request{Uuid::random(), title, {}, {}};
+    addRestores(request, changes);
+    if (request.steps.empty() && request.changes.entries.empty())
+        throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));
+    return request;
 }
 
 RestoreRequest ReadingWork::undoing(const SessionChange& action) {
-    RestoreRequest request{Uuid::random(), "Undo “" + action.name + "”?", action.made, {}, action};
-    for (const JournalEntry& entry : deps_.journal->entries(action.made))
-        if (entry.isActive()) request.steps.push_back(restoreStep(entry, deps_.catalog, deps_.toggle));
-    for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
-        RestoreStep step{entryTitle(entry, deps_.catalog), "Again as it was changed before",
-                         againLines(entry), entry.agent.has_value()};
-        if (entry.agent)
-            step.lines =
-                deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))
-                    .commands;
-        request.steps.push_back(std::move(step));
-    }
+    RestoreRequest request{Uuid::random(), "Undo “" + action.name + "”?", {}, {.undoing = action}};
+    addRestores(request, action.made);
+    for (const JournalEntry& entry : deps_.journal->entries(action.restored))
+        request.steps.push_back(makingAgain(entry));
     return request;
+}
+
+// Drift is what the user has to answer for; what holds its original again is nobody else's.
+void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& changes) {
+    const auto preferences = deps_.store.reader();
+    for (const JournalEntry& entry : deps_.journal->entries(changes)) {
+        if (!entry.isActive() || progress_.isEnding()) continue;
+        DriftedEntry now = driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog);
+        const bool isApplied = entry.status == EntryStatus::applied && !entry.agent;
+        if (isApplied && hasDrifted(entry, *preferences)) {
+            request.changes.entries.push_back(std::move(now));
+            continue;
+        }
+        request.changes.others.push_back(entry.id);
+        request.steps.push_back(
+            {entryTitle(entry, deps_.catalog), std::move(now.words),
+             entry.agent ? deps_.toggle.previewRestore(*entry.agent) : putBackLines(entry),
+             entry.agent.has_value()});
+    }
+}
+
+RestoreStep ReadingWork::makingAgain(const JournalEntry& entry) {
+    return {entryTitle(entry, deps_.catalog), "Again as it was changed before",
+            entry.agent
+                ? deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))
+                      .commands
+                : againLines(entry),
+            entry.agent.has_value()};
 }
 
 DecodedPreset ReadingWork::preset(const fs::path& file) {
     const auto contents = readFile(file, mostPresetBytes);
     if (!contents) throw std::runtime_error("There is no file " + file.string() + ".");
-    DecodedPreset decoded = PresetFile::decode(contents->bytes, deps_.catalog);
-    PresetFile::checkName(decoded.preset.name);
-    return decoded;
+    try {
+        DecodedPreset decoded = PresetFile::decode(contents->bytes, deps_.catalog);
+        PresetFile::checkName(decoded.preset.name);
+        return decoded;
+    } catch (const PresetFileError& error) {
+        throw std::runtime_error("The preset " + file.string() + " could not be imported. " + error.what());
+    }
 }
 
 RebuildRequest ReadingWork::rebuildRequest(const fs::path& directory) {

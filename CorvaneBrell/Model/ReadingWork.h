@@ -31,10 +31,11 @@ struct Everything {
 struct LoginItems {
     std::vector<LoginItemRow> rows;
     std::map<std::string, std::string>
-        refusals;                          // why the user's own can't be switched, by their records' ids
-    std::shared_ptr<const BTMDump> tasks;  // macOS's list of background items that the rows came from
-    bool mayReadTasks = false;             // the user is an administrator
-    std::optional<std::string> error;      // why launchd could not be asked for the user's own
+        refusals;                           // why the user's own can't be switched, by their records' ids
+    std::map<std::string, JobFacts> facts;  // likewise, of all that there is something to tell of
+    std::shared_ptr<const BTMDump> tasks;   // macOS's list of background items that the rows came from
+    bool mayReadTasks = false;              // the user is an administrator
+    std::optional<std::string> error;       // why launchd could not be asked for the user's own
 };
 
 // Where the login items take macOS's list of background items from.
@@ -42,9 +43,6 @@ struct TaskSource {
     bool isRead = false;                       // anew, from macOS
     std::shared_ptr<const BTMDump> kept = {};  // else this one, or none
 };
-
-// What a restore does to one active change. Reads a file where that is an agent's.
-RestoreStep restoreStep(const JournalEntry& entry, const TweakCatalog& catalog, const AgentToggle& toggle);
 
 // Ends a reading that waits for a person. Set on the main thread.
 using Cancellation = std::shared_ptr<const std::atomic<bool>>;
@@ -74,6 +72,8 @@ public:
 
     // For an answer that the user waits for.
     AgentConfirmRequest agentConfirm(const std::vector<LaunchAgentRecord>& agents, bool turnOn);
+    // Of those of the changes that are active.
+    RestoreRequest restoring(const std::string& title, const std::vector<Uuid>& changes);
     RestoreRequest undoing(const SessionChange& action);
     DecodedPreset preset(const std::filesystem::path& file);
     std::string restoreScript();
@@ -93,6 +93,9 @@ private:
     std::shared_ptr<const BTMDump> taskList(const std::optional<CommandPatience>& patience);
     RebuildProgress rebuildProgress();
     void readEntries(Everything& everything);
+    void addRestores(RestoreRequest& request, const std::vector<Uuid>& changes);
+    RestoreStep makingAgain(const JournalEntry& entry);
+    void noteFacts(const std::vector<LaunchAgentRecord>& jobs, LoginItems& items);
     void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
 
     Dependencies& deps_;

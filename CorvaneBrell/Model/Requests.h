@@ -34,10 +34,12 @@ struct RelaunchRequest {
 struct DriftRequest {
     Uuid id = {};
     std::vector<DriftedEntry> entries = {};
-    std::vector<Uuid> others = {};                       // did not drift, and are restored whatever is ticked
+    std::vector<Uuid> others = {};  // newest first; did not drift, and are restored whatever is ticked
     std::optional<PendingApply> pendingAfterDrift = {};  // made when all of it is restored
     std::optional<SessionChange> undoing = {};           // the action whose undoing goes on with the answer
 
+    // One is asked for, and nothing else is restored: the button alone is the answer.
+    bool isAboutOne() const { return entries.size() == 1 && others.empty(); }
     std::string title() const;
     std::string explanation() const;
     bool operator==(const DriftRequest&) const = default;
@@ -65,18 +67,18 @@ struct TaskListRequest {
 // One change of a request: every key that it concerns, or every command that is run.
 struct RestoreStep {
     std::string title;
-    std::string words;  // "Large, back to 41"
+    std::string words;  // "Now Large, back to 41"
     std::vector<std::string> lines;
     bool runsCommands;
     bool operator==(const RestoreStep&) const = default;
 };
 
+// Everything that a restore would do, and which of it was changed by others since and is asked for.
 struct RestoreRequest {
     Uuid id;
     std::string title;
-    std::vector<Uuid> entries;  // newest first
-    std::vector<RestoreStep> steps;
-    std::optional<SessionChange> undoing = {};  // the action that this undoes, not only restoring
+    std::vector<RestoreStep> steps;  // of the changes that did not drift
+    DriftRequest changes;
     bool operator==(const RestoreRequest&) const = default;
 };
 

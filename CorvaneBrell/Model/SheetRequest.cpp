@@ -40,7 +40,7 @@ std::string DriftRequest::title() const {
 }
 
 std::string DriftRequest::explanation() const {
-    if (entries.size() != 1)
+    if (!isAboutOne())
         return "These keys no longer hold the value Brell wrote. Tick the ones to restore anyway; the others "
                "are left as they are. Everything else Brell changed is restored.";
     return "The key no longer holds the value Brell wrote. Restoring overwrites what is there now with the "

@@ -168,6 +168,8 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
         return row;
     }
     Shown shown = std::visit(ShownFor{}, status->state);
+    // Nobody can say who set it without the journal.
+    if (state.startupError && std::holds_alternative<SetBeforeBrell>(status->state)) shown.badge.reset();
     row.badge = active && isInterrupted(*active, state)    ? interruptedBadge
                 : active && isPartlyBack(*status, *active) ? partlyBackBadge
                                                            : std::move(shown.badge);

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "BrellCore/Support/Text.h"
-#include "CorvaneBrell/Model/EntryWords.h"
 
 namespace brell {
 
@@ -52,25 +51,6 @@ std::string relaunchWords(EffectClass effect) {
     return {};
 }
 
-std::string keyCount(std::size_t count) {
-    return count == 1 ? "1 key was changed" : fmt::format("{} keys were changed", count);
-}
-
-// In the order of the tweak's writes.
-std::vector<StoredValue> valuesOf(const JournalEntry& entry, const Tweak& tweak,
-                                  StoredValue JournaledWrite::*value) {
-    std::vector<StoredValue> values(tweak.writes.size(), StoredValue::absent());
-    for (std::size_t i = 0; i < tweak.writes.size(); ++i)
-        for (const JournaledWrite& write : entry.writes)
-            if (write.key == tweak.writes[i].key) values[i] = write.*value;
-    return values;
-}
-
-std::string madeWords(const JournalEntry& entry, const Tweak& tweak, const TweakCatalog& catalog) {
-    if (entry.direction == EntryDirection::resetToDefault) return "macOS default";
-    return valueWords(tweak, valuesOf(entry, tweak, &JournaledWrite::written), catalog.home());
-}
-
 }  // namespace
 
 std::string pathWords(std::string_view path, std::string_view home) {
@@ -90,27 +70,9 @@ std::string valueWords(const Tweak& tweak, const std::vector<StoredValue>& value
             return pathWords(excerpt(*path), home);
     std::vector<std::string> parts;
     for (const StoredValue& value : values) parts.push_back(words(value));
-    return join(parts, ", ");
-}
-
-std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog) {
-    if (entry.agent)
-        return std::string(entry.agent->turnedOn() ? "Turned on" : "Turned off") + ", back to " +
-               wayBack(entry);
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
-    if (!tweak) return keyCount(entry.writes.size());
-    return madeWords(entry, *tweak, catalog) + ", back to " +
-           valueWords(*tweak, valuesOf(entry, *tweak, &JournaledWrite::original), catalog.home());
-}
-
-std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
-                       const std::vector<StoredValue>& now) {
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
-    if (!tweak || now.size() != tweak->writes.size()) return changeWords(entry, catalog);
-    return fmt::format(
-        "Now {}. Brell wrote {}; before that it was {}.", valueWords(*tweak, now, catalog.home()),
-        madeWords(entry, *tweak, catalog),
-        valueWords(*tweak, valuesOf(entry, *tweak, &JournaledWrite::original), catalog.home()));
+    const std::string last = parts.back();
+    parts.pop_back();
+    return parts.empty() ? last : join(parts, ", ") + " and " + last;
 }
 
 std::string noteWords(const Tweak& tweak) {

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "BrellCore/Catalog/TweakCatalog.h"
-#include "BrellCore/Journal/JournalEntry.h"
 
 namespace brell {
 
@@ -16,13 +15,6 @@ std::string pathWords(std::string_view path, std::string_view home);
 // Of values that are one for each write of the tweak, in their order. No key and no domain is named. What
 // came from outside is on one line and not longer than a message.
 std::string valueWords(const Tweak& tweak, const std::vector<StoredValue>& values, std::string_view home);
-
-// What a change made and where its undo leads: "Large, back to 41", "Turned off, back to on". Of a tweak that
-// the catalog does not know only how many keys it has.
-std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog);
-// The same for one that others changed since: "Now 50. Brell wrote Large; before that it was 41."
-std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
-                       const std::vector<StoredValue>& now);
 
 // What is small below the text of a row, where it is so: "Medium risk · Relaunches Finder".
 std::string noteWords(const Tweak& tweak);

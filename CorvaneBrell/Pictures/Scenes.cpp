@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QLineEdit>
+#include <QScrollBar>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -42,7 +43,7 @@ void setDetailsOpen(MainWindow& window, bool open) {
 }
 
 Scene details(Screen screen) {
-    return {"details",
+    return {screen == Screen::loginItems ? "details-item" : "details",
             [screen](MainWindow& window) {
                 window.model().show(screen);
                 settle(window);
@@ -51,10 +52,23 @@ Scene details(Screen screen) {
             [](MainWindow& window) { setDetailsOpen(window, false); }};
 }
 
+Scene history() {
+    return {"journal-history",
+            [](MainWindow& window) {
+                window.model().show(Screen::journal);
+                settle(window);
+                QScrollBar* bar = window.currentPage()->scrollArea()->verticalScrollBar();
+                bar->setValue(bar->maximum());
+            },
+            [](MainWindow& window) { window.currentPage()->scrollArea()->verticalScrollBar()->setValue(0); }};
+}
+
 // A relaunch that waits, and something that can't be done.
 Scene bars() {
     return {"bars",
             [](MainWindow& window) {
+                window.model().show(Screen::loginItems);  // so that what comes later is new
+                settle(window);
                 window.model().show(Screen::dock);
                 window.model().apply("dock.no_bounce");
                 settle(window);
@@ -82,11 +96,11 @@ Scene restore() {
                 window.model().show(Screen::journal);
                 window.model().askRestoreAll();
             },
-            nothing};
+            [](MainWindow& window) { window.model().cancelRestore(); }};
 }
 
 Scene drift() {
-    return {"sheet-drift", [](MainWindow& window) { window.model().confirmRestore(); },
+    return {"sheet-drift", [](MainWindow& window) { window.model().turnOff("dock.autohide_instant"); },
             [](MainWindow& window) { window.model().cancelDrift(); }};
 }
 
@@ -157,8 +171,9 @@ std::vector<Scene> scenesOfDamage() {
 std::vector<Scene> everydayScenes() {
     std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
-    for (const Scene& scene : {search("hidden"), details(Screen::dock), restore(), drift(), taskList(),
-                               listedItems(), agents(), relaunch(), preset(), presetResult()})
+    for (const Scene& scene :
+         {search("hidden"), details(Screen::dock), details(Screen::loginItems), history(), restore(), drift(),
+          taskList(), listedItems(), agents(), relaunch(), preset(), presetResult()})
         all.push_back(scene);
     return all;
 }

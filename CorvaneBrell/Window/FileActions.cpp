@@ -12,6 +12,7 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/FileContents.h"
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Platform/FileViewer.h"
 #include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FileDialog.h"
 #include "CorvaneBrell/Window/Message.h"
@@ -93,6 +94,15 @@ void showKeptScript(const AppModel& model, QWidget* over) try {
 
 void FileActions::showJournalFolder(const AppModel& model) {
     QDesktopServices::openUrl(QUrl::fromLocalFile(qt(model.journalDirectory().string())));
+}
+
+void FileActions::showInFinder(const std::filesystem::path& file, QWidget* over) {
+    std::error_code unknown;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(file, unknown)))
+        return tell(over, QObject::tr("The file is not there any more"),
+                    QObject::tr("%1 does not exist.").arg(qt(file.string())));
+    if (!selectInFileViewer(file))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(qt(file.parent_path().string())));
 }
 
 void FileActions::saveReport(AppModel& model, QWidget* over) {

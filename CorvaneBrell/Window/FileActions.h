@@ -1,5 +1,8 @@
-// What is made of the journal for use elsewhere: the report and the restore script, as files or to read.
+// What is made of the journal for use elsewhere: the report and the restore script, as files or to read; and
+// where files lie.
 #pragma once
+
+#include <filesystem>
 
 class QWidget;
 
@@ -14,6 +17,7 @@ void saveReport(AppModel& model, QWidget* over);
 void saveRestoreScript(AppModel& model, QWidget* over);
 void showRestoreScript(AppModel& model, QWidget* over);
 void showJournalFolder(const AppModel& model);
+void showInFinder(const std::filesystem::path& file, QWidget* over);  // selected in its folder
 
 }  // namespace FileActions
 

@@ -52,7 +52,7 @@ void HistoryList::showFirst() {
         if (itsDay != day) events.push_back({"day above " + key, itsDay, {}, {}, line.event});
         day = itsDay;
         events.push_back(
-            {key, {}, clockText(line.at), tr("%1 · %2").arg(qt(line.title), qt(line.words)), line.event});
+            {key, {}, clockText(line.at), tr("%1: %2").arg(qt(line.title), qt(line.words)), line.event});
     }
     events_->setRecords(events, events.size() + history.size() - shown);
 }

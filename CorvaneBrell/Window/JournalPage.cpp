@@ -25,8 +25,8 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
                                              connect(row, &ChangeRow::ticked, this, &JournalPage::showTicks);
                                              return row;
                                          })),
-      applyAgain_(actionButton(tr("Apply Again"), "arrow.clockwise")),
-      keepTheirs_(actionButton(tr("Keep Theirs"))),
+      applyAgain_(actionButton(tr("Apply %1 Again").arg(99), "arrow.clockwise")),
+      keepTheirs_(actionButton(tr("Keep Theirs for %1").arg(99))),
       driftSection_(driftSection()),
       active_(new RecordList<ChangeRow>(tr("Active changes"),
                                         [this] { return new ChangeRow(model_, ChangeRow::Kind::inForce); })),

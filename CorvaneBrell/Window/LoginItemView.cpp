@@ -1,10 +1,15 @@
 #include "CorvaneBrell/Window/LoginItemView.h"
 
 #include <QApplication>
+#include <QPushButton>
+#include <QVBoxLayout>
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Model/LoginItemWords.h"
+#include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FactList.h"
+#include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Switch.h"
@@ -21,6 +26,8 @@ RowBadge badgeOf(const ShownLoginItem& item) {
                              : RowBadge{QObject::tr("Off by Brell"), "minus.circle", Tone::positive, {}};
     if (item.change && item.change->status == EntryStatus::applied)
         return {QObject::tr("Changed outside Brell"), "exclamationmark.triangle", Tone::caution, {}};
+    if (item.row.isOn && item.row.allowedInSystemSettings == false)
+        return {QObject::tr("Not allowed"), "minus.circle", Tone::plain, {}};
     if (item.row.isOn) return {QObject::tr("On"), "checkmark.circle", Tone::positive, {}};
     return {QObject::tr("Off"), "minus.circle", Tone::plain, {}};
 }
@@ -38,7 +45,9 @@ std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
     const auto warn = [&](const QString& text) {
         notices.push_back({text, "exclamationmark.triangle", Tone::caution, {}});
     };
-    for (const QString& condition : LoginItemView::conditions(row)) warn(condition);
+    if (item.isNew)
+        notices.push_back({QObject::tr("new since your last visit"), "sparkles", Tone::accent, {}});
+    for (const std::string& condition : conditionWords(row, item.facts)) warn(qt(condition));
     if (row.explanation.risk != Risk::low)
         warn(QObject::tr("Risk: %1").arg(qt(label(row.explanation.risk)).toLower()));
     if (row.explanation.isUpdater)
@@ -72,6 +81,7 @@ FactList* factsOf(const ShownLoginItem& item) {
     facts->add(QObject::tr("Updater"),
                explanation.isUpdater ? QObject::tr("Yes, it keeps software up to date or protects the Mac")
                                      : QObject::tr("No"));
+    facts->add(QObject::tr("Belongs to"), qt(join(item.facts.apps, ", ")));
     if (row.record) {
         facts->add(QObject::tr("Label"), qt(row.record->label().value_or("None")));
         facts->add(QObject::tr("File"), qt(row.record->plist.path));
@@ -92,13 +102,6 @@ FactList* factsOf(const ShownLoginItem& item) {
 bool ShownLoginItem::isInForce() const {
     return change && change->status == EntryStatus::applied && !drift &&
            row.isOn == change->agent->turnedOn();
-}
-
-QStringList LoginItemView::conditions(const LoginItemRow& row) {
-    QStringList words;
-    if (row.isCrashLooping) words << tr("keeps crashing and restarting");
-    if (row.allowedInSystemSettings == false) words << tr("not allowed in System Settings");
-    return words;
 }
 
 LoginItemView::LoginItemView(AppModel& model, QWidget* parent)
@@ -156,6 +159,22 @@ QWidget* LoginItemView::makeDetails() {
     return holder;
 }
 
+// Of its job file.
+QLayout* LoginItemView::fileActions() {
+    const LaunchAgentRecord& job = *record_->row.record;
+    auto* line = new QHBoxLayout;
+    line->setSpacing(8);
+    auto* show = actionButton(tr("Show in Finder"), "folder");
+    show->setAccessibleName(tr("Show in Finder: %1").arg(title()));
+    connect(show, &QPushButton::clicked, this,
+            [this, file = job.plist.path] { FileActions::showInFinder(file, this); });
+    line->addWidget(show);
+    if (job.label())
+        line->addWidget(copyButton(tr("Copy Label"), title(), [label = *job.label()] { return qt(label); }));
+    line->addStretch(1);
+    return line;
+}
+
 void LoginItemView::fillDetails() {
     if (facts_) {
         facts_->hide();
@@ -166,6 +185,7 @@ void LoginItemView::fillDetails() {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(10);
     column->addWidget(factsOf(*record_));
+    if (record_->row.record) column->addLayout(fileActions());
     detailsColumn_->addWidget(facts_);
 }
 

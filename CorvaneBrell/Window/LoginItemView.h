@@ -19,6 +19,8 @@ struct ShownLoginItem {
     bool isInterrupted;                  // that change was never finished
     std::optional<std::string> refusal;  // why it can't be switched
     bool isLocked;                       // nothing can be changed at all
+    JobFacts facts;
+    bool isNew;  // since the last visit
     // launchd has the agent as the change left it.
     bool isInForce() const;
     bool operator==(const ShownLoginItem&) const = default;
@@ -28,9 +30,6 @@ class LoginItemView final : public Row {
     Q_OBJECT
 public:
     using Record = ShownLoginItem;
-
-    // How the item fares, where that is worth a word: "keeps crashing and restarting".
-    static QStringList conditions(const LoginItemRow& row);
 
     // The model must outlive the row.
     explicit LoginItemView(AppModel& model, QWidget* parent = nullptr);
@@ -42,6 +41,7 @@ private:
     void showSwitch(bool isOffered, bool canSwitch);
     void showWayBack();
     QWidget* makeDetails();
+    QLayout* fileActions();
     void fillDetails();
 
     AppModel& model_;

@@ -2,11 +2,13 @@
 
 #include <QPushButton>
 
+#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/LoginItemWords.h"
 #include "CorvaneBrell/Window/PaneButton.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SearchField.h"
 #include "CorvaneBrell/Window/TaskListLine.h"
+#include "CorvaneBrell/Window/TickBox.h"
 
 namespace brell {
 
@@ -14,6 +16,7 @@ LoginItemsPage::LoginItemsPage(AppModel& model, QWidget* parent)
     : Page(qt(title(Screen::loginItems)), qt(purpose(Screen::loginItems)), parent),
       model_(model),
       filter_(searchField(tr("Filter"), tr("Filter the login items"))),
+      newOnly_(new TickBox({})),
       taskList_(new TaskListLine(model)),
       emptyAction_(addEmptyAction({})) {
     addTools();
@@ -28,7 +31,16 @@ void LoginItemsPage::addTools() {
     auto* again = actionButton(tr("Refresh"), "arrow.clockwise");
     again->setAccessibleName(tr("Refresh the login items"));
     connect(again, &QPushButton::clicked, this, [this] { model_.loadLoginItems(); });
-    setHeadLine(filter_);
+    connect(newOnly_, &QCheckBox::toggled, this, [this] { showItems(); });
+    newOnly_->setMinimumHeight(28);
+    newOnly_->setFixedWidth(TickBox(tr("New %1").arg(9999)).sizeHint().width());
+    auto* head = new QWidget;
+    auto* line = new QHBoxLayout(head);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(12);
+    line->addWidget(filter_, 1);
+    line->addWidget(newOnly_);
+    setHeadLine(head);
     tools()->addWidget(again);
     tools()->addWidget(paneButton(*settingsLink(Screen::loginItems), tr("General, then Login Items")));
 }
@@ -56,12 +68,33 @@ void LoginItemsPage::refresh(const Changes& changed) {
 // Once for every reading: folding thousands of texts at each letter that is typed would be felt.
 void LoginItemsPage::collectTexts() {
     texts_.clear();
+    areNew_.clear();
     for (const LoginItemRow& row : model_.state().loginItems) {
         const std::string label = row.record ? row.record->label().value_or("") : std::string();
         const QString text =
             qt(row.title + '\n' + subtitleWords(row) + '\n' + label + '\n' + row.explanation.app);
-        texts_.push_back((text + '\n' + LoginItemView::conditions(row).join('\n')).toCaseFolded());
+        const JobFacts facts = factsOf(row);
+        const std::string more = join(conditionWords(row, facts), "\n") + '\n' + join(facts.apps, "\n");
+        texts_.push_back((text + '\n' + qt(more)).toCaseFolded());
+        areNew_.push_back(model_.state().seenItems.isNew(row));
     }
+    showNew();
+}
+
+// Always in its place, so that nothing moves when something new comes.
+void LoginItemsPage::showNew() {
+    const auto count = std::count(areNew_.begin(), areNew_.end(), true);
+    newOnly_->setTitle(count > 0 ? tr("New %1").arg(count) : tr("New"));
+    newOnly_->setEnabled(count > 0 || newOnly_->isChecked());
+    newOnly_->setAccessibleDescription(count > 0 ? tr("Shows only what is new since your last visit.")
+                                                 : tr("Nothing is new since your last visit."));
+    newOnly_->setToolTip(newOnly_->accessibleDescription());
+}
+
+JobFacts LoginItemsPage::factsOf(const LoginItemRow& row) const {
+    const auto& facts = model_.state().jobFacts;
+    const auto known = row.record ? facts.find(row.record->id()) : facts.end();
+    return known == facts.end() ? JobFacts() : known->second;
 }
 
 LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
@@ -91,17 +124,20 @@ void LoginItemsPage::showItems() {
         std::size_t all = 0;
         for (std::size_t i = 0; i < items.size(); ++i)
             if (section.badge == items[i].badge && section.isRefused == isRefused(items[i]) &&
-                texts_[i].contains(wanted) && all++ < section.group->limit())
-                first.push_back(shown(items[i], changes));
+                texts_[i].contains(wanted) && (areNew_[i] || !newOnly_->isChecked()) &&
+                all++ < section.group->limit())
+                first.push_back(shown(i, changes));
         section.group->setRecords(first, all);
         matching_ += all;
     }
     showEmptyState();
 }
 
-ShownLoginItem LoginItemsPage::shown(const LoginItemRow& row, const OwnChanges& changes) const {
+ShownLoginItem LoginItemsPage::shown(std::size_t place, const OwnChanges& changes) const {
     const AppState& state = model_.state();
-    ShownLoginItem item{row, std::nullopt, std::nullopt, false, std::nullopt, isLocked(state)};
+    const LoginItemRow& row = state.loginItems[place];
+    ShownLoginItem item{row,          std::nullopt,    std::nullopt, false,
+                        std::nullopt, isLocked(state), factsOf(row), areNew_[place]};
     // What is not the user's own may have the same label.
     if (!row.record || row.record->scope != AgentScope::user) return item;
     if (!row.record->label() && !row.record->plist.leadsTo) return item;
@@ -128,11 +164,13 @@ void LoginItemsPage::showEmptyState() {
     if (matching_ > 0) return setEmptyState({});
     emptyAction_->setVisible(state.loginItemsLoaded);
     if (!state.loginItems.empty()) {
-        emptyAction_->setText(tr("Show All"));
-        setEmptyState(
-            tr("No login item has “%1” in its name, label, app or state.").arg(filter_->text().trimmed()));
+        setActionText(emptyAction_, tr("Show All"));
+        setEmptyState(filter_->text().trimmed().isEmpty()
+                          ? tr("No login item is new since your last visit.")
+                          : tr("No login item has “%1” in its name, label, app or state.")
+                                .arg(filter_->text().trimmed()));
     } else if (state.loginItemsLoaded) {
-        emptyAction_->setText(tr("Read Again"));
+        setActionText(emptyAction_, tr("Read Again"));
         setEmptyState(tr("Nothing was found in the folders of launchd that starts by itself."));
     } else {
         setEmptyState(tr("The login items are being read."));
@@ -142,6 +180,7 @@ void LoginItemsPage::showEmptyState() {
 void LoginItemsPage::takeEmptyAction() {
     if (model_.state().loginItems.empty()) return model_.loadLoginItems();
     filter_->clear();
+    newOnly_->setChecked(false);
     filter_->setFocus();
 }
 

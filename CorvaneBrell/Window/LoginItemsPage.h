@@ -13,6 +13,7 @@
 namespace brell {
 
 class TaskListLine;
+class TickBox;
 
 class LoginItemsPage final : public Page {
     Q_OBJECT
@@ -41,16 +42,20 @@ private:
     bool isRefused(const LoginItemRow& row) const;
     void collectTexts();
     void showItems();
-    ShownLoginItem shown(const LoginItemRow& row, const OwnChanges& changes) const;
+    JobFacts factsOf(const LoginItemRow& row) const;
+    ShownLoginItem shown(std::size_t place, const OwnChanges& changes) const;
+    void showNew();
     void showEmptyState();
     void takeEmptyAction();
 
     AppModel& model_;
     QLineEdit* filter_;
+    TickBox* newOnly_;
     TaskListLine* taskList_;
     QPushButton* emptyAction_;
     std::vector<Section> sections_;
     std::vector<QString> texts_;  // what the filter looks at, one for each item of the model
+    std::vector<bool> areNew_;    // likewise
     std::size_t matching_ = 0;    // items that pass the filter
 };
 

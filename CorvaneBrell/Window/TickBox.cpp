@@ -15,15 +15,21 @@ constexpr int smallestHeight = 28;
 
 }  // namespace
 
-TickBox::TickBox(const QString& title, Paragraph::Look look, QWidget* parent) : QCheckBox(parent) {
+TickBox::TickBox(const QString& title, Paragraph::Look look, QWidget* parent)
+    : QCheckBox(parent), text_(new Paragraph(title, look)) {
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(static_cast<int>(side) + focusMargin + 7, 4, 0, 4);
-    line->addWidget(new Paragraph(title, look), 1, Qt::AlignVCenter);
+    line->addWidget(text_, 1, Qt::AlignVCenter);
     setAccessibleName(title);
     setMinimumHeight(smallestHeight);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
+}
+
+void TickBox::setTitle(const QString& title) {
+    text_->setText(title);
+    setAccessibleName(title);
 }
 
 QSize TickBox::sizeHint() const {

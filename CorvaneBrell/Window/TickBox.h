@@ -14,12 +14,17 @@ public:
     explicit TickBox(const QString& title, Paragraph::Look look = Paragraph::Look::body,
                      QWidget* parent = nullptr);
 
+    void setTitle(const QString& title);
+    QString title() const { return text_->text(); }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent*) override;
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
+
+private:
+    Paragraph* text_;
 };
 
 }  // namespace brell

@@ -2,7 +2,6 @@
 
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
-#include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 #include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
@@ -22,7 +21,7 @@ struct SheetFor {
     Sheet* operator()(const RebuildReport& report) { return new RebuildReportSheet(model, window, report); }
     Sheet* operator()(const RebuildRequest& request) { return new RebuildSheet(model, window, request); }
     Sheet* operator()(const RecoveryRequest& request) { return new RecoverySheet(model, window, request); }
-    Sheet* operator()(const DriftRequest& request) { return new DriftSheet(model, window, request); }
+    Sheet* operator()(const DriftRequest& request) { return new RestoreSheet(model, window, request); }
     Sheet* operator()(const AgentConfirmRequest& request) {
         return new AgentConfirmSheet(model, window, request);
     }

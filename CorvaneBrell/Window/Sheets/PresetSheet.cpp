@@ -58,7 +58,7 @@ PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& 
     if (!plan.experimental.empty())
         addNote("minus.circle", Tone::caution,
                 tr("Left out, because experimental tweaks are never applied by a preset: %1.")
-                    .arg(qt(firstNames(plan.experimental))));
+                    .arg(qt(firstNames(model.catalog().titlesOf(plan.experimental)))));
     if (!plan.unknown.empty())
         addNote("questionmark.circle", Tone::caution,
                 tr("Left out, because this version of Brell does not know them: %1.")

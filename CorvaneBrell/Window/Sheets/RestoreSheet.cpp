@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
 
 #include "CorvaneBrell/Window/Disclosure.h"
+#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
 
@@ -8,37 +9,122 @@ namespace brell {
 
 namespace {
 
-QString explanation(const RestoreRequest& request) {
-    if (request.undoing)
+QString titleOf(const RestoreRequest& request) {
+    return qt(request.changes.isAboutOne() ? request.changes.title() : request.title);
+}
+
+QString explanationOf(const RestoreRequest& request) {
+    const DriftRequest& changes = request.changes;
+    if (changes.undoing)
         return QObject::tr(
             "This undoes the last change of this session. These are the keys it changes and the "
             "commands it runs.");
-    if (request.entries.size() == 1)
-        return QObject::tr("This puts back what was there before Brell changed it.");
+    if (changes.isAboutOne()) return qt(changes.explanation());
+    const std::size_t all = changes.others.size() + changes.entries.size();
+    if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
     return QObject::tr("This undoes %1 changes, the latest first, and puts back what was there before.")
-        .arg(request.entries.size());
+        .arg(changes.others.size());
+}
+
+QWidget* forExperts(const QString& title, const std::vector<std::string>& lines) {
+    return new Disclosure(QObject::tr("For experts"), title,
+                          [title, lines] { return keyLines(QObject::tr("Keys of %1").arg(title), lines); });
 }
 
 // Commands are in plain sight, keys where they are asked for.
 QWidget* stepRow(const RestoreStep& step) {
     const QString title = qt(step.title);
-    const auto lines = [title, step] {
-        return keyLines(QObject::tr("What is done to %1").arg(title), step.lines);
-    };
     return sheetRow({new Paragraph(title, Paragraph::Look::heading),
                      new Paragraph(qt(step.words), Paragraph::Look::secondary),
-                     step.runsCommands ? lines() : new Disclosure(QObject::tr("For experts"), title, lines)});
+                     step.runsCommands ? keyLines(QObject::tr("What is done to %1").arg(title), step.lines)
+                                       : forExperts(title, step.lines)});
 }
 
 }  // namespace
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
-    : RequestSheet(model, window, qt(request.title), explanation(request), &AppModel::cancelRestore) {
+    : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore) {
+    if (!request.changes.isAboutOne() && !request.changes.entries.empty()) {
+        content()->addWidget(sectionHeading(qt(request.changes.title())));
+        content()->addWidget(new Paragraph(qt(request.changes.explanation()), Paragraph::Look::secondary));
+    }
+    addDrifted(request.changes);
+    if (!request.changes.entries.empty() && !request.steps.empty())
+        content()->addWidget(sectionHeading(tr("As Brell left them")));
     addCard(request.steps.size(),
             [steps = request.steps](std::size_t place) { return stepRow(steps[place]); });
-    const QString restore =
-        request.entries.size() == 1 ? tr("Restore") : tr("Restore %1").arg(request.entries.size());
-    addAnswers(request.undoing ? tr("Undo") : restore, [this] { this->model().confirmRestore(); });
+    addConfirmation(request.changes, &AppModel::confirmRestore);
+}
+
+RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const DriftRequest& request)
+    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift) {
+    addDrifted(request);
+    const auto others = static_cast<int>(request.others.size());
+    if (others > 0)
+        addFootnote(others == 1 ? tr("1 other change is restored, too.")
+                                : tr("%1 other changes are restored, too.").arg(others));
+    if (const auto& pending = request.pendingAfterDrift)
+        addNote("info.circle", Tone::plain,
+                tr("When it is restored, Brell changes %1 as you asked.").arg(qt(pending->tweak.title)));
+    addConfirmation(request, &AppModel::confirmDrift);
+}
+
+void RestoreSheet::addDrifted(const DriftRequest& changes) {
+    const bool areTicked = !changes.isAboutOne();
+    addCard(changes.entries.size(), [this, areTicked, entries = changes.entries](std::size_t place) {
+        return driftedRow(entries[place], areTicked);
+    });
+}
+
+QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked) {
+    const QString title = qt(entryTitle(drifted.entry, model().catalog()));
+    QWidget* head = nullptr;
+    if (isToBeTicked) {
+        auto* tick = new TickBox(title, Paragraph::Look::heading);
+        tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
+        tick->setAccessibleDescription(qt(drifted.words));
+        ticks_.emplace_back(drifted.entry.id, tick);
+        connect(tick, &QCheckBox::toggled, this, &RestoreSheet::showCount);
+        head = tick;
+    } else {
+        head = new Paragraph(title, Paragraph::Look::heading);
+    }
+    return sheetRow({head, new Paragraph(qt(drifted.words), Paragraph::Look::secondary),
+                     forExperts(title, drifted.lines)});
+}
+
+// Of one alone that drifted, and of an action to undo, the button is the answer; else it says how many it
+// restores.
+void RestoreSheet::addConfirmation(const DriftRequest& changes, Confirm confirm) {
+    if (changes.isAboutOne()) {
+        addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
+                   [this, confirm, only = changes.entries.front().entry.id] { (model().*confirm)({only}); });
+        return;
+    }
+    others_ = changes.others.size();
+    QPushButton* button = addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
+                                     [this, confirm] { (model().*confirm)(ticked()); });
+    const bool isPlain = changes.undoing || (changes.entries.empty() && others_ == 1);
+    if (isPlain) return;
+    if (button->isEnabled()) restore_ = button;
+    setActionText(button, tr("Restore %1").arg(others_ + changes.entries.size()));
+    button->setText(tr("Restore %1").arg(others_));
+    showCount();
+}
+
+// Where it restores none there is nothing to do until something is ticked.
+void RestoreSheet::showCount() {
+    if (!restore_) return;
+    const std::size_t count = others_ + ticked().size();
+    restore_->setText(tr("Restore %1").arg(count));
+    restore_->setEnabled(count > 0);
+}
+
+std::set<Uuid> RestoreSheet::ticked() const {
+    std::set<Uuid> ids;
+    for (const auto& [id, tick] : ticks_)
+        if (tick->isChecked()) ids.insert(id);
+    return ids;
 }
 
 }  // namespace brell

@@ -179,6 +179,61 @@ TEST_F(AppModelTest, TheTaskListIsAskedForOnlyOnceTheUserAllowedItAndMacOSGaveIt
     expect(TaskList::offered, true);
 }
 
+TEST_F(AppModelTest, LoginItemsThatCameSinceTheLastVisitAreNew) {
+    std::unique_ptr<AppModel> model = openModel();
+    const auto visit = [&] {
+        model = openModel();
+        model->show(Screen::loginItems);
+        settled(*model)->loadLoginItems();
+    };
+    const auto news = [&] {
+        Texts ids;
+        for (const LoginItemRow& row : model->state().loginItems)
+            if (model->state().seenItems.isNew(row))
+                ids.push_back(row.record ? *row.record->label() : row.id);
+        return ids;
+    };
+    const auto install = [&](const std::string& label) {
+        setContents(sample.launchAgents() / (label + ".plist"),
+                    "<plist><dict><key>Label</key><string>" + label + "</string></dict></plist>");
+    };
+    settled(*model)->loadLoginItems();
+    EXPECT_EQ(model->ownPreferences().seenItems(), SeenItems()) << "another page is shown";
+    visit();
+    EXPECT_EQ(news(), Texts()) << "the first visit";
+    install("com.acme.early");
+    settled(*model)->loadLoginItems();
+    EXPECT_EQ(news(), Texts{"com.acme.early"}) << "it came while Brell was open";
+    install("com.acme.late");
+    for (const bool isDryRun : {true, false}) {
+        options.dryRun = isDryRun;
+        visit();
+        EXPECT_EQ(news(), Texts{"com.acme.late"}) << "which no dry run takes for seen";
+    }
+
+    // A list that could not be read whole is not the one that was seen.
+    const fs::path launchd = SimulatedLaunchd::stateFile(sample.systemRoot());
+    const std::string state = contentsOf(launchd);
+    setContents(launchd, "damaged");
+    visit();
+    EXPECT_TRUE(model->state().errorMessage);
+    setContents(launchd, state);
+    visit();
+    EXPECT_EQ(news(), Texts());
+
+    // What only macOS's list knows is not new because that is read for the first time.
+    model->askTaskList();
+    settled(*model)->confirmTaskList();
+    EXPECT_EQ(model->state().taskList, TaskList::read);
+    EXPECT_EQ(news(), Texts());
+    const fs::path list = SampleContents::taskDumpFile(sample.systemRoot());
+    std::string text = contentsOf(list);
+    text.replace(text.find("16.com.ashgrove.print-setup"), 27, "16.com.acme.setup");
+    setContents(list, text);
+    visit();
+    EXPECT_EQ(news(), Texts{"btm:16.com.acme.setup"});
+}
+
 TEST_F(AppModelTest, AnUpdateOfMacOSIsNoticedByTheVersionThatWasKept) {
     EXPECT_FALSE(openModel()->state().macOSUpdate) << "it never ran before";
     openModel()->keepMacOS();
@@ -301,12 +356,13 @@ TEST_F(AppModelTest, APresetIsShownAppliedAndReported) {
 
     setContents(file, "{}");
     settled(*model)->importPreset(file);
-    EXPECT_EQ(model->state().errorMessage, "This is not a preset file Brell can read.");
+    const std::string named = "The preset " + file.string() + " could not be imported. ";
+    EXPECT_EQ(model->state().errorMessage, named + "This is not a preset file Brell can read.");
     const Preset endless{"", std::string(100'000, 'x'), "", {}};
     setContents(file, PresetFile::encode(endless));
     const std::string refusal = messageOf([&] { PresetFile::checkName(endless.name); });
     settled(*model)->importPreset(file);
-    EXPECT_EQ(model->state().errorMessage, refusal);
+    EXPECT_EQ(model->state().errorMessage, named + refusal);
     EXPECT_FALSE(model->state().presetRequest);
     model->dismissError();
     settled(*model)->exportPreset(endless, folder.path / "endless.corvanepreset");

@@ -58,7 +58,9 @@ TEST_F(AppModelTest, ApplyTurnOffAndUndoAreAnnouncedOnceAndLeaveThePreferencesAs
 
     settled(*model)->undoLast();
     EXPECT_EQ(preferences(), before);
-    EXPECT_EQ(model->state().undoProof, (UndoProof{"1 of 1 key is exactly as before.", true}));
+    EXPECT_EQ(
+        model->state().undoProof,
+        (UndoProof{"Hide the Dock automatically is back to Off: 1 of 1 key is exactly as before.", true}));
     EXPECT_TRUE(model->state().undo.next() == nullptr);
     EXPECT_TRUE(waiting(*model).empty()) << "undone before the relaunch: nothing to relaunch for";
 
@@ -103,7 +105,7 @@ TEST_F(AppModelTest, ASecondClickWhileTheFirstIsUnderWayChangesNothingMore) {
     EXPECT_FALSE(model->state().errorMessage);
 
     settled(*model)->apply("finder.show_extensions");  // set before Brell
-    model->askRestore(model->state().entries.front().id);
+    settled(*model)->askRestore(model->state().entries.front().id);
     settled(*model)->confirmRestore();
     model->turnOff("finder.show_extensions");
     settled(*model)->turnOff("finder.show_extensions");
@@ -140,26 +142,51 @@ TEST_F(AppModelTest, RestoreAllShowsEveryKeyAndRestoresWhatWasTickedAndWhatDidNo
               Texts{"com.apple.dock autohide: now \"no\"; Brell wrote true; original false"});
     model->cancelDrift();
 
-    model->askRestoreAll();
+    settled(*model)->askRestoreAll();
     ASSERT_TRUE(model->state().restoreRequest);
-    EXPECT_EQ(model->state().restoreRequest->steps.size(), 4u);
-    EXPECT_EQ(model->state().restoreRequest->steps.front(),
-              (RestoreStep{"Save screenshots as JPEG",
-                           "On, back to \"png\"",
-                           {"com.apple.screencapture type: back to \"png\""},
-                           false}));
-    settled(*model)->confirmRestore();
+    const RestoreRequest asked = *model->state().restoreRequest;
+    EXPECT_EQ(asked.steps.size(), 2u);
+    EXPECT_EQ(asked.steps.front(), (RestoreStep{"Save screenshots as JPEG",
+                                                "Now On, back to \"png\"",
+                                                {"com.apple.screencapture type: back to \"png\""},
+                                                false}));
+    EXPECT_EQ(asked.changes.title(), "Some settings were changed outside Brell");
+    ASSERT_EQ(asked.changes.entries.size(), 2u);
+    const DriftedEntry& drifted = asked.changes.entries.back();
+    EXPECT_EQ(drifted.entry.tweakID, "dock.autohide");
+    EXPECT_EQ(drifted.words, "Now \"no\", back to Off");
+    const Uuid ticked = drifted.entry.id;
+
+    // While the sheet is open others change what it shows: nothing is overwritten that it did not show.
+    writeFromOutside(autohide, "never");
+    settled(*model)->confirmRestore({ticked});
     ASSERT_TRUE(model->state().driftRequest);
-    EXPECT_EQ(model->state().driftRequest->title(), "Some settings were changed outside Brell");
-    ASSERT_EQ(model->state().driftRequest->entries.size(), 2u);
-    const Uuid ticked = model->state().driftRequest->entries.back().entry.id;
-    EXPECT_EQ(model->state().driftRequest->entries.back().entry.tweakID, "dock.autohide");
+    EXPECT_EQ(model->state().driftRequest->others.size(), 2u) << "nothing was restored";
+    writeFromOutside({"com.apple.screencapture", "type"}, "tiff");
     settled(*model)->confirmDrift({ticked});
+    ASSERT_TRUE(model->state().driftRequest);
+    ASSERT_EQ(model->state().driftRequest->entries.size(), 1u);
+    settled(*model)->confirmDrift({model->state().driftRequest->entries.front().entry.id});
 
     auto expected = before;
     expected["com.apple.finder"].insert_or_assign("ShowPathbar", PrefValue(false));
     EXPECT_EQ(preferences(), expected);
     EXPECT_EQ(model->changedTweaks(), Texts{"finder.path_bar"});
+}
+
+TEST_F(AppModelTest, AScriptThatCannotBeWrittenIsToldOnce) {
+    const auto model = openModel();
+    fs::create_directories(Journal::defaultDirectory(sample.home()) / "restore.sh");  // in the way
+    const fs::path own = sample.preferences() / "com.corvane.brell.plist";
+    fs::create_directories(own / "in the way of what waits for a relaunch");
+    settled(*model)->apply("dock.autohide");
+    const std::string error = model->state().errorMessage.value_or("");
+    EXPECT_TRUE(error.starts_with("The restore script ")) << "the first error is not lost: " << error;
+    EXPECT_NE(error.find("com.corvane.brell"), std::string::npos) << error;
+    fs::remove_all(own);
+    model->dismissError();
+    settled(*model)->apply("finder.show_hidden");
+    EXPECT_FALSE(model->state().errorMessage);
 }
 
 TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
@@ -169,19 +196,21 @@ TEST_F(AppModelTest, AnEntryThatIsAlreadyBackClosesWithoutAsking) {
     settled(*model)->refreshAll();
     settle(*model);
     EXPECT_EQ(tweakRowState(*model, *model->catalog().tweak("dock.autohide")).badge->text, "Not in force");
-    model->askRestore(model->state().entries.front().id);
+    settled(*model)->askRestore(model->state().entries.front().id);
     settled(*model)->confirmRestore();
 
     EXPECT_FALSE(model->state().driftRequest);
     EXPECT_EQ(model->state().entries.front().status, EntryStatus::restored);
     EXPECT_EQ(model->state().undoProof->words,
-              "1 of 1 key is exactly as before. Hide the Dock automatically was already back as it was.");
+              "Hide the Dock automatically is back to Off: 1 of 1 key is exactly as before. Hide the Dock "
+              "automatically "
+              "was already back as it was.");
 }
 
 TEST_F(AppModelTest, UndoSinceRestoresThatChangeAndLaterOnesOnly) {
     const auto model = openModel();
     for (const char* id : {"dock.autohide", "finder.show_hidden", "shot.jpg"}) settled(*model)->apply(id);
-    model->askUndoSince(model->state().entries[1].id);
+    settled(*model)->askUndoSince(model->state().entries[1].id);
     ASSERT_TRUE(model->state().restoreRequest);
     EXPECT_EQ(model->state().restoreRequest->title, "Restore everything since “Show hidden files”?");
     settled(*model)->confirmRestore();
@@ -259,7 +288,7 @@ TEST_F(AppModelTest, ADamagedJournalIsRebuiltFromItsHistoryAndUndoesEverythingTh
 
     model = openModel();
     EXPECT_FALSE(model->state().startupError);
-    model->askRestoreAll();
+    settled(*model)->askRestoreAll();
     settled(*model)->confirmRestore();
     EXPECT_EQ(preferences(), before);
 
@@ -373,7 +402,7 @@ TEST_F(AppModelTest, UndoingAPresetOrARestoreDoesWhatItCanAndApplyAgainLeadsToTh
     const auto model = openModel();
     model->apply("dock.autohide");
     settled(*model)->apply("finder.show_hidden");
-    model->askRestoreAll();
+    settled(*model)->askRestoreAll();
     settled(*model)->confirmRestore();
     settled(*model)->apply("dock.autohide");
     settled(*model)->turnOff("dock.autohide");

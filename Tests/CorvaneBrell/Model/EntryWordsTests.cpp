@@ -18,6 +18,7 @@ HistoryLine line(unsigned char entry, EntryStatus event) {
     line.event = event;
     line.entry.id.bytes[0] = entry;
     line.entry.tweakID = std::to_string(entry);
+    line.entry.writes.resize(1);
     return line;
 }
 
@@ -59,12 +60,13 @@ TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
     }
     const TweakCatalog catalog("/Users/sam");
     const KeyReading key{entry.writes.front(), StoredValue(PrefValue("a\n" + evil))};
-    Texts texts = driftedEntry(entry, {key}).lines;
+    Texts texts = driftedEntry(entry, {key}, catalog).lines;
     for (const Texts& more :
          {changeLines(entry), putBackLines(entry),
           driftedAgent(off, {AgentOverride::enabled, LoadedState::notLoaded()}).value().lines,
           Texts{wayBack(entry), entryTitle(entry, catalog), entryTitle(off, catalog), *failureWords(off),
-                *madeOnAnotherMacOS(entry, "27.0.0"), undoProof({key}, {entryTitle(entry, catalog)})->words,
+                *madeOnAnotherMacOS(entry, "27.0.0"),
+                undoProof({entry}, {key}, {entryTitle(entry, catalog)}, catalog)->words,
                 toldHistory({{{}, EntryStatus::failed, off}}, catalog).front().words}})
         texts.insert(texts.end(), more.begin(), more.end());
     entry.writes.push_back(entry.writes.front());
@@ -81,12 +83,25 @@ TEST(EntryWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
                                            line(2, capturing), line(3, capturing), line(1, restored),
                                            line(2, restored),  line(4, capturing), line(4, failed)};
     // The second of entry 2, which a recovery ended; that of 3, which nothing ended.
-    EXPECT_EQ(told(history), (Texts{"4 Failed: no reason was recorded.", "2 Restored", "1 Restored",
-                                    "3 Interrupted", "2 Interrupted", "1 Applied"}));
+    EXPECT_EQ(told(history),
+              (Texts{"4 failed. No reason was recorded.", "2 back as it was", "1 back as it was",
+                     "3 interrupted", "2 interrupted", "1 1 key was changed"}));
     EXPECT_TRUE(told({}).empty());
     HistoryLine failure = history.back();
     failure.entry.failure = "The disk is full.";
-    EXPECT_EQ(told({failure}), Texts{"4 Failed: The disk is full."});
+    EXPECT_EQ(told({failure}), Texts{"4 failed. The disk is full."});
+    failure.event = restored;
+    EXPECT_EQ(told({failure}), Texts{"4 The disk is full."}) << "it says what is so";
+}
+
+TEST(EntryWordsTest, TheHistoryTellsTheValues) {
+    const JournalEntry size =
+        entryOf("dock.size", {{{"com.apple.dock", "tilesize"}, PrefValue(41), PrefValue(36)}});
+    const JournalEntry agent = agentEntry({"com.acme.agent", "/a.plist", true, AgentOverride::absent});
+    using enum EntryStatus;
+    EXPECT_EQ(told({{{}, restored, agent}, {{}, applied, agent}, {{}, restored, size}, {{}, applied, size}}),
+              (Texts{"Icon size Small, was 41", "Icon size back to 41", "com.acme.agent turned off",
+                     "com.acme.agent back to on"}));
 }
 
 class KeyReadingsTest : public ::testing::Test, protected EngineFixture {
@@ -97,46 +112,63 @@ protected:
         return engine.apply(tweak("dock.magnify"));
     }
     std::optional<UndoProof> proof(const JournalEntry& entry, const Texts& alreadyBack = {}) {
-        return undoProof(readKeys(entry, store), alreadyBack);
+        return undoProof({entry}, readKeys(entry, store), alreadyBack, catalog);
     }
 };
 
 TEST_F(KeyReadingsTest, AnUndoIsProvedKeyByKey) {
     const JournalEntry entry = magnify();
-    EXPECT_EQ(proof(agentEntry({})), std::nullopt);
+    EXPECT_EQ(undoProof({}, {}, {}, catalog), std::nullopt);
     engine.restore(entry.id, false);
-    EXPECT_EQ(proof(entry), (UndoProof{"2 of 2 keys are exactly as before.", true}));
-    EXPECT_EQ(proof(agentEntry({}), {"Magnify"})->words, "Magnify was already back as it was.");
+    const std::string title = entryTitle(entry, catalog), back = title + " is back to false and not set: ";
+    EXPECT_EQ(proof(entry), (UndoProof{back + "2 of 2 keys are exactly as before.", true}));
     EXPECT_EQ(proof(entry, {"Magnify"})->words,
-              "2 of 2 keys are exactly as before. Magnify was already back as it was.");
+              back + "2 of 2 keys are exactly as before. Magnify was already back as it was.");
+    const JournalEntry agent = agentEntry({"com.acme.agent", "/a.plist", true, AgentOverride::absent});
+    EXPECT_EQ(proof(agent), (UndoProof{"com.acme.agent is back to on.", true}));
+    EXPECT_EQ(undoProof({entry, agent}, readKeys(entry, store), {}, catalog)->words,
+              "2 changes are back: 2 of 2 keys are exactly as before.");
 
     files.write(0, magnification);  // not a truth value
     EXPECT_EQ(
         proof(entry),
-        (UndoProof{"1 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false.",
-                   false}));
+        (UndoProof{
+            title + ": 1 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false.",
+            false}));
     files.markUnsupported(largeSize);
     EXPECT_EQ(proof(entry)->words,
-              "0 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false. "
-              "com.apple.dock largesize cannot be read; it was absent.");
+              title +
+                  ": 0 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false. "
+                  "com.apple.dock largesize cannot be read; it was absent.");
     EXPECT_EQ(proof(engine.apply(tweak("dock.size")))->words,
-              "0 of 1 key is exactly as before. com.apple.dock tilesize is 48; it was absent.");
+              "Icon size: 0 of 1 key is exactly as before. com.apple.dock tilesize is 48; it was absent.");
 }
 
 TEST_F(KeyReadingsTest, EveryDriftedKeyIsDescribedAndNoOther) {
+    std::string words;  // of the last look
     const auto lines = [&](const JournalEntry& entry) {
-        return driftedEntry(entry, readKeys(entry, store)).lines;
+        const DriftedEntry drifted = driftedEntry(entry, readKeys(entry, store), catalog);
+        words = drifted.words;
+        return drifted.lines;
     };
     const JournalEntry entry = magnify();
     EXPECT_EQ(lines(entry), Texts());
+    EXPECT_EQ(words, "Now On, back to false and not set");
     files.remove(magnification);
     EXPECT_EQ(lines(entry),
               Texts{"com.apple.dock magnification: now absent; Brell wrote true; original false"});
+    EXPECT_EQ(words, "Now not set and 80, back to false and not set");
     files.write("big", largeSize);
     files.markUnsupported(magnification);
     EXPECT_EQ(lines(entry),
               (Texts{"com.apple.dock magnification: now unreadable; Brell wrote true; original false",
                      "com.apple.dock largesize: now \"big\"; Brell wrote 80; original absent"}));
+    EXPECT_EQ(words, "Now not known, back to false and not set");
+    engine.restore(engine.apply(tweak("dock.size")).id, false);
+    const JournalEntry back = engine.apply(tweak("dock.autohide"));
+    files.remove(back.writes[0].key);
+    lines(back);
+    EXPECT_EQ(words, "Already as before: not set");
 }
 
 TEST(AgentDriftTest, ComparesWithWhatTheSwitchLeft) {

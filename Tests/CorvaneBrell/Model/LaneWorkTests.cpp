@@ -64,7 +64,7 @@ protected:
 
 TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
     const Uuid replaced = made("finder.show_hidden");
-    changes.restore({replaced});
+    changes.restoreConfirmed({.others = {replaced}}, {});
     const SessionChange action{"two", {made("dock.autohide"), made("dock.size")}, {replaced}};
     writeFromOutside(autohide, "no");
     writeFromOutside(tileSize, 50);
@@ -90,6 +90,16 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
         << "what it restored waits until all of it is undone";
     for (const ChangeOutcome& unfinished : {asked, partly, again}) EXPECT_EQ(unfinished.undo, UndoNote());
 
+    // Asked with the sheet that shows what the undo does; another one drifts while that is open.
+    const Uuid dark = made("shot.jpg");
+    const DriftRequest shown = readings.undoing({"three", {action.made[1], dark}, {}}).changes;
+    EXPECT_EQ(shown.others, std::vector{dark});
+    writeFromOutside({"com.apple.screencapture", "type"}, "tiff");
+    const ChangeOutcome late = changes.restoreConfirmed(shown, {});
+    ASSERT_TRUE(late.question);
+    EXPECT_EQ(late.question->entries.front().entry.id, dark);
+    EXPECT_EQ(stored(tileSize), StoredValue(50)) << "asked for, and not ticked";
+
     const ChangeOutcome whole = changes.restoreConfirmed(*again.question, {action.made[1]});
     EXPECT_EQ(stored(tileSize), StoredValue(41));
     EXPECT_EQ(stored(hiddenFiles), StoredValue(true));
@@ -100,8 +110,9 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
 TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
     const JournalEntry entry = dependencies.engine.apply(*dependencies.catalog.tweak("dock.size"));
     setContents(sample.preferences() / "com.apple.dock.plist", "damaged");
-    const DriftRequest request{.entries = {driftedEntry(entry, readKeys(entry, dependencies.store))},
-                               .pendingAfterDrift = wishFor("finder.show_hidden")};
+    const DriftRequest request{
+        .entries = {driftedEntry(entry, readKeys(entry, dependencies.store), dependencies.catalog)},
+        .pendingAfterDrift = wishFor("finder.show_hidden")};
     const ChangeOutcome outcome = changes.restoreConfirmed(request, {request.entries[0].entry.id});
     EXPECT_EQ(outcome.failures.size(), 1u);
     EXPECT_TRUE(outcome.made.empty());
@@ -112,17 +123,20 @@ TEST_F(LaneWorkTest, APresetReportsWhatWasRefusedAndWhatWasLeftOut) {
     made("dock.autohide");
     told.clear();
     const PresetPlan plan{{"mine", "Mine", "", {}},
-                          {{"dock.autohide", "", WouldChange{}}, {"dock.size", "", WouldChange{}}},
+                          {{"dock.autohide", "", WouldChange{}},
+                           {"dock.size", "", WouldChange{}},
+                           {"dock.magnify", "Magnify", WouldBeRefused{"It is managed."}}},
                           {"dock.unheard_of"},
                           {"mc.fast_animation"}};
     const ChangeOutcome outcome = changes.applyPreset(plan);
     EXPECT_EQ(
         outcome.report,
-        (Texts{"1 of 2 changes were made.",
-               "Hide the Dock automatically: Hide the Dock automatically already has an active change "
-               "(applied); turn it off first.",
+        (Texts{"1 of 3 changes were made; 2 were refused.", "Magnify: It is managed.",
+               "Hide the Dock automatically already has an active change (applied); turn it off first.",
                "Left out, because this version of Brell does not know them: dock.unheard_of.",
-               "Left out, because experimental tweaks are never applied by a preset: mc.fast_animation."}));
+               "Left out, because experimental tweaks are never applied by a preset: Faster Mission Control "
+               "animation.",
+               "Changed: Icon size."}));
     ASSERT_EQ(outcome.made.size(), 1u);
     EXPECT_EQ(outcome.undo.done, (SessionChange{"Mine", {outcome.made[0].id}, {}}));
     EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 2}})) << "of so few it tells only once";
@@ -155,7 +169,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
 
     // What a restore put back is made again by its undo, which the page of the login items has to show.
     ASSERT_EQ(again.made.size(), 1u);
-    const ChangeOutcome restored = changes.restore({again.made[0].id});
+    const ChangeOutcome restored = changes.restoreConfirmed({.others = {again.made[0].id}}, {});
     ASSERT_TRUE(restored.undo.done);
     EXPECT_EQ(readings.undoing(*restored.undo.done).steps.at(0).lines, off.commands);
     const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
@@ -206,6 +220,12 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
         if (whats.empty() || whats.back() != activity.what) whats.push_back(activity.what);
     EXPECT_EQ(whats, (Texts{"Reading the LaunchAgents", "Asking launchd about each LaunchAgent",
                             "Reading macOS's list of background items"}));
+
+    const auto factsOf = [&](const char* file) { return items.facts.at(sample.launchAgents() / file); };
+    EXPECT_EQ(items.facts.size(), 3u) << "of the others there is nothing to tell";
+    EXPECT_EQ(factsOf("org.fernwright.notes.plist"),
+              (JobFacts{"/Applications/Fernwright Notes.app/Contents/MacOS/quicknote", {}, {}}));
+    EXPECT_EQ(factsOf("com.google.keystone.agent.plist"), (JobFacts{{}, {"Google Chrome"}, {}}));
 
     fs::remove(SampleContents::taskDumpFile(sample.systemRoot()));
     EXPECT_EQ(readings.loginItems(show, {false, items.tasks}).rows, items.rows) << "as it was read before";

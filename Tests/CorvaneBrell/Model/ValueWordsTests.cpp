@@ -32,7 +32,7 @@ TEST(ValueWordsTest, ValuesAreSaidAsPeopleSayThemWithoutTheirKeys) {
         {"dock.size", {absent}, "not set"},
         {"dock.no_recents", {false}, "On"},
         {"dock.no_recents", {true}, "Off"},
-        {"dock.magnify", {false, absent}, "false, not set"},
+        {"dock.magnify", {false, absent}, "false and not set"},
         {"dock.magnify", {true, 80}, "On"},
         {"finder.drives_on_desktop", {false, true, true}, "Off"},
         {"finder.search_current_folder", {"SC\nev"}, "\"SC ev\""},
