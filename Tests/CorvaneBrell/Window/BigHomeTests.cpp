@@ -1,4 +1,4 @@
-// A home with more of everything than a page shows at once: rows come in batches, and nothing stalls.
+// A home with more of everything than a page shows at once: rows come in batches.
 
 #include "Tests/Support/BigHome.h"
 
@@ -49,10 +49,9 @@ protected:
     }
 };
 
-TEST_F(BigHomeTest, ThePagesShowABatchAtATimeAndNoTurnTakesLong) {
+TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
     fill(EntryStatus::applied);
     openWindow();
-    longestTurn = 0;
     for (const Screen screen : allCases<Screen>()) go(screen);
     go(Screen::journal);
     ASSERT_EQ(model->state().driftedAgents.size(), agents);
@@ -71,7 +70,6 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATimeAndNoTurnTakesLong) {
         settle();
         EXPECT_LE(rows<LoginItemView>(), 3 * batch);
     }
-    EXPECT_LT(longestTurn, quickEnough);
 }
 
 // A row that the filter leaves over may become that of another item, which must not inherit anything.
@@ -106,7 +104,6 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
         return named;
     };
     EXPECT_EQ(headings(), batch);
-    longestTurn = 0;
     press(*recovery, "Show 100 More");
     EXPECT_EQ(headings(), 2 * batch);
     settled()->deferRecovery();
@@ -118,7 +115,6 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     EXPECT_EQ(linesIn(*restore), 2 * batch);
     press(*restore, "Show 100 More");
     EXPECT_EQ(linesIn(*restore), 4 * batch);
-    EXPECT_LT(longestTurn, quickEnough);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <QPushButton>
 
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
-#include "CorvaneBrell/Window/Sheets/DriftSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 #include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
@@ -98,7 +97,7 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     settled()->apply("finder.status_bar");
 
     expectLeavingChangesNothing<RestoreSheet>([&] { model->askRestoreAll(); });
-    expectLeavingChangesNothing<DriftSheet>([&] { model->turnOff("dock.autohide_instant"); });
+    expectLeavingChangesNothing<RestoreSheet>([&] { model->turnOff("dock.autohide_instant"); });
     EXPECT_FALSE(model->state().driftRequest);
     expectLeavingChangesNothing<AgentConfirmSheet>([&] { model->askAgents({agent->id}, false); });
     expectLeavingChangesNothing<RelaunchSheet>([&] { model->askRelaunch(); });
@@ -139,13 +138,16 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereThatIsTheAnswer) {
     openLivedIn();
     const StoredValue theirs = stored(delay);
 
-    // Of several the others are restored, whatever is ticked.
-    settled()->askUndoSince(model->state().drifted.front().entry.id);
-    EXPECT_TRUE(words(*sheet()).contains("Save panels open expanded\nOn, back to not set"));
-    press(*sheet(), "Restore 7");
-    ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
+    // Of several the others are restored, whatever is ticked: in one sheet.
+    const Uuid drifted = model->state().drifted.front().entry.id;
+    settled()->askUndoSince(drifted);
+    EXPECT_TRUE(words(*sheet()).contains("Save panels open expanded\nNow On, back to not set"));
+    EXPECT_TRUE(words(*sheet()).contains("Tick the ones to restore anyway"));
+    EXPECT_TRUE(words(*sheet()).contains("Now 0.5 and 0.2, back to 0.24 and not set"));
+    EXPECT_FALSE(words(*sheet()).contains("com.apple.")) << "keys are behind a disclosure";
     auto* tick = sheet()->findChild<QCheckBox*>();
     EXPECT_FALSE(tick->isChecked());
+    EXPECT_EQ(defaultButton(*sheet())->text(), "Cancel");
     const QAbstractButton& restore = button(*sheet(), "Restore 6");
     QTest::keyClick(tick, Qt::Key_Space);
     EXPECT_EQ(restore.text(), "Restore 7");
@@ -155,14 +157,17 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereThatIsTheAnswer) {
     EXPECT_EQ(stored(delay), theirs);
     EXPECT_EQ(stored(expanded), StoredValue::absent());
 
-    // One alone takes one sheet and one click, from the page and from the journal.
-    settled()->askRestore(model->state().drifted.front().entry.id);
-    ASSERT_TRUE(qobject_cast<DriftSheet*>(sheet()));
+    // One alone takes one sheet and one click, from the journal and from the page, and nothing is ticked.
+    settled()->askRestore(drifted);
+    ASSERT_TRUE(sheet());
+    EXPECT_EQ(sheet()->windowTitle(), "This setting was changed outside Brell");
     EXPECT_EQ(defaultButton(*sheet())->text(), "Cancel");
     type(sheet(), Qt::Key_Return);
     ASSERT_FALSE(sheet());
     settled()->turnOff("dock.autohide_instant");
     EXPECT_FALSE(sheet()->findChild<QCheckBox*>());
+    type(sheet(), Qt::Key_Escape);
+    settled()->askRestore(drifted);
     press(*sheet(), "Restore");
     EXPECT_FALSE(sheet());
     EXPECT_NE(stored(delay), theirs);
@@ -180,7 +185,7 @@ TEST_F(SheetsTest, OneSheetAtATimeTheMostImportantFirst) {
     settled()->askRestoreAll();
     EXPECT_TRUE(qobject_cast<RestoreSheet*>(sheet()));
     settled()->turnOff("dock.autohide_instant");
-    EXPECT_TRUE(qobject_cast<DriftSheet*>(sheet()));
+    EXPECT_TRUE(qobject_cast<RestoreSheet*>(sheet()));
     for (int more = 0; more < 3; ++more) {
         QList<Sheet*> open;
         for (Sheet* one : window->findChildren<Sheet*>())
@@ -203,12 +208,13 @@ TEST_F(SheetsTest, APresetSaysWhatItWouldDoAndWhatItDid) {
     for (const char* part :
          {"1 of 3 settings would change.", "com.apple.finder ShowStatusBar from", "Already so",
           "Would be refused: Show the hidden Dock instantly already has an active change",
-          "never applied by a preset: anim.no_window_animation.",
+          "never applied by a preset: No window open and close animation.",
           "does not know them: finder.from_tomorrow."})
         EXPECT_TRUE(plan.contains(part)) << part << " is not in\n" << plan.toStdString();
     press(*sheet(), "Apply");
     ASSERT_TRUE(qobject_cast<PresetResultSheet*>(sheet()));
-    EXPECT_TRUE(words(*sheet()).contains("1 of 1 changes were made."));
+    EXPECT_TRUE(words(*sheet()).startsWith("What the preset came to"));
+    EXPECT_TRUE(words(*sheet()).contains("1 of 2 changes were made; 1 was refused.\n\nShow the hidden Dock"));
     type(sheet(), Qt::Key_Return);
     EXPECT_FALSE(sheet()) << "it was read";
 

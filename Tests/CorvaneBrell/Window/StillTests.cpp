@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QToolButton>
+#include <QWheelEvent>
 #include <fstream>
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
@@ -20,6 +21,12 @@
 namespace brell::testing {
 
 namespace {
+
+void scrollOver(QWidget* widget, int delta) {
+    QWheelEvent event(QPointF(5, 5), widget->mapToGlobal(QPointF(5, 5)), {0, delta}, {0, delta}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(widget, &event);
+}
 
 class StillTest : public WindowTest {
 protected:
@@ -170,6 +177,37 @@ TEST_F(StillTest, ADoubleClickOnAnyControlChangesNothingBesideWhatItStandsFor) {
     }
     EXPECT_GT(clicked, 150);
     EXPECT_GT(model->state().undo.size(), 0) << "the first clicks do something";
+}
+
+TEST_F(StillTest, TheWheelAndAClickOnTextChangeNothingAndTargetsAreLargeEnough) {
+    openLivedIn();
+    const auto before = everythingIn(folder.path / "mac" / "Users");
+    const std::size_t entries = model->state().entries.size();
+    onEveryPage([&] {
+        for (QWidget* widget : visible<QWidget>(*window->currentPage())) {
+            const bool isButton = qobject_cast<QAbstractButton*>(widget);
+            if (!isButton && !qobject_cast<QComboBox*>(widget) && !qobject_cast<QLineEdit*>(widget)) continue;
+            if (widget->parentWidget()->inherits("QLineEdit") ||
+                widget->parentWidget()->inherits("QComboBox"))
+                continue;
+            const QString shown = widget->property("currentText").toString();
+            scrollOver(widget, -120);
+            scrollOver(widget, 120);
+            EXPECT_EQ(widget->property("currentText").toString(), shown) << nameOf(widget);
+            EXPECT_GE(widget->height(), 24) << nameOf(widget);
+        }
+        for (Row* row : visible<Row>(*window->currentPage())) {
+            const bool wasOpen = row->isOpen();
+            QTest::mouseClick(row, Qt::LeftButton, {}, {40, 24});
+            if (row->details()) {
+                EXPECT_NE(row->isOpen(), wasOpen) << nameOf(row);
+            }
+        }
+    });
+    settle();
+    const std::string seen = "sam/Library/Preferences/com.corvane.brell.plist";  // the login items
+    EXPECT_EQ(changesIn(folder.path / "mac" / "Users", before), Texts{seen});
+    EXPECT_EQ(model->state().entries.size(), entries);
 }
 
 TEST_F(StillTest, WhatComesUnderTheRestingPointerTakesAClickOnlyAfterAWhile) {

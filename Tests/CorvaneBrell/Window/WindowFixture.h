@@ -8,7 +8,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTest>
-#include <ctime>
+#include <functional>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -30,13 +30,6 @@
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
-
-// Seconds that a turn of the event loop may work.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr double quickEnough = 0.6;  // watched, everything takes several times as long
-#else
-inline constexpr double quickEnough = 0.1;
-#endif
 
 class WindowTest : public ::testing::Test {
 protected:
@@ -90,22 +83,29 @@ protected:
         settled()->deferRecovery();
     }
 
-    // One turn of the event loop. What it cost this thread is kept when no turn cost more.
     void takeTurn() {
-        const double before = workedSeconds();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QApplication::processEvents(QEventLoop::AllEvents, 5);
-        longestTurn = std::max(longestTurn, workedSeconds() - before);
-    }
-
-    // Of this thread alone, so that a busy machine does not count.
-    static double workedSeconds() {
-        timespec time{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
     }
 
     void go(Screen screen) { settled()->show(screen); }
+    // Opens a window with a past on this page.
+    void openOn(Screen screen) {
+        openLivedIn();
+        go(screen);
+    }
+    // Calls look with each page in turn, everything on it open.
+    void onEveryPage(const std::function<void()>& look) {
+        for (const Screen screen : allCases<Screen>()) {
+            go(screen);
+            for (Row* row : page().findChildren<Row*>()) row->setOpen(true);
+            settle();
+            SCOPED_TRACE(std::string(title(screen)));
+            look();
+        }
+    }
+
+    const QWidget& page() const { return *window->currentPage(); }
 
     // The row of a tweak on the page that is shown.
     TweakRow& row(const std::string& tweakID) {
@@ -121,6 +121,27 @@ protected:
         for (Widget* widget : in.findChildren<Widget*>())
             if (widget->isVisibleTo(&in)) widgets.push_back(widget);
         return widgets;
+    }
+
+    // Of the page, from top to bottom.
+    template <class Widget>
+    std::vector<Widget*> inOrder() const {
+        auto widgets = visible<Widget>(page());
+        std::sort(widgets.begin(), widgets.end(), [&](const QWidget* one, const QWidget* other) {
+            return one->mapTo(&page(), QPoint()).y() < other->mapTo(&page(), QPoint()).y();
+        });
+        return widgets;
+    }
+
+    template <class Dialog>
+    static Dialog& opened() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<Dialog*>(widget); dialog && dialog->isVisible()) return *dialog;
+        throw std::runtime_error("no such dialog is open");
+    }
+
+    static std::string nameOf(const QWidget* widget) {
+        return widget->metaObject()->className() + (" \"" + utf8(widget->accessibleName()) + "\"");
     }
 
     // Everything that can be read in this part of the window.
@@ -142,6 +163,7 @@ protected:
         QTest::mouseClick(&button(in, text), Qt::LeftButton);
         settle();
     }
+    void press(const QString& text) { press(page(), text); }
     // As the user does before a click; the pointer comes from somewhere else.
     static void movePointerTo(QWidget& widget) {
         for (const QPoint& way : {QPoint(-500, -500), QPoint()}) {
@@ -168,7 +190,6 @@ protected:
     std::ostringstream out;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<MainWindow> window;
-    double longestTurn = 0;  // seconds of work
 };
 
 }  // namespace brell::testing

@@ -1,0 +1,122 @@
+// What can be seen of it: colours, sharpness, and that no text is cut.
+
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QPushButton>
+#include <fstream>
+
+#include "CorvaneBrell/Window/Symbol.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::testing {
+
+namespace {
+
+// What a text needs more than it has, in points; 0 for one that is shown whole.
+int missing(const QWidget* text) {
+    if (!text->hasHeightForWidth()) return 0;
+    return std::max(0, text->heightForWidth(text->width()) - text->height());
+}
+
+}  // namespace
+
+TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
+    const auto expect = [](const QColor& seen, const QColor& ground, double least = 4.5) {
+        EXPECT_GE(Appearance::contrast(seen, ground), least) << utf8(seen.name() + " on " + ground.name());
+    };
+    constexpr std::array tones{Tone::plain, Tone::accent, Tone::positive, Tone::caution, Tone::critical};
+    for (const QPalette& palette : {Appearance::light(), Appearance::dark()}) {
+        EXPECT_EQ(Appearance::following(palette), palette);
+        const auto color = [&](QPalette::ColorRole role) { return palette.color(role); };
+        for (const QColor& surface :
+             {color(QPalette::Window), color(QPalette::Base), Appearance::card(palette)}) {
+            expect(color(QPalette::WindowText), surface);
+            expect(Appearance::secondaryText(palette), surface);
+            expect(Appearance::outline(palette), surface, 3.0);
+            for (const Tone tone : tones) expect(Appearance::toned(tone, palette), surface);
+        }
+        for (const Tone tone : tones) {
+            expect(Appearance::toned(tone, palette), Appearance::tinted(tone, palette));
+            expect(color(QPalette::WindowText), Appearance::tinted(tone, palette));
+        }
+        expect(color(QPalette::ButtonText), color(QPalette::Button));
+        expect(palette.color(QPalette::Disabled, QPalette::ButtonText), color(QPalette::Button));
+        expect(Appearance::secondaryText(palette), Appearance::marked(palette));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            for (const auto ground : {QPalette::Window, QPalette::Base})
+                expect(palette.color(QPalette::Disabled, role), color(ground));
+        expect(color(QPalette::HighlightedText), color(QPalette::Highlight));
+        expect(color(QPalette::PlaceholderText), color(QPalette::Base));
+        expect(color(QPalette::Link), color(QPalette::Base));
+    }
+}
+
+// Asked in pixels, as before Qt 6.8, or in points: a screen of twice the pixels gets twice the pixels.
+TEST(SymbolTest, ASymbolIsAsSharpAsTheScreenWhicheverWayTheToolkitAsks) {
+    EXPECT_EQ(askedPoints({32, 32}, 2, QVersionNumber(6, 7, 3)), QSize(16, 16));
+    EXPECT_EQ(askedPoints({16, 16}, 2, QVersionNumber(6, 8)), QSize(16, 16));
+    const QPixmap pixmap = symbolIcon("folder").pixmap(QSize(16, 16), 2.0);
+    EXPECT_EQ(pixmap.size(), QSize(32, 32));
+    EXPECT_EQ(pixmap.devicePixelRatio(), 2.0);
+}
+
+TEST_F(WindowTest, SwitchingToDarkWhileOpenLeavesNothingStale) {
+    openLivedIn();
+    std::map<Screen, QImage> switched;
+    const auto pictures = [&] {
+        std::map<Screen, QImage> taken;
+        for (const Screen screen : allCases<Screen>()) {
+            go(screen);
+            window->sidebar().pages().setFocus();
+            settle();
+            taken[screen] = window->picture();
+        }
+        return taken;
+    };
+    const std::map<Screen, QImage> light = pictures();
+    QApplication::setPalette(Appearance::dark());
+    settle();
+    switched = pictures();
+    openWindow();
+    settled()->deferRecovery();
+    const std::map<Screen, QImage> fresh = pictures();
+    QApplication::setPalette(Appearance::light());
+    for (const Screen screen : allCases<Screen>()) {
+        EXPECT_TRUE(switched[screen] == fresh.at(screen)) << title(screen);
+        EXPECT_FALSE(switched[screen] == light.at(screen)) << title(screen);
+    }
+}
+
+TEST_F(WindowTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) {
+    const QString longName = QString("com.example.").append(QString(188, 'n'));
+    haveAPast();
+    const fs::path deep = sample.home() / utf8(longName);
+    sample.openPreferences()->write(PrefValue(deep.string()), {"com.apple.screencapture", "location"});
+    fs::create_directories(sample.systemRoot() / "Volumes" / utf8(longName));
+    std::ofstream(sample.launchAgents() / "long.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>" << utf8(longName)
+        << "</string><key>Program</key><string>/opt/" << utf8(longName) << "</string></dict></plist>";
+    openWindow();
+    model->deferRecovery();
+    window->resize(window->minimumSize());
+    ASSERT_EQ(window->minimumSize(), QSize(820, 560));
+    onEveryPage([&] {
+        ASSERT_EQ(window->size(), QSize(820, 560)) << "the content makes the window larger";
+        QScrollArea* scroll = window->currentPage()->scrollArea();
+        EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
+        for (const QWidget* text : visible<QWidget>(*window)) {
+            if (qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text)) {
+                EXPECT_EQ(missing(text), 0) << nameOf(text) << utf8(text->property("text").toString());
+            }
+            const auto* button = qobject_cast<const QPushButton*>(text);
+            if (button) {
+                EXPECT_GE(button->width(), button->sizeHint().width()) << utf8(button->text());
+            }
+        }
+    });
+}
+
+}  // namespace brell::testing

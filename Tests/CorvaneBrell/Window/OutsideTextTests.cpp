@@ -1,0 +1,88 @@
+// What comes from outside is shown as it is, and what is looked at leaves no trace elsewhere.
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QFileDialog>
+#include <QPushButton>
+#include <QSettings>
+
+#include "CorvaneBrell/Window/FactList.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+#include "Tests/CorvaneBrell/Window/WindowFixture.h"
+
+namespace fs = std::filesystem;
+
+namespace brell::testing {
+
+// In names, paths, values and messages; a text that decides by itself that it is HTML fetches what it names.
+TEST_F(WindowTest, TextFromOutsideIsNeverTakenForHtmlHoweverLongItIs) {
+    const std::string turned = "\u202E", html = turned + "<b>bold</b><img src=x>";
+    haveAPast();
+    const auto preferences = sample.openPreferences();
+    preferences->write(PrefValue("/tmp/" + html), {"com.apple.screencapture", "location"});
+    preferences->write(PrefValue(html), {"com.apple.dock", "orientation"});
+    fs::create_directories(sample.systemRoot() / "Volumes" / "<b>disk<b>");
+    setContents(sample.launchAgents() / "bold.plist",
+                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>&lt;b&gt;bold" +
+                    turned + std::string(3'000'000, 'x') +
+                    "</string><key>Program</key><string>/opt/&lt;b&gt;" + std::string(900'000, 'x') +
+                    "</string></dict></plist>");
+    openWindow();
+    settled()->deferRecovery();
+    settled()->applyChoice("dock.position", "left");
+    settled()->apply("shot.folder", std::vector<PrefValue>{PrefValue("/" + html)});
+    settled()->importPreset(folder.path / html);
+    std::size_t bold = 0;
+    const auto look = [&] {
+        for (QWidget* widget : QApplication::allWidgets()) {
+            if (const auto* text = qobject_cast<QLabel*>(widget); text && !text->inherits("QTipLabel")) {
+                EXPECT_EQ(text->textFormat(), Qt::PlainText) << utf8(text->text());
+                EXPECT_LE(text->text().size(), Paragraph::longest + 1);
+                EXPECT_FALSE(text->text().contains(qt(turned))) << utf8(text->text());
+                bold += text->text().contains("<b>");
+            }
+            EXPECT_FALSE(widget->toolTip().contains("<b>")) << utf8(widget->toolTip());
+        }
+    };
+    onEveryPage(look);
+    settled()->askPreset({"bold", html, "", {"finder.show_hidden", html}});
+    look();
+    settled()->cancelPreset();
+    press(window->strip(), "Brell could not do that: all of it");
+    look();
+    EXPECT_GT(bold, 6);
+
+    FactList facts;
+    facts.add("Program", "/bin/sh");
+    EXPECT_TRUE(facts.findChildren<QPushButton*>().isEmpty());
+    const QString whole = qt(html + std::string(3'000, 'x'));
+    facts.add("Label", whole);
+    button(facts, "Copy: Label").click();
+    EXPECT_EQ(QApplication::clipboard()->text(), whole);
+}
+
+// It would keep which folders were looked at.
+TEST_F(WindowTest, ADialogForFilesLeavesNothingInTheToolkitsPreferences) {
+    const fs::path own = folder.path / "toolkit";
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, qt(own.string()));
+    openWindow();
+    go(Screen::screenshots);
+    const auto openAndClose = [&] {
+        press(row("shot.folder"), "Choose...");
+        for (QWidget* one : QApplication::topLevelWidgets())
+            if (auto* dialog = qobject_cast<QFileDialog*>(one)) dialog->close();
+        settle();
+    };
+    openAndClose();
+    EXPECT_EQ(everythingIn(own).count("QtProject.conf"), 0u);
+    setContents(own / "QtProject.conf", "[FileDialog]\nhistory=file:///home\n\n[Other]\nkept=1\n");
+    const QString before =
+        QSettings(QSettings::UserScope, "QtProject").value("FileDialog/history").toString();
+    openAndClose();
+    const QSettings after(QSettings::UserScope, "QtProject");
+    EXPECT_EQ(after.allKeys(), (QStringList{"FileDialog/history", "Other/kept"}));
+    EXPECT_EQ(after.value("FileDialog/history").toString(), before);
+}
+
+}  // namespace brell::testing
