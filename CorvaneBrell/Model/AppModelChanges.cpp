@@ -163,7 +163,8 @@ void AppModel::confirmAgents() {
     if (!state_.agentConfirm) return;
     const AgentConfirmRequest request = *state_.agentConfirm;
     cancelAgents();
-    change(request.title, {}, &ChangeWork::switchAgents, request);
+    const std::string begun = "Turn";  // as the title does
+    change("Turning" + request.title.substr(begun.size()), {}, &ChangeWork::switchAgents, request);
 }
 
 void AppModel::confirmPreset() {

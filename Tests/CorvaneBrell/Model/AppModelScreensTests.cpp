@@ -52,7 +52,7 @@ TEST_F(AppModelTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     });
     settled(*model)->confirmAgents();
     EXPECT_EQ(interrupted, 0u) << "a change of ours that is under way is not interrupted";
-    EXPECT_EQ(told, (Texts{"Turn off com.halverson.duskwatch",
+    EXPECT_EQ(told, (Texts{"Turning off com.halverson.duskwatch",
                            "Waiting up to 10 seconds for com.halverson.duskwatch to end"}));
     ASSERT_TRUE(rowOf(*model, "com.halverson.duskwatch"));
     EXPECT_FALSE(rowOf(*model, "com.halverson.duskwatch")->isOn);

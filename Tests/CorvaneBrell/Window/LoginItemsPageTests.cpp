@@ -81,6 +81,8 @@ TEST_F(LoginItemsPageTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
     type(toggle, Qt::Key_Space);
     EXPECT_TRUE(toggle->isChecked());
     ASSERT_TRUE(model->state().agentConfirm);
+    for (const char* said : {"Lumenfold Sync", "no longer runs at login", "Low", "launchctl disable"})
+        EXPECT_TRUE(words(*window->sheets().current()).contains(said)) << said;
     settled()->cancelAgents();
     EXPECT_TRUE(toggle->isChecked());
 
