@@ -82,11 +82,15 @@ bool show(const std::vector<Scene>& scenes, const LaunchOptions& options,
 }
 
 // As an installer does it behind the user's back.
-void install(const SampleMac& sample, const std::string& label) {
+void installAnAgent(const SampleMac& sample) {
+    constexpr const char* program = "/Applications/Kestrel Dispatch.app/Contents/MacOS/dispatch";
+    const fs::path file = sample.systemRoot() / fs::path(program).relative_path();
+    fs::create_directories(file.parent_path());
+    replaceFile(file, "", Durability::readersOnly);
     replaceFile(
-        sample.launchAgents() / (label + ".plist"),
-        "<plist><dict><key>Label</key><string>" + label +
-            "</string><key>Program</key><string>/bin/sh</string><key>RunAtLoad</key><true/></dict></plist>",
+        sample.launchAgents() / "com.kestrelworks.dispatch.plist",
+        "<plist><dict><key>Label</key><string>com.kestrelworks.dispatch</string><key>Program</key><string>" +
+            std::string(program) + "</string><key>RunAtLoad</key><true/></dict></plist>",
         Durability::readersOnly);
 }
 
@@ -98,7 +102,7 @@ int run(const std::vector<Format>& formats) {
     makePast(sample, Journal::defaultDirectory(sample.home()), systemNow());
     for (const Format& format : formats) fs::create_directories(format.folder);
     bool shown = show(scenesOfTrouble(), options, formats);
-    install(sample, "com.kestrelworks.dispatch");
+    installAnAgent(sample);
     shown = shown && show(everydayScenes(), options, formats);
     replaceFile(Journal::defaultDirectory(sample.home()) / "journal.json", "damaged",
                 Durability::readersOnly);

@@ -145,12 +145,14 @@ int RowLayout::placeFoot(Places& places, int left, int top, int lastLine, int wh
     const int words = heightOf(Part::words, width);
     at(places, Part::words) = {left, top, width, words};
     if (notes > 0) at(places, Part::notes) = {left, top + words + lineGap, lastLine, notes};
-    const int bottom = top + std::max(words + (notes > 0 ? lineGap + notes : 0), badgeHeight);
+    constexpr int line = 14;  // the last one, in the middle of which the badge has its own
+    const int bottom = top + std::max(words + (notes > 0 ? lineGap + notes : 0), line);
+    const int badgeTop = inTheMiddle(bottom - line, line, badgeHeight);
     if (const QLayoutItem* badge = item(Part::badge)) {
         const int own = std::min(badge->sizeHint().width(), badgeWidth);
-        at(places, Part::badge) = {left + whole - own, bottom - badgeHeight + lineGap, own, badgeHeight};
+        at(places, Part::badge) = {left + whole - own, badgeTop, own, badgeHeight};
     }
-    return bottom;
+    return badgeTop + badgeHeight;
 }
 
 int RowLayout::arranged(Places& places, int width) const {

@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/Sheet.h"
 
 #include <QScrollArea>
+#include <QScrollBar>
 
 #include "CorvaneBrell/Window/GrowingCard.h"
 #include "CorvaneBrell/Window/Page.h"
@@ -62,6 +63,10 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     inner->addStretch(1);
     auto* scroll = new FittingScrollArea;
     scroll->setWidget(holder);
+    connect(scroll->verticalScrollBar(), &QScrollBar::rangeChanged, inner, [inner](int, int most) {
+        constexpr int room = 8;  // between the cards and the scroll bar
+        inner->setContentsMargins(0, 0, most > 0 ? room : 0, 0);
+    });
     holder->setAutoFillBackground(false);
     scroll->viewport()->setAutoFillBackground(false);
     column->addWidget(scroll, 1);

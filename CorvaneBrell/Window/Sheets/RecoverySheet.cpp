@@ -16,9 +16,10 @@ QWidget* entryRow(const JournalEntry& entry, const TweakCatalog& catalog) {
         parts.push_back(new Paragraph(QObject::tr("A login item: it is switched back to how it was."),
                                       Paragraph::Look::secondary));
     else
-        parts.push_back(keyLines(QObject::tr("Keys of %1").arg(title), putBackLines(entry)));
+        parts.push_back(new Paragraph(qt(changeWords(entry, catalog)), Paragraph::Look::secondary));
     if (const auto failure = failureWords(entry))
         parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*failure), nullptr));
+    if (!entry.agent) parts.push_back(forExperts(title, putBackLines(entry)));
     return sheetRow(parts);
 }
 

@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/Sheets/RequestSheet.h"
 
+#include "CorvaneBrell/Window/Disclosure.h"
 #include "CorvaneBrell/Window/GrowingCard.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
@@ -41,6 +42,11 @@ QWidget* sheetRow(const std::vector<QWidget*>& parts) {
     column->setSpacing(3);
     for (QWidget* part : parts) column->addWidget(part);
     return row;
+}
+
+QWidget* forExperts(const QString& title, const std::vector<std::string>& lines) {
+    return new Disclosure(QObject::tr("For experts"), title,
+                          [title, lines] { return keyLines(QObject::tr("Keys of %1").arg(title), lines); });
 }
 
 QWidget* keyLines(const QString& name, const std::vector<std::string>& lines) {

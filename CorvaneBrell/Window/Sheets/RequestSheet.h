@@ -36,5 +36,7 @@ private:
 QWidget* sheetRow(const std::vector<QWidget*>& parts);
 // Keys or commands, a line each, to read, select and copy.
 QWidget* keyLines(const QString& name, const std::vector<std::string>& lines);
+// The same of the keys of what has this title, closed at first.
+QWidget* forExperts(const QString& title, const std::vector<std::string>& lines);
 
 }  // namespace brell

@@ -1,6 +1,5 @@
 #include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
 
-#include "CorvaneBrell/Window/Disclosure.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -24,11 +23,6 @@ QString explanationOf(const RestoreRequest& request) {
     if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
     return QObject::tr("This undoes %1 changes, the latest first, and puts back what was there before.")
         .arg(changes.others.size());
-}
-
-QWidget* forExperts(const QString& title, const std::vector<std::string>& lines) {
-    return new Disclosure(QObject::tr("For experts"), title,
-                          [title, lines] { return keyLines(QObject::tr("Keys of %1").arg(title), lines); });
 }
 
 // Commands are in plain sight, keys where they are asked for.
@@ -78,19 +72,21 @@ void RestoreSheet::addDrifted(const DriftRequest& changes) {
 
 QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked) {
     const QString title = qt(entryTitle(drifted.entry, model().catalog()));
-    QWidget* head = nullptr;
-    if (isToBeTicked) {
-        auto* tick = new TickBox(title, Paragraph::Look::heading);
-        tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
-        tick->setAccessibleDescription(qt(drifted.words));
-        ticks_.emplace_back(drifted.entry.id, tick);
-        connect(tick, &QCheckBox::toggled, this, &RestoreSheet::showCount);
-        head = tick;
-    } else {
-        head = new Paragraph(title, Paragraph::Look::heading);
-    }
-    return sheetRow({head, new Paragraph(qt(drifted.words), Paragraph::Look::secondary),
-                     forExperts(title, drifted.lines)});
+    auto* words = new Paragraph(qt(drifted.words), Paragraph::Look::secondary);
+    QWidget* keys = forExperts(title, drifted.lines);
+    if (!isToBeTicked) return sheetRow({new Paragraph(title, Paragraph::Look::heading), words, keys});
+    auto* tick = new TickBox(title, Paragraph::Look::heading);
+    tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
+    tick->setAccessibleDescription(qt(drifted.words));
+    ticks_.emplace_back(drifted.entry.id, tick);
+    connect(tick, &QCheckBox::toggled, this, &RestoreSheet::showCount);
+    auto* below = new QWidget;  // where the title begins
+    auto* column = new QVBoxLayout(below);
+    column->setContentsMargins(tick->layout()->contentsMargins().left(), 0, 0, 0);
+    column->setSpacing(3);
+    column->addWidget(words);
+    column->addWidget(keys);
+    return sheetRow({tick, below});
 }
 
 // Of one alone that drifted, and of an action to undo, the button is the answer; else it says how many it

@@ -1,5 +1,5 @@
-// Shows what a restore puts back, or a last action undoes, before it is done. What others changed since stands
-// in a section of its own with a box each; nothing is ticked at first.
+// Shows what a restore puts back, or a last action undoes, before it is done. What others changed since
+// stands in a section of its own with a box each; nothing is ticked at first.
 #pragma once
 
 #include <utility>

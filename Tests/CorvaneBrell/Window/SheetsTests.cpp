@@ -112,6 +112,8 @@ TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
     openWindow();
     ASSERT_TRUE(qobject_cast<RecoverySheet*>(sheet()));
     EXPECT_TRUE(words(*sheet()).contains("Brell was interrupted while changing a setting"));
+    EXPECT_TRUE(words(*sheet()).contains("Show drives on the desktop\nOn, back to not set"));
+    press(*sheet(), "For experts");
     EXPECT_TRUE(words(*sheet()).contains("com.apple.finder ShowHardDrivesOnDesktop: back to absent"));
     EXPECT_TRUE(
         words(*sheet()).contains("The entries stay in the journal and Brell asks again at the next launch."));
