@@ -23,6 +23,8 @@ constexpr std::array<std::string_view, 30> fillers{
     "how", "i",  "in",  "is",     "it",      "make", "me",   "my",     "of",   "off",
     "on",  "or", "set", "the",    "to",      "turn", "use",  "want",   "when", "with"};
 
+constexpr std::size_t shortestMistyped = 4;  // with fewer letters too much would be found
+
 bool isFiller(std::string_view word) {
     return std::find(fillers.begin(), fillers.end(), word) != fillers.end();
 }
@@ -49,6 +51,20 @@ bool isLower(char c) {
 bool partBeginsAt(std::string_view key, std::size_t i) {
     if (i == 0) return true;
     return isUpper(key[i]) && (!isUpper(key[i - 1]) || (i + 1 < key.size() && isLower(key[i + 1])));
+}
+
+// The word begins as it was typed, but for one letter after the first: another one, one that is missing, or
+// two that are swapped.
+bool beginsNearly(std::string_view word, std::string_view typed) {
+    const auto differ = std::mismatch(word.begin(), word.end(), typed.begin(), typed.end());
+    const auto same = static_cast<std::size_t>(differ.first - word.begin());
+    if (same == 0 || same == word.size() || same == typed.size()) return false;
+    const auto goesOn = [&](std::size_t ofWord, std::size_t ofTyped) {
+        return word.substr(same + ofWord).starts_with(typed.substr(same + ofTyped));
+    };
+    const bool areSwapped = same + 1 < word.size() && same + 1 < typed.size() &&
+                            word[same] == typed[same + 1] && word[same + 1] == typed[same];
+    return goesOn(1, 1) || goesOn(1, 0) || (areSwapped && goesOn(2, 2));
 }
 
 }  // namespace
@@ -103,6 +119,17 @@ std::vector<int> TweakSearch::scores(std::string_view word) const {
         const int score = found->weight + (found->word == word ? Weight::wholeWord : 0);
         scores[found->subject] = std::max(scores[found->subject], score);
     }
+    const bool isFound = std::any_of(scores.begin(), scores.end(), [](int score) { return score > 0; });
+    return isFound || word.size() < shortestMistyped ? scores : scoresOfMistyped(word);
+}
+
+// Far less than for what was typed right.
+std::vector<int> TweakSearch::scoresOfMistyped(std::string_view word) const {
+    constexpr int part = 10;
+    std::vector<int> scores(tweaks_.size() + enumTexts<Screen>.size());
+    for (const Posting& posting : postings_)
+        if (beginsNearly(posting.word, word))
+            scores[posting.subject] = std::max(scores[posting.subject], posting.weight / part);
     return scores;
 }
 

@@ -25,7 +25,8 @@ public:
     TweakSearch(const TweakCatalog& catalog, int macOSMajor);
 
     // Finds what holds every word of the query, as the beginning of a word of its own; letter case and
-    // accents do not count. A query without words finds nothing. Takes well under a millisecond.
+    // accents do not count, and of a word that is found nowhere one wrong letter after the first is forgiven.
+    // A query without words finds nothing. Takes well under a millisecond.
     SearchResults find(std::string_view query) const;
 
 private:
@@ -40,6 +41,7 @@ private:
     void indexTweak(std::size_t subject);
     void indexScreen(Screen screen);
     std::vector<int> scores(std::string_view word) const;
+    std::vector<int> scoresOfMistyped(std::string_view word) const;
 
     std::vector<const Tweak*> tweaks_;
     std::vector<Posting> postings_;  // sorted by word

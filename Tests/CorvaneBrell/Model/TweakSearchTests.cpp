@@ -54,6 +54,10 @@ TEST_F(TweakSearchTest, EveryWordCountsAndOnlyAsTheBeginningOfOne) {
     EXPECT_EQ(ids("idden"), Texts());
     EXPECT_EQ(ids("hidden qqq"), Texts());
     EXPECT_EQ(ids("hiddenfiles"), Texts());
+    for (const std::string_view mistyped : {"hiden", "hodden", "hidedn", "hiddne"})
+        EXPECT_EQ(first(mistyped), "finder.show_hidden") << mistyped;
+    for (const std::string_view wrong : {"hidddden", "hoddne", "xidden", "hxd"})
+        EXPECT_EQ(ids(wrong), Texts()) << wrong;
     EXPECT_FALSE(ids("usbstores").empty());  // DSDontWriteUSBStores
     EXPECT_FALSE(ids("stores").empty());
     for (const std::string_view within : {"sdont", "sbstores", "bstores", "tores"})
