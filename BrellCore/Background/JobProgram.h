@@ -1,4 +1,4 @@
-// Whether the program that a job starts is there.
+// A look for the program that a job starts.
 #pragma once
 
 #include <filesystem>

@@ -99,7 +99,7 @@ void AppModel::askRestoreOf(const std::string& title, const std::vector<JournalE
     questions_.run("", &ReadingWork::restoring, done, title, idsOf(entries));
 }
 
-// What was read while another one was open can be asked for again.
+// Only one is open at a time; a second can be asked for again.
 void AppModel::showRestore(JobResult<RestoreRequest> request) {
     if (!request.value) return fail(request.error);
     if (!state_.restoreRequest) set(&AppState::restoreRequest, std::move(*request.value), Topic::question);

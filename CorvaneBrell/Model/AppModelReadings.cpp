@@ -56,9 +56,8 @@ void AppModel::showLoginItems(LoginItems items, bool isAll) {
     if (isAll) {
         // Read whole, and in sight.
         if (!items.error && state_.screen == Screen::loginItems) {
-            const SeenItems now = SeenItems::in(state_.loginItems, items.tasks != nullptr);
-            if (!options().dryRun) own_.keepSeenItems(now);
-            state_.seenItems.beginWith(now);
+            if (!options().dryRun) own_.keepSeenItems(items.seen);
+            state_.seenItems.beginWith(items.seen);
         }
         isOther |= put(&AppState::taskList, items.tasks          ? TaskList::read
                                             : items.mayReadTasks ? TaskList::offered

@@ -34,7 +34,7 @@ enum class LeadsTo { whatItRestored, theOriginals };
 std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name,
                                       LeadsTo leadsTo = LeadsTo::whatItRestored);
 
-// What it restored without changing it anew.
+// The changes that it restored and did not make anew.
 std::vector<JournalEntry> undoneBy(const ChangeOutcome& outcome);
 
 std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries);

@@ -32,7 +32,7 @@ std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog);
 // The same for one that others changed since: "Now 50. Brell wrote Large; before that it was 41."
 std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
                        const std::vector<StoredValue>& now);
-// What an undo would do now, of keys that read so: "Now 50, back to 41".
+// The effect of an undo now that the keys read so: "Now 50, back to 41".
 std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog);
 
 // Says so when the change was made on another version of macOS than the running one.
@@ -48,7 +48,7 @@ struct DriftedEntry {
     // wrote true; original false", or the one of an agent: "com.acme.agent: now override enabled, loaded;
     // Brell left override disabled, not loaded; original override absent, loaded".
     std::vector<std::string> lines;
-    std::string words = {};  // what restoring would do now; of an agent nothing
+    std::string words = {};  // the effect of restoring it now; of an agent nothing
     bool operator==(const DriftedEntry&) const = default;
 };
 

@@ -1,4 +1,4 @@
-// What the Mac says of a job beside what is in its file.
+// Facts about a job that its file does not tell.
 #pragma once
 
 #include <cstdint>

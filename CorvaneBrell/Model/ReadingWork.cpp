@@ -136,6 +136,7 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
     showSoFar();
     if (tasks.isRead) items.tasks = taskList(std::nullopt);
     merge();
+    items.seen = SeenItems::in(items.rows, items.tasks != nullptr);
     return items;
 }
 

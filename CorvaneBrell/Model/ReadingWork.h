@@ -33,6 +33,7 @@ struct LoginItems {
     std::map<std::string, std::string>
         refusals;                           // why the user's own can't be switched, by their records' ids
     std::map<std::string, JobFacts> facts;  // likewise, of all that there is something to tell of
+    SeenItems seen;                         // by whoever sees the rows
     std::shared_ptr<const BTMDump> tasks;   // macOS's list of background items that the rows came from
     bool mayReadTasks = false;              // the user is an administrator
     std::optional<std::string> error;       // why launchd could not be asked for the user's own

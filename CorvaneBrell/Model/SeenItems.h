@@ -1,4 +1,4 @@
-// Which login items the user has seen, so that what came since can be told.
+// The login items that the user has seen, so that those that came since can be told.
 #pragma once
 
 #include <optional>
@@ -20,7 +20,7 @@ struct SeenItems {
     bool isNew(const LoginItemRow& row) const;
     // A list that was never seen before: new is what comes after now.
     void beginWith(const SeenItems& now);
-    // What is seen by whoever sees this whole list, which may be without macOS's own.
+    // The names in this whole list, which may be without macOS's own.
     static SeenItems in(const std::vector<LoginItemRow>& rows, bool withTasks);
     bool operator==(const SeenItems&) const = default;
 };

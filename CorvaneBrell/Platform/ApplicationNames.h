@@ -1,4 +1,4 @@
-// What the applications on this Mac are called.
+// The names of the applications on this Mac.
 #pragma once
 
 #include <optional>

@@ -8,8 +8,13 @@ namespace brell {
 
 namespace {
 
+// One setting that others changed, and nothing else.
+bool isAlone(const RestoreRequest& request) {
+    return request.changes.isAboutOne() && request.steps.empty();
+}
+
 QString titleOf(const RestoreRequest& request) {
-    return qt(request.changes.isAboutOne() ? request.changes.title() : request.title);
+    return qt(isAlone(request) ? request.changes.title() : request.title);
 }
 
 QString explanationOf(const RestoreRequest& request) {
@@ -18,7 +23,7 @@ QString explanationOf(const RestoreRequest& request) {
         return QObject::tr(
             "This undoes the last change of this session. These are the keys it changes and the "
             "commands it runs.");
-    if (changes.isAboutOne()) return qt(changes.explanation());
+    if (isAlone(request)) return qt(changes.explanation());
     const std::size_t all = changes.others.size() + changes.entries.size();
     if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
     return QObject::tr("This undoes %1 changes, the latest first, and puts back what was there before.")
@@ -38,7 +43,7 @@ QWidget* stepRow(const RestoreStep& step) {
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
     : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore) {
-    if (!request.changes.isAboutOne() && !request.changes.entries.empty()) {
+    if (!isAlone(request) && !request.changes.entries.empty()) {
         content()->addWidget(sectionHeading(qt(request.changes.title())));
         content()->addWidget(new Paragraph(qt(request.changes.explanation()), Paragraph::Look::secondary));
     }

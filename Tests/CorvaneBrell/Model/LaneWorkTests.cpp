@@ -1,6 +1,7 @@
 // What the lanes do, over the sample Mac, without a model and without a main loop.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <sstream>
 
@@ -231,6 +232,11 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     EXPECT_EQ(readings.loginItems(show, {false, items.tasks}).rows, items.rows) << "as it was read before";
     EXPECT_EQ(soFar[2].rows.size(), items.rows.size()) << "in the meantime, too";
     EXPECT_EQ(readings.loginItems({}, {}).rows, soFar[1].rows);
+
+    const fs::path theirs = sample.launchAgents() / "untitled.plist";
+    if (::geteuid() == 0 && ::chown(theirs.c_str(), 12345, 12345) == 0) {
+        EXPECT_EQ(readings.loginItems({}, {}).facts.at(theirs).otherOwner, 12345u);
+    }
 }
 
 // Any installer may leave a job file.

@@ -48,6 +48,11 @@ TEST(ValueWordsTest, ValuesAreSaidAsPeopleSayThemWithoutTheirKeys) {
     EXPECT_EQ(intervalWords(86400), "once a day");
     EXPECT_EQ(intervalWords(5400), "every 90 minutes");
     EXPECT_EQ(intervalWords(61), "every 61 seconds");
+    LoginItemRow item{};
+    item.isCrashLooping = true;
+    EXPECT_EQ(conditionWords(item, {"/opt/gone", {}, 0}),
+              (std::vector<std::string>{"keeps crashing and restarting", "its program is missing: /opt/gone",
+                                        "its file belongs to the system's administrator, root"}));
     EXPECT_EQ(noteWords(*catalog.tweak("finder.show_hidden")), "Medium risk · Relaunches Finder");
     EXPECT_EQ(noteWords(*catalog.tweak("anim.no_window_animation")), "Experimental");
     EXPECT_EQ(noteWords(*catalog.tweak("shot.jpg")), "");

@@ -1,4 +1,4 @@
-// What assistive technology and the keyboard meet on every page.
+// Every page as assistive technology and the keyboard meet it.
 
 #include <gtest/gtest.h>
 

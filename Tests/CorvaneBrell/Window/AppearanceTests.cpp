@@ -1,4 +1,4 @@
-// What can be seen of it: colours, sharpness, and that no text is cut.
+// The looks of every page: colours, sharpness, and that no text is cut.
 
 #include <gtest/gtest.h>
 

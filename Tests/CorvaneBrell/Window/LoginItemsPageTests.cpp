@@ -151,6 +151,7 @@ TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) 
     const std::filesystem::path file = sample.launchAgents() / "com.acme.dispatch.plist";
     setContents(file, "<plist><dict><key>Label</key><string>com.acme.dispatch</string></dict></plist>");
     openWindow();
+    settled()->deferRecovery();
     go(Screen::loginItems);
     auto* toggle = page().findChild<TickBox*>();
     EXPECT_EQ(toggle->title(), "New 1");

@@ -1,4 +1,4 @@
-// What comes from outside is shown as it is, and what is looked at leaves no trace elsewhere.
+// Text from outside is shown as it is, and looking at it leaves no trace elsewhere.
 
 #include <gtest/gtest.h>
 

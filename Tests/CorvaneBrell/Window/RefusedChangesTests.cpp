@@ -1,4 +1,4 @@
-// What cannot be changed says so and why, and nothing is claimed that is not known.
+// A setting that cannot be changed says so and why, and nothing is claimed that is not known.
 
 #include <gtest/gtest.h>
 
