@@ -196,6 +196,7 @@ TEST_F(AppModelTest, LoginItemsThatCameSinceTheLastVisitAreNew) {
     };
     settled(*model)->loadLoginItems();
     EXPECT_EQ(model->ownPreferences().seenItems(), SeenItems()) << "another page is shown";
+    EXPECT_EQ(news(), Texts()) << "nobody can say what";
     visit();
     EXPECT_EQ(news(), Texts()) << "the first visit";
     install("com.acme.early");
@@ -207,6 +208,7 @@ TEST_F(AppModelTest, LoginItemsThatCameSinceTheLastVisitAreNew) {
         visit();
         EXPECT_EQ(news(), Texts{"com.acme.late"}) << "which no dry run takes for seen";
     }
+    EXPECT_EQ(out.str().find("seenLoginItems"), std::string::npos) << "nor tells all of them";
 
     // A list that could not be read whole is not the one that was seen.
     const fs::path launchd = SimulatedLaunchd::stateFile(sample.systemRoot());
