@@ -1,8 +1,22 @@
 #include "CorvaneBrell/DryRunStore.h"
 
+#include <set>
+
 #include "CorvaneBrell/Console.h"
 
 namespace brell {
+
+std::vector<std::string> DryRunStore::keys(const std::string& domain) {
+    const std::vector<std::string> base = base_.keys(domain);
+    std::set<std::string> keys(base.begin(), base.end());
+    const std::lock_guard lock(mutex_);
+    for (const auto& [key, stored] : overlay_) {
+        if (key.domain != domain) continue;
+        keys.erase(key.name);
+        if (!stored.isAbsent()) keys.insert(key.name);
+    }
+    return {keys.begin(), keys.end()};
+}
 
 StoredValue DryRunStore::exactValue(const PrefKey& key) {
     if (auto stored = remembered(key)) return *stored;

@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 #include <ostream>
+#include <vector>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
 
@@ -17,6 +18,7 @@ public:
     DryRunStore(PreferenceStore& base, std::ostream& out) : base_(base), out_(out) {}
 
     const DomainSet& allowedDomains() const override { return base_.allowedDomains(); }
+    std::vector<std::string> keys(const std::string& domain) override;
     StoredValue exactValue(const PrefKey& key) override;
     StoredValue effectiveValue(const PrefKey& key) override;
     bool hasByHostValue(const PrefKey& key) override { return base_.hasByHostValue(key); }

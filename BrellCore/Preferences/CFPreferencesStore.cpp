@@ -63,6 +63,12 @@ std::unique_ptr<PreferenceReader> CFPreferencesStore::reader() {
     return std::make_unique<OneLook>(*this);
 }
 
+std::vector<std::string> CFPreferencesStore::keys(const std::string& domain) {
+    const DefaultsApplication application = applicationOf(domain);
+    (void)calls_->synchronize(application, HostScope::any);
+    return calls_->copyKeys(application);
+}
+
 StoredValue CFPreferencesStore::exactValue(const PrefKey& key) {
     return exactValue(key, nullptr);
 }

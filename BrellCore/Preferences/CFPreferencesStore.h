@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Preferences/UserDefaultsCalls.h"
@@ -20,6 +21,7 @@ public:
     CFPreferencesStore(DomainSet allowedDomains, bool forcedCheck, std::shared_ptr<UserDefaultsCalls> calls);
 
     const DomainSet& allowedDomains() const override { return allowedDomains_; }
+    std::vector<std::string> keys(const std::string& domain) override;
     StoredValue exactValue(const PrefKey& key) override;
     StoredValue effectiveValue(const PrefKey& key) override;
     bool hasByHostValue(const PrefKey& key) override;

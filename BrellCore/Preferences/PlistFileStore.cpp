@@ -76,6 +76,14 @@ PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains, Fol
     if (folder == Folder::atOnce || fs::exists(directory_)) fs::create_directories(directory_);
 }
 
+std::vector<std::string> PlistFileStore::keys(const std::string& domain) {
+    checkAllowed(domain);
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : valuesLocked(domain)) keys.push_back(key);
+    return keys;
+}
+
 StoredValue PlistFileStore::exactValue(const PrefKey& key) {
     checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);

@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/FileContents.h"
@@ -31,6 +32,7 @@ public:
     static std::filesystem::path fileOf(const std::filesystem::path& directory, const std::string& domain);
 
     const DomainSet& allowedDomains() const override { return allowedDomains_; }
+    std::vector<std::string> keys(const std::string& domain) override;
     StoredValue exactValue(const PrefKey& key) override;
     StoredValue effectiveValue(const PrefKey& key) override;  // falls back to the registered system defaults
     bool hasByHostValue(const PrefKey& key) override;

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Preferences/PrefValue.h"
@@ -33,6 +34,8 @@ public:
 class PreferenceStore : public PreferenceReader {
 public:
     virtual const DomainSet& allowedDomains() const = 0;
+    // The keys that are stored where exactValue reads, also those with a value of an unsupported type.
+    virtual std::vector<std::string> keys(const std::string& domain) = 0;
 
     virtual void write(const PrefValue& value, const PrefKey& key) = 0;
     virtual void remove(const PrefKey& key) = 0;  // a key that is not stored is no error

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "BrellCore/Support/PropertyList.h"
 
@@ -34,6 +35,8 @@ class UserDefaultsCalls {
 public:
     virtual ~UserDefaultsCalls();
 
+    // The keys that are stored for exactly this application and any machine.
+    virtual std::vector<std::string> copyKeys(const DefaultsApplication& application) = 0;
     // The value stored for exactly this application and these machines; nothing when nothing is. Readings may
     // be as old as the last synchronize.
     virtual std::optional<DefaultsObject> copyValue(const std::string& key,

@@ -107,6 +107,18 @@ std::optional<DefaultsObject> copied(const Owned<CFPropertyListRef>& object) {
 
 class CoreFoundationCalls final : public UserDefaultsCalls {
 public:
+    std::vector<std::string> copyKeys(const DefaultsApplication& application) override {
+        const Owned<CFArrayRef> keys(CFPreferencesCopyKeyList(
+            identifier(application).get(), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+        if (!keys) return {};
+        const DefaultsObject list = received(keys.get());  // texts are a property list, too
+        const auto* value = std::get_if<PlistValue>(&list);
+        const auto names = value ? PrefValue::fromPropertyList(*value) : std::nullopt;
+        const auto* texts = names ? names->as<PrefValue::StringArray>() : nullptr;
+        if (!texts) throw StoreError(StoreIo{"macOS gave keys of preferences that are no texts."});
+        return *texts;
+    }
+
     std::optional<DefaultsObject> copyValue(const std::string& key, const DefaultsApplication& application,
                                             HostScope hosts) override {
         return copied(Owned<CFPropertyListRef>(CFPreferencesCopyValue(

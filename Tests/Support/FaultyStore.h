@@ -37,6 +37,7 @@ public:
     }
 
     const DomainSet& allowedDomains() const override { return base_.allowedDomains(); }
+    std::vector<std::string> keys(const std::string& domain) override { return base_.keys(domain); }
     StoredValue exactValue(const PrefKey& key) override;
     StoredValue effectiveValue(const PrefKey& key) override;
     bool hasByHostValue(const PrefKey& key) override;

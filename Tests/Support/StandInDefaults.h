@@ -22,6 +22,13 @@ class StandInDefaults final : public UserDefaultsCalls {
 public:
     using Values = std::map<std::pair<std::string, std::string>, DefaultsObject>;  // by application and key
 
+    std::vector<std::string> copyKeys(const DefaultsApplication& application) override {
+        std::vector<std::string> keys;
+        for (const auto& [place, object] : seen)
+            if (place.first == nameOf(application)) keys.push_back(place.second);
+        return keys;
+    }
+
     std::optional<DefaultsObject> copyValue(const std::string& key, const DefaultsApplication& application,
                                             HostScope hosts) override {
         return found(hosts == HostScope::any ? seen : seenHere, key, application);

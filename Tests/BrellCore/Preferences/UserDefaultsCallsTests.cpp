@@ -162,6 +162,16 @@ Boolean CFPreferencesAppValueIsForced(CFStringRef key, CFStringRef application) 
     return preferences.count({textOf(application), "forced", textOf(key)}) > 0;
 }
 
+CFArrayRef CFPreferencesCopyKeyList(CFStringRef application, CFStringRef user, CFStringRef host) {
+    EXPECT_EQ(user, kCFPreferencesCurrentUser);
+    PlistArray keys;
+    for (const auto& [place, object] : preferences)
+        if (std::get<0>(place) == textOf(application) && std::get<1>(place) == textOf(host))
+            keys.push_back({std::get<2>(place)});
+    if (keys.empty()) return nullptr;
+    return created<CFArrayRef>(takesPropertyLists ? writeBinaryPropertyList({keys}) : std::string());
+}
+
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef application,
                            CFStringRef user, CFStringRef host) {
     EXPECT_EQ(user, kCFPreferencesCurrentUser);
@@ -228,6 +238,10 @@ TEST_F(UserDefaultsCallsTest, EveryCallAsksAboutItsOwnApplicationAndMachines) {
     store({"com.apple.dock", "seen", "k"}, one);
     store({"com.apple.dock", "forced", "k"}, one);
 
+    store({"com.apple.dock", "any host", "\u00E9"}, one);
+    EXPECT_EQ(calls->copyKeys(every), std::vector<std::string>{"k"});
+    EXPECT_EQ(calls->copyKeys(dock), std::vector<std::string>{"\u00E9"});
+    EXPECT_EQ(calls->copyKeys({"com.apple.finder"}), std::vector<std::string>());
     EXPECT_EQ(exact("k", every), found);
     EXPECT_EQ(exact("here", dock), std::nullopt);
     EXPECT_EQ(calls->copyValue("here", dock, HostScope::current), found);
@@ -279,6 +293,10 @@ TEST_F(UserDefaultsCallsTest, NothingIsLeftBehindWhenACallIsRefused) {
     EXPECT_TRUE(refused([&] { calls->setValue("k", {noText}, dock); }));
     takesPropertyLists = false;
     EXPECT_TRUE(refused([&] { calls->setValue("k", {true}, dock); }));
+    store({"com.apple.dock", "any host", "k"}, "");
+    EXPECT_TRUE(refused([&] { calls->copyKeys(dock); }));
+    CFRelease(preferences.begin()->second);
+    preferences.clear();
     EXPECT_EQ(ownedObjects(), 0u);
     EXPECT_TRUE(preferences.empty());
 }

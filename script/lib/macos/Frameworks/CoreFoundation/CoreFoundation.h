@@ -23,6 +23,7 @@ typedef const void* CFTypeRef;
 typedef CFTypeRef CFPropertyListRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
+typedef const struct __CFArray* CFArrayRef;
 typedef const struct __CFData* CFDataRef;
 typedef struct __CFError* CFErrorRef;
 
@@ -69,6 +70,7 @@ extern const CFStringRef kCFPreferencesCurrentUser;
 CFPropertyListRef _Nullable CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
 CFPropertyListRef _Nullable CFPreferencesCopyValue(CFStringRef key, CFStringRef application, CFStringRef user,
                                                    CFStringRef host);
+CFArrayRef _Nullable CFPreferencesCopyKeyList(CFStringRef application, CFStringRef user, CFStringRef host);
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef _Nullable value, CFStringRef application,
                            CFStringRef user, CFStringRef host);
 Boolean CFPreferencesAppValueIsForced(CFStringRef key, CFStringRef application);
