@@ -9,8 +9,9 @@ namespace brell::trust {
 namespace {
 
 Goal reached(const fs::path& world) {
-    Goal goal{conditionOf(world), {}};
-    const auto journal = Journal::open(Journal::defaultDirectory(SampleMac(world).home()));
+    const fs::path directory = Journal::defaultDirectory(SampleMac(world).home());
+    Goal goal{conditionOf(world), {}, fs::exists(trashFor(directory) / Journal::fileName)};
+    const auto journal = Journal::open(directory);
     for (const JournalEntry& entry : journal->active()) goal.activeTweaks.insert(entry.tweakID);
     return goal;
 }
@@ -119,6 +120,7 @@ Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Atte
     const Goal now = reached(stage.world());
     append(faults, differences(goal.condition, now.condition, {}));
     if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");
+    if (now.hasLeft != goal.hasLeft) faults.push_back("the journal is not where it was to be");
     // A script that can't be written at all says so, and is written with the next change.
     append(faults, made.succeeded() && untold && troubleLasted ? judgeProgram(stage, {}) : judge(stage, {}));
     return faults;

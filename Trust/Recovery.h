@@ -15,6 +15,7 @@ namespace brell::trust {
 struct Goal {
     Condition condition;
     std::set<std::string> activeTweaks;
+    bool hasLeft = false;  // the journal is where leaving moves it
     bool operator==(const Goal&) const = default;
 };
 Goal goalOf(const Stage& stage, const Scene& scene);

@@ -1,6 +1,11 @@
 #include "Trust/Scenes.h"
 
+#include <cerrno>
+#include <cstdio>
+
+#include "BrellCore/Journal/JournalLeaving.h"
 #include "BrellCore/Journal/JournalRebuild.h"
+#include "BrellCore/Support/Failure.h"
 
 namespace brell::trust {
 
@@ -50,6 +55,22 @@ Sentences restoreAll(Rig& rig) {
 
 Sentences rebuild(Rig& rig) {
     return rebuildFromHistory(rig.journalDirectory);
+}
+
+void moveToTrash(const std::filesystem::path& folder) {
+    if (std::rename(folder.c_str(), trashFor(folder).c_str()) != 0)
+        throw std::runtime_error(systemMessage(errno));
+}
+
+// What could not be restored keeps the journal in its place.
+Sentences leave(Rig& rig) {
+    Sentences sentences = restoreAll(rig);
+    try {
+        leaveJournal(rig.journal, moveToTrash);
+    } catch (const JournalError& error) {
+        sentences.push_back(error.what());
+    }
+    return sentences;
 }
 
 void cutInHalf(const std::filesystem::path& journal) {
@@ -122,8 +143,14 @@ const std::vector<Scene>& scenes() {
          recover},
         {"rebuild a journal that was cut", some, rebuild, cutInHalf},
         {"rebuild a journal in whose place a folder stands", some, rebuild, replaceByAFolder},
+        {"leave", some, leave},
+        {"leave with an agent off", turningOff(plain), leave},
     };
     return all;
+}
+
+std::filesystem::path trashFor(const std::filesystem::path& journalDirectory) {
+    return journalDirectory.parent_path() / "Trash";
 }
 
 void damageJournal(const Scene& scene, const Rig& rig) {

@@ -24,6 +24,9 @@ void damageJournal(const Scene& scene, const Rig& rig);
 // Gives the sentences in which it says what it could not do; raises JournalError.
 std::vector<std::string> rebuildFromHistory(const std::filesystem::path& journalDirectory);
 
+// Where leaving moves the journal's folder. In one folder with it: a renaming is done or not, wherever to.
+std::filesystem::path trashFor(const std::filesystem::path& journalDirectory);
+
 const std::vector<Scene>& scenes();
 
 }  // namespace brell::trust

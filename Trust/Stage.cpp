@@ -56,6 +56,11 @@ fs::path Stage::journalDirectory() const {
     return Journal::defaultDirectory(SampleMac(world()).home());
 }
 
+bool Stage::hasLeft() const {
+    return fs::exists(trashFor(journalDirectory()) / Journal::fileName) &&
+           !fs::exists(journalDirectory() / Journal::fileName);
+}
+
 bool Stage::isDamagedNow() const {
     return setting_.damaged && journalDamage(journalDirectory());
 }

@@ -41,6 +41,11 @@ public:
     bool isDamagedNow() const;
 
     std::filesystem::path journalDirectory() const;
+    // Where its files lie now: leaving moved them.
+    bool hasLeft() const;
+    std::filesystem::path journalNow() const {
+        return hasLeft() ? trashFor(journalDirectory()) : journalDirectory();
+    }
 
 private:
     const std::filesystem::path folder_;

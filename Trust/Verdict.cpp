@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 
 #include "BrellCore/Journal/RestoreScript.h"
 #include "Tests/Support/Shell.h"
@@ -69,6 +70,12 @@ Faults checkEntries(const Stage& stage, const Claim& claim, const std::vector<Jo
                          [&](const JournalEntry& entry) { return entry.id == known.id; }))
             faults.push_back("the entry of " + known.tweakID + " is lost");
     return faults;
+}
+
+// Never is the folder gone and a change active.
+Faults checkLeft(const Stage& stage, const std::vector<JournalEntry>& entries) {
+    const bool isActive = std::any_of(entries.begin(), entries.end(), std::mem_fn(&JournalEntry::isActive));
+    return stage.hasLeft() && isActive ? Faults{"an active change went with the journal"} : Faults();
 }
 
 // What a user does first where the journal can't be read. The damaged one is there for good.
@@ -142,8 +149,9 @@ std::set<std::string> namesOf(const JournalEntry& entry) {
 Faults judgeProgram(const Stage& stage, const Claim& claim) try {
     Faults faults = rebuildIfDamaged(stage);
     Rig rig(stage.world());
-    const std::vector<JournalEntry> entries = rig.journal.all();
+    const std::vector<JournalEntry> entries = Journal::open(stage.journalNow())->all();
     append(faults, checkEntries(stage, claim, entries));
+    append(faults, checkLeft(stage, entries));
     append(faults, recoverAndRestore(rig));
     append(faults, notBack(claim, entries, stage.setting().original, conditionOf(stage.world())));
     return faults;
@@ -155,7 +163,7 @@ Faults judgeScript(const Stage& stage, const Claim& claim) try {
     letJobsEnd(stage.world());
     const fs::path directory = stage.journalDirectory();
     const std::vector<JournalEntry> entries =
-        stage.isDamagedNow() ? stage.setting().entries : Journal::open(directory)->all();
+        stage.isDamagedNow() ? stage.setting().entries : Journal::open(stage.journalNow())->all();
     const fs::path script = directory / RestoreScript::fileName;
     Faults faults;
     if (fs::exists(script)) {

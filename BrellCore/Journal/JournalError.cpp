@@ -11,6 +11,8 @@ std::string describeAlone(const JournalFailure& failure) {
             return "The change journal could not be read: " + failure.text + ".";
         case JournalFailure::Kind::cannotRebuild:
             return "The change journal could not be rebuilt: " + failure.text + ".";
+        case JournalFailure::Kind::cannotLeave:
+            return "The change journal could not be removed: " + failure.text + ".";
     }
     return {};
 }
@@ -19,7 +21,8 @@ std::string describe(const JournalFailure& failure) {
     switch (failure.kind) {
         case JournalFailure::Kind::cannotWrite:
         case JournalFailure::Kind::isBusy: return describeAlone(failure) + " Nothing was changed.";
-        case JournalFailure::Kind::cannotRebuild: return describeAlone(failure) + " Nothing was lost.";
+        case JournalFailure::Kind::cannotRebuild:
+        case JournalFailure::Kind::cannotLeave: return describeAlone(failure) + " Nothing was lost.";
         case JournalFailure::Kind::cannotRead: break;
     }
     return describeAlone(failure);

@@ -1,4 +1,4 @@
-// Why the journal could not be read, saved or rebuilt.
+// Why the journal could not be read, saved, rebuilt or taken away.
 #pragma once
 
 #include <string>
@@ -13,6 +13,7 @@ struct JournalFailure {
         cannotRead,
         isBusy,  // others held its lock all the time
         cannotRebuild,
+        cannotLeave,  // its folder is in its place
     };
     Kind kind;
     std::string text;  // what happened, without a final stop

@@ -30,6 +30,9 @@ std::vector<std::filesystem::path> sourcesOf(const std::filesystem::path& journa
 // be told.
 std::optional<std::string> whyNotTrusted(const std::vector<std::filesystem::path>& sources);
 
+// In the folder of the journal, but another lock: of what waits for a relaunch.
+inline constexpr const char* relaunchLockName = ".relaunches.lock";
+
 // Stands beside the file from before a damaged one leaves its place until the new one has taken it.
 std::filesystem::path rebuildMark(const std::filesystem::path& journal);
 // The word that a rebuilding adds, before the moment, to the names of the damaged journal and of the script

@@ -4,6 +4,7 @@
 
 #include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/Leftovers.h"
 #include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
@@ -21,11 +22,16 @@ bool isSamePlace(const fs::path& one, const fs::path& other) {
 bool isOwnName(const fs::path& file) {
     const std::string journal = Journal::fileName, script(RestoreScript::fileName);
     const std::string name = lowerCaseAscii(file.filename().string());
-    for (const fs::path& own : {fs::path(journal), fs::path(script), rebuildMark(journal), lockIn({}),
-                                historyFolder({}), fs::path(Journal::dryRunMarkerName)})
+    for (const fs::path& own :
+         {fs::path(journal), fs::path(script), rebuildMark(journal), lockIn({}), historyFolder({}),
+          fs::path(Journal::dryRunMarkerName), fs::path(relaunchLockName)})
         if (name == own.string()) return true;
     return name.starts_with(journal + std::string(damagedEnding)) ||
            name.starts_with(script + std::string(scriptBeforeEnding));
+}
+
+bool isUsualIn(const fs::path& file) {
+    return isOwnName(file) || isOwnName(targetOf(file)) || file.filename() == ".DS_Store";
 }
 
 }  // namespace
@@ -37,6 +43,12 @@ bool isOfTheJournal(const fs::path& file, const Journal& journal) {
     return std::any_of(sources.begin(), sources.end(), [&](const fs::path& source) {
         return isSamePlace(file, source) || (isSamePlace(folder, source) && isOwnName(file));
     });
+}
+
+std::optional<fs::path> notOfTheJournal(const fs::path& folder) {
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (!isUsualIn(entry.path())) return entry.path();
+    return std::nullopt;
 }
 
 }  // namespace brell

@@ -9,4 +9,8 @@ namespace brell {
 // history, its script, its lock, its marks, and what a rebuilding leaves.
 bool isOfTheJournal(const std::filesystem::path& file, const Journal& journal);
 
+// Something in the journal's folder that is neither Brell's nor what Finder leaves in each; nothing when
+// there is no such thing. Raises std::filesystem::filesystem_error.
+std::optional<std::filesystem::path> notOfTheJournal(const std::filesystem::path& folder);
+
 }  // namespace brell

@@ -19,13 +19,9 @@ constexpr std::string_view ending = ".tmp";
 constexpr std::size_t lengthOfUuid = 36;
 constexpr std::time_t aDay = 24 * 60 * 60;
 
-bool isTemporaryFor(std::string_view name, std::string_view target) {
-    if (!name.starts_with('.') || !name.ends_with(ending)) return false;
-    name.remove_prefix(1);
-    name.remove_suffix(ending.size());
-    if (name.size() <= lengthOfUuid || !Uuid::parse(name.substr(name.size() - lengthOfUuid))) return false;
-    name.remove_suffix(lengthOfUuid);  // a dot is left at its end
-    return name.starts_with(std::string(target) + ".") && name.ends_with('.');
+bool isTemporaryFor(const fs::path& file, const std::string& target) {
+    const std::string name = targetOf(file).filename().string();
+    return name == target || name.starts_with(target + ".");
 }
 
 bool isOld(const fs::path& file) {
@@ -41,13 +37,26 @@ fs::path temporaryFor(const fs::path& target) {
            ("." + target.filename().string() + "." + Uuid::random().text() + std::string(ending));
 }
 
+fs::path targetOf(const fs::path& temporary) {
+    const std::string text = temporary.filename().string();
+    std::string_view name = text;
+    if (!name.starts_with('.') || !name.ends_with(ending)) return {};
+    name.remove_prefix(1);
+    name.remove_suffix(ending.size());
+    if (name.size() <= lengthOfUuid || !Uuid::parse(name.substr(name.size() - lengthOfUuid))) return {};
+    name.remove_suffix(lengthOfUuid);
+    if (!name.ends_with('.')) return {};
+    name.remove_suffix(1);
+    return temporary.parent_path() / name;
+}
+
 void removeLeftovers(const fs::path& target) noexcept try {
     const std::string name = target.filename().string();
     std::error_code failed;
     for (fs::directory_iterator entry(target.parent_path(), failed), end; !failed && entry != end;
          entry.increment(failed)) {
         const fs::path& file = entry->path();
-        if (isTemporaryFor(file.filename().native(), name) && isOld(file)) ::unlink(file.c_str());
+        if (isTemporaryFor(file, name) && isOld(file)) ::unlink(file.c_str());
     }
 } catch (const std::exception&) {
     // The next time, then.

@@ -1,6 +1,7 @@
 // Relaunching Finder and the Dock, one after the other, without ever forcing a quit; and which tweaks wait
 // for it.
 
+#include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/AppModel.h"
 

@@ -54,9 +54,6 @@ void dropShown(PendingRelaunches& pending, const TweakCatalog& catalog, const Pr
 void dropBack(PendingRelaunches& pending, const TweakStatuses& statuses, const TweakStatusErrors& errors);
 void dropEffect(PendingRelaunches& pending, const TweakCatalog& catalog, EffectClass effect);
 
-// In the journal's folder.
-inline constexpr const char* relaunchLockName = ".relaunches.lock";
-
 // Gives what change makes of what was kept, and keeps it. lock names the file for which other runs of the
 // program wait that do the same; it is made only where something is written, and missing in a dry run, which
 // writes nothing. Raises nothing: what can't be kept comes with a sentence that says why.

@@ -48,7 +48,7 @@ bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences)
 }
 
 fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
-    if (isOfTheJournal(file, journal) || lowerCaseAscii(file.filename().string()) == relaunchLockName)
+    if (isOfTheJournal(file, journal))
         throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
     const fs::file_status found = fs::symlink_status(file);
     if (fs::exists(found) && !fs::is_regular_file(found))
