@@ -7,6 +7,8 @@
 #include <map>
 
 #include "BrellCore/Background/AgentSteps.h"
+#include "BrellCore/Background/JobPath.h"
+#include "BrellCore/Journal/JournalOrigin.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/ValueWords.h"
 
@@ -201,7 +203,25 @@ std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, con
                        original);
 }
 
-std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion) {
+std::optional<std::string> cameFromElsewhere(const JournalEntry& entry, const std::filesystem::path& home,
+                                             std::string_view runningVersion) {
+    // The file of an agent was recorded without links.
+    const auto foreign = foreignEntries({entry}, entry.agent ? resolvedPath(home) : home, runningVersion);
+    if (foreign.empty()) return std::nullopt;
+    std::vector<std::string> signs;
+    if (foreign.front().agentLiesElsewhere)
+        signs.push_back(
+            fmt::format("Its file {} lies outside your home folder.", excerpt(entry.agent->plistPath)));
+    if (foreign.front().macOSIsNewer)
+        signs.push_back(fmt::format("It was made on macOS {}, which is newer than this Mac's {}.",
+                                    excerpt(entry.macOSVersion), runningVersion));
+    signs.push_back("It may have come from another Mac or account.");
+    return join(signs, " ");
+}
+
+std::optional<std::string> originWords(const JournalEntry& entry, const std::filesystem::path& home,
+                                       std::string_view runningVersion) {
+    if (auto words = cameFromElsewhere(entry, home, runningVersion)) return words;
     if (entry.macOSVersion == runningVersion) return std::nullopt;
     return fmt::format("Made on macOS {}; this Mac now runs {}.", excerpt(entry.macOSVersion),
                        runningVersion);
@@ -227,6 +247,11 @@ std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentS
     return DriftedEntry{entry,
                         {fmt::format("{}: now {}; Brell left {}; original {}", excerpt(entry.agent->label),
                                      found.rendered(), left.rendered(), before.rendered())}};
+}
+
+std::string proofLine(const KeyReading& key) {
+    return key.isAsBefore() ? fmt::format("{}: {}, as before", words(key.write.key), words(*key.now))
+                            : difference(key);
 }
 
 std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,

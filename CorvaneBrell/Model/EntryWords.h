@@ -2,6 +2,7 @@
 // since, what became of it. The journal is a file like any other: what it says is shown in one line and cut.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,8 +36,13 @@ std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
 // The effect of an undo now that the keys read so: "Now 50, back to 41".
 std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog);
 
-// Says so when the change was made on another version of macOS than the running one.
-std::optional<std::string> madeOnAnotherMacOS(const JournalEntry& entry, std::string_view runningVersion);
+// Says so when it was not made here: its login item's file lies outside this home, or its macOS is newer than
+// the running one.
+std::optional<std::string> cameFromElsewhere(const JournalEntry& entry, const std::filesystem::path& home,
+                                             std::string_view runningVersion);
+// That, or that it was made on another version of macOS than the running one.
+std::optional<std::string> originWords(const JournalEntry& entry, const std::filesystem::path& home,
+                                       std::string_view runningVersion);
 
 // Why it did not go well, or what its undo left.
 std::optional<std::string> failureWords(const JournalEntry& entry);
@@ -58,6 +64,9 @@ DriftedEntry driftedEntry(const JournalEntry& entry, const KeyReadings& keys, co
 // now is what launchd says about the entry's label. Nothing when the agent is as the change left it, for an
 // entry that is not applied or not an agent's, and where launchd could not say.
 std::optional<DriftedEntry> driftedAgent(const JournalEntry& entry, const AgentState& now);
+
+// "com.apple.dock autohide: false, as before"
+std::string proofLine(const KeyReading& key);
 
 // The result of an undo.
 struct UndoProof {

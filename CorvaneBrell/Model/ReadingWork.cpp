@@ -253,6 +253,9 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
     for (const JournalEntry& entry : deps_.journal->entries(changes)) {
         if (!entry.isActive() || progress_.isEnding()) continue;
         DriftedEntry now = driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog);
+        if (const auto elsewhere =
+                cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
+            now.words += "\n" + *elsewhere;
         const bool isApplied = entry.status == EntryStatus::applied && !entry.agent;
         if (isApplied && hasDrifted(entry, *preferences)) {
             request.changes.entries.push_back(std::move(now));

@@ -15,7 +15,6 @@
 
 namespace brell {
 
-class AgentToggle;
 struct Dependencies;
 
 // One look at everything.

@@ -118,7 +118,7 @@ RowUndo undoOf(const JournalEntry& active, const Tweak& tweak, const std::vector
     return {
         active.id, valueWords(tweak, before, model.catalog().home()),
         std::any_of(before.begin(), before.end(), [](const StoredValue& value) { return !value.isAbsent(); }),
-        madeOnAnotherMacOS(active, model.macOSVersion())};
+        originWords(active, model.catalog().home(), model.macOSVersion())};
 }
 
 // Nothing where the keys were not read: what decides is not what the switch would write.

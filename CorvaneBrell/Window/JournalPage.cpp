@@ -116,6 +116,8 @@ void JournalPage::showSummary(std::size_t drifted) {
     const std::size_t active = model_.changedCount(Screen::journal);
     QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
     if (drifted > 0) parts << tr("%1 of them no longer in force").arg(drifted);
+    if (const std::size_t foreign = foreignCount())
+        parts << tr("%1 of them perhaps from another Mac or account").arg(foreign);
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
     summary_->setText(active > 0 ? parts.join(", ") + "." : tr("No active change."));
     if (active > 0) return setEmptyState({});
@@ -126,6 +128,13 @@ void JournalPage::showSummary(std::size_t drifted) {
             tr("Brell has changed nothing yet. Every change will be listed here, with the way back."));
     else
         setEmptyState(tr("No change is active: every setting Brell changed is back to what it was."));
+}
+
+std::size_t JournalPage::foreignCount() const {
+    const std::vector<JournalEntry>& entries = model_.state().entries;
+    return static_cast<std::size_t>(std::count_if(entries.begin(), entries.end(), [this](const auto& entry) {
+        return entry.isActive() && cameFromElsewhere(entry, model_.catalog().home(), model_.macOSVersion());
+    }));
 }
 
 // What is restored already stays in the list of drifted agents until they are read again.
@@ -156,7 +165,7 @@ ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::string wo
             entryTitle(entry, model_.catalog()),
             std::move(words),
             std::move(lines),
-            madeOnAnotherMacOS(entry, model_.macOSVersion()),
+            originWords(entry, model_.catalog().home(), model_.macOSVersion()),
             isInterrupted,
             isNewest,
             isLocked()};

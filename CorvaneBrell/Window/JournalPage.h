@@ -32,6 +32,7 @@ private:
                               bool isNewest) const;
     std::vector<const DriftedEntry*> driftedAgents() const;
     std::optional<Uuid> newestActive() const;
+    std::size_t foreignCount() const;
     bool isLocked() const { return brell::isLocked(model_.state()); }
     std::vector<Uuid> ticked() const;
     QString terminalCommands() const;

@@ -37,8 +37,14 @@ TEST(EntryWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
     EXPECT_EQ(wayBack(entry), "autohide absent, tilesize 36");
     entry.writes.pop_back();
     EXPECT_EQ(wayBack(entry), "absent");
-    EXPECT_EQ(madeOnAnotherMacOS(entry, "26.1.0"), std::nullopt);
-    EXPECT_EQ(madeOnAnotherMacOS(entry, "27.0.0"), "Made on macOS 26.1.0; this Mac now runs 27.0.0.");
+    EXPECT_EQ(originWords(entry, "/Users/sam", "26.1.0"), std::nullopt);
+    EXPECT_EQ(originWords(entry, "/Users/sam", "27.0.0"), "Made on macOS 26.1.0; this Mac now runs 27.0.0.");
+    EXPECT_EQ(cameFromElsewhere(entry, "/Users/sam", "27.0.0"), std::nullopt);
+    entry = agentEntry({"a", "/Users/jo/a.plist", true, AgentOverride::absent});
+    EXPECT_EQ(
+        originWords(entry, "/Users/sam", "26.0.1"),
+        "Its file /Users/jo/a.plist lies outside your home folder. It was made on macOS 26.1.0, which is "
+        "newer than this Mac's 26.0.1. It may have come from another Mac or account.");
 
     const auto said = [](AgentOverride before, bool wasLoaded) {
         return changeLines(agentEntry({"a", "/a.plist", wasLoaded, before})).front();
@@ -65,7 +71,7 @@ TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
          {changeLines(entry), putBackLines(entry),
           driftedAgent(off, {AgentOverride::enabled, LoadedState::notLoaded()}).value().lines,
           Texts{wayBack(entry), entryTitle(entry, catalog), entryTitle(off, catalog), *failureWords(off),
-                *madeOnAnotherMacOS(entry, "27.0.0"),
+                *originWords(entry, "/", "27.0.0"), *cameFromElsewhere(off, "/a", "1"), proofLine(key),
                 undoProof({entry}, {key}, {entryTitle(entry, catalog)}, catalog)->words,
                 toldHistory({{{}, EntryStatus::failed, off}}, catalog).front().words}})
         texts.insert(texts.end(), more.begin(), more.end());
