@@ -124,9 +124,9 @@ public:
     void importPreset(const std::filesystem::path& file);
     void confirmPreset();  // applies what is valid, in order, and reports the rest
     void cancelPreset();
+    void askExport();  // of the changes that are active now
+    void cancelExport();
     void exportPreset(const Preset& preset, const std::filesystem::path& file);
-    // The changes that are active now as a preset, and what a preset can't carry of them.
-    ActivePreset activePreset(std::string name) const;
 
     void saveRestoreScript(const std::filesystem::path& file);
     void saveReport(const std::filesystem::path& file);  // of real changes only
@@ -170,7 +170,6 @@ private:
     void dropShownRelaunches();
     void relaunchNext(std::vector<Relauncher::Target> targets, const std::vector<std::string>& lines,
                       bool isComplete);
-    PresetSurroundings presetSurroundings() const;
 
     MainLoop& loop_;
     RunningApplications& applications_;

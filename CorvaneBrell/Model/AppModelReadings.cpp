@@ -12,6 +12,11 @@ namespace {
 const std::string noTaskList =
     "macOS did not give its list of background items. It was refused, or took too long.";
 
+PresetSurroundings surroundings(const Dependencies& dependencies, const AppState& state) {
+    return {dependencies.catalog, dependencies.macOSMajor(), state.statuses, state.statusErrors,
+            state.entries};
+}
+
 }  // namespace
 
 void AppModel::readShown(const TaskSource& tasks) {
@@ -137,24 +142,16 @@ void AppModel::cancelAgents() {
     set(&AppState::agentConfirm, std::nullopt, Topic::question);
 }
 
-PresetSurroundings AppModel::presetSurroundings() const {
-    return {catalog(), deps_->macOSMajor(), state_.statuses, state_.statusErrors, state_.entries};
-}
-
-ActivePreset AppModel::activePreset(std::string name) const {
-    return presetFromActive(state_.entries, catalog(), std::move(name));
-}
-
 void AppModel::askPreset(const Preset& preset) {
-    set(&AppState::presetRequest, PresetRequest{Uuid::random(), planPreset(preset, presetSurroundings())},
-        Topic::question);
+    set(&AppState::presetRequest,
+        PresetRequest{Uuid::random(), planPreset(preset, surroundings(*deps_, state_))}, Topic::question);
 }
 
 void AppModel::importPreset(const fs::path& file) {
     const auto done = [this](const JobResult<DecodedPreset>& decoded) {
         if (!decoded.value) return fail(decoded.error);
         if (state_.presetRequest) return;  // read while another was: the open one is answered first
-        PresetPlan plan = planPreset(decoded.value->preset, presetSurroundings());
+        PresetPlan plan = planPreset(decoded.value->preset, surroundings(*deps_, state_));
         plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(), decoded.value->unknown.end());
         set(&AppState::presetRequest, PresetRequest{Uuid::random(), std::move(plan)}, Topic::question);
     };
@@ -163,6 +160,15 @@ void AppModel::importPreset(const fs::path& file) {
 
 void AppModel::cancelPreset() {
     set(&AppState::presetRequest, std::nullopt, Topic::question);
+}
+
+void AppModel::askExport() {
+    set(&AppState::exportRequest, ExportRequest{Uuid::random(), exportRows(state_.entries, catalog())},
+        Topic::question);
+}
+
+void AppModel::cancelExport() {
+    set(&AppState::exportRequest, std::nullopt, Topic::question);
 }
 
 }  // namespace brell

@@ -109,6 +109,7 @@ struct AppState {
     std::optional<RebuildReport> rebuildReport;
     std::optional<RestoreRequest> restoreRequest;
     std::optional<PresetRequest> presetRequest;
+    std::optional<ExportRequest> exportRequest;
     std::vector<std::string> presetReport;  // what the last preset came to, a sentence each
 
     // Topic::notices

@@ -83,22 +83,20 @@ Outcome outcomeOf(const Tweak& tweak, const PresetSurroundings& now) {
     return changes(tweak, status->second.exact);
 }
 
-// Why a preset can't carry this active change; empty when it can.
+// Why a preset can't carry this active change, a sentence; empty when it can.
 std::string whyLeftOut(const JournalEntry& entry, const TweakCatalog& catalog) {
-    if (entry.kind == EntryKind::launchAgent)
-        return excerpt(entry.agent ? entry.agent->label : entry.tweakID) +
-               " is a login item; presets hold settings only.";
+    if (entry.kind == EntryKind::launchAgent) return "It is a login item; presets hold settings only.";
     const Tweak* tweak = catalog.tweak(entry.tweakID);
-    if (!tweak) return excerpt(entry.tweakID) + " is not a tweak this version of Brell knows.";
+    if (!tweak) return "It is no setting that this version of Brell knows.";
     if (entry.status == EntryStatus::capturing)
-        return tweak->title + " was interrupted; restore it or apply it again first.";
+        return "It was interrupted; restore it or apply it again first.";
     if (entry.direction == EntryDirection::resetToDefault)
-        return tweak->title + " was reset to the macOS default; presets only turn tweaks on.";
-    if (tweak->risk == Risk::experimental) return tweak->title + " is experimental; presets never apply it.";
+        return "It was reset to the macOS default; presets only turn tweaks on.";
+    if (tweak->risk == Risk::experimental) return "It is experimental; presets never apply it.";
     if (std::holds_alternative<FolderKind>(tweak->kind))
-        return tweak->title + " holds a folder of this Mac; presets do not carry folders.";
+        return "It holds a folder of this Mac; presets do not carry folders.";
     if (!setsTheTargets(entry, *tweak))
-        return tweak->title + " is set to another choice than its own; presets do not carry choices.";
+        return "It is set to another choice than its own; presets do not carry choices.";
     return {};
 }
 
@@ -126,21 +124,23 @@ PresetPlan planPreset(const Preset& preset, const PresetSurroundings& now) {
     return plan;
 }
 
-ActivePreset presetFromActive(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog,
-                              std::string name) {
-    ActivePreset active{{.id = PresetFile::slug(name),
-                         .name = std::move(name),
-                         .summary = "Made of the changes that were active on this Mac.",
-                         .tweakIDs = {}},
-                        {}};
-    for (const JournalEntry& entry : entries)
-        if (entry.isActive())
-            if (std::string reason = whyLeftOut(entry, catalog); !reason.empty())
-                active.leftOut.push_back(std::move(reason));
+std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog) {
+    std::vector<ExportRow> rows;
     for (const Tweak& tweak : catalog.all())
         if (const auto* entry = activeEntry(entries, tweak.id); entry && whyLeftOut(*entry, catalog).empty())
-            active.preset.tweakIDs.push_back(tweak.id);
-    return active;
+            rows.push_back({tweak.id, tweak.title, {}});
+    for (const JournalEntry& entry : entries)
+        if (entry.isActive())
+            if (std::string whyNot = whyLeftOut(entry, catalog); !whyNot.empty())
+                rows.push_back({entry.tweakID, entryTitle(entry, catalog), std::move(whyNot)});
+    return rows;
+}
+
+Preset ownPreset(std::string name, std::vector<std::string> tweakIDs) {
+    return {.id = PresetFile::slug(name),
+            .name = std::move(name),
+            .summary = "Made of the changes that were active on this Mac.",
+            .tweakIDs = std::move(tweakIDs)};
 }
 
 }  // namespace brell

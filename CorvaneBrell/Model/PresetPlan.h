@@ -65,14 +65,18 @@ struct PresetSurroundings {
 
 PresetPlan planPreset(const Preset& preset, const PresetSurroundings& now);
 
-struct ActivePreset {
-    Preset preset;
-    std::vector<std::string> leftOut;  // one sentence for each active change that a preset can't carry
-    bool operator==(const ActivePreset&) const = default;
+// An active change that could go into a preset.
+struct ExportRow {
+    std::string tweakID;
+    std::string title;
+    std::string whyNot;  // a sentence when a preset can't carry it, else empty
+    bool operator==(const ExportRow&) const = default;
 };
 
-// The tweaks whose active change set their own targets, in the order of the catalog.
-ActivePreset presetFromActive(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog,
-                              std::string name);
+// Of every active change. First what a preset carries, tweaks set to their own targets, in the order of the
+// catalog.
+std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog);
+// A preset of this Mac's, with these tweaks.
+Preset ownPreset(std::string name, std::vector<std::string> tweakIDs);
 
 }  // namespace brell

@@ -88,4 +88,11 @@ struct PresetRequest {
     bool operator==(const PresetRequest&) const = default;
 };
 
+// Which of the active changes go into a preset.
+struct ExportRequest {
+    Uuid id;
+    std::vector<ExportRow> rows;
+    bool operator==(const ExportRequest&) const = default;
+};
+
 }  // namespace brell

@@ -59,6 +59,7 @@ std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vecto
     if (state.taskListRequest) return *state.taskListRequest;
     if (state.restoreRequest) return *state.restoreRequest;
     if (state.presetRequest) return *state.presetRequest;
+    if (state.exportRequest) return *state.exportRequest;
     if (!state.presetReport.empty() && state.presetReport != readReport)
         return PresetReport{state.presetReport};
     return std::nullopt;

@@ -25,7 +25,7 @@ struct PresetReport {
 
 using SheetRequest =
     std::variant<RebuildReport, RebuildRequest, RecoveryRequest, DriftRequest, AgentConfirmRequest,
-                 RelaunchRequest, TaskListRequest, RestoreRequest, PresetRequest, PresetReport>;
+                 RelaunchRequest, TaskListRequest, RestoreRequest, PresetRequest, ExportRequest, PresetReport>;
 
 // The question that waits and goes before the others: recovery first, reports last. readReport is the
 // preset's report that the user has read already.

@@ -9,6 +9,8 @@
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
+#include "CorvaneBrell/Window/Sheet.h"
+#include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 
 namespace brell {
@@ -152,7 +154,13 @@ Scene preset() {
 }
 
 Scene presetResult() {
-    return {"sheet-preset-result", [](MainWindow& window) { window.model().confirmPreset(); }, nothing};
+    return {"sheet-preset-result", [](MainWindow& window) { window.model().confirmPreset(); },
+            [](MainWindow& window) { window.sheets().current()->reject(); }};
+}
+
+Scene exporting() {
+    return {"sheet-export", [](MainWindow& window) { window.model().askExport(); },
+            [](MainWindow& window) { window.model().cancelExport(); }};
 }
 
 }  // namespace
@@ -173,7 +181,7 @@ std::vector<Scene> everydayScenes() {
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
     for (const Scene& scene :
          {search("hidden"), details(Screen::dock), details(Screen::loginItems), history(), restore(), drift(),
-          taskList(), listedItems(), agents(), relaunch(), preset(), presetResult()})
+          taskList(), listedItems(), agents(), relaunch(), preset(), presetResult(), exporting()})
         all.push_back(scene);
     return all;
 }

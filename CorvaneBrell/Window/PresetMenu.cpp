@@ -1,9 +1,5 @@
 #include "CorvaneBrell/Window/PresetMenu.h"
 
-#include <QInputDialog>
-#include <QLabel>
-
-#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/FileDialog.h"
 #include "CorvaneBrell/Window/Message.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -19,22 +15,6 @@ QFileDialog* presetDialog(QWidget* window, const QString& title, QFileDialog::Ac
     dialog->setDefaultSuffix(qt(PresetFile::extension.substr(1)));
     dialog->setNameFilter(QMenu::tr("Brell presets (*%1)").arg(qt(PresetFile::extension)));
     return dialog;
-}
-
-QString leftOutText(const ActivePreset& active) {
-    return qt(firstOf(active.leftOut, "\n"));
-}
-
-void openExportDialog(AppModel& model, QWidget* window, const Preset& preset) {
-    QFileDialog* dialog = presetDialog(window, QMenu::tr("Export Preset"), QFileDialog::AcceptSave);
-    dialog->selectFile(qt(PresetFile::slug(preset.name) + std::string(PresetFile::extension)));
-    QObject::connect(dialog, &QFileDialog::fileSelected, window,
-                     [&model, preset](const QString& file) { model.exportPreset(preset, utf8(file)); });
-    dialog->open();
-}
-
-void exportActive(AppModel& model, QWidget* window, const QString& name) {
-    openExportDialog(model, window, model.activePreset(utf8(name)).preset);
 }
 
 }  // namespace
@@ -66,33 +46,16 @@ void importPreset(AppModel& model, QWidget* window) {
 }
 
 void exportPreset(AppModel& model, QWidget* window, const Preset& preset) {
-    openExportDialog(model, window, preset);
+    QFileDialog* dialog = presetDialog(window, QMenu::tr("Export Preset"), QFileDialog::AcceptSave);
+    dialog->selectFile(qt(PresetFile::slug(preset.name) + std::string(PresetFile::extension)));
+    QObject::connect(dialog, &QFileDialog::fileSelected, window,
+                     [&model, preset](const QString& file) { model.exportPreset(preset, utf8(file)); });
+    dialog->open();
 }
 
 void exportActivePreset(AppModel& model, QWidget* window) {
-    const ActivePreset active = model.activePreset("");
-    if (active.preset.tweakIDs.empty())
-        return tell(
-            window, QMenu::tr("There is nothing to export"),
-            active.leftOut.empty() ? QMenu::tr("No change of Brell is active.") : leftOutText(active));
-    auto* name = new QInputDialog(window);
-    name->setAttribute(Qt::WA_DeleteOnClose);
-    name->setWindowTitle(QMenu::tr("Export Preset"));
-    const std::size_t carried = active.preset.tweakIDs.size();
-    QString text = QMenu::tr("Name of the preset. It will hold %1 of the %2 changes that are active now.")
-                       .arg(carried)
-                       .arg(carried + active.leftOut.size());
-    if (!active.leftOut.empty()) text += QMenu::tr("\n\nLeft out:\n%1").arg(leftOutText(active));
-    name->setLabelText(text);
-    for (QLabel* label : name->findChildren<QLabel*>()) {
-        label->setTextFormat(Qt::PlainText);
-        label->setWordWrap(true);
-    }
-    name->setTextValue(QMenu::tr("My settings"));
-    QObject::connect(name, &QInputDialog::textValueSelected, window, [&model, window](const QString& chosen) {
-        exportActive(model, window, chosen.trimmed().isEmpty() ? QMenu::tr("My settings") : chosen.trimmed());
-    });
-    name->open();
+    if (model.changedCount(Screen::journal) > 0) return model.askExport();
+    tell(window, QMenu::tr("There is nothing to export"), QMenu::tr("No change of Brell is active."));
 }
 
 }  // namespace brell

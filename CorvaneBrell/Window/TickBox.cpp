@@ -18,7 +18,7 @@ constexpr int smallestHeight = 28;
 TickBox::TickBox(const QString& title, Paragraph::Look look, QWidget* parent)
     : QCheckBox(parent), text_(new Paragraph(title, look)) {
     auto* line = new QHBoxLayout(this);
-    line->setContentsMargins(static_cast<int>(side) + focusMargin + 7, 4, 0, 4);
+    line->setContentsMargins(indent, 4, 0, 4);
     line->addWidget(text_, 1, Qt::AlignVCenter);
     setAccessibleName(title);
     setMinimumHeight(smallestHeight);

@@ -11,6 +11,8 @@ namespace brell {
 class TickBox final : public QCheckBox {
     Q_OBJECT
 public:
+    static constexpr int indent = 26;  // of the title
+
     explicit TickBox(const QString& title, Paragraph::Look look = Paragraph::Look::body,
                      QWidget* parent = nullptr);
 

@@ -2,6 +2,7 @@
 
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
+#include "CorvaneBrell/Window/Sheets/ExportSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 #include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
@@ -29,6 +30,7 @@ struct SheetFor {
     Sheet* operator()(const TaskListRequest&) { return new TaskListSheet(model, window); }
     Sheet* operator()(const RestoreRequest& request) { return new RestoreSheet(model, window, request); }
     Sheet* operator()(const PresetRequest& request) { return new PresetSheet(model, window, request); }
+    Sheet* operator()(const ExportRequest& request) { return new ExportSheet(model, window, request); }
     Sheet* operator()(const PresetReport& report) { return new PresetResultSheet(window, report); }
 };
 

@@ -87,7 +87,7 @@ TEST_F(PresetPlanTest, RefusesInTheWordsOfTheEngine) {
     EXPECT_EQ(plan({"dock.position", "dock.size"}).toApply(), Texts());
 }
 
-TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeavesOut) {
+TEST_F(PresetPlanTest, WhatIsActiveGoesIntoAPresetWithItsOwnTargetsOrSaysWhyNot) {
     engine.apply(tweak("text.no_smart_quotes"));
     engine.apply(tweak("dock.autohide"));
     engine.apply(tweak("finder.view_style"), std::vector<PrefValue>{"Nlsv"}, "list");  // its own target
@@ -107,24 +107,28 @@ TEST_F(PresetPlanTest, APresetOfWhatIsActiveCarriesOwnTargetsAndSaysWhatItLeaves
     entries.push_back(engine.apply(tweak("finder.new_window_home")));
     entries.back().writes.pop_back();  // made by a version whose tweak wrote one key fewer
 
-    const ActivePreset active = presetFromActive(entries, catalog, "My Été");
-    EXPECT_EQ(active.preset.id, "my-été");
-    EXPECT_EQ(active.preset.name, "My Été");
-    EXPECT_EQ(active.preset.tweakIDs, (Texts{"finder.view_style", "dock.autohide", "text.no_smart_quotes"}));
-    EXPECT_EQ(
-        active.leftOut,
-        (Texts{
-            "Icon size is set to another choice than its own; presets do not carry choices.",
-            "Where screenshots are saved holds a folder of this Mac; presets do not carry folders.",
-            "Faster Mission Control animation is experimental; presets never apply it.",
-            "No recent apps in the Dock was reset to the macOS default; presets only turn tweaks on.",
-            "Show the path bar was interrupted; restore it or apply it again first.",
-            "com.acme.agent is a login item; presets hold settings only.",
-            "dock.future is not a tweak this version of Brell knows.",
-            "New windows open your home folder is set to another choice than its own; presets do not carry "
-            "choices."}));
-    const DecodedPreset again = PresetFile::decode(PresetFile::encode(active.preset), catalog);
-    EXPECT_EQ(again.preset.tweakIDs, active.preset.tweakIDs);
+    using Rows = std::vector<ExportRow>;
+    const std::string choice = "It is set to another choice than its own; presets do not carry choices.";
+    EXPECT_EQ(exportRows(entries, catalog),
+              (Rows{{"finder.view_style", "Default view for new windows", ""},
+                    {"dock.autohide", "Hide the Dock automatically", ""},
+                    {"text.no_smart_quotes", "No smart quotes", ""},
+                    {"dock.size", "Icon size", choice},
+                    {"shot.folder", "Where screenshots are saved",
+                     "It holds a folder of this Mac; presets do not carry folders."},
+                    {"mc.fast_animation", "Faster Mission Control animation",
+                     "It is experimental; presets never apply it."},
+                    {"dock.no_recents", "No recent apps in the Dock",
+                     "It was reset to the macOS default; presets only turn tweaks on."},
+                    {"finder.path_bar", "Show the path bar",
+                     "It was interrupted; restore it or apply it again first."},
+                    {agentTweakID("com.acme.agent"), "com.acme.agent",
+                     "It is a login item; presets hold settings only."},
+                    {"dock.future", "dock.future", "It is no setting that this version of Brell knows."},
+                    {"finder.new_window_home", "New windows open your home folder", choice}}));
+    const Preset preset = ownPreset("My Été", {"finder.view_style", "text.no_smart_quotes"});
+    EXPECT_EQ(preset.id, "my-été");
+    EXPECT_EQ(PresetFile::decode(PresetFile::encode(preset), catalog).preset.tweakIDs, preset.tweakIDs);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QListWidget>
 #include <QPushButton>
 
+#include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
@@ -16,6 +18,8 @@
 
 using namespace brell;
 using namespace brell::testing;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -71,7 +75,6 @@ TEST_F(SheetsTest, ADamagedJournalIsRebuiltForTheNextWindow) {
 }
 
 TEST_F(SheetsTest, ARestoreScriptThatOthersCouldHaveWrittenIsNotOffered) {
-    namespace fs = std::filesystem;
     haveAPast();
     const fs::path script = *options.journalDirectory / "restore.sh";
     for (const fs::path& writable : {script, *options.journalDirectory}) {
@@ -84,6 +87,30 @@ TEST_F(SheetsTest, ARestoreScriptThatOthersCouldHaveWrittenIsNotOffered) {
         EXPECT_TRUE(words(*message).contains(qt(writable.string()) + " can be written by every user"));
         fs::permissions(writable, fs::perms::others_write, fs::perm_options::remove);
     }
+}
+
+TEST_F(SheetsTest, WhatIsTickedGoesIntoThePreset) {
+    const fs::path file = folder.path / "mine.corvanepreset";
+    openLivedIn();
+    exportActivePreset(*model, window.get());
+    settle();
+    const auto ticks = sheet()->findChildren<QCheckBox*>();
+    EXPECT_EQ(std::count_if(ticks.begin(), ticks.end(), [](auto* tick) { return tick->isChecked(); }), 5);
+    EXPECT_EQ(std::count_if(ticks.begin(), ticks.end(), [](auto* tick) { return tick->isEnabled(); }), 5);
+    EXPECT_TRUE(words(*sheet()).contains("It is a login item; presets hold settings only."));
+    EXPECT_TRUE(button(*sheet(), "Export 5...").isEnabled());
+    for (int i = 4; i >= 1; --i) QTest::keyClick(ticks[i], Qt::Key_Space);
+    const QString only = ticks[0]->accessibleName();
+    press(*sheet(), "Export 1...");
+    ASSERT_FALSE(sheet());
+    auto* dialog = window->findChild<QFileDialog*>();
+    emit dialog->fileSelected(qt(file.string()));
+    dialog->close();
+    settle();
+    const DecodedPreset decoded = PresetFile::decode(contentsOf(file), model->catalog());
+    ASSERT_EQ(decoded.preset.tweakIDs.size(), 1u);
+    EXPECT_EQ(only, "Export " + qt(model->catalog().tweak(decoded.preset.tweakIDs[0])->title));
+    EXPECT_EQ(decoded.preset.name, "My settings");
 }
 
 TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
