@@ -12,8 +12,6 @@
 #include <string_view>
 #include <vector>
 
-#include "BrellCore/Catalog/Presets.h"
-#include "BrellCore/Review/PrivacyChecklist.h"
 #include "CorvaneBrell/LaunchOptions.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/Lane.h"
@@ -21,22 +19,17 @@
 #include "CorvaneBrell/Model/OwnPreferences.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/Model/TweakSearch.h"
-#include "CorvaneBrell/Platform/MainLoop.h"
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
 
-struct Dependencies;
-
 // The main thread makes, uses and destroys it; nothing here blocks that after the first look at everything.
 // The lanes do the work and can't reach the state; a change of the state is announced when it is made. What
-// goes wrong becomes text in the state; no action throws. The end waits for the step that is running, and no
-// further one begins.
+// goes wrong becomes text in the state; no action throws. The end waits only for the step that is running.
 class AppModel : private ObservedState {
 public:
-    // Builds everything; with a journal that can't be opened, a dry run over a throw-away journal and the
-    // reason in startupError. Raises std::exception only when even that fails. The collaborators must outlive
-    // the model.
+    // With a journal that can't be opened, a dry run over a throw-away one and the reason in startupError.
+    // Raises std::exception only when even that fails. The collaborators must outlive the model.
     AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplications& applications,
              std::ostream& out);
     ~AppModel();
@@ -100,6 +93,11 @@ public:
     void confirmRebuild();
     void cancelRebuild();
 
+    // Leaving Brell: restores first, then takes its files away; after that nothing is changed or kept.
+    void askLeaving();
+    void confirmLeaving(const TakeAway& toTrash);
+    void cancelLeaving();
+
     // Relaunching Finder and the Dock.
     void askRelaunch();
     void confirmRelaunch();
@@ -145,6 +143,7 @@ private:
 
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
     void showEverything(Everything everything);
+    void readLeaving();
     void countChanges(const std::vector<JournalEntry>& entries);
     void readShown(const TaskSource& tasks);
     void readLoginItems(const TaskSource& tasks);

@@ -5,6 +5,7 @@
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
 
@@ -27,6 +28,7 @@ std::string restoringText(std::size_t changes) {
 
 template <class Job, class... Arguments>
 void AppModel::change(std::string what, std::vector<std::string> tweakIDs, Job job, Arguments... arguments) {
+    if (state_.leavingReport) return;
     changing_.insert(tweakIDs.begin(), tweakIDs.end());
     const auto done = [this, tweakIDs = std::move(tweakIDs)](const JobResult<ChangeOutcome>& result) {
         for (const std::string& id : tweakIDs) changing_.erase(changing_.find(id));
@@ -190,7 +192,47 @@ void AppModel::finishChange(const ChangeOutcome& outcome) {
     if (!outcome.report.empty()) set(&AppState::presetReport, outcome.report, Topic::question);
     refreshAll();
     if (outcome.agentsTouched) readLoginItems({false, tasks_});
+    if (state_.leavingRequest) readLeaving();
     if (outcome.question) askDrift(*outcome.question);
+}
+
+void AppModel::askLeaving() {
+    if (const auto& reason = state_.startupError ? state_.startupError : state_.journalError)
+        return fail("Without its journal Brell can't tell what is still changed, so it can't be left now. " +
+                    *reason);
+    if (const auto why = whyNothingReal()) return fail("There is nothing to leave. " + *why);
+    readLeaving();
+}
+
+// What was concerned before still is.
+void AppModel::readLeaving() {
+    std::vector<Uuid> concerned;
+    if (state_.leavingRequest) concerned = state_.leavingRequest->concerned;
+    cancelLeaving();
+    const auto done = [this](JobResult<LeavingRequest> request) {
+        if (!request.value) return fail(request.error);
+        set(&AppState::leavingRequest, std::move(*request.value), Topic::question);
+    };
+    refreshes_.run("Reading what is changed", &ReadingWork::leaving, done, std::move(concerned));
+}
+
+void AppModel::confirmLeaving(const TakeAway& toTrash) {
+    if (!state_.leavingRequest || !state_.leavingRequest->mayGoToTrash()) return;
+    cancelLeaving();
+    const auto done = [this](const JobResult<bool>& hadFolder) {
+        if (!hadFolder.value) return fail(hadFolder.error);
+        // Only now: with the journal in its place these are still of use.
+        const auto whyNotCleared = own_.removeAll();
+        const std::string folder =
+            *hadFolder.value ? pathWords(journalDirectory_.string(), catalog().home()) : "";
+        set(&AppState::leavingReport, leavingReport(folder, whyNotCleared), Topic::question);
+        announce(Topic::journal);  // nothing can be changed any more
+    };
+    changes_.run("Moving Brell's files to the Trash", &ChangeWork::leave, done, toTrash);
+}
+
+void AppModel::cancelLeaving() {
+    set(&AppState::leavingRequest, std::nullopt, Topic::question);
 }
 
 // A change that was put back is interrupted no more, and is not to be asked for until everything is read

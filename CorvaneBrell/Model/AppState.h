@@ -12,6 +12,7 @@
 #include "BrellCore/Support/EnumText.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Model/JobFacts.h"
+#include "CorvaneBrell/Model/LeavingRequest.h"
 #include "CorvaneBrell/Model/PendingRelaunches.h"
 #include "CorvaneBrell/Model/Progress.h"
 #include "CorvaneBrell/Model/RebuildRequest.h"
@@ -110,7 +111,9 @@ struct AppState {
     std::optional<RestoreRequest> restoreRequest;
     std::optional<PresetRequest> presetRequest;
     std::optional<ExportRequest> exportRequest;
-    std::vector<std::string> presetReport;  // what the last preset came to, a sentence each
+    std::optional<LeavingRequest> leavingRequest;
+    std::optional<LeavingReport> leavingReport;  // Brell's own files are gone; stays for the rest of the run
+    std::vector<std::string> presetReport;       // what the last preset came to, a sentence each
 
     // Topic::notices
     std::optional<std::string> errorMessage;  // the last action's; stays until dismissed
@@ -128,9 +131,9 @@ struct AppState {
     std::optional<Activity> taskListActivity;  // a first reading, which waits for a person; can be cancelled
 };
 
-// Without a journal that can be read nothing can be changed or put back.
+// Without a journal that can be read nothing can be changed or put back, nor after it was taken away.
 inline bool isLocked(const AppState& state) {
-    return state.startupError || state.journalError;
+    return state.startupError || state.journalError || state.leavingReport;
 }
 
 }  // namespace brell

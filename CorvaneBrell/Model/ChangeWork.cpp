@@ -220,6 +220,10 @@ ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
     return finished(std::move(outcome));
 }
 
+bool ChangeWork::leave(const TakeAway& takeAway) {
+    return leaveJournal(*deps_.journal, takeAway);
+}
+
 // Makes nothing when there is nothing to do.
 void ChangeWork::carryOut(ChangeOutcome& outcome, const PendingApply& wish) {
     const Tweak* tweak = deps_.catalog.tweak(wish.tweak.id);

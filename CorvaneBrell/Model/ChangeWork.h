@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "BrellCore/Journal/JournalLeaving.h"
 #include "CorvaneBrell/Model/ChangeOutcome.h"
 #include "CorvaneBrell/Model/Progress.h"
 
@@ -45,6 +46,9 @@ public:
     ChangeOutcome switchAgents(const AgentConfirmRequest& request);
     // Applies what is valid, in order, and reports the rest.
     ChangeOutcome applyPreset(const PresetPlan& plan);
+
+    // Takes the journal's folder away. False when there is none.
+    bool leave(const TakeAway& takeAway);
 
 private:
     ChangeOutcome undoWith(const SessionChange& action, const std::set<Uuid>& asked,

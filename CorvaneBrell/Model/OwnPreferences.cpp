@@ -34,8 +34,20 @@ std::optional<double> OwnPreferences::number(const std::string& key) const try {
 }
 
 void OwnPreferences::setNumber(const std::string& key, double value) {
+    if (isClosed_) return;
     store_.write(value, ownKey(key));
     store_.synchronize(std::string(domain));
+}
+
+std::optional<std::string> OwnPreferences::removeAll() try {
+    isClosed_ = true;
+    const std::string own(domain);
+    for (const std::string& key : store_.keys(own)) store_.remove(ownKey(key));
+    store_.synchronize(own);
+    const std::vector<std::string> left = store_.keys(own);
+    return left.empty() ? std::nullopt : std::optional(ownKey(left.front()).rendered() + " is still stored.");
+} catch (const StoreError& error) {
+    return error.what();
 }
 
 bool OwnPreferences::readsTaskList() const {

@@ -36,6 +36,10 @@ public:
     std::optional<double> number(const std::string& key) const override;
     void setNumber(const std::string& key, double value) override;
 
+    // Removes every key, also those that the system keeps there; from then on nothing is kept any more. By
+    // way of the store, whose file would come back. Gives a sentence that says why something is left.
+    std::optional<std::string> removeAll();
+
     // Whether macOS gave its list of background items when the user had allowed to ask for it. What can't be
     // kept is asked for again.
     bool readsTaskList() const;
@@ -59,6 +63,7 @@ private:
     void keepNames(const char* key, const NameSet& names);
 
     PreferenceStore& store_;
+    bool isClosed_ = false;
 };
 
 }  // namespace brell

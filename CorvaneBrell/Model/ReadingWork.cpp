@@ -8,6 +8,7 @@
 #include "BrellCore/Background/JobProgram.h"
 #include "BrellCore/Engine/Drift.h"
 #include "BrellCore/Engine/Report.h"
+#include "BrellCore/Journal/JournalLeaving.h"
 #include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/DurableFile.h"
@@ -236,6 +237,15 @@ RestoreRequest ReadingWork::restoring(const std::string& title, const std::vecto
     addRestores(request, changes);
     if (request.steps.empty() && request.changes.entries.empty())
         throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));
+    return request;
+}
+
+LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
+    const auto preferences = deps_.store.reader();
+    LeavingRequest request =
+        leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.catalog, *preferences);
+    request.folder = pathWords(deps_.journalDirectory().string(), deps_.catalog.home());
+    if (request.active.empty()) request.whyNotToTrash = whyNotToLeave(*deps_.journal);
     return request;
 }
 

@@ -75,6 +75,7 @@ public:
     // Of those of the changes that are active.
     RestoreRequest restoring(const std::string& title, const std::vector<Uuid>& changes);
     RestoreRequest undoing(const SessionChange& action);
+    LeavingRequest leaving(const std::vector<Uuid>& concerned);
     DecodedPreset preset(const std::filesystem::path& file);
     std::string restoreScript();
 

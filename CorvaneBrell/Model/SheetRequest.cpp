@@ -48,6 +48,7 @@ std::string DriftRequest::explanation() const {
 }
 
 std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vector<std::string>& readReport) {
+    if (state.leavingReport) return *state.leavingReport;
     if (state.rebuildReport) return *state.rebuildReport;
     if (state.rebuildRequest) return *state.rebuildRequest;
     // While a change is under way, an entry that is not complete is no interrupted one.
@@ -60,6 +61,8 @@ std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vecto
     if (state.restoreRequest) return *state.restoreRequest;
     if (state.presetRequest) return *state.presetRequest;
     if (state.exportRequest) return *state.exportRequest;
+    // What is restored on the way is shown once it is done.
+    if (state.leavingRequest && !state.changeActivity) return *state.leavingRequest;
     if (!state.presetReport.empty() && state.presetReport != readReport)
         return PresetReport{state.presetReport};
     return std::nullopt;

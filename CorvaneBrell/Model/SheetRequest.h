@@ -23,9 +23,9 @@ struct PresetReport {
     bool operator==(const PresetReport&) const = default;
 };
 
-using SheetRequest =
-    std::variant<RebuildReport, RebuildRequest, RecoveryRequest, DriftRequest, AgentConfirmRequest,
-                 RelaunchRequest, TaskListRequest, RestoreRequest, PresetRequest, ExportRequest, PresetReport>;
+using SheetRequest = std::variant<RebuildReport, RebuildRequest, RecoveryRequest, DriftRequest,
+                                  AgentConfirmRequest, RelaunchRequest, TaskListRequest, RestoreRequest,
+                                  PresetRequest, ExportRequest, LeavingRequest, LeavingReport, PresetReport>;
 
 // The question that waits and goes before the others: recovery first, reports last. readReport is the
 // preset's report that the user has read already.

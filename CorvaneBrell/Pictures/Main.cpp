@@ -106,7 +106,7 @@ int run(const std::vector<Format>& formats) {
     shown = shown && show(everydayScenes(), options, formats);
     replaceFile(Journal::defaultDirectory(sample.home()) / "journal.json", "damaged",
                 Durability::readersOnly);
-    shown = shown && show(scenesOfDamage(), options, formats);
+    shown = shown && show(scenesOfDamage(), options, formats) && show(scenesOfLeaving(), options, formats);
     return shown ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

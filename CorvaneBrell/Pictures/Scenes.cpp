@@ -176,6 +176,25 @@ std::vector<Scene> scenesOfDamage() {
             {"sheet-rebuilt", nothing, nothing}};
 }
 
+// Everything is restored, also what drifted; the Trash is a folder beside.
+std::vector<Scene> scenesOfLeaving() {
+    const auto restoreAll = [](MainWindow& window) {
+        window.model().askRestoreAll();
+        window.model().confirmRestore();
+        settle(window);
+        if (const auto& drift = window.model().state().driftRequest)
+            window.model().confirmDrift({drift->entries.front().entry.id});
+    };
+    const auto leave = [](MainWindow& window) {
+        window.model().confirmLeaving([](const std::filesystem::path& folder) {
+            std::filesystem::rename(folder, folder.parent_path() / "Trash");
+        });
+    };
+    return {{"sheet-leaving", [](MainWindow& window) { window.model().askLeaving(); }, restoreAll},
+            {"sheet-leaving-proof", nothing, leave},
+            {"sheet-left", nothing, nothing}};
+}
+
 std::vector<Scene> everydayScenes() {
     std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));

@@ -16,11 +16,12 @@ struct Scene {
     std::function<void(MainWindow&)> end;
 };
 
-// For a sample Mac with a past. Each begin with a window opened anew, after those before; the last are for
+// For a sample Mac with a past. Each begin with a window opened anew, after those before; the third are for
 // one whose journal was damaged meanwhile.
 std::vector<Scene> scenesOfTrouble();
 std::vector<Scene> everydayScenes();
 std::vector<Scene> scenesOfDamage();
+std::vector<Scene> scenesOfLeaving();
 
 // Lets the window work until nothing is under way any more.
 void settle(MainWindow& window);

@@ -90,6 +90,7 @@ void MainWindow::makeOtherMenus() {
     aboutAction->setMenuRole(QAction::AboutRole);
     help->addAction(tr("Open the Journal's Folder"), this,
                     [this] { FileActions::showJournalFolder(model_); });
+    ofTheJournal_.push_back(help->addAction(tr("Leaving Brell..."), this, [this] { model_.askLeaving(); }));
     const QFileInfo licenses(QApplication::applicationDirPath() + "/../Resources/Licenses.txt");
     if (licenses.exists())  // as in the bundle that users get
         help->addAction(tr("Licenses of the Libraries in Brell"), this, [licenses] {

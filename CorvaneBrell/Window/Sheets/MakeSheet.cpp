@@ -3,6 +3,7 @@
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
 #include "CorvaneBrell/Window/Sheets/ExportSheet.h"
+#include "CorvaneBrell/Window/Sheets/LeavingSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 #include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
@@ -31,6 +32,8 @@ struct SheetFor {
     Sheet* operator()(const RestoreRequest& request) { return new RestoreSheet(model, window, request); }
     Sheet* operator()(const PresetRequest& request) { return new PresetSheet(model, window, request); }
     Sheet* operator()(const ExportRequest& request) { return new ExportSheet(model, window, request); }
+    Sheet* operator()(const LeavingRequest& request) { return new LeavingSheet(model, window, request); }
+    Sheet* operator()(const LeavingReport& report) { return new LeavingReportSheet(window, report); }
     Sheet* operator()(const PresetReport& report) { return new PresetResultSheet(window, report); }
 };
 

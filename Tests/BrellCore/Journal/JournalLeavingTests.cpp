@@ -4,6 +4,7 @@
 #include <latch>
 #include <thread>
 
+#include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalLeaving.h"
 #include "BrellCore/Support/Leftovers.h"
 #include "Tests/BrellCore/Journal/SampleEntries.h"

@@ -162,61 +162,6 @@ TEST_F(AppModelTest, AnInterruptedChangeIsFoundDeferredAndRecovered) {
     EXPECT_EQ(preferences(), before);
 }
 
-TEST_F(AppModelTest, ADamagedJournalIsRebuiltFromItsHistoryAndUndoesEverythingThen) {
-    const fs::path journal = Journal::defaultDirectory(sample.home()) / "journal.json";
-    const auto before = preferences();
-    for (const char* id : {"dock.autohide", "finder.show_hidden", "finder.path_bar"})
-        settled(*openModel())->apply(id);
-    settled(*openModel())->turnOff("finder.path_bar");
-    writeFromOutside(autohide, false);
-    const std::string whole = contentsOf(journal);
-    setContents(journal, "damaged");
-
-    auto model = openModel();
-    ASSERT_TRUE(model->state().isJournalDamaged);
-    settled(*model)->askRebuild();
-    ASSERT_TRUE(model->state().rebuildRequest);
-    const RebuildRequest& request = *model->state().rebuildRequest;
-    EXPECT_TRUE(request.facts.at(0).starts_with("The history tells of 3 changes from "));
-    EXPECT_TRUE(request.facts.at(0).ends_with(". Of these 2 are still active."));
-    EXPECT_EQ(request.facts.size(), 2u);
-    using Change = RebuildRequest::Change;
-    EXPECT_EQ(request.active,
-              (std::vector<Change>{
-                  {model->catalog().tweak("dock.autohide")->title, "It is as it was before Brell."},
-                  {model->catalog().tweak("finder.show_hidden")->title, "It holds what Brell wrote."}}));
-    model->cancelRebuild();
-    EXPECT_FALSE(model->state().rebuildRequest);
-    EXPECT_EQ(contentsOf(journal), "damaged");
-
-    settled(*model)->askRebuild();
-    settled(*model)->confirmRebuild();
-    ASSERT_TRUE(model->state().rebuildReport);
-    EXPECT_FALSE(model->state().isJournalDamaged);
-    EXPECT_TRUE(model->state().startupError) << "the rebuilt one is for the next run";
-    EXPECT_EQ(contentsOf(journal), whole);
-
-    model = openModel();
-    EXPECT_FALSE(model->state().startupError);
-    settled(*model)->askRestoreAll();
-    settled(*model)->confirmRestore();
-    EXPECT_EQ(preferences(), before);
-
-    // Without a history nothing is offered but a sentence; another one than that which was shown is refused.
-    setContents(journal, "damaged");
-    model = openModel();
-    settled(*model)->askRebuild();
-    fs::remove_all(journal.parent_path() / "history");
-    settled(*model)->confirmRebuild();
-    EXPECT_TRUE(model->state().errorMessage);
-    model->dismissError();
-    settled(*model)->askRebuild();
-    EXPECT_FALSE(model->state().rebuildRequest);
-    ASSERT_TRUE(model->state().errorMessage);
-    EXPECT_TRUE(model->state().errorMessage->starts_with("There is no history"));
-    EXPECT_EQ(contentsOf(journal), "damaged");
-}
-
 TEST_F(AppModelTest, AnUnreadableJournalLeavesADryRunThatSaysSo) {
     const fs::path journal = Journal::defaultDirectory(sample.home()) / "journal.json";
     setContents(journal, R"({"format": 2, "changes": {}})");

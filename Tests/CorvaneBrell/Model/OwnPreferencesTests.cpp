@@ -4,7 +4,9 @@
 
 #include <cmath>
 
+#include "BrellCore/Preferences/CFPreferencesStore.h"
 #include "BrellCore/Preferences/PlistFileStore.h"
+#include "Tests/Support/StandInDefaults.h"
 #include "Tests/Support/Testing.h"
 
 using namespace brell;
@@ -82,6 +84,22 @@ TEST_F(OwnPreferencesTest, TheWindowsPlaceIsKeptAndOneThatCannotBeIsNone) {
     own.keepSeenItems(seen);
     own.keepWindowPlace(place);  // no reason to keep the window open
     own.keepMacOS({26, 1, 0});
+    EXPECT_TRUE(own.removeAll()->starts_with("The preference file "));
+}
+
+TEST_F(OwnPreferencesTest, AfterAllIsRemovedNothingIsKeptAnyMore) {
+    const auto defaults = std::make_shared<StandInDefaults>();
+    CFPreferencesStore store(OwnPreferences::domains(), true, defaults);
+    OwnPreferences kept(store);
+    kept.keepMacOS({26, 1, 0});
+    defaults->saveElsewhere(key("NSNavLastRootDirectory"), PlistValue{PlistDictionary{}});
+    defaults->saveElsewhere({"com.apple.dock", "tilesize"}, PlistValue{true});
+    defaults->locked = true;
+    EXPECT_TRUE(kept.removeAll());
+    defaults->locked = false;
+    EXPECT_EQ(kept.removeAll(), std::nullopt);
+    kept.keepWindowPlace({820, 560, Screen::journal});
+    EXPECT_EQ(defaults->saved.size(), 1u);
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include "BrellCore/Journal/Journal.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/Sheets/AgentConfirmSheet.h"
+#include "CorvaneBrell/Window/Sheets/LeavingSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetResultSheet.h"
 #include "CorvaneBrell/Window/Sheets/PresetSheet.h"
 #include "CorvaneBrell/Window/Sheets/RebuildSheet.h"
@@ -87,6 +89,48 @@ TEST_F(SheetsTest, ARestoreScriptThatOthersCouldHaveWrittenIsNotOffered) {
         EXPECT_TRUE(words(*message).contains(qt(writable.string()) + " can be written by every user"));
         fs::permissions(writable, fs::perms::others_write, fs::perm_options::remove);
     }
+}
+
+TEST_F(SheetsTest, BrellIsLeftStepByStepAndTheLastOneClosesTheWindow) {
+    for (const char* place : {"HOME", "XDG_DATA_HOME"}) qputenv(place, qt(folder.path.string()).toUtf8());
+    openWindow();
+    settled()->apply("finder.status_bar");
+    settled()->apply("dock.autohide");
+    const auto journal = Journal::open(*options.journalDirectory);
+    JournalEntry copied = journal->activeEntry("dock.autohide").value();
+    copied.macOSVersion = "99.1.0";
+    journal->upsert(copied);
+    settled()->refreshAll();
+    go(Screen::journal);
+    EXPECT_TRUE(words(*window).contains("2 active changes, 1 of them perhaps from another Mac or account."));
+    expectLeavingChangesNothing<LeavingSheet>([&] { model->askLeaving(); });
+    settled()->askLeaving();
+    press(*sheet(), "Restore 2...");
+    ASSERT_TRUE(qobject_cast<RestoreSheet*>(sheet()));
+    EXPECT_TRUE(words(*sheet()).contains("It was made on macOS 99.1.0, which is newer than this Mac's"));
+    type(sheet(), Qt::Key_Escape);
+    ASSERT_TRUE(qobject_cast<LeavingSheet*>(sheet())) << "back to the step before";
+    press(*sheet(), "Restore 2...");
+    press(*sheet(), "Restore 2");
+    ASSERT_TRUE(qobject_cast<LeavingSheet*>(sheet()));
+    EXPECT_TRUE(words(*sheet()).contains("2 of 2 keys are exactly as before."));
+    EXPECT_TRUE(button(*sheet(), "Save Report…").isEnabled());
+    EXPECT_EQ(defaultButton(*sheet())->text(), "Done");
+
+    setContents(*options.journalDirectory / "notes.txt", "mine");
+    settled()->askLeaving();
+    EXPECT_FALSE(button(*sheet(), "Move to the Trash").isEnabled());
+    EXPECT_TRUE(words(*sheet()).contains("notes.txt is not Brell's"));
+    fs::remove(*options.journalDirectory / "notes.txt");
+    settled()->askLeaving();
+    press(*sheet(), "Move to the Trash");
+    ASSERT_TRUE(qobject_cast<LeavingReportSheet*>(sheet()));
+    press(*sheet(), "Quit Brell");
+    EXPECT_FALSE(window->isVisible());
+    closeWindow();
+    EXPECT_FALSE(fs::exists(*options.journalDirectory));
+    EXPECT_TRUE(fs::exists(folder.path / "Trash" / "files" / "journal" / "journal.json"));
+    EXPECT_EQ(contentsOf(sample.preferences() / "com.corvane.brell.plist").find("<key>"), std::string::npos);
 }
 
 TEST_F(SheetsTest, WhatIsTickedGoesIntoThePreset) {

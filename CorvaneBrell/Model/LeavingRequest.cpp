@@ -1,0 +1,72 @@
+#include "CorvaneBrell/Model/LeavingRequest.h"
+
+#include <fmt/format.h>
+
+#include <set>
+
+#include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/EntryWords.h"
+#include "CorvaneBrell/Model/ValueWords.h"
+
+namespace brell {
+
+namespace {
+
+// An undo may have left something as it could not be otherwise, or what others set since.
+std::vector<std::string> remarksOf(const std::vector<JournalEntry>& restored, const TweakCatalog& catalog) {
+    std::vector<std::string> remarks;
+    for (const JournalEntry& entry : restored)
+        if (const auto failure = failureWords(entry))
+            remarks.push_back(fmt::format("{}: {}", entryTitle(entry, catalog), *failure));
+    return remarks;
+}
+
+}  // namespace
+
+LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vector<Uuid> concerned,
+                              const TweakCatalog& catalog, PreferenceReader& preferences) {
+    LeavingRequest request{Uuid::random(), std::move(concerned), {}, {}, {}, true, {}, std::nullopt};
+    std::set<Uuid> asked(request.concerned.begin(), request.concerned.end());
+    std::vector<JournalEntry> restored;
+    KeyReadings keys;
+    std::size_t agents = 0;
+    for (const JournalEntry& entry : entries) {
+        if (entry.isActive()) {
+            request.active.push_back({entryTitle(entry, catalog), changeWords(entry, catalog)});
+            if (asked.insert(entry.id).second) request.concerned.push_back(entry.id);
+        } else if (asked.contains(entry.id)) {
+            for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
+            agents += entry.agent ? 1 : 0;
+            restored.push_back(entry);
+        }
+    }
+    if (const auto proof = undoProof(restored, keys, {}, catalog)) {
+        request.proof.push_back(proof->words);
+        request.isProved = proof->isComplete;
+    }
+    if (agents > 0)
+        request.proof.push_back(counted(agents, "login item is", "login items are") + " switched back.");
+    if (const auto remarks = remarksOf(restored, catalog); !remarks.empty()) {
+        request.proof.push_back(firstOf(remarks, " "));
+        request.isProved = false;
+    }
+    for (const KeyReading& key : keys) request.keys.push_back(proofLine(key));
+    return request;
+}
+
+LeavingReport leavingReport(const std::string& folder, const std::optional<std::string>& whyNotCleared) {
+    LeavingReport report;
+    report.lines.push_back(folder.empty()
+                               ? "There was no folder of Brell's to remove."
+                               : folder +
+                                     " is in the Trash, with the journal, its history and the restore "
+                                     "script. Until the Trash is emptied it can be put back.");
+    if (whyNotCleared)
+        report.lines.push_back("Brell's own preferences could not be removed: " + *whyNotCleared);
+    else
+        report.lines.push_back(
+            "Brell's own preferences are removed. Nothing of Brell is left now but the application itself.");
+    return report;
+}
+
+}  // namespace brell
