@@ -125,7 +125,7 @@ bool AppModel::isBusy() const {
            firstTaskList_.isBusy();
 }
 
-// What the tools said when it was shown before may be so no more.
+// The tools' answers from when it was shown before may be so no more.
 void AppModel::show(Screen screen) {
     if (!put(&AppState::screen, screen)) return;
     announce(Topic::screen);

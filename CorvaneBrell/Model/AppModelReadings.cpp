@@ -96,7 +96,7 @@ void AppModel::cancelTaskList() {
     set(&AppState::taskListRequest, std::nullopt, Topic::question);
 }
 
-// What macOS did not give is not asked for again unasked.
+// A list that macOS did not give is not asked for again unasked.
 void AppModel::keepTaskList(std::shared_ptr<const BTMDump> tasks) {
     own_.keepReadingTaskList(tasks != nullptr);
     tasks_ = std::move(tasks);

@@ -24,7 +24,7 @@
 
 namespace brell {
 
-// What relaunching came to.
+// The outcome of relaunching.
 struct RelaunchReport {
     std::string words;
     bool isComplete;  // every app was relaunched

@@ -1,4 +1,4 @@
-// What a change came to.
+// The outcome of a change.
 #pragma once
 
 #include <map>

@@ -27,7 +27,7 @@ std::vector<std::string> againLines(const JournalEntry& entry);
 // Where an undo leads: "absent"; with several keys "autohide absent, tilesize 36"; for an agent "on".
 std::string wayBack(const JournalEntry& entry);
 
-// What a change made and where its undo leads: "Large, back to 41", "Turned off, back to on". Of a tweak that
+// A change and where its undo leads: "Large, back to 41", "Turned off, back to on". Of a tweak that
 // the catalog does not know only how many keys it has.
 std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog);
 // The same for one that others changed since: "Now 50. Brell wrote Large; before that it was 41."

@@ -1,5 +1,5 @@
 // Work beside the main thread: one job after another, each an operation of a class that knows nothing of the
-// main thread's state. What a job comes to goes back to the main thread.
+// main thread's state. A job's result goes back to the main thread.
 #pragma once
 
 #include <atomic>

@@ -29,14 +29,12 @@ LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vec
     std::set<Uuid> asked(request.concerned.begin(), request.concerned.end());
     std::vector<JournalEntry> restored;
     KeyReadings keys;
-    std::size_t agents = 0;
     for (const JournalEntry& entry : entries) {
         if (entry.isActive()) {
             request.active.push_back({entryTitle(entry, catalog), changeWords(entry, catalog)});
             if (asked.insert(entry.id).second) request.concerned.push_back(entry.id);
         } else if (asked.contains(entry.id)) {
             for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
-            agents += entry.agent ? 1 : 0;
             restored.push_back(entry);
         }
     }
@@ -44,8 +42,6 @@ LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vec
         request.proof.push_back(proof->words);
         request.isProved = proof->isComplete;
     }
-    if (agents > 0)
-        request.proof.push_back(counted(agents, "login item is", "login items are") + " switched back.");
     if (const auto remarks = remarksOf(restored, catalog); !remarks.empty()) {
         request.proof.push_back(firstOf(remarks, " "));
         request.isProved = false;

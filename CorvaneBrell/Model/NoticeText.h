@@ -1,4 +1,4 @@
-// What is told at the foot of the window, whatever page is shown.
+// The lines at the foot of the window, whatever page is shown.
 #pragma once
 
 #include <optional>
@@ -32,15 +32,15 @@ struct Notice {
     bool operator==(const Notice&) const = default;
 };
 
-// What stays until it is dealt with, the most urgent first. Of a journal that could not be opened at the
-// start nothing is told here.
+// The lines that stay until they are dealt with, the most urgent first. Of a journal that could not be opened
+// at the start nothing is told here.
 std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& catalog,
                                     const std::optional<std::string>& whyNothingReal);
 
-// What is being done now.
+// The line about the work under way.
 std::optional<Activity> activityOf(const AppState& state);
 
-// What the last undo and the last relaunch came to, where everything went well.
+// The outcome of the last undo and the last relaunch, where everything went well.
 std::vector<Notice> doneNotices(const AppState& state);
 
 // The titles of the tweaks that wait for this effect.

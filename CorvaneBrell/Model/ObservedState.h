@@ -13,7 +13,7 @@ namespace brell {
 class ObservedState {
 public:
     const AppState& state() const { return state_; }
-    // The observer is called when the state has changed. It may call whoever changed it.
+    // The observer is called when the state has changed. It may call the one who changed it.
     void setObserver(std::function<void(Topic)> observer) { observer_ = std::move(observer); }
 
 protected:

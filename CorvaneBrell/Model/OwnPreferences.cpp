@@ -78,7 +78,7 @@ std::optional<NameSet> OwnPreferences::names(const char* key) const try {
 }
 
 void OwnPreferences::keepNames(const char* key, const NameSet& wanted) {
-    if (names(key) == wanted) return;
+    if (isClosed_ || names(key) == wanted) return;
     std::size_t bytes = 0;
     for (const std::string& name : wanted) bytes += name.size();
     if (bytes > mostNameBytes)

@@ -40,8 +40,8 @@ public:
     // way of the store, whose file would come back. Gives a sentence that says why something is left.
     std::optional<std::string> removeAll();
 
-    // Whether macOS gave its list of background items when the user had allowed to ask for it. What can't be
-    // kept is asked for again.
+    // True when macOS gave its list of background items after the user had allowed to ask for it. A value
+    // that can't be kept is asked for again.
     bool readsTaskList() const;
     void keepReadingTaskList(bool reads);
 

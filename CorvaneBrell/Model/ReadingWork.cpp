@@ -16,6 +16,7 @@
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace fs = std::filesystem;
 
@@ -84,7 +85,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
     return everything;
 }
 
-// A change that is not finished was interrupted, unless somebody is making it.
+// A change that is not finished was interrupted, unless another program is making it.
 void ReadingWork::readEntries(Everything& everything) {
     const auto isUnfinished = [](const JournalEntry& entry) {
         return entry.status == EntryStatus::capturing;

@@ -1,4 +1,4 @@
-// What is asked and told of a damaged journal that is rebuilt from its history.
+// The question and the report about a damaged journal that is rebuilt from its history.
 #pragma once
 
 #include <string>
@@ -27,7 +27,7 @@ struct RebuildRequest {
 
 RebuildRequest rebuildRequest(RebuildPlan plan, const TweakCatalog& catalog, PreferenceReader& preferences);
 
-// What rebuilding came to; nothing is left to decide.
+// The outcome of rebuilding; nothing is left to decide.
 struct RebuildReport {
     std::vector<std::string> lines;  // sentences
     bool operator==(const RebuildReport&) const = default;

@@ -1,4 +1,4 @@
-// What is asked of the user, each a plain value: a sheet is open exactly while its request is there.
+// The questions to the user, each a plain value: a sheet is open exactly while its request is there.
 #pragma once
 
 #include <optional>
@@ -58,7 +58,7 @@ struct AgentConfirmRequest {
     bool operator==(const AgentConfirmRequest&) const = default;
 };
 
-// Whether macOS may be asked for its list of background items, which may ask for a password.
+// The question whether macOS may be asked for its list of background items, which may ask for a password.
 struct TaskListRequest {
     Uuid id;
     bool operator==(const TaskListRequest&) const = default;

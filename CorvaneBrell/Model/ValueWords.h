@@ -1,4 +1,4 @@
-// What the keys of a tweak hold, as people say it: "Large", "On", "41", "not set".
+// The values of a tweak's keys, as people say them: "Large", "On", "41", "not set".
 #pragma once
 
 #include <string>
@@ -16,7 +16,7 @@ std::string pathWords(std::string_view path, std::string_view home);
 // came from outside is on one line and not longer than a message.
 std::string valueWords(const Tweak& tweak, const std::vector<StoredValue>& values, std::string_view home);
 
-// What is small below the text of a row, where it is so: "Medium risk · Relaunches Finder".
+// The small words below the text of a row, where they are so: "Medium risk · Relaunches Finder".
 std::string noteWords(const Tweak& tweak);
 
 }  // namespace brell

@@ -6,7 +6,7 @@
 
 namespace brell {
 
-// What a symbol or a bar says beside its words.
+// The tone of a symbol or a bar beside its words.
 enum class Tone { plain, accent, positive, caution, critical };
 
 namespace Appearance {

@@ -11,7 +11,7 @@ class ChoiceBox : public QComboBox {
 public:
     explicit ChoiceBox(QWidget* parent = nullptr);
 
-    // What is picked, in the words of the list.
+    // The item that is picked, in the words of the list.
     QString value() const { return currentIndex() < 0 ? placeholderText() : currentText(); }
     void showPopup() override;
 

@@ -6,7 +6,7 @@
 
 namespace brell {
 
-// The text is made when it is wanted. What it is of stands in the button's accessible name.
+// The text is made when it is wanted. Its subject stands in the button's accessible name.
 QPushButton* copyButton(const QString& title, const QString& of, std::function<QString()> text);
 
 }  // namespace brell

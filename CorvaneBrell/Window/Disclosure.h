@@ -1,4 +1,4 @@
-// What is below a title that opens it: closed at first, and made when it is opened.
+// Content below a title that opens it: closed at first, and made when it is opened.
 #pragma once
 
 #include <QWidget>

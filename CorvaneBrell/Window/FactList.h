@@ -10,7 +10,7 @@ class FactList final : public QWidget {
     Q_OBJECT
 public:
     explicit FactList(QWidget* parent = nullptr);
-    // On one line, and cut where somebody made it long; what is not shown as it is can be copied. Empty texts
+    // On one line, and cut where it is long; a text that is not shown as it is can be copied. Empty texts
     // are left out.
     void add(const QString& name, const QString& text);
 

@@ -1,5 +1,5 @@
-// What is made of the journal for use elsewhere: the report and the restore script, as files or to read; and
-// where files lie.
+// The files made of the journal for use elsewhere: the report and the restore script, as files or to read;
+// and where files lie.
 #pragma once
 
 #include <filesystem>

@@ -9,7 +9,7 @@ namespace brell {
 
 namespace {
 
-// What the toolkit keeps about file dialogs.
+// The toolkit's own notes about file dialogs.
 class Diary {
 public:
     Diary() : isThere_(QFile::exists(settings_.fileName())) {

@@ -1,4 +1,4 @@
-// What happened to every change, newest first and by day, as far back as the user wants to see.
+// The fate of every change, newest first and by day, as far back as the user wants to see.
 #pragma once
 
 #include "CorvaneBrell/Model/AppModel.h"

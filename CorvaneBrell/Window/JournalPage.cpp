@@ -106,7 +106,7 @@ void JournalPage::showChanges() {
     showSummary(drifted.size());
     restoreAll_->setEnabled(isAnyActive && !isLocked());
     copyCommands_->setEnabled(isAnyActive);
-    // What a throw-away journal has to say is not asked for.
+    // A throw-away journal is not asked.
     history_->setVisible(!isLocked());
     files_->setVisible(!isLocked());
 }
@@ -137,7 +137,7 @@ std::size_t JournalPage::foreignCount() const {
     }));
 }
 
-// What is restored already stays in the list of drifted agents until they are read again.
+// A change that is restored already stays in the list of drifted agents until they are read again.
 std::vector<const DriftedEntry*> JournalPage::driftedAgents() const {
     const AppState& state = model_.state();
     std::vector<const DriftedEntry*> drifted;

@@ -15,7 +15,7 @@ class Switch;
 struct ShownLoginItem {
     LoginItemRow row;
     std::optional<JournalEntry> change;  // ours, while it is active
-    std::optional<std::string> drift;    // what somebody did to it since
+    std::optional<std::string> drift;    // what was done to it since, outside Brell
     bool isInterrupted;                  // that change was never finished
     std::optional<std::string> refusal;  // why it can't be switched
     bool isLocked;                       // nothing can be changed at all

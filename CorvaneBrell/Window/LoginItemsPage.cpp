@@ -138,7 +138,7 @@ ShownLoginItem LoginItemsPage::shown(std::size_t place, const OwnChanges& change
     const LoginItemRow& row = state.loginItems[place];
     ShownLoginItem item{row,          std::nullopt,    std::nullopt, false,
                         std::nullopt, isLocked(state), factsOf(row), areNew_[place]};
-    // What is not the user's own may have the same label.
+    // An item that is not the user's own may have the same label.
     if (!row.record || row.record->scope != AgentScope::user) return item;
     if (!row.record->label() && !row.record->plist.leadsTo) return item;
     if (const auto refusal = state.switchRefusals.find(row.record->id());

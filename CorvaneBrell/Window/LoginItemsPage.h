@@ -32,7 +32,7 @@ private:
 
     void addTools();
     void addGroups();
-    // What Brell did to agents, by the journal's key, and what somebody did to them since, by the entry.
+    // Brell's changes of agents, by the journal's key, and what was done to them since, by the entry.
     struct OwnChanges {
         std::map<std::string_view, const JournalEntry*> active;
         std::map<Uuid, const std::string*> drifted;

@@ -247,7 +247,7 @@ void MainWindow::enterPage() {
     if (QWidget* first = firstControl(currentPage()->scrollArea())) first->setFocus(Qt::TabFocusReason);
 }
 
-// What the user asked for is finished first: what is under way, and what waits for its turn. A relaunch waits
+// Changes that the user asked for are finished first, under way or waiting for their turn. A relaunch waits
 // for other apps, so asking twice leaves it.
 void MainWindow::closeEvent(QCloseEvent* event) {
     const bool isAskedAgain = closesWhenDone_;

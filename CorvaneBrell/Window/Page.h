@@ -1,4 +1,5 @@
-// What every page has: a title, one line of purpose, tools beside them, and a column of content that scrolls.
+// The frame of every page: a title, one line of purpose, tools beside them, and a column of content that
+// scrolls.
 #pragma once
 
 #include <QBoxLayout>

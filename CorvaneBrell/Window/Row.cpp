@@ -22,7 +22,7 @@ bool isLoud(Tone tone) {
     return tone == Tone::caution || tone == Tone::critical;
 }
 
-// A word or two, on a tinted ground where they ask for attention. What the control says as well is quiet.
+// A word or two, on a tinted ground where they ask for attention. One that the control says as well is quiet.
 class BadgeView final : public QFrame {
 public:
     BadgeView(const RowBadge& badge, QWidget* parent) : QFrame(parent), tone_(badge.tone) {

@@ -21,7 +21,7 @@ public:
     explicit RowLayout(QWidget* row);
     ~RowLayout() override;
 
-    // Takes it; at most one of each. What is there already is removed and deleted.
+    // Takes it; at most one of each. A part that is there already is removed and deleted.
     void put(Part part, QWidget* widget);
     void put(Part part, QLayout* layout);
 

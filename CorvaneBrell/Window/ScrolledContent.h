@@ -1,4 +1,4 @@
-// What a scroll area shows: as high as its texts are at the width of the moment, and no higher.
+// The content of a scroll area: as high as its texts are at the width of the moment, and no higher.
 #pragma once
 
 #include <QWidget>

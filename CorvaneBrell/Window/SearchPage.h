@@ -1,4 +1,4 @@
-// What a search found: tweaks that can be changed right here, and pages.
+// The findings of a search: tweaks that can be changed right here, and pages.
 #pragma once
 
 #include "CorvaneBrell/Window/Page.h"

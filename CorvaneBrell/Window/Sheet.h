@@ -1,4 +1,4 @@
-// What every sheet has: a title, an explanation, content that scrolls, and its buttons. It belongs to the
+// The frame of every sheet: a title, an explanation, content that scrolls, and its buttons. It belongs to the
 // window and never waits in a loop of its own; Cancel is the default key unless the sheet says otherwise.
 #pragma once
 

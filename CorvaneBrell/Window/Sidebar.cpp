@@ -87,7 +87,7 @@ QListWidget* pageList() {
     return list;
 }
 
-// What assistive technology reads: "Finder, 3 active changes".
+// The words that assistive technology reads: "Finder, 3 active changes".
 QString spoken(const QString& title, std::size_t count) {
     if (count == 0) return title;
     return count == 1 ? QListWidget::tr("%1, 1 active change").arg(title)

@@ -1,4 +1,4 @@
-// Whether Spotlight indexes each volume.
+// The page of Spotlight's indexing, volume by volume.
 #pragma once
 
 #include "CorvaneBrell/Model/AppModel.h"

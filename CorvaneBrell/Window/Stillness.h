@@ -27,7 +27,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // What is under the pointer: a button that gets another name stands for something else.
+    // The control under the pointer: a button that gets another name stands for something else.
     struct Target {
         QPointer<QWidget> control;
         QString name;

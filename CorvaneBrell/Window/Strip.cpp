@@ -52,7 +52,7 @@ Look lookOf(NoticeKind kind) {
     return {Strip::tr("What was done"), "checkmark.circle", Tone::positive};
 }
 
-// What went wrong says so, not only its symbol.
+// An error says so in words, not only by its symbol.
 QString prefixOf(NoticeKind kind) {
     const bool isFailure = kind == NoticeKind::error || kind == NoticeKind::failedRecovery;
     return isFailure ? lookOf(kind).title + ": " : QString();
@@ -160,7 +160,7 @@ void Strip::refresh() {
     showPassing();
 }
 
-// What comes after another change is news, even in the same words.
+// A notice after another change is news, even in the same words.
 void Strip::hearNews() {
     const AppState& state = model_.state();
     const std::vector<Notice> done = doneNotices(state);

@@ -1,4 +1,4 @@
-// What the login items page says of macOS's own list of background items while it is not shown, and the
+// The login items page's words about macOS's own list of background items while it is not shown, and the
 // button that leads to it.
 #pragma once
 

@@ -102,7 +102,7 @@ QWidget* TweakDetails::keys(const std::vector<KeyFacts>& keys) const {
     return holder;
 }
 
-// What is active now, or else what turning it on would do.
+// The writes that are active now, or else those that turning it on would make.
 QString TweakDetails::terminalCommand() const {
     std::vector<JournalEntry> active;
     for (const JournalEntry& entry : model_.state().entries)

@@ -1,4 +1,4 @@
-// What there is to know about a tweak: first in plain words, then, for experts, everything about its keys.
+// The knowledge about a tweak: first in plain words, then, for experts, everything about its keys.
 #pragma once
 
 #include <QWidget>
@@ -16,7 +16,7 @@ class TweakDetails final : public QWidget {
 public:
     // Model and tweak must outlive the details.
     TweakDetails(AppModel& model, const Tweak& tweak, QWidget* parent = nullptr);
-    // Whether the focus was in what is shown no more.
+    // True when the focus was in a part that is shown no more.
     bool show(const TweakRowState& state);
 
 private:

@@ -10,7 +10,7 @@ namespace brell {
 
 namespace {
 
-// What becomes of one tweak: in words with their symbol, then the keys or the reason.
+// The fate of one tweak: in words with their symbol, then the keys or the reason.
 struct Outcome {
     QString symbol;
     Tone tone;

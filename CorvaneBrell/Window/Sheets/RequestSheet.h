@@ -8,7 +8,7 @@
 
 namespace brell {
 
-// It is the model that ends the request, and whoever shows the sheet closes it then.
+// It is the model that ends the request, and the presenter closes the sheet then.
 class RequestSheet : public Sheet {
     Q_OBJECT
 protected:

@@ -99,6 +99,7 @@ TEST_F(OwnPreferencesTest, AfterAllIsRemovedNothingIsKeptAnyMore) {
     defaults->locked = false;
     EXPECT_EQ(kept.removeAll(), std::nullopt);
     kept.keepWindowPlace({820, 560, Screen::journal});
+    kept.keepSeenItems({NameSet{"a job"}, NameSet{"a task"}});
     EXPECT_EQ(defaults->saved.size(), 1u);
 }
 
