@@ -12,7 +12,6 @@
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
 #include "BrellCore/Support/Uuid.h"
-#include "CorvaneBrell/Platform/ApplicationNames.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
 
 namespace fs = std::filesystem;
@@ -48,7 +47,7 @@ Machine thisMachine(const LaunchOptions& options) {
             userPreferences(preferences, TweakCatalog::allowedDomains()),
             userPreferences(preferences, {std::string(NeverTouch::ownLabel)}),
             std::make_unique<ProcessCommandRunner>(commandSeconds),
-            applicationName};
+            {}};
 }
 
 }  // namespace

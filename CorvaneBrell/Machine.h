@@ -31,7 +31,8 @@ struct Machine {
     std::unique_ptr<PreferenceStore> store;
     std::unique_ptr<PreferenceStore> ownStore;  // only the application's own domain
     std::unique_ptr<CommandRunning> runner;
-    // Of the app with this bundle identifier; nothing where there is none. From any thread.
+    // Of a stand-in, by bundle identifier; a Mac's own are in Platform/ApplicationNames, which needs AppKit
+    // and is for the window alone. From any thread.
     std::function<std::optional<std::string>(const std::string& bundleIdentifier)> applicationName;
 };
 

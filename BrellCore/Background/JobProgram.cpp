@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "BrellCore/Background/LaunchAgentPlist.h"
+#include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
 
@@ -21,8 +22,10 @@ constexpr std::array guardedInHome{"Desktop",
                                    "Library/Mobile Documents"};
 constexpr std::array attached{"Volumes", "Network"};
 
+// Also in another case: most of a Mac's disks take that for the same.
 bool isBelow(const fs::path& file, const fs::path& folder) {
-    return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
+    const fs::path one = lowerCaseAscii(folder.string()), other = lowerCaseAscii(file.string());
+    return std::mismatch(one.begin(), one.end(), other.begin(), other.end()).first == one.end();
 }
 
 template <std::size_t count>
@@ -37,8 +40,9 @@ std::optional<std::string> missingProgram(const LaunchAgentPlist& job, const fs:
                                           const fs::path& home) {
     const auto program = job.executable();
     if (!program || !program->starts_with('/')) return std::nullopt;
-    const fs::path file = (root / fs::path(*program).relative_path()).lexically_normal();
-    if (isBelowAny(file, home, guardedInHome) || isBelowAny(file, root, attached)) return std::nullopt;
+    const fs::path file = root / fs::path(*program).relative_path();
+    const fs::path place = file.lexically_normal();
+    if (isBelowAny(place, home, guardedInHome) || isBelowAny(place, root, attached)) return std::nullopt;
     std::error_code unknown;
     const bool isMissing = fs::status(file, unknown).type() == fs::file_type::not_found;
     return isMissing ? program : std::nullopt;

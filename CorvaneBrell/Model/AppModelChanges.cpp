@@ -28,7 +28,7 @@ std::string restoringText(std::size_t changes) {
 
 template <class Job, class... Arguments>
 void AppModel::change(std::string what, std::vector<std::string> tweakIDs, Job job, Arguments... arguments) {
-    if (state_.leavingReport) return;
+    if (state_.isLeaving || state_.leavingReport) return;
     changing_.insert(tweakIDs.begin(), tweakIDs.end());
     const auto done = [this, tweakIDs = std::move(tweakIDs)](const JobResult<ChangeOutcome>& result) {
         for (const std::string& id : tweakIDs) changing_.erase(changing_.find(id));
@@ -201,6 +201,7 @@ void AppModel::askLeaving() {
         return fail("Without its journal Brell can't tell what is still changed, so it can't be left now. " +
                     *reason);
     if (const auto why = whyNothingReal()) return fail("There is nothing to leave. " + *why);
+    refreshAll();  // what is active now is also what is restored then
     readLeaving();
 }
 
@@ -219,7 +220,9 @@ void AppModel::readLeaving() {
 void AppModel::confirmLeaving(const TakeAway& toTrash) {
     if (!state_.leavingRequest || !state_.leavingRequest->mayGoToTrash()) return;
     cancelLeaving();
+    set(&AppState::isLeaving, true, Topic::journal);
     const auto done = [this](const JobResult<bool>& hadFolder) {
+        set(&AppState::isLeaving, false, Topic::journal);
         if (!hadFolder.value) return fail(hadFolder.error);
         // Only now: with the journal in its place these are still of use.
         const auto whyNotCleared = own_.removeAll();

@@ -113,6 +113,7 @@ struct AppState {
     std::optional<ExportRequest> exportRequest;
     std::optional<LeavingRequest> leavingRequest;
     std::optional<LeavingReport> leavingReport;  // Brell's own files are gone; stays for the rest of the run
+    bool isLeaving = false;                      // they are being taken away
     std::vector<std::string> presetReport;       // what the last preset came to, a sentence each
 
     // Topic::notices
@@ -131,9 +132,10 @@ struct AppState {
     std::optional<Activity> taskListActivity;  // a first reading, which waits for a person; can be cancelled
 };
 
-// Without a journal that can be read nothing can be changed or put back, nor after it was taken away.
+// Without a journal that can be read nothing can be changed or put back, nor while it is taken away and after
+// that.
 inline bool isLocked(const AppState& state) {
-    return state.startupError || state.journalError || state.leavingReport;
+    return state.startupError || state.journalError || state.isLeaving || state.leavingReport;
 }
 
 }  // namespace brell

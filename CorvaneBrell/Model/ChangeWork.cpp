@@ -107,12 +107,13 @@ ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
 ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const std::set<Uuid>& ticked) {
     ChangeOutcome outcome;
     std::vector<Uuid> shown;
-    bool isStale = false;
-    for (const DriftedEntry& one : request.entries) {
-        shown.push_back(one.entry.id);
-        isStale = isStale || (ticked.contains(one.entry.id) && !isAsShown(one));
-    }
-    if (isStale) {
+    for (const DriftedEntry& one : request.entries) shown.push_back(one.entry.id);
+    const auto isAllAsShown = [&] {
+        return std::all_of(request.entries.begin(), request.entries.end(), [&](const DriftedEntry& one) {
+            return !ticked.contains(one.entry.id) || isAsShown(one);
+        });
+    };
+    if (!isAllAsShown()) {
         ask(outcome, shown, request);
         return finished(std::move(outcome));
     }
@@ -120,7 +121,9 @@ ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const st
     std::vector<Uuid> ids = request.others;
     for (const Uuid& id : shown)
         if (ticked.contains(id)) ids.push_back(id);
-    restoreTogether(outcome, deps_.journal->entries(ids), ticked, request.pendingAfterDrift);
+    if (!restoreTogether(outcome, deps_.journal->entries(ids), ticked, request.pendingAfterDrift,
+                         isAllAsShown))
+        ask(outcome, shown, request);
     return finished(std::move(outcome));
 }
 
@@ -262,11 +265,17 @@ bool ChangeWork::restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry
 }
 
 // Those that drifted only when they are confirmed; then what waited for them.
-void ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
-                                 const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then) {
+bool ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
+                                 const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then,
+                                 const std::function<bool()>& mayBegin) {
     for (const JournalEntry& entry : entries) noteBefore(outcome, entry);
-    const RestoreAllOutcome restored =
-        deps_.engine.restoreSelected(idsOf(entries), confirmed, goOn(progress_));
+    bool isKept = false;
+    const auto next = [&, following = goOn(progress_)](std::size_t done, std::size_t total) {
+        isKept = done == 0 && !mayBegin();
+        return !isKept && following(done, total);
+    };
+    const RestoreAllOutcome restored = deps_.engine.restoreSelected(idsOf(entries), confirmed, next);
+    if (isKept) return false;
     outcome.restored = deps_.journal->entries(restored.restored);
     for (const auto& [id, message] : restored.failed) outcome.failures.push_back(message);
     if (!restored.skippedDrifted.empty())
@@ -279,6 +288,7 @@ void ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
     else
         outcome.undo.done =
             actionOf(outcome, entries.size() == 1 ? entryTitle(entries.front(), deps_.catalog) : "restoring");
+    return true;
 }
 
 // Makes what a restored entry had made.
@@ -309,6 +319,7 @@ void ChangeWork::ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, D
         request.id = Uuid::random();
         request.entries.clear();
         for (const JournalEntry& entry : deps_.journal->entries(drifted)) {
+            if (!entry.isActive()) continue;  // another program put it back meanwhile
             DriftedEntry now = driftedEntry(entry, readKeys(entry, deps_.store), deps_.catalog);
             // One that holds what Brell wrote again is as any other.
             if (now.lines.empty())

@@ -57,8 +57,10 @@ private:
     void noteKeys(ChangeOutcome& outcome, const std::string& tweakID);
     void noteBefore(ChangeOutcome& outcome, const JournalEntry& entry);
     bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active, bool isConfirmed);
-    void restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
-                         const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then);
+    // False when mayBegin, which is asked while nobody else changes anything, kept it from beginning.
+    bool restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
+                         const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then,
+                         const std::function<bool()>& mayBegin);
     void addLeftOut(ChangeOutcome& outcome, const PresetPlan& plan) const;
     void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
     JournalEntry switchedAgain(const AgentCapture& before);

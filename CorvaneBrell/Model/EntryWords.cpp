@@ -257,13 +257,19 @@ std::string proofLine(const KeyReading& key) {
 std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,
                                    const std::vector<std::string>& alreadyBack, const TweakCatalog& catalog) {
     if (undone.empty()) return std::nullopt;
-    const bool isComplete = std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore));
+    std::vector<std::string> remarks;  // on what could not be put back whole
+    for (const JournalEntry& entry : undone)
+        if (const auto failure = failureWords(entry))
+            remarks.push_back(fmt::format("{}: {}", entryTitle(entry, catalog), *failure));
+    const bool isComplete =
+        remarks.empty() && std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore));
     std::vector<std::string> sentences = proofSentences(keys);
     const std::string what = undoneWords(undone, catalog, isComplete);
-    if (sentences.empty())
-        sentences.push_back(what + ".");
-    else
+    if (!sentences.empty())
         sentences.front() = what + ": " + sentences.front();
+    else if (remarks.empty())
+        sentences.push_back(what + ".");
+    if (!remarks.empty()) sentences.push_back(firstOf(remarks, " "));
     std::vector<std::string> back;
     for (const std::string& name : alreadyBack) back.push_back(name + " was already back as it was.");
     if (!back.empty()) sentences.push_back(firstOf(back, " "));

@@ -1,27 +1,11 @@
 #include "CorvaneBrell/Model/LeavingRequest.h"
 
-#include <fmt/format.h>
-
 #include <set>
 
-#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
-
-namespace {
-
-// An undo may have left something as it could not be otherwise, or what others set since.
-std::vector<std::string> remarksOf(const std::vector<JournalEntry>& restored, const TweakCatalog& catalog) {
-    std::vector<std::string> remarks;
-    for (const JournalEntry& entry : restored)
-        if (const auto failure = failureWords(entry))
-            remarks.push_back(fmt::format("{}: {}", entryTitle(entry, catalog), *failure));
-    return remarks;
-}
-
-}  // namespace
 
 LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vector<Uuid> concerned,
                               const TweakCatalog& catalog, PreferenceReader& preferences) {
@@ -42,10 +26,6 @@ LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vec
         request.proof.push_back(proof->words);
         request.isProved = proof->isComplete;
     }
-    if (const auto remarks = remarksOf(restored, catalog); !remarks.empty()) {
-        request.proof.push_back(firstOf(remarks, " "));
-        request.isProved = false;
-    }
     for (const KeyReading& key : keys) request.keys.push_back(proofLine(key));
     return request;
 }
@@ -61,7 +41,7 @@ LeavingReport leavingReport(const std::string& folder, const std::optional<std::
         report.lines.push_back("Brell's own preferences could not be removed: " + *whyNotCleared);
     else
         report.lines.push_back(
-            "Brell's own preferences are removed. Nothing of Brell is left now but the application itself.");
+            "Brell's own preferences are removed. The application itself stays until you remove it.");
     return report;
 }
 

@@ -17,6 +17,7 @@
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ValueWords.h"
+#include "CorvaneBrell/Platform/ApplicationNames.h"
 
 namespace fs = std::filesystem;
 
@@ -158,11 +159,12 @@ std::shared_ptr<const BTMDump> ReadingWork::firstTaskList(const Cancellation& is
 // The home belongs to the user, and so should the files in it.
 void ReadingWork::noteFacts(const std::vector<LaunchAgentRecord>& jobs, LoginItems& items) {
     const auto user = ownerOf(deps_.machine.home);
+    const auto& named = deps_.machine.applicationName ? deps_.machine.applicationName : applicationName;
     for (const LaunchAgentRecord& job : jobs) {
         if (progress_.isEnding()) return;
         JobFacts facts{missingProgram(job.plist, deps_.machine.systemRoot, deps_.machine.home), {}, {}};
         for (const std::string& bundleID : job.plist.associatedBundleIDs)
-            if (const auto app = deps_.machine.applicationName(bundleID)) facts.apps.push_back(excerpt(*app));
+            if (const auto app = named(bundleID)) facts.apps.push_back(excerpt(*app));
         const auto& owner = job.plist.fileOwnerUID;
         if (job.scope == AgentScope::user && user && owner && owner != user) facts.otherOwner = owner;
         if (facts != JobFacts()) items.facts.emplace(job.id(), std::move(facts));
@@ -246,7 +248,10 @@ LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
     LeavingRequest request =
         leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.catalog, *preferences);
     request.folder = pathWords(deps_.journalDirectory().string(), deps_.catalog.home());
-    if (request.active.empty()) request.whyNotToTrash = whyNotToLeave(*deps_.journal);
+    if (request.active.empty())
+        request.whyNotToTrash = request.isProved
+                                    ? whyNotToLeave(*deps_.journal)
+                                    : "not everything could be put back, and its journal says how it was";
     return request;
 }
 

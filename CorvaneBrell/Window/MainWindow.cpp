@@ -51,6 +51,8 @@ std::set<std::string> keepsWindowOpen(const AppState& state) {
     // Its first line tells how many changes were made.
     if (state.presetReport.size() > 1) news.insert(state.presetReport.begin(), state.presetReport.end());
     if (state.undoProof && !state.undoProof->isComplete) news.insert(state.undoProof->words);
+    if (state.leavingReport)
+        news.insert(state.leavingReport->lines.begin(), state.leavingReport->lines.end());
     if (state.relaunchReport && !state.relaunchReport->isComplete) news.insert(state.relaunchReport->words);
     return news;
 }

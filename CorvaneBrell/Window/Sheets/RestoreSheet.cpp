@@ -26,8 +26,11 @@ QString explanationOf(const RestoreRequest& request) {
     if (isAlone(request)) return qt(changes.explanation());
     const std::size_t all = changes.others.size() + changes.entries.size();
     if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
+    const std::size_t others = changes.others.size();
+    if (others == 0) return QObject::tr("Only what is ticked is put back.");
+    if (others == 1) return QObject::tr("This undoes 1 change, and puts back what was there before.");
     return QObject::tr("This undoes %1 changes, the latest first, and puts back what was there before.")
-        .arg(changes.others.size());
+        .arg(others);
 }
 
 // Commands are in plain sight, keys where they are asked for.

@@ -113,7 +113,11 @@ TEST_F(WaysOutTest, LeavingPutsEverythingBackProvesItAndTakesBrellsOwnFilesAwayL
 
     model->keepMacOS();
     settled(*model)->askLeaving();
-    settled(*model)->confirmLeaving(toTrash);
+    model->confirmLeaving(toTrash);
+    EXPECT_TRUE(isLocked(model->state()));
+    model->apply("dock.magnify");  // between the button and the Trash
+    settle(*model);
+    EXPECT_EQ(preferences(), before);
     ASSERT_TRUE(std::holds_alternative<LeavingReport>(sheetRequest(model->state(), {}).value()));
     EXPECT_TRUE(isLocked(model->state()));
     EXPECT_TRUE(fs::exists(trash / "journal.json"));
