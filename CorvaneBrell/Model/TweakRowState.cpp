@@ -176,6 +176,9 @@ TweakRowState tweakRowState(const AppModel& model, const Tweak& tweak) {
     row.isOn = positionOf(*status);
     row.canChange = shown.canChange && !isLocked(state);
     row.reason = std::move(shown.reason);
+    // In plain sight: the way back in the row asks for nothing.
+    if (row.reason.empty() && active)
+        row.reason = cameFromElsewhere(*active, model.catalog().home(), model.macOSVersion()).value_or("");
     row.choiceID = status->currentChoiceID;
     row.nothingStored =
         !status->exact.empty() && std::all_of(status->exact.begin(), status->exact.end(),

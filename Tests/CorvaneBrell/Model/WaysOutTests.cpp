@@ -1,6 +1,7 @@
 // The ways out: of a journal that is damaged, and of Brell.
 #include "BrellCore/Journal/Journal.h"
 #include "CorvaneBrell/Model/SheetRequest.h"
+#include "CorvaneBrell/Model/TweakRowState.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 
 namespace fs = std::filesystem;
@@ -133,6 +134,23 @@ TEST_F(WaysOutTest, LeavingPutsEverythingBackProvesItAndTakesBrellsOwnFilesAwayL
     model->keepMacOS();
     model.reset();
     EXPECT_EQ(everythingIn(folder.path), left);
+}
+
+TEST_F(WaysOutTest, AJournalOfAnotherMacIsToldOfBeforeTheFirstRestore) {
+    settled(*openModel())->apply("dock.autohide");
+    const fs::path journal = journalFolder / "journal.json";
+    const auto model = openModel();
+    const Tweak& tweak = *model->catalog().tweak("dock.autohide");
+    EXPECT_EQ(tweakRowState(*model, tweak).reason, "");
+    std::string text = contentsOf(journal);
+    const std::string version = "\"" + model->macOSVersion() + "\"";
+    setContents(journal, text.replace(text.find(version), version.size(), "\"99.1.0\""));
+    settled(*model)->refreshAll();
+    const std::string words = "It was made on macOS 99.1.0, which is newer than this Mac's " +
+                              model->macOSVersion() + ". It may have come from another Mac or account.";
+    EXPECT_EQ(tweakRowState(*model, tweak).reason, words);
+    settled(*model)->askRestoreAll();
+    EXPECT_EQ(model->state().restoreRequest.value().steps.at(0).words, "Now On, back to Off\n" + words);
 }
 
 TEST_F(WaysOutTest, WithoutAJournalOrInADryRunThereIsNothingToLeave) {
