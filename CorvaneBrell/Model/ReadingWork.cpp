@@ -50,6 +50,13 @@ bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences)
            !isInForce(entry, preferences);
 }
 
+// Also one that is not there; not one that leads to a disk that is not attached.
+bool isListed(const fs::path& folder) {
+    std::error_code failed, unknown;
+    const fs::directory_iterator first(folder, failed);
+    return !failed || fs::symlink_status(folder, unknown).type() == fs::file_type::not_found;
+}
+
 fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
     if (isOfTheJournal(file, journal))
         throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
@@ -140,6 +147,8 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
     if (tasks.isRead) items.tasks = taskList(std::nullopt);
     merge();
     items.seen = SeenItems::in(items.rows, items.tasks != nullptr);
+    // The jobs of a folder that is out of reach are not gone.
+    if (!isListed(deps_.reader.userAgentsDirectory())) items.seen.jobs.reset();
     return items;
 }
 

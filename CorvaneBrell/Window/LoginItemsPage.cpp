@@ -167,7 +167,9 @@ void LoginItemsPage::showEmptyState() {
         setActionText(emptyAction_, tr("Show All"));
         setEmptyState(filter_->text().trimmed().isEmpty()
                           ? tr("No login item is new since your last visit.")
-                          : tr("No login item has “%1” in its name, label, app or state.")
+                          : (newOnly_->isChecked()
+                                 ? tr("No new login item has “%1” in its name, label, app or state.")
+                                 : tr("No login item has “%1” in its name, label, app or state."))
                                 .arg(filter_->text().trimmed()));
     } else if (state.loginItemsLoaded) {
         setActionText(emptyAction_, tr("Read Again"));

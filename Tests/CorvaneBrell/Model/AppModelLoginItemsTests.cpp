@@ -220,6 +220,15 @@ TEST_F(AppModelTest, LoginItemsThatCameSinceTheLastVisitAreNew) {
     visit();
     EXPECT_EQ(news(), Texts());
 
+    const fs::path agents = sample.launchAgents();
+    fs::rename(agents, agents.string() + ".away");
+    fs::create_symlink("a disk that is not attached", agents);
+    visit();
+    fs::remove(agents);
+    fs::rename(agents.string() + ".away", agents);
+    visit();
+    EXPECT_EQ(news(), Texts());
+
     // What only macOS's list knows is not new because that is read for the first time.
     model->askTaskList();
     settled(*model)->confirmTaskList();
