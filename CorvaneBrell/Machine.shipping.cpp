@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Machine.h"
 
+#include "BrellCore/Preferences/PreferenceStore.h"  // a Machine owns two
+
 namespace brell {
 
 std::optional<Machine> standInFor(const LaunchOptions&) {
