@@ -137,7 +137,8 @@ std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, cons
 }
 
 Preset ownPreset(std::string name, std::vector<std::string> tweakIDs) {
-    return {.id = PresetFile::slug(name),
+    std::string id = PresetFile::slug(name);
+    return {.id = std::move(id),
             .name = std::move(name),
             .summary = "Made of the changes that were active on this Mac.",
             .tweakIDs = std::move(tweakIDs)};
