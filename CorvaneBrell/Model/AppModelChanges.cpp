@@ -28,7 +28,7 @@ std::string restoringText(std::size_t changes) {
 
 template <class Job, class... Arguments>
 void AppModel::change(std::string what, std::vector<std::string> tweakIDs, Job job, Arguments... arguments) {
-    if (state_.isLeaving || state_.leavingReport) return;
+    if (state_.isLeaving) return;
     changing_.insert(tweakIDs.begin(), tweakIDs.end());
     const auto done = [this, tweakIDs = std::move(tweakIDs)](const JobResult<ChangeOutcome>& result) {
         for (const std::string& id : tweakIDs) changing_.erase(changing_.find(id));
@@ -222,14 +222,15 @@ void AppModel::confirmLeaving(const TakeAway& toTrash) {
     cancelLeaving();
     set(&AppState::isLeaving, true, Topic::journal);
     const auto done = [this](const JobResult<bool>& hadFolder) {
-        set(&AppState::isLeaving, false, Topic::journal);
-        if (!hadFolder.value) return fail(hadFolder.error);
+        if (!hadFolder.value) {
+            set(&AppState::isLeaving, false, Topic::journal);
+            return fail(hadFolder.error);
+        }
         // Only now: with the journal in its place these are still of use.
         const auto whyNotCleared = own_.removeAll();
         const std::string folder =
             *hadFolder.value ? pathWords(journalDirectory_.string(), catalog().home()) : "";
         set(&AppState::leavingReport, leavingReport(folder, whyNotCleared), Topic::question);
-        announce(Topic::journal);  // nothing can be changed any more
     };
     changes_.run("Moving Brell's files to the Trash", &ChangeWork::leave, done, toTrash);
 }

@@ -17,7 +17,7 @@ std::int64_t AppModel::processNow(EffectClass effect) const {
 
 // The list is read anew each time: another run of the program may have noted something.
 std::string AppModel::updateRelaunches(const std::function<void(PendingRelaunches&)>& change) {
-    if (state_.isLeaving || state_.leavingReport) return {};
+    if (state_.isLeaving) return {};
     std::optional<std::filesystem::path> lock;
     if (!options().dryRun) lock = journalDirectory_ / relaunchLockName;
     const auto [kept, whyNot] = updatePendingRelaunches(ownStore_, lock, [&](PendingRelaunches& pending) {

@@ -112,8 +112,8 @@ struct AppState {
     std::optional<PresetRequest> presetRequest;
     std::optional<ExportRequest> exportRequest;
     std::optional<LeavingRequest> leavingRequest;
-    std::optional<LeavingReport> leavingReport;  // Brell's own files are gone; stays for the rest of the run
-    bool isLeaving = false;                      // they are being taken away
+    bool isLeaving = false;  // Brell's own files are being taken away, or are gone for the rest of the run
+    std::optional<LeavingReport> leavingReport;  // once they are gone
     std::vector<std::string> presetReport;       // what the last preset came to, a sentence each
 
     // Topic::notices
@@ -135,7 +135,7 @@ struct AppState {
 // Without a journal that can be read nothing can be changed or put back, nor while it is taken away and after
 // that.
 inline bool isLocked(const AppState& state) {
-    return state.startupError || state.journalError || state.isLeaving || state.leavingReport;
+    return state.startupError || state.journalError || state.isLeaving;
 }
 
 }  // namespace brell
