@@ -90,7 +90,7 @@ QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked
     connect(tick, &QCheckBox::toggled, this, &RestoreSheet::showCount);
     auto* below = new QWidget;  // where the title begins
     auto* column = new QVBoxLayout(below);
-    column->setContentsMargins(tick->layout()->contentsMargins().left(), 0, 0, 0);
+    column->setContentsMargins(TickBox::indent, 0, 0, 0);
     column->setSpacing(3);
     column->addWidget(words);
     column->addWidget(keys);
