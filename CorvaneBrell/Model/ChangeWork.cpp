@@ -346,10 +346,7 @@ bool ChangeWork::asksForDrift(const JournalEntry& entry) {
 // Reads what a change came to, while nothing else changes.
 ChangeOutcome ChangeWork::finished(ChangeOutcome outcome) {
     const std::vector<JournalEntry> undone = undoneBy(outcome);
-    KeyReadings keys;
-    for (const JournalEntry& entry : undone)
-        for (KeyReading& key : readKeys(entry, deps_.store)) keys.push_back(std::move(key));
-    outcome.proof = undoProof(undone, keys, outcome.alreadyBack, deps_.catalog);
+    outcome.proof = undoProof(undone, readKeys(undone, deps_.store), outcome.alreadyBack, deps_.catalog);
     std::set<std::string_view> changed;
     for (const auto* entries : {&outcome.restored, &outcome.made})
         for (const JournalEntry& entry : *entries) changed.insert(entry.tweakID);

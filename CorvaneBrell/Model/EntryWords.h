@@ -72,7 +72,7 @@ std::string proofLine(const KeyReading& key);
 struct UndoProof {
     // "Icon size is back to 41: 1 of 1 key is exactly as before."; every key that is not is named.
     std::string words;
-    bool isComplete;  // every key is as before
+    bool isComplete;  // every key is as before, and no undo left a remark
     bool operator==(const UndoProof&) const = default;
 };
 

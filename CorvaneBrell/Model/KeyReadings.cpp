@@ -17,4 +17,11 @@ KeyReadings readKeys(const JournalEntry& entry, PreferenceReader& preferences) {
     return keys;
 }
 
+KeyReadings readKeys(const std::vector<JournalEntry>& entries, PreferenceReader& preferences) {
+    KeyReadings keys;
+    for (const JournalEntry& entry : entries)
+        for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
+    return keys;
+}
+
 }  // namespace brell

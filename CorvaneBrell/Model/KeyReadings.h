@@ -18,12 +18,13 @@ struct KeyReading {
     bool isAsWritten() const { return now == write.written; }
     bool operator==(const KeyReading&) const = default;
 };
-using KeyReadings = std::vector<KeyReading>;  // one for each key of an entry
+using KeyReadings = std::vector<KeyReading>;  // one for each key of an entry, or of several
 
 // The exact reading; nothing when the key can't be read.
 std::optional<StoredValue> readIfPossible(const PrefKey& key, PreferenceReader& preferences);
 
 // Raises nothing. A LaunchAgent's entry has no keys.
 KeyReadings readKeys(const JournalEntry& entry, PreferenceReader& preferences);
+KeyReadings readKeys(const std::vector<JournalEntry>& entries, PreferenceReader& preferences);
 
 }  // namespace brell

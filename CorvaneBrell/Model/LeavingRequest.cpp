@@ -2,30 +2,25 @@
 
 #include <set>
 
-#include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
 
 LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vector<Uuid> concerned,
                               const TweakCatalog& catalog, PreferenceReader& preferences) {
-    LeavingRequest request{Uuid::random(), std::move(concerned), {}, {}, {}, true, {}, std::nullopt};
+    LeavingRequest request{Uuid::random(), std::move(concerned), {}, {}, {}, {}, std::nullopt};
     std::set<Uuid> asked(request.concerned.begin(), request.concerned.end());
     std::vector<JournalEntry> restored;
-    KeyReadings keys;
     for (const JournalEntry& entry : entries) {
         if (entry.isActive()) {
             request.active.push_back({entryTitle(entry, catalog), changeWords(entry, catalog)});
             if (asked.insert(entry.id).second) request.concerned.push_back(entry.id);
         } else if (asked.contains(entry.id)) {
-            for (KeyReading& key : readKeys(entry, preferences)) keys.push_back(std::move(key));
             restored.push_back(entry);
         }
     }
-    if (const auto proof = undoProof(restored, keys, {}, catalog)) {
-        request.proof.push_back(proof->words);
-        request.isProved = proof->isComplete;
-    }
+    const KeyReadings keys = readKeys(restored, preferences);
+    request.proof = undoProof(restored, keys, {}, catalog);
     for (const KeyReading& key : keys) request.keys.push_back(proofLine(key));
     return request;
 }

@@ -7,6 +7,7 @@
 
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Journal/JournalEntry.h"
+#include "CorvaneBrell/Model/EntryWords.h"
 
 namespace brell {
 
@@ -22,12 +23,12 @@ struct LeavingRequest {
     Uuid id;
     std::vector<Uuid> concerned;               // every change that was active once it was asked
     std::vector<Change> active;                // still, newest first: nothing can be removed
-    std::vector<std::string> proof;            // of the concerned ones that are restored, sentences
+    std::optional<UndoProof> proof;            // of the concerned ones that are restored
     std::vector<std::string> keys;             // and key by key
-    bool isProved = true;                      // no key is other than before, no undo left a remark
     std::string folder;                        // where Brell's own files lie
     std::optional<std::string> whyNotToTrash;  // with nothing active: why the folder stays all the same
 
+    bool isProved() const { return !proof || proof->isComplete; }
     bool mayGoToTrash() const { return active.empty() && !whyNotToTrash; }
     bool operator==(const LeavingRequest&) const = default;
 };

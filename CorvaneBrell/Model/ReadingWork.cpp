@@ -258,7 +258,7 @@ LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
         leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.catalog, *preferences);
     request.folder = pathWords(deps_.journalDirectory().string(), deps_.catalog.home());
     if (request.active.empty())
-        request.whyNotToTrash = request.isProved
+        request.whyNotToTrash = request.isProved()
                                     ? whyNotToLeave(*deps_.journal)
                                     : "not everything could be put back, and its journal says how it was";
     return request;

@@ -46,9 +46,9 @@ void LeavingSheet::showActive(const LeavingRequest& request) {
 
 // By what was put back on the way here.
 void LeavingSheet::showProof(const LeavingRequest& request) {
-    for (const std::string& sentence : request.proof)
-        addNote(request.isProved ? "checkmark.circle" : "exclamationmark.triangle",
-                request.isProved ? Tone::positive : Tone::caution, qt(sentence));
+    if (request.proof)
+        addNote(request.isProved() ? "checkmark.circle" : "exclamationmark.triangle",
+                request.isProved() ? Tone::positive : Tone::caution, qt(request.proof->words));
     if (!request.keys.empty())
         content()->addWidget(new Disclosure(tr("For experts"), tr("Key by key"), [keys = request.keys] {
             return keyLines(QObject::tr("Key by key"), keys);

@@ -100,10 +100,10 @@ TEST_F(WaysOutTest, LeavingPutsEverythingBackProvesItAndTakesBrellsOwnFilesAwayL
     ASSERT_EQ(drifted.size(), 1u);
     settled(*model)->confirmRestore({drifted.front().entry.id});
     EXPECT_EQ(preferences(), before);
-    EXPECT_EQ(request().proof, Texts{"3 changes are back: 4 of 4 keys are exactly as before."});
+    EXPECT_EQ(request().proof, (UndoProof{"3 changes are back: 4 of 4 keys are exactly as before.", true}));
     ASSERT_EQ(request().keys.size(), 4u);
     EXPECT_EQ(request().keys.front(), "com.apple.screencapture type: \"png\", as before");
-    EXPECT_TRUE(request().isProved && request().mayGoToTrash());
+    EXPECT_TRUE(request().isProved() && request().mayGoToTrash());
 
     const auto kept = everythingIn(journalFolder);
     settled(*model)->confirmLeaving([](const fs::path&) { throw std::runtime_error("it is full"); });
