@@ -15,7 +15,6 @@ class Sheet : public QDialog {
 public:
     Sheet(const QString& title, const QString& explanation, QWidget* window);
 
-protected:
     QVBoxLayout* content() { return content_; }
     // Buttons stand in a line at the bottom, Cancel first. Cancelling rejects the sheet, as the Escape key
     // and the close box do.

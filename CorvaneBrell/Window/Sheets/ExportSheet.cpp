@@ -1,17 +1,39 @@
-#include "CorvaneBrell/Window/Sheets/ExportSheet.h"
+// Asks which of the active changes go into a preset, and for its name. Every change that a preset can carry
+// is ticked at first.
 
 #include <QLineEdit>
+#include <set>
 
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Sheets/RequestSheet.h"
+#include "CorvaneBrell/Window/Sheets/Sheets.h"
 #include "CorvaneBrell/Window/TickBox.h"
 
 namespace brell {
+
+namespace {
+
+class ExportSheet final : public RequestSheet {
+public:
+    ExportSheet(AppModel& model, QWidget* window, const ExportRequest& request);
+
+private:
+    QWidget* row(const ExportRow& record);
+    void choose(const std::string& tweakID, bool isChosen);
+    void goOn(QWidget* window, const std::vector<ExportRow>& rows);
+
+    AppModel& model_;
+    QLineEdit* name_;
+    std::set<std::string> chosen_;  // tweaks, also of rows that are not shown yet
+    QPushButton* export_ = nullptr;
+};
 
 ExportSheet::ExportSheet(AppModel& model, QWidget* window, const ExportRequest& request)
     : RequestSheet(model, window, tr("Export Preset"),
                    tr("What is ticked goes into the preset, each setting with its own value."),
                    &AppModel::cancelExport),
+      model_(model),
       name_(new QLineEdit(tr("My settings"))) {
     name_->setAccessibleName(tr("Name of the preset"));
     content()->addWidget(new Paragraph(tr("Name of the preset"), Paragraph::Look::secondary));
@@ -47,7 +69,7 @@ void ExportSheet::choose(const std::string& tweakID, bool isChosen) {
     else
         chosen_.erase(tweakID);
     export_->setText(tr("Export %1...").arg(chosen_.size()));
-    export_->setEnabled(!chosen_.empty() && !isLocked(model().state()));
+    export_->setEnabled(!chosen_.empty() && !isLocked(model_.state()));
 }
 
 void ExportSheet::goOn(QWidget* window, const std::vector<ExportRow>& rows) {
@@ -56,8 +78,14 @@ void ExportSheet::goOn(QWidget* window, const std::vector<ExportRow>& rows) {
         if (record.whyNot.empty() && chosen_.contains(record.tweakID)) ids.push_back(record.tweakID);
     const QString name = name_->text().trimmed();
     const Preset preset = ownPreset(utf8(name.isEmpty() ? tr("My settings") : name), std::move(ids));
-    model().cancelExport();
-    exportPreset(model(), window, preset);
+    model_.cancelExport();
+    exportPreset(model_, window, preset);
+}
+
+}  // namespace
+
+Sheet* sheetFor(AppModel& model, QWidget* window, const ExportRequest& request) {
+    return new ExportSheet(model, window, request);
 }
 
 }  // namespace brell

@@ -27,6 +27,12 @@ QPushButton* RequestSheet::addAnswers(const QString& confirmText, std::function<
     return button;
 }
 
+QPushButton* RequestSheet::addAnswers(const QString& confirmText, void (AppModel::*confirm)(),
+                                      const QString& cancelText) {
+    return addAnswers(
+        confirmText, [this, confirm] { (model_.*confirm)(); }, cancelText);
+}
+
 void RequestSheet::addNote(const QString& symbol, Tone tone, const QString& text) {
     content()->addWidget(symbolLine(symbol, tone, text, this));
 }

@@ -11,16 +11,16 @@ namespace brell {
 // It is the model that ends the request, and the presenter closes the sheet then.
 class RequestSheet : public Sheet {
     Q_OBJECT
-protected:
+public:
     // cancel is called once, when the sheet is left by Cancel, the Escape key or the close box.
     RequestSheet(AppModel& model, QWidget* window, const QString& title, const QString& explanation,
                  void (AppModel::*cancel)());
 
-    AppModel& model() { return model_; }
-
     // Cancel, which is the default key, and the button that goes on. Where nothing can be changed that one
     // stays disabled, with the reason in plain sight.
     QPushButton* addAnswers(const QString& confirmText, std::function<void()> confirm,
+                            const QString& cancelText = tr("Cancel"));
+    QPushButton* addAnswers(const QString& confirmText, void (AppModel::*confirm)(),
                             const QString& cancelText = tr("Cancel"));
 
     // A line of plain text with its symbol.

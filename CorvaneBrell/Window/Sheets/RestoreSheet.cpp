@@ -1,8 +1,14 @@
-#include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
+// Shows what a restore puts back, or a last action undoes, before it is done. What others changed since
+// stands in a section of its own with a box each; nothing is ticked at first.
+
+#include <utility>
 
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Sheets/RequestSheet.h"
+#include "CorvaneBrell/Window/Sheets/Sheets.h"
+#include "CorvaneBrell/Window/TickBox.h"
 
 namespace brell {
 
@@ -42,10 +48,29 @@ QWidget* stepRow(const RestoreStep& step) {
                                        : forExperts(title, step.lines)});
 }
 
-}  // namespace
+class RestoreSheet final : public RequestSheet {
+public:
+    RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request);
+    RestoreSheet(AppModel& model, QWidget* window, const DriftRequest& request);
+
+private:
+    using Confirm = void (AppModel::*)(const std::set<Uuid>& ticked);
+
+    void addDrifted(const DriftRequest& changes);
+    QWidget* driftedRow(const DriftedEntry& drifted, bool isToBeTicked);
+    void addConfirmation(const DriftRequest& changes, Confirm confirm);
+    void showCount();
+    std::set<Uuid> ticked() const;
+
+    AppModel& model_;
+    std::size_t others_ = 0;                        // that are restored whatever is ticked
+    QPushButton* restore_ = nullptr;                // where it says how many it restores
+    std::vector<std::pair<Uuid, TickBox*>> ticks_;  // of the rows that are shown
+};
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
-    : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore) {
+    : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore),
+      model_(model) {
     if (!isAlone(request) && !request.changes.entries.empty()) {
         content()->addWidget(sectionHeading(qt(request.changes.title())));
         content()->addWidget(new Paragraph(qt(request.changes.explanation()), Paragraph::Look::secondary));
@@ -59,7 +84,8 @@ RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreReques
 }
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const DriftRequest& request)
-    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift) {
+    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift),
+      model_(model) {
     addDrifted(request);
     const auto others = static_cast<int>(request.others.size());
     if (others > 0)
@@ -79,7 +105,7 @@ void RestoreSheet::addDrifted(const DriftRequest& changes) {
 }
 
 QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked) {
-    const QString title = qt(entryTitle(drifted.entry, model().catalog()));
+    const QString title = qt(entryTitle(drifted.entry, model_.catalog()));
     auto* words = new Paragraph(qt(drifted.words), Paragraph::Look::secondary);
     QWidget* keys = forExperts(title, drifted.lines);
     if (!isToBeTicked) return sheetRow({new Paragraph(title, Paragraph::Look::heading), words, keys});
@@ -87,7 +113,7 @@ QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked
     tick->setAccessibleName(tr("Restore %1 anyway").arg(title));
     tick->setAccessibleDescription(qt(drifted.words));
     ticks_.emplace_back(drifted.entry.id, tick);
-    connect(tick, &QCheckBox::toggled, this, &RestoreSheet::showCount);
+    connect(tick, &QCheckBox::toggled, this, [this] { showCount(); });
     auto* below = new QWidget;  // where the title begins
     auto* column = new QVBoxLayout(below);
     column->setContentsMargins(TickBox::indent, 0, 0, 0);
@@ -102,12 +128,12 @@ QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked
 void RestoreSheet::addConfirmation(const DriftRequest& changes, Confirm confirm) {
     if (changes.isAboutOne()) {
         addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
-                   [this, confirm, only = changes.entries.front().entry.id] { (model().*confirm)({only}); });
+                   [this, confirm, only = changes.entries.front().entry.id] { (model_.*confirm)({only}); });
         return;
     }
     others_ = changes.others.size();
     QPushButton* button = addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
-                                     [this, confirm] { (model().*confirm)(ticked()); });
+                                     [this, confirm] { (model_.*confirm)(ticked()); });
     const bool isPlain = changes.undoing || (changes.entries.empty() && others_ == 1);
     if (isPlain) return;
     if (button->isEnabled()) restore_ = button;
@@ -129,6 +155,16 @@ std::set<Uuid> RestoreSheet::ticked() const {
     for (const auto& [id, tick] : ticks_)
         if (tick->isChecked()) ids.insert(id);
     return ids;
+}
+
+}  // namespace
+
+Sheet* sheetFor(AppModel& model, QWidget* window, const RestoreRequest& request) {
+    return new RestoreSheet(model, window, request);
+}
+
+Sheet* sheetFor(AppModel& model, QWidget* window, const DriftRequest& request) {
+    return new RestoreSheet(model, window, request);
 }
 
 }  // namespace brell

@@ -10,8 +10,6 @@
 #include "CorvaneBrell/Window/ChangeRow.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
-#include "CorvaneBrell/Window/Sheets/RecoverySheet.h"
-#include "CorvaneBrell/Window/Sheets/RestoreSheet.h"
 #include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
@@ -96,7 +94,7 @@ TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
 TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     fill(EntryStatus::capturing);
     openWindow();
-    auto* recovery = qobject_cast<RecoverySheet*>(window->sheets().current());
+    Sheet* recovery = window->sheets().current();
     ASSERT_TRUE(recovery);
     const auto headings = [&] {
         std::size_t named = 0;
@@ -109,7 +107,7 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     settled()->deferRecovery();
 
     settled()->askRestoreAll();
-    auto* restore = qobject_cast<RestoreSheet*>(window->sheets().current());
+    Sheet* restore = window->sheets().current();
     ASSERT_TRUE(restore);
     ASSERT_EQ(model->state().restoreRequest->steps.size(), agents);
     EXPECT_EQ(linesIn(*restore), 2 * batch);

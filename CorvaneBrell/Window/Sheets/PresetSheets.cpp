@@ -1,10 +1,13 @@
-#include "CorvaneBrell/Window/Sheets/PresetSheet.h"
+// What a preset would come to, and what it came to.
 
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
+#include "CorvaneBrell/Window/SelectableText.h"
+#include "CorvaneBrell/Window/Sheets/RequestSheet.h"
+#include "CorvaneBrell/Window/Sheets/Sheets.h"
 
 namespace brell {
 
@@ -50,26 +53,39 @@ QString explanation(const PresetPlan& plan) {
 
 }  // namespace
 
-PresetSheet::PresetSheet(AppModel& model, QWidget* window, const PresetRequest& request)
-    : RequestSheet(model, window, tr("Apply %1?").arg(qt(request.plan.preset.name)),
-                   explanation(request.plan), &AppModel::cancelPreset) {
+Sheet* sheetFor(AppModel& model, QWidget* window, const PresetRequest& request) {
     const PresetPlan& plan = request.plan;
-    addCard(plan.steps.size(), [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
+    auto* sheet = new RequestSheet(model, window, QObject::tr("Apply %1?").arg(qt(plan.preset.name)),
+                                   explanation(plan), &AppModel::cancelPreset);
+    sheet->addCard(plan.steps.size(),
+                   [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
     if (!plan.experimental.empty())
-        addNote("minus.circle", Tone::caution,
-                tr("Left out, because experimental tweaks are never applied by a preset: %1.")
-                    .arg(qt(firstNames(model.catalog().titlesOf(plan.experimental)))));
+        sheet->addNote("minus.circle", Tone::caution,
+                       QObject::tr("Left out, because experimental tweaks are never applied by a preset: %1.")
+                           .arg(qt(firstNames(model.catalog().titlesOf(plan.experimental)))));
     if (!plan.unknown.empty())
-        addNote("questionmark.circle", Tone::caution,
-                tr("Left out, because this version of Brell does not know them: %1.")
-                    .arg(qt(firstNames(plan.unknown))));
-    connect(addButton(tr("Export...")), &QPushButton::clicked, this,
-            [this, preset = plan.preset] { exportPreset(this->model(), this, preset); });
-    QPushButton* apply = addAnswers(tr("Apply"), [this] { this->model().confirmPreset(); });
+        sheet->addNote("questionmark.circle", Tone::caution,
+                       QObject::tr("Left out, because this version of Brell does not know them: %1.")
+                           .arg(qt(firstNames(plan.unknown))));
+    QObject::connect(sheet->addButton(QObject::tr("Export...")), &QPushButton::clicked, sheet,
+                     [&model, sheet, preset = plan.preset] { exportPreset(model, sheet, preset); });
+    QPushButton* apply = sheet->addAnswers(QObject::tr("Apply"), &AppModel::confirmPreset);
     if (plan.toApply().empty()) {
         apply->setEnabled(false);
-        addFootnote(tr("There is nothing to apply."));
+        sheet->addFootnote(QObject::tr("There is nothing to apply."));
     }
+    return sheet;
+}
+
+// There is nothing to answer: every way out of it only closes it.
+Sheet* sheetFor(AppModel&, QWidget* window, const PresetReport& report) {
+    auto* sheet = new Sheet(QObject::tr("What the preset came to"),
+                            QObject::tr("Every change is in the journal and can be undone."), window);
+    auto* text = new SelectableText(QObject::tr("Result"));
+    text->setPlainText(qt(report.lines).join("\n\n"));
+    sheet->content()->addWidget(text);
+    sheet->addCancel(QObject::tr("Done"));
+    return sheet;
 }
 
 }  // namespace brell
