@@ -246,6 +246,7 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
 
 RestoreRequest ReadingWork::restoring(const std::string& title, const std::vector<Uuid>& changes) {
     RestoreRequest request{Uuid::random(), title, {}, {}};
+    request.changes.isEverything = changes.size() == deps_.journal->active().size();
     addRestores(request, changes);
     if (request.steps.empty() && request.changes.entries.empty())
         throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));

@@ -35,6 +35,7 @@ struct DriftRequest {
     Uuid id = {};
     std::vector<DriftedEntry> entries = {};
     std::vector<Uuid> others = {};  // newest first; did not drift, and are restored whatever is ticked
+    bool isEverything = false;      // that is active, and not some changes that the user chose
     std::optional<PendingApply> pendingAfterDrift = {};  // made when all of it is restored
     std::optional<SessionChange> undoing = {};           // the action whose undoing goes on with the answer
 

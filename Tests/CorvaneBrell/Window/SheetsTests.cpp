@@ -210,6 +210,7 @@ TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereThatIsTheAnswer) {
     settled()->askUndoSince(drifted);
     EXPECT_TRUE(words(*sheet()).contains("Save panels open expanded\nNow On, back to not set"));
     EXPECT_TRUE(words(*sheet()).contains("Tick the ones to restore anyway"));
+    EXPECT_FALSE(words(*sheet()).contains("Everything else")) << "only what came since";
     EXPECT_TRUE(words(*sheet()).contains("Now 0.5 and 0.2, back to 0.24 and not set"));
     EXPECT_FALSE(words(*sheet()).contains("com.apple.")) << "keys are behind a disclosure";
     auto* tick = sheet()->findChild<QCheckBox*>();
@@ -251,6 +252,7 @@ TEST_F(SheetsTest, OneSheetAtATimeTheMostImportantFirst) {
 
     settled()->askRestoreAll();
     EXPECT_EQ(title(), "Restore everything?");
+    EXPECT_TRUE(words(*sheet()).contains("Everything else Brell changed is restored."));
     settled()->turnOff("dock.autohide_instant");
     EXPECT_EQ(title(), "This setting was changed outside Brell");
     for (int more = 0; more < 3; ++more) {
