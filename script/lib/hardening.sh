@@ -7,8 +7,9 @@
 missingHardening() {
     local code names called
     if [ "$(uname -s)" = Darwin ]; then
-        otool -hv "$1" | grep -q PIE || echo "a place in memory that changes"
-        nm -u "$1" | grep -q ___stack_chk_fail || echo "stack protection"
+        names=$(nm -u "$1") # whole: a grep that leaves early ends nm with a signal, which pipefail takes for its answer
+        grep -q PIE <<<"$(otool -hv "$1")" || echo "a place in memory that changes"
+        grep -q ___stack_chk_fail <<<"$names" || echo "stack protection"
         return
     fi
     names=$(readelf -sW --dyn-syms "$1") code=$(objdump -d --no-show-raw-insn "$1")

@@ -13,7 +13,12 @@ signBundle() {
 }
 
 # isHardened APP: whether its signature asks for the hardened runtime; it is printed.
-isHardened() { codesign --display --verbose=2 "$1" 2>&1 | tee /dev/stderr | grep -q 'flags=.*runtime'; }
+isHardened() {
+    local said
+    said=$(codesign --display --verbose=2 "$1" 2>&1)
+    echo "$said" >&2
+    grep -q 'flags=.*runtime' <<<"$said"
+}
 
 # createImage FOLDER IMAGE: a program that looks at the new volume can keep hdiutil from it for a moment.
 createImage() {

@@ -6,7 +6,7 @@ labels=org.example.brell-verify
 fileOf() { echo "$agents/$1.plist"; }
 
 isLoaded() { launchctl print "$domain/$1" >/dev/null 2>&1; }
-isDisabled() { launchctl print-disabled "$domain" 2>/dev/null | grep -qE "\"$1\" => (disabled|true)"; }
+isDisabled() { grep -qE "\"$1\" => (disabled|true)" <<<"$(launchctl print-disabled "$domain" 2>/dev/null)"; }
 
 # loadedAgents: those of ours that are there in any way.
 loadedAgents() {
