@@ -13,6 +13,7 @@ namespace {
 class Diary {
 public:
     Diary() : isThere_(QFile::exists(settings_.fileName())) {
+        settings_.setFallbacksEnabled(false);  // on macOS they are the user's keys for every application
         settings_.beginGroup(QStringLiteral("FileDialog"));
         for (const QString& key : settings_.allKeys()) before_[key] = settings_.value(key);
     }
