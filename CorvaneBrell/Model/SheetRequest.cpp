@@ -41,8 +41,9 @@ std::string DriftRequest::title() const {
 
 std::string DriftRequest::explanation() const {
     if (!isAboutOne()) {
-        const std::string ask = "These keys no longer hold the value Brell wrote. Tick the ones to restore "
-                                "anyway; the others are left as they are.";
+        const std::string ask =
+            "These keys no longer hold the value Brell wrote. Tick the ones to restore "
+            "anyway; the others are left as they are.";
         return isEverything ? ask + " Everything else Brell changed is restored." : ask;
     }
     return "The key no longer holds the value Brell wrote. Restoring overwrites what is there now with the "
