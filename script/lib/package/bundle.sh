@@ -141,7 +141,7 @@ staysUp() {
 # said in LOG.
 checkLoaded() {
     local loaded
-    loaded=$(sed -n 's/^dyld\[[0-9]*\]: <[^>]*> //p' "$2")
+    loaded=$(sed -n -e 's|/MacOS/\.\./|/|' -e 's/^dyld\[[0-9]*\]: <[^>]*> //p' "$2")
     if ! grep -qF "$1/Contents/Frameworks/" <<<"$loaded"; then
         echo "package: dyld did not say what the program loaded." >&2
         return 1

@@ -8,7 +8,7 @@ signBundle() {
     local app=$1 identity=$2 file
     shift 2
     { machineCode "$app" | grep -vxF "$(program "$app")"; find "$app/Contents/Frameworks" -name '*.framework'; } |
-        while IFS= read -r file; do codesign --force --sign "$identity" "$@" "$file" || return; done
+        while IFS= read -r file; do codesign --force --sign "$identity" "$@" "$file" || return; done || return
     codesign --force --sign "$identity" "$@" ${appWords[@]+"${appWords[@]}"} "$app"
 }
 

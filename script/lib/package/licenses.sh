@@ -30,7 +30,7 @@ kegs() {
 licenseOf() {
     local formula files
     formula=$(basename "$(dirname "$1")")
-    files=$(find "$1" -maxdepth 1 -type f \( -iname 'licen[cs]e*' -o -iname 'copying*' -o -iname 'copyright*' \) | sort)
+    files=$(find -L "$1" -maxdepth 1 -type f \( -iname 'licen[cs]e*' -o -iname 'copying*' -o -iname 'copyright*' \) | sort)
     case $formula in qt*) files=$root/cmake/Bundle/Licenses/Qt.txt ;; esac
     if [ -z "$files" ]; then
         echo "package: $1 holds no licence text of $formula." >&2
