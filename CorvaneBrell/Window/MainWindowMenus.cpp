@@ -58,6 +58,20 @@ void MainWindow::makeEditMenu() {
     QMenu* menu = menuBar()->addMenu(tr("Edit"));
     undo_ = menu->addAction(tr("Undo"), QKeySequence::Undo, this, [this] { model_.undoLast(); });
     menu->addSeparator();
+    // For the field that has the focus. macOS's own panels find these keys in a menu only, and Qt leads them
+    // there.
+    const auto add = [&](const QString& text, QKeySequence::StandardKey keys, const QByteArray& slot) {
+        menu->addAction(text, keys, this, [slot] {
+            QWidget* field = QApplication::focusWidget();
+            const bool isKnown = field && field->metaObject()->indexOfSlot(slot + "()") >= 0;
+            if (isKnown) QMetaObject::invokeMethod(field, slot.constData());
+        });
+    };
+    add(tr("Cut"), QKeySequence::Cut, "cut");
+    add(tr("Copy"), QKeySequence::Copy, "copy");
+    add(tr("Paste"), QKeySequence::Paste, "paste");
+    add(tr("Select All"), QKeySequence::SelectAll, "selectAll");
+    menu->addSeparator();
     menu->addAction(tr("Find"), QKeySequence::Find, this, &MainWindow::focusSearch);
 }
 

@@ -55,6 +55,19 @@ TEST_F(WindowTest, TheHelpMenuLeadsToTheLicensesThatTheBundleHolds) {
     fs::remove_all(resources);
 }
 
+TEST_F(WindowTest, TheEditMenuServesTheFieldThatHasTheFocus) {
+    openWindow().activateWindow();
+    QLineEdit& search = window->sidebar().search();
+    search.setFocus();
+    search.setText("dock");
+    for (const char* item : {"Select All", "Cut", "Paste", "Paste", "Select All", "Copy", "Paste"})
+        menuAction(*window, item)->trigger();
+    EXPECT_EQ(search.text(), "dockdock");
+    window->sidebar().pages().setFocus();
+    menuAction(*window, "Cut")->trigger();
+    EXPECT_EQ(search.text(), "dockdock");
+}
+
 // The whole way of a first user: found by other words, switched by the keyboard, undone, restored.
 TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWere) {
     const auto before = preferences();
