@@ -35,9 +35,7 @@ const std::vector<Trouble>& troubles() {
 }
 
 std::size_t commandsOf(const Stage& stage, const Scene& scene) {
-    stage.reset();
-    Rig rig(stage.world());
-    damageJournal(scene, rig);
+    Ready rig(stage, scene);
     std::size_t commands = 0;
     rig.tools->interfere([&](const AllowedCommand&) {
         ++commands;
@@ -49,9 +47,7 @@ std::size_t commandsOf(const Stage& stage, const Scene& scene) {
 
 Faults tryTrouble(const Stage& stage, const Scene& scene, const Goal& goal, std::size_t n,
                   const Trouble& trouble) {
-    stage.reset();
-    Rig rig(stage.world());
-    damageJournal(scene, rig);
+    Ready rig(stage, scene);
     std::size_t seen = 0;
     rig.tools->interfere([&](const AllowedCommand& command) {
         const std::size_t number = seen++;
@@ -67,12 +63,11 @@ Faults tryTrouble(const Stage& stage, const Scene& scene, const Goal& goal, std:
 
 void tryCommandFaults(const Stage& stage, const Scene& scene, Share& share, const Report& report) {
     const Goal goal = goalOf(stage, scene);
-    const std::size_t commands = commandsOf(stage, scene);
-    for (std::size_t n = 0; n < commands; ++n)
-        for (const Trouble& trouble : troubles())
-            if (share.takes())
-                report(scene.name + ", command " + std::to_string(n + 1) + " " + trouble.name,
-                       tryTrouble(stage, scene, goal, n, trouble));
+    std::vector<Mishap> mishaps;
+    for (const Trouble& trouble : troubles())
+        mishaps.push_back(
+            {trouble.name, [&](std::size_t n) { return tryTrouble(stage, scene, goal, n, trouble); }});
+    tryAtEach(scene.name + ", command", commandsOf(stage, scene), mishaps, share, report);
 }
 
 }  // namespace brell::trust

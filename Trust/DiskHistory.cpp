@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <set>
 #include <tuple>
+#include <variant>
 
+#include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
 using brell::testing::SystemCall;
@@ -23,91 +24,29 @@ constexpr const char* preferences = "Users/sam/Library/Preferences";
 constexpr const char* launchd = "private/var/db/launchd.plist";
 constexpr std::size_t mostCombinations = 256;
 
-bool isHidden(const fs::path& path) {
-    return path.filename().string().starts_with('.');
-}
+// Of one folder tree at one moment, by path within the Mac.
+struct Snapshot {
+    struct Node {
+        ino_t inode;
+        bool isFolder;
+        std::string contents;
+    };
+    std::map<std::string, Node> ours;  // what Brell keeps
+    std::map<std::string, std::string> ofTheSystem;
+};
 
-std::string parentOf(const std::string& path) {
-    return fs::path(path).parent_path().string();
-}
+// One call that changes or synchronises something, and what the disk showed before it.
+struct Step {
+    SystemCall call;
+    std::string path;  // within the Mac
+    Snapshot before;
+};
 
 ino_t inodeOf(const fs::path& path) {
     struct stat status {};
     ::lstat(path.c_str(), &status);
     return status.st_ino;
 }
-
-bool changesTheDisk(SystemCall call) {
-    constexpr std::array changing{SystemCall::open, SystemCall::write,  SystemCall::fsync, SystemCall::rename,
-                                  SystemCall::link, SystemCall::unlink, SystemCall::mkdir};
-    return std::find(changing.begin(), changing.end(), call) != changing.end();
-}
-
-// All that a file that was not synchronised may hold, the newest first.
-std::vector<std::string> possibleContents(const std::vector<std::string>& versions) {
-    std::vector<std::string> contents(versions.rbegin(), versions.rend());
-    if (versions.size() < 2) return contents;
-    const std::string& newest = versions.back();
-    const std::string& oldest = versions.front();
-    const std::size_t kept = newest.starts_with(oldest) ? oldest.size() : 0;
-    contents.push_back(newest.substr(0, kept + (newest.size() - kept) / 2));
-    contents.push_back(newest.substr(0, kept) + std::string(newest.size() - kept, '\0'));
-    return contents;
-}
-
-// Which of so many names are done: every combination of a few; of many, each beginning, and all but one.
-std::vector<std::vector<bool>> possiblyDone(std::size_t count) {
-    std::vector<std::vector<bool>> masks;
-    constexpr std::size_t few = 4;
-    if (count <= few) {
-        for (std::size_t mask = std::size_t{1} << count; mask-- > 0;) {
-            std::vector<bool>& done = masks.emplace_back(count);
-            for (std::size_t i = 0; i < count; ++i) done[i] = (mask >> i & 1) != 0;
-        }
-        return masks;
-    }
-    for (std::size_t length = count + 1; length-- > 0;) {
-        masks.emplace_back(length, true).resize(count, false);
-    }
-    for (std::size_t missing = 0; missing < count; ++missing) {
-        masks.emplace_back(count, true)[missing] = false;
-    }
-    return masks;
-}
-
-// Settings of dials with so many positions each, the first of which is the newest.
-std::vector<std::vector<std::size_t>> combinations(const std::vector<std::size_t>& positions) {
-    std::size_t product = 1;
-    for (const std::size_t count : positions) product = std::min(product * count, mostCombinations + 1);
-    std::vector<std::vector<std::size_t>> all;
-    if (product <= mostCombinations) {
-        std::vector<std::size_t> settings(positions.size(), 0);
-        for (std::size_t left = product; left-- > 0;) {
-            all.push_back(settings);
-            for (std::size_t i = 0; i < settings.size() && ++settings[i] == positions[i]; ++i)
-                settings[i] = 0;
-        }
-        return all;
-    }
-    std::set<std::vector<std::size_t>> found;
-    const std::vector<std::size_t> newest(positions.size(), 0);
-    std::vector<std::size_t> oldest;
-    for (const std::size_t count : positions) oldest.push_back(count - 1);
-    for (const auto& base : {newest, oldest})
-        for (std::size_t one = 0; one < positions.size(); ++one)
-            for (std::size_t other = one; other < positions.size(); ++other)
-                for (std::size_t i = 0; i < positions[one]; ++i)
-                    for (std::size_t j = 0; j < positions[other]; ++j) {
-                        std::vector<std::size_t> settings = base;
-                        settings[one] = i;
-                        settings[other] = j;
-                        found.insert(std::move(settings));
-                    }
-    all.assign(found.begin(), found.end());
-    return all;
-}
-
-}  // namespace
 
 Snapshot snapshotOf(const fs::path& mac) {
     Snapshot snapshot;
@@ -122,26 +61,214 @@ Snapshot snapshotOf(const fs::path& mac) {
         snapshot.ours[path] = {inodeOf(entry->path()), isFolder,
                                isFolder ? std::string() : testing::contentsOf(entry->path())};
     }
-    for (const auto& entry : fs::directory_iterator(mac / preferences))
-        if (!isHidden(entry.path()))
-            snapshot.ofTheSystem[entry.path().lexically_relative(mac).string()] =
-                testing::contentsOf(entry.path());
+    for (const std::string& name : testing::namesIn(mac / preferences))
+        if (!name.starts_with('.'))
+            snapshot.ofTheSystem[preferences + ("/" + name)] = testing::contentsOf(mac / preferences / name);
     snapshot.ofTheSystem[launchd] = testing::contentsOf(mac / launchd);
     return snapshot;
 }
 
-DiskRecorder::DiskRecorder(const fs::path& mac) : CallObserver(mac), mac_(mac) {
-    start();
-}
-DiskRecorder::~DiskRecorder() {
-    stop();
+std::vector<Step> stepsOf(const fs::path& mac, const std::function<void()>& run) {
+    constexpr std::array changing{SystemCall::open, SystemCall::write,  SystemCall::fsync, SystemCall::rename,
+                                  SystemCall::link, SystemCall::unlink, SystemCall::mkdir};
+    std::vector<Step> steps;
+    const testing::EachCall recording(mac, [&](SystemCall call, const std::string& path) {
+        if (std::find(changing.begin(), changing.end(), call) != changing.end())
+            steps.push_back({call, fs::path(path).lexically_relative(mac).string(), snapshotOf(mac)});
+        return 0;
+    });
+    run();
+    return steps;
 }
 
-int DiskRecorder::sees(SystemCall call, const std::string& path) {
-    if (changesTheDisk(call))
-        steps.push_back({call, fs::path(path).lexically_relative(mac_).string(), snapshotOf(mac_)});
-    return 0;
+using Object = std::size_t;
+using Names = std::map<std::string, Object>;
+using Contents = std::variant<std::monostate, std::string, Names>;  // nothing, of a file, of a folder
+
+// Which of so many names are done: every combination of a few; of many, each beginning, and all but one.
+std::vector<std::vector<bool>> possiblyDone(std::size_t count) {
+    std::vector<std::vector<bool>> masks;
+    constexpr std::size_t few = 4;
+    if (count <= few) {
+        for (std::size_t mask = std::size_t{1} << count; mask-- > 0;) {
+            std::vector<bool>& done = masks.emplace_back(count);
+            for (std::size_t i = 0; i < count; ++i) done[i] = (mask >> i & 1) != 0;
+        }
+        return masks;
+    }
+    for (std::size_t length = count + 1; length-- > 0;) masks.emplace_back(length, true).resize(count, false);
+    for (std::size_t missing = 0; missing < count; ++missing)
+        masks.emplace_back(count, true)[missing] = false;
+    return masks;
 }
+
+// A file or folder, ours or the system's.
+struct Thing {
+    std::vector<Contents> versions;  // the first is synchronised, the last is the newest; a folder has one
+    std::vector<std::map<std::string, std::optional<Object>>> pending;  // names, at once; nothing: taken away
+    bool isOfTheSystem = false;
+
+    Names namesWith(const std::vector<bool>& done) const {
+        Names names = std::get<Names>(versions.front());
+        for (std::size_t i = 0; i < pending.size(); ++i)
+            if (done[i])
+                for (const auto& [name, object] : pending[i]) {
+                    names.erase(name);
+                    if (object) names.emplace(name, *object);
+                }
+        return names;
+    }
+
+    void note(Contents contents) {
+        if (versions.empty() || versions.back() != contents) versions.push_back(std::move(contents));
+    }
+
+    void synchronise() {
+        if (std::holds_alternative<Names>(versions.front()))
+            versions = {namesWith(std::vector<bool>(pending.size(), true))};
+        versions = {versions.back()};
+        pending.clear();
+    }
+
+    // All that it may hold, the newest first.
+    std::vector<Contents> possible() const {
+        std::vector<Contents> all;
+        if (std::holds_alternative<Names>(versions.front())) {
+            for (const auto& done : possiblyDone(pending.size())) all.emplace_back(namesWith(done));
+            return all;
+        }
+        all.assign(versions.rbegin(), versions.rend());
+        if (isOfTheSystem || versions.size() < 2) return all;
+        const std::string newest = std::get<std::string>(all.front()),
+                          oldest = std::get<std::string>(all.back());
+        const std::size_t kept = newest.starts_with(oldest) ? oldest.size() : 0;
+        all.emplace_back(newest.substr(0, kept + (newest.size() - kept) / 2));
+        all.emplace_back(newest.substr(0, kept) + std::string(newest.size() - kept, '\0'));
+        return all;
+    }
+};
+
+using Settings = std::vector<std::size_t>;  // of each thing in turn, which of all that it may hold
+
+Settings with(Settings settings, std::size_t thing, std::size_t setting) {
+    settings[thing] = setting;
+    return settings;
+}
+
+// Of things with so many settings each, the first of which is the newest.
+std::set<Settings> combinations(const std::vector<std::size_t>& counts) {
+    std::size_t product = 1;
+    for (const std::size_t count : counts) product = std::min(product * count, mostCombinations + 1);
+    const Settings newest(counts.size(), 0);
+    std::set<Settings> all{newest};
+    if (product <= mostCombinations) {
+        for (std::size_t one = 0; one < counts.size(); ++one)
+            for (const Settings& known : std::set(all))
+                for (std::size_t i = 1; i < counts[one]; ++i) all.insert(with(known, one, i));
+        return all;
+    }
+    Settings oldest;
+    for (const std::size_t count : counts) oldest.push_back(count - 1);
+    for (const Settings& base : {newest, oldest})
+        for (std::size_t one = 0; one < counts.size(); ++one)
+            for (std::size_t other = one; other < counts.size(); ++other)
+                for (std::size_t i = 0; counts[other] > 1 && i < counts[one]; ++i)
+                    for (std::size_t j = 0; j < counts[other]; ++j)
+                        all.insert(with(with(base, one, i), other, j));
+    return all;
+}
+
+// Follows a run from call to call.
+class DiskHistory {
+public:
+    explicit DiskHistory(const Snapshot& atFirst) {
+        advance({}, atFirst);
+        for (Thing& thing : things_) thing.synchronise();
+    }
+
+    void synchronise(const Snapshot& now, const std::string& path) {
+        if (const auto node = now.ours.find(path); node != now.ours.end())
+            thingOf(node->second).synchronise();
+    }
+
+    void advance(const Snapshot& before, const Snapshot& after) {
+        noteContents(before, after);
+        noteNames(before, after);
+        for (const auto& [path, contents] : after.ofTheSystem) {
+            const auto [known, isNew] = ofTheSystem_.try_emplace(path, things_.size());
+            if (isNew) things_.push_back({{std::monostate()}, {}, true});
+            things_[known->second].note(contents);
+        }
+    }
+
+    std::vector<Disk> afterPowerCut() const {
+        std::vector<std::vector<Contents>> possible;
+        std::vector<std::size_t> counts;
+        for (const Thing& thing : things_) counts.push_back(possible.emplace_back(thing.possible()).size());
+        std::vector<Disk> disks;
+        for (const Settings& settings : combinations(counts)) {
+            std::vector<Contents> held;
+            for (Object object = 0; object < things_.size(); ++object)
+                held.push_back(possible[object][settings[object]]);
+            Disk& disk = disks.emplace_back();
+            lay(disk, held, objects_.at(root_), library);
+            for (const auto& [path, object] : ofTheSystem_) {
+                const auto* text = std::get_if<std::string>(&held[object]);
+                disk.ofTheSystem[path] = text ? std::optional(*text) : std::nullopt;
+                disk.systemLags |= settings[object] != 0;
+            }
+        }
+        return disks;
+    }
+
+private:
+    Thing& thingOf(const Snapshot::Node& node) { return things_[objects_.at(node.inode)]; }
+
+    // An inode that had no name before is a new object: its number may have been somebody else's.
+    void noteContents(const Snapshot& before, const Snapshot& after) {
+        std::set<ino_t> known;
+        for (const auto& [path, node] : before.ours) known.insert(node.inode);
+        for (const auto& [path, node] : after.ours) {
+            if (known.insert(node.inode).second) {
+                objects_[node.inode] = things_.size();
+                things_.push_back({{node.isFolder ? Contents(Names()) : Contents(std::string())}, {}});
+            }
+            if (!node.isFolder) thingOf(node).note(node.contents);
+        }
+        if (before.ours.empty()) root_ = after.ours.at(library).inode;
+    }
+
+    void noteNames(const Snapshot& before, const Snapshot& after) {
+        std::map<Object, std::map<std::string, std::optional<Object>>> changed;
+        // What lies in a folder that was renamed stays in it.
+        const auto place = [&](const Snapshot& snapshot, const fs::path& path) -> std::optional<Object>& {
+            const Snapshot::Node& folder = snapshot.ours.at(path.parent_path().string());
+            return changed[objects_.at(folder.inode)][path.filename().string()];
+        };
+        for (const auto& [path, node] : before.ours)
+            if (path != library && !after.ours.contains(path)) place(before, path) = std::nullopt;
+        for (const auto& [path, node] : after.ours) {
+            const auto old = before.ours.find(path);
+            if (path != library && (old == before.ours.end() || old->second.inode != node.inode))
+                place(after, path) = objects_.at(node.inode);
+        }
+        for (auto& [folder, naming] : changed) things_[folder].pending.push_back(std::move(naming));
+    }
+
+    void lay(Disk& disk, const std::vector<Contents>& held, Object object, const std::string& path) const {
+        const auto* names = std::get_if<Names>(&held[object]);
+        disk.ours[path] = names ? std::nullopt : std::optional(std::get<std::string>(held[object]));
+        if (!names) return;
+        for (const auto& [name, child] : *names) lay(disk, held, child, path + "/" + name);
+    }
+
+    std::vector<Thing> things_;        // by object
+    std::map<ino_t, Object> objects_;  // of the newest snapshot
+    std::map<std::string, Object> ofTheSystem_;
+    ino_t root_ = 0;
+};
+
+}  // namespace
 
 bool Disk::operator<(const Disk& other) const {
     return std::tie(ours, ofTheSystem, systemLags) <
@@ -149,10 +276,8 @@ bool Disk::operator<(const Disk& other) const {
 }
 
 void Disk::layDown(const fs::path& mac) const {
-    std::vector<fs::path> old;
-    for (const auto& entry : fs::directory_iterator(mac / library)) old.push_back(entry.path());
-    for (const fs::path& path : old)
-        if (path.filename() != "Preferences" && path.filename() != "LaunchAgents") fs::remove_all(path);
+    for (const std::string& name : testing::namesIn(mac / library))
+        if (name != "Preferences" && name != "LaunchAgents") fs::remove_all(mac / library / name);
     for (const auto& [path, contents] : ours)
         if (contents)
             testing::setContents(mac / path, *contents);
@@ -165,164 +290,24 @@ void Disk::layDown(const fs::path& mac) const {
             fs::remove(mac / path);
 }
 
-// A disk in the making, and what of each folder's names and of each file's contents is on it.
-struct DiskHistory::Choice {
-    Disk disk;
-    std::map<Object, std::vector<bool>> done;
-    std::map<Object, std::string> contents;
-};
-
-// One thing that may be in so many ways, the first of which is the newest.
-struct DiskHistory::Dial {
-    std::size_t positions;
-    std::function<void(Choice& choice, std::size_t position)> turn;
-};
-
-std::map<std::string, DiskHistory::Object> DiskHistory::Folder::with(const std::vector<bool>& done) const {
-    std::map<std::string, Object> names = synchronised;
-    for (std::size_t i = 0; i < pending.size(); ++i)
-        if (done[i])
-            for (const auto& [name, object] : pending[i]) {
-                names.erase(name);
-                if (object) names.emplace(name, *object);
-            }
-    return names;
-}
-
-DiskHistory::DiskHistory(const Snapshot& atFirst) {
-    noteNewObjects({}, atFirst);
-    noteNames({}, atFirst);
-    root_ = objectOf(atFirst.ours.at(library));
-    for (auto& [path, contents] : atFirst.ofTheSystem) ofTheSystem_[path] = {contents};
-    for (auto& [object, file] : files_) file.versions = {file.versions.back()};
-    for (auto& [object, folder] : folders_) {
-        folder.synchronised = folder.with(std::vector<bool>(folder.pending.size(), true));
-        folder.pending.clear();
+std::vector<std::vector<Disk>> powerCutsIn(const fs::path& mac, const std::function<void()>& run) {
+    const std::vector<Step> steps = stepsOf(mac, run);
+    const Snapshot atEnd = snapshotOf(mac);
+    if (steps.empty()) return {};
+    DiskHistory history(steps.front().before);
+    std::vector<std::vector<Disk>> cuts;
+    std::set<Disk> known;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const Step& step = steps[i];
+        const bool isLast = i + 1 == steps.size();
+        if (step.call == SystemCall::fsync) history.synchronise(step.before, step.path);
+        history.advance(step.before, isLast ? atEnd : steps[i + 1].before);
+        if (isLast) known.clear();
+        std::vector<Disk>& states = cuts.emplace_back();
+        for (Disk& disk : history.afterPowerCut())
+            if (known.insert(disk).second) states.push_back(std::move(disk));
     }
-}
-
-void DiskHistory::advance(const Snapshot& before, SystemCall call, const std::string& path,
-                          const Snapshot& after) {
-    if (call == SystemCall::fsync) synchronise(before, path);
-    noteContents(before, after);
-    noteNewObjects(before, after);
-    noteNames(before, after);
-    for (auto& [file, contents] : after.ofTheSystem) {
-        auto& versions = ofTheSystem_.try_emplace(file, 1, std::nullopt).first->second;
-        if (versions.back() != contents) versions.push_back(contents);
-    }
-}
-
-void DiskHistory::synchronise(const Snapshot& now, const std::string& path) {
-    const auto node = now.ours.find(path);
-    if (node == now.ours.end()) return;
-    const Object object = objectOf(node->second);
-    if (!node->second.isFolder) {
-        files_[object].versions = {files_[object].versions.back()};
-        return;
-    }
-    Folder& folder = folders_[object];
-    folder.synchronised = folder.with(std::vector<bool>(folder.pending.size(), true));
-    folder.pending.clear();
-}
-
-// An inode that had no name before is a new object: its number may have been somebody else's.
-void DiskHistory::noteNewObjects(const Snapshot& before, const Snapshot& after) {
-    std::set<ino_t> known;
-    for (const auto& [path, node] : before.ours) known.insert(node.inode);
-    for (const auto& [path, node] : after.ours) {
-        if (!known.insert(node.inode).second) continue;
-        const Object object = next_++;
-        objects_[node.inode] = object;
-        if (node.isFolder) {
-            folders_[object];
-            continue;
-        }
-        files_[object].versions = {std::string()};
-        if (!node.contents.empty()) files_[object].versions.push_back(node.contents);
-    }
-}
-
-void DiskHistory::noteContents(const Snapshot& before, const Snapshot& after) {
-    std::map<ino_t, std::string> old;
-    for (const auto& [path, node] : before.ours)
-        if (!node.isFolder) old.emplace(node.inode, node.contents);
-    for (const auto& [path, node] : after.ours)
-        if (const auto known = old.find(node.inode); known != old.end() && known->second != node.contents)
-            files_[objectOf(node)].versions.push_back(node.contents);
-}
-
-void DiskHistory::noteNames(const Snapshot& before, const Snapshot& after) {
-    std::map<Object, Naming> changed;
-    // What lies in a folder that was renamed stays in it.
-    const auto folderOf = [&](const Snapshot& snapshot, const std::string& path) {
-        return objectOf(snapshot.ours.at(parentOf(path)));
-    };
-    const auto nameOf = [](const std::string& path) { return fs::path(path).filename().string(); };
-    for (const auto& [path, node] : before.ours)
-        if (path != library && !after.ours.contains(path))
-            changed[folderOf(before, path)][nameOf(path)] = std::nullopt;
-    for (const auto& [path, node] : after.ours) {
-        if (path == library) continue;
-        const auto old = before.ours.find(path);
-        if (old == before.ours.end() || old->second.inode != node.inode)
-            changed[folderOf(after, path)][nameOf(path)] = objectOf(node);
-    }
-    for (auto& [folder, naming] : changed) folders_[folder].pending.push_back(std::move(naming));
-}
-
-std::vector<DiskHistory::Dial> DiskHistory::dials() const {
-    std::vector<Dial> dials;
-    for (const auto& [object, folder] : folders_)
-        if (const auto masks = possiblyDone(folder.pending.size()); !folder.pending.empty())
-            dials.push_back({masks.size(), [object = object, masks](Choice& choice, std::size_t position) {
-                                 choice.done[object] = masks[position];
-                             }});
-    for (const auto& [object, file] : files_)
-        if (const auto contents = possibleContents(file.versions); contents.size() > 1)
-            dials.push_back(
-                {contents.size(), [object = object, contents](Choice& choice, std::size_t position) {
-                     choice.contents[object] = contents[position];
-                 }});
-    for (const auto& [path, versions] : ofTheSystem_)
-        dials.push_back(
-            {versions.size(), [&path = path, &versions = versions](Choice& choice, std::size_t position) {
-                 choice.disk.ofTheSystem[path] = versions.rbegin()[static_cast<std::ptrdiff_t>(position)];
-                 choice.disk.systemLags |= position != 0;
-             }});
-    return dials;
-}
-
-Disk DiskHistory::diskWith(const std::vector<Dial>& dials, const std::vector<std::size_t>& settings) const {
-    Choice choice;
-    for (std::size_t i = 0; i < dials.size(); ++i) dials[i].turn(choice, settings[i]);
-    lay(choice, root_, library);
-    return std::move(choice.disk);
-}
-
-void DiskHistory::lay(Choice& choice, Object object, const std::string& path) const {
-    Disk& disk = choice.disk;
-    const auto file = files_.find(object);
-    if (file != files_.end()) {
-        const auto chosen = choice.contents.find(object);
-        disk.ours[path] = chosen == choice.contents.end() ? file->second.versions.back() : chosen->second;
-        return;
-    }
-    disk.ours[path] = std::nullopt;
-    const auto done = choice.done.find(object);
-    const Folder& folder = folders_.at(object);
-    for (const auto& [name, child] :
-         folder.with(done == choice.done.end() ? std::vector<bool>() : done->second))
-        lay(choice, child, path + "/" + name);
-}
-
-std::vector<Disk> DiskHistory::afterPowerCut() const {
-    const std::vector<Dial> all = dials();
-    std::vector<std::size_t> positions;
-    for (const Dial& dial : all) positions.push_back(dial.positions);
-    std::vector<Disk> disks;
-    for (const auto& settings : combinations(positions)) disks.push_back(diskWith(all, settings));
-    return disks;
+    return cuts;
 }
 
 }  // namespace brell::trust

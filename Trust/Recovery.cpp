@@ -10,10 +10,8 @@ namespace {
 
 Goal reached(const fs::path& world) {
     const fs::path directory = Journal::defaultDirectory(SampleMac(world).home());
-    Goal goal{conditionOf(world), {}, fs::exists(trashFor(directory) / Journal::fileName)};
-    const auto journal = Journal::open(directory);
-    for (const JournalEntry& entry : journal->active()) goal.activeTweaks.insert(entry.tweakID);
-    return goal;
+    return {conditionOf(world), activeTweaks(*Journal::open(directory)),
+            fs::exists(trashFor(directory) / Journal::fileName)};
 }
 
 bool contains(const std::string& text, std::string_view part) {
@@ -39,9 +37,8 @@ Faults checkRecorded(const Stage& stage) {
     const auto journal = Journal::open(Journal::defaultDirectory(SampleMac(stage.world()).home()));
     for (const JournalEntry& entry : journal->active()) recorded.merge(namesOf(entry));
     Faults faults;
-    for (std::string& difference :
-         differences(stage.setting().original, conditionOf(stage.world()), recorded))
-        faults.push_back("half done: no active entry is about " + std::move(difference));
+    append(faults, differences(stage.setting().original, conditionOf(stage.world()), recorded),
+           "half done: no active entry is about ");
     return faults;
 }
 
@@ -88,9 +85,7 @@ bool isWhole(const std::string& sentence) {
 }
 
 Goal goalOf(const Stage& stage, const Scene& scene) {
-    stage.reset();
-    Rig rig(stage.world());
-    damageJournal(scene, rig);
+    Ready rig(stage, scene);
     for (const std::string& sentence : scene.perform(rig)) throw std::runtime_error(sentence);
     return reached(stage.world());
 }
@@ -118,7 +113,7 @@ Faults judgeAttempt(const Stage& stage, const Scene& scene, Rig& rig, const Atte
     if (untold && !isClear(*untold, stage)) faults.push_back("no clear sentence: " + *untold);
     if (!made.succeeded()) append(faults, tryAgain(stage, scene, rig, goal));
     const Goal now = reached(stage.world());
-    append(faults, differences(goal.condition, now.condition, {}));
+    append(faults, differences(goal.condition, now.condition));
     if (now.activeTweaks != goal.activeTweaks) faults.push_back("not the entries of the goal are active");
     if (now.hasLeft != goal.hasLeft) faults.push_back("the journal is not where it was to be");
     // A script that can't be written at all says so, and is written with the next change.

@@ -54,21 +54,22 @@ void Rig::breakOffAgent(const std::string& label) {
 
 Condition conditionOf(const fs::path& folder) {
     Condition condition;
-    condition.preferences = SampleMac(folder).openPreferences()->snapshot();
+    for (const auto& [domain, values] : SampleMac(folder).openPreferences()->snapshot())
+        for (const auto& [key, value] : values)
+            condition[PrefKey{domain, key}.rendered()] = StoredValue(value).rendered();
     const LaunchdState launchd = readLaunchdState(launchdFile(folder));
-    std::set<std::string> labels;
-    for (const auto& [label, job] : launchd.jobs) labels.insert(label);
-    for (const auto& [label, isDisabled] : launchd.overrides) labels.insert(label);
-    for (const std::string& label : labels) {
-        const auto job = launchd.jobs.find(label);
-        const auto override = launchd.overrides.find(label);
-        const bool isLoaded = job != launchd.jobs.end() && job->second.state != leaving;
-        const bool isDisabled = override != launchd.overrides.end() && override->second;
-        if (isLoaded || isDisabled)
-            condition.agents[label] =
-                std::string(isDisabled ? "disabled" : "enabled") + (isLoaded ? ", loaded" : ", not loaded");
-    }
+    for (const auto& [label, isDisabled] : launchd.overrides)
+        if (isDisabled) condition[label] = "disabled, not loaded";
+    for (const auto& [label, job] : launchd.jobs)
+        if (job.state != leaving)
+            condition[label] = condition.contains(label) ? "disabled, loaded" : "enabled, loaded";
     return condition;
+}
+
+std::set<std::string> activeTweaks(Journal& journal) {
+    std::set<std::string> tweaks;
+    for (const JournalEntry& entry : journal.active()) tweaks.insert(entry.tweakID);
+    return tweaks;
 }
 
 void letJobsEnd(const fs::path& folder) {

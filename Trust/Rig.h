@@ -45,14 +45,13 @@ public:
     AgentToggle toggle;
 };
 
-// What a user would notice of a Mac: every preference, and of every agent whether it is disabled and loaded.
-// An override that says "enabled" is none; a job that was told to end is gone.
-struct Condition {
-    std::map<std::string, PlistFileStore::Values> preferences;  // by domain
-    std::map<std::string, std::string> agents;                  // by label: "disabled, loaded"
-    bool operator==(const Condition&) const = default;
-};
+// What a user would notice of a Mac, in words: by the rendered key every preference, and by its label of
+// every agent whether it is disabled and loaded. An override that says "enabled" is none; a job that was told
+// to end is gone.
+using Condition = std::map<std::string, std::string>;
 Condition conditionOf(const std::filesystem::path& folder);
+
+std::set<std::string> activeTweaks(Journal& journal);
 
 // Time passes until every job that was told to end has ended.
 void letJobsEnd(const std::filesystem::path& folder);

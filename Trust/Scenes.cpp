@@ -30,7 +30,7 @@ void some(Rig& rig) {
     rig.engine.apply(rig.tweak(magnify));
 }
 
-std::vector<std::string> reasonsOf(const RestoreAllOutcome& outcome) {
+Sentences reasonsOf(const RestoreAllOutcome& outcome) {
     Sentences sentences;
     for (const auto& [id, reason] : outcome.failed) sentences.push_back(reason);
     return sentences;

@@ -43,8 +43,8 @@ void Stage::prepare(const Scene& scene) {
     setting_.entries = rig.journal.all();
     // What is loaded no more, because its job file was removed, can't come back.
     const Rig after(world());
-    std::erase_if(setting_.original.agents,
-                  [&](const auto& agent) { return !after.hasJobFile(agent.first); });
+    for (const JournalEntry& entry : setting_.entries)
+        if (entry.agent && !after.hasJobFile(entry.agent->label)) setting_.original.erase(entry.agent->label);
     setting_.damaged = std::nullopt;
     keep("prepared");
     if (!scene.damage) return;
@@ -71,6 +71,10 @@ void Stage::keep(const std::string& name) const {
 
 void Stage::show(const std::string& name) const {
     replaceFolder(folder_ / name, world());
+}
+
+Ready::Ready(const Stage& stage, const Scene& scene) : Rig((stage.reset(), stage.world())) {
+    damageJournal(scene, *this);
 }
 
 }  // namespace brell::trust

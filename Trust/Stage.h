@@ -52,4 +52,10 @@ private:
     Setting setting_;
 };
 
+// Brell on the Mac as it was prepared, right before the operation: its journal is damaged where the scene
+// says so.
+struct Ready : Rig {
+    Ready(const Stage& stage, const Scene& scene);
+};
+
 }  // namespace brell::trust

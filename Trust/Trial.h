@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "Trust/Verdict.h"
 
@@ -25,8 +26,22 @@ private:
 // Told of every point that was tried: where, and what was wrong there.
 using Report = std::function<void(const std::string& point, const Faults& faults)>;
 
-// How many file system calls the operation makes.
-std::size_t callsOf(const Stage& stage, const Scene& scene);
+// What may happen at the n-th step of an operation, and what is wrong afterwards.
+struct Mishap {
+    std::string name;
+    std::function<Faults(std::size_t n)> attempt;
+};
+
+// Goes through the mishaps of each of so many steps, and tries those of the share.
+inline void tryAtEach(const std::string& step, std::size_t steps, const std::vector<Mishap>& mishaps,
+                      Share& share, const Report& report) {
+    for (std::size_t n = 0; n < steps; ++n)
+        for (const Mishap& mishap : mishaps)
+            if (share.takes())
+                report(
+                    step + " " + std::to_string(n + 1) + " of " + std::to_string(steps) + ": " + mishap.name,
+                    mishap.attempt(n));
+}
 
 // Each goes through all points of the scene that the stage has prepared, and tries those of the share.
 void tryCrashes(const Stage& stage, const Scene& scene, Share& share, const Report& report);

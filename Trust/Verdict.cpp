@@ -13,19 +13,9 @@ namespace brell::trust {
 
 namespace {
 
-using Texts = std::map<std::string, std::string>;  // by the rendered key, or by the agent's label
-
-Texts textsOf(const Condition& condition) {
-    Texts texts = condition.agents;
-    for (const auto& [domain, values] : condition.preferences)
-        for (const auto& [key, value] : values)
-            texts.emplace(PrefKey{domain, key}.rendered(), StoredValue(value).rendered());
-    return texts;
-}
-
-std::string textIn(const Texts& texts, const std::string& name) {
-    const auto found = texts.find(name);
-    return found == texts.end() ? "nothing" : found->second;
+std::string textIn(const Condition& condition, const std::string& name) {
+    const auto found = condition.find(name);
+    return found == condition.end() ? "nothing" : found->second;
 }
 
 std::string textOf(const StoredValue& stored) {
@@ -36,22 +26,19 @@ std::string textOf(const StoredValue& stored) {
 // original; none that an active entry is about.
 std::set<std::string> endedNames(const std::vector<JournalEntry>& entries, const Condition& original,
                                  const Condition& now) {
-    const Texts originals = textsOf(original), found = textsOf(now);
-    std::set<std::string> ended, active;
+    std::set<std::string> ended;
     for (const JournalEntry& entry : entries) {
-        if (entry.isActive()) {
-            active.merge(namesOf(entry));
-            continue;
-        }
         if (entry.agent) ended.insert(entry.agent->label);
         for (const JournaledWrite& write : entry.writes) {
             const std::string name = write.key.rendered();
-            if (textOf(write.original) == textIn(originals, name) &&
-                textOf(write.written) == textIn(found, name))
+            if (textOf(write.original) == textIn(original, name) &&
+                textOf(write.written) == textIn(now, name))
                 ended.insert(name);
         }
     }
-    for (const std::string& name : active) ended.erase(name);
+    for (const JournalEntry& entry : entries)
+        if (entry.isActive())
+            for (const std::string& name : namesOf(entry)) ended.erase(name);
     return ended;
 }
 
@@ -112,11 +99,11 @@ Condition asScriptLeavesIt(Condition original, const Condition& now,
     const std::set<std::pair<std::string, std::string>> allowed{{"disabled, not loaded", "disabled, loaded"},
                                                                 {"nothing", "enabled, loaded"},
                                                                 {"disabled, loaded", "disabled, not loaded"}};
-    for (const auto& [label, state] : now.agents)
-        if (allowed.contains({textIn(original.agents, label), state})) original.agents[label] = state;
+    for (const auto& [name, state] : now)
+        if (allowed.contains({textIn(original, name), state})) original[name] = state;
     for (const JournalEntry& entry : entries)
-        if (entry.agent && !fs::exists(entry.agent->plistPath) && !now.agents.contains(entry.agent->label))
-            original.agents.erase(entry.agent->label);
+        if (entry.agent && !fs::exists(entry.agent->plistPath) && !now.contains(entry.agent->label))
+            original.erase(entry.agent->label);
     return original;
 }
 
@@ -128,14 +115,11 @@ void append(Faults& faults, Faults more, const std::string& prefix) {
 
 Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except) {
     Faults faults;
-    const Texts expected = textsOf(original), found = textsOf(now);
-    std::set<std::string> names;
-    for (const auto& [name, text] : expected) names.insert(name);
-    for (const auto& [name, text] : found) names.insert(name);
-    for (const std::string& name : names)
-        if (textIn(expected, name) != textIn(found, name) && !except.contains(name))
-            faults.push_back(name + " holds " + textIn(found, name) + ", originally " +
-                             textIn(expected, name));
+    Condition either = original;
+    either.insert(now.begin(), now.end());
+    for (const auto& [name, text] : either)
+        if (textIn(original, name) != textIn(now, name) && !except.contains(name))
+            faults.push_back(name + " holds " + textIn(now, name) + ", originally " + textIn(original, name));
     return faults;
 }
 

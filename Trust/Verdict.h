@@ -1,4 +1,4 @@
-// Whether a Mac on which Brell was stopped somewhere can be brought back to what it was.
+// Tells whether a Mac on which Brell was stopped somewhere can be brought back to what it was.
 #pragma once
 
 #include <optional>
@@ -33,7 +33,7 @@ Faults judgeScript(const Stage& stage, const Claim& claim);
 Faults judge(const Stage& stage, const Claim& claim);
 
 // What differs, a line for each key and agent that is not among these names.
-Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except);
+Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except = {});
 
 // The keys, in words, and the label that an entry is about.
 std::set<std::string> namesOf(const JournalEntry& entry);

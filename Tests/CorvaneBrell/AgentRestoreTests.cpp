@@ -161,8 +161,9 @@ TEST_F(AgentRestoreTest, RestoringLoadsTheFileThatHasTheLabelNowOrSaysThatNoneHa
 
     // Whether one has it is not known while a file or the folder can't be read.
     if (systemCallsAreWatched()) {
-        const EachCall closed(fileOf(plain),
-                              [](SystemCall call) { return call == SystemCall::open ? EACCES : 0; });
+        const EachCall closed(fileOf(plain), [](SystemCall call, const auto&) {
+            return call == SystemCall::open ? EACCES : 0;
+        });
         EXPECT_EQ(messageOf([&] { engine.restore(journal.activeEntry("agent:" + replaced)->id, false); }),
                   "The file " + fileOf(plain).string() + " could not be read: Permission denied.");
     }

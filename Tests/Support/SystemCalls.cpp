@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #endif
@@ -25,69 +24,76 @@ namespace {
 
 // Never destroyed: the calls of destructors at the end of the program pass here too.
 struct Observers {
-    std::mutex mutex;  // guards all, and every observer in it
-    std::vector<CallObserver*> all;
+    std::mutex mutex;  // guards all, and is held while they answer
+    std::vector<const EachCall*> all;
 };
 Observers& observers() {
     static auto& kept = *new Observers;
     return kept;
 }
+std::atomic<std::size_t> observerCount{0};
 
 }  // namespace
 
-CallObserver::CallObserver(const fs::path& folder) : folder_(folder.string()) {}
-CallObserver::~CallObserver() = default;
-
-bool CallObserver::watches(const std::string& path) const {
-    return path.starts_with(folder_) && (path.size() == folder_.size() || path[folder_.size()] == '/');
-}
-
-CountedCalls::CountedCalls(const fs::path& folder) : CallObserver(folder) {
-    start();
-}
-CountedCalls::~CountedCalls() {
-    stop();
-}
-
-std::size_t CountedCalls::all() const {
+EachCall::EachCall(const fs::path& folder, Answer answer)
+    : folder_(folder.string()), answer_(std::move(answer)) {
     const std::lock_guard lock(observers().mutex);
-    return calls_.size();
+    observers().all.push_back(this);
+    ++observerCount;
 }
+
+EachCall::~EachCall() {
+    const std::lock_guard lock(observers().mutex);
+    std::erase(observers().all, this);
+    --observerCount;
+}
+
+int EachCall::codeFor(SystemCall call, const std::string& path) const {
+    const bool isBelow =
+        path.starts_with(folder_) && (path.size() == folder_.size() || path[folder_.size()] == '/');
+    return isBelow ? answer_(call, path) : 0;
+}
+
+EachCall::Answer before(SystemCall call, std::function<void()> action) {
+    return [call, action = std::move(action)](SystemCall made, const std::string&) mutable {
+        if (made == call) std::exchange(action, [] {})();
+        return 0;
+    };
+}
+
+CountedCalls::CountedCalls(const fs::path& folder)
+    : watching_(folder, [this](SystemCall call, const std::string& path) {
+          calls_.emplace_back(call, path);
+          return 0;
+      }) {}
 
 std::size_t CountedCalls::of(SystemCall call, const fs::path& onlyAt) const {
-    const std::lock_guard lock(observers().mutex);
-    return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), [&](const Call& made) {
-        return made.call == call && (onlyAt.empty() || made.path == onlyAt.string());
+    return static_cast<std::size_t>(std::count_if(calls_.begin(), calls_.end(), [&](const auto& made) {
+        return made.first == call && (onlyAt.empty() || made.second == onlyAt.string());
     }));
 }
 
-int CountedCalls::sees(SystemCall call, const std::string& path) {
-    calls_.push_back({call, path});
-    return 0;
-}
-
 FailingCall::FailingCall(const fs::path& folder, SystemCall call, int code, int nth)
-    : CallObserver(folder), call_(call), code_(code), left_(nth) {
-    start();
-}
-FailingCall::~FailingCall() {
-    stop();
+    : left_(nth), watching_(folder, [this, call, code](SystemCall made, const std::string&) {
+          return made == call && --left_ == 0 ? code : 0;
+      }) {}
+
+bool systemCallsAreWatched() {
+#ifdef __linux__
+    return true;
+#else
+    return false;
+#endif
 }
 
-bool FailingCall::hasFailed() const {
-    const std::lock_guard lock(observers().mutex);
-    return left_ <= 0;
-}
-
-int FailingCall::sees(SystemCall call, const std::string&) {
-    return call == call_ && --left_ == 0 ? code_ : 0;
-}
+}  // namespace brell::testing
 
 #ifdef __linux__
 
+using namespace brell::testing;
+
 namespace {
 
-std::atomic<std::size_t> observerCount{0};
 thread_local bool isObserving = false;  // what is called while observing is not observed
 
 std::string pathOf(int descriptor) {
@@ -111,46 +117,37 @@ int codeFor(SystemCall call, Place place) {
     {
         const std::string path = pathOf(place);
         const std::lock_guard lock(observers().mutex);
-        for (CallObserver* observer : observers().all)
-            if (observer->watches(path))
-                if (const int wanted = observer->sees(call, path); wanted != 0) code = wanted;
+        for (const EachCall* observer : observers().all)
+            if (const int wanted = observer->codeFor(call, path); wanted != 0) code = wanted;
     }
     isObserving = false;
     errno = before;
     return code;
 }
 
-// The system's own function of this name: ready before the program's first call, and looked up once, because
-// that takes locks.
-class Next {
-public:
-    explicit constexpr Next(const char* name) : name_(name) {}
-    template <class Function>
-    Function* as() {
-        void* found = found_;
-        if (!found) found_ = found = ::dlsym(RTLD_NEXT, name_);
-        return reinterpret_cast<Function*>(found);
-    }
-
-private:
-    const char* name_;
-    std::atomic<void*> found_ = nullptr;
-};
-constinit Next nextOpen("open"), nextRead("read"), nextPread("pread"), nextWrite("write"), nextFsync("fsync"),
-    nextFdatasync("fdatasync"), nextRename("rename"), nextLink("link"), nextUnlink("unlink"),
-    nextMkdir("mkdir"), nextClose("close"), nextStat("stat"), nextLstat("lstat"), nextFstat("fstat"),
-    nextFlock("flock");
-
 int failedWith(int code) {
     errno = code;
     return -1;
 }
 
+// The system's own function: ready before the program's first call, and looked up once, because that takes
+// locks.
+template <class Function>
+Function* systems(SystemCall call) {
+    constexpr std::array names{"open",   "read",  "pread", "write", "fsync", "rename", "link",
+                               "unlink", "mkdir", "close", "stat",  "lstat", "fstat",  "flock"};
+    static constinit std::array<std::atomic<void*>, names.size()> known{};
+    const auto index = static_cast<std::size_t>(call);
+    void* found = known.at(index);
+    if (!found) known.at(index) = found = ::dlsym(RTLD_NEXT, names.at(index));
+    return reinterpret_cast<Function*>(found);
+}
+
 // The call as the program makes it, unless it is to fail.
 template <class Result, class Place, class... Arguments>
-Result watched(SystemCall call, Place place, Next& next, Arguments... arguments) {
+Result watched(SystemCall call, Place place, Arguments... arguments) {
     if (const int code = codeFor(call, place)) return failedWith(code);
-    return next.as<Result(Arguments...)>()(arguments...);
+    return systems<Result(Arguments...)>(call)(arguments...);
 }
 
 bool takesMode(int flags) {
@@ -161,38 +158,6 @@ bool takesMode(int flags) {
 }
 
 }  // namespace
-
-bool systemCallsAreWatched() {
-    return true;
-}
-
-void CallObserver::start() {
-    const std::lock_guard lock(observers().mutex);
-    observers().all.push_back(this);
-    ++observerCount;
-}
-
-void CallObserver::stop() {
-    const std::lock_guard lock(observers().mutex);
-    std::erase(observers().all, this);
-    --observerCount;
-}
-
-#else
-
-bool systemCallsAreWatched() {
-    return false;
-}
-void CallObserver::start() {}
-void CallObserver::stop() {}
-
-#endif
-
-}  // namespace brell::testing
-
-#ifdef __linux__
-
-using namespace brell::testing;
 
 extern "C" {
 
@@ -205,65 +170,61 @@ int open(const char* path, int flags, ...) {
         va_end(rest);
     }
     if (const int code = codeFor(SystemCall::open, path)) return failedWith(code);
-    return nextOpen.as<int(const char*, int, ...)>()(path, flags, mode);
+    return systems<int(const char*, int, ...)>(SystemCall::open)(path, flags, mode);
 }
 
 ssize_t read(int descriptor, void* bytes, size_t count) {
-    return watched<ssize_t>(SystemCall::read, descriptor, nextRead, descriptor, bytes, count);
+    return watched<ssize_t>(SystemCall::read, descriptor, descriptor, bytes, count);
 }
 
 ssize_t pread(int descriptor, void* bytes, size_t count, off_t offset) {
-    return watched<ssize_t>(SystemCall::pread, descriptor, nextPread, descriptor, bytes, count, offset);
+    return watched<ssize_t>(SystemCall::pread, descriptor, descriptor, bytes, count, offset);
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t count) {
-    return watched<ssize_t>(SystemCall::write, descriptor, nextWrite, descriptor, bytes, count);
+    return watched<ssize_t>(SystemCall::write, descriptor, descriptor, bytes, count);
 }
 
 int fsync(int descriptor) {
-    return watched<int>(SystemCall::fsync, descriptor, nextFsync, descriptor);
-}
-
-int fdatasync(int descriptor) {
-    return watched<int>(SystemCall::fsync, descriptor, nextFdatasync, descriptor);
+    return watched<int>(SystemCall::fsync, descriptor, descriptor);
 }
 
 int rename(const char* from, const char* to) noexcept {
-    return watched<int>(SystemCall::rename, to, nextRename, from, to);
+    return watched<int>(SystemCall::rename, to, from, to);
 }
 
 int link(const char* from, const char* to) noexcept {
-    return watched<int>(SystemCall::link, to, nextLink, from, to);
+    return watched<int>(SystemCall::link, to, from, to);
 }
 
 int unlink(const char* path) noexcept {
-    return watched<int>(SystemCall::unlink, path, nextUnlink, path);
+    return watched<int>(SystemCall::unlink, path, path);
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {
-    return watched<int>(SystemCall::mkdir, path, nextMkdir, path, mode);
+    return watched<int>(SystemCall::mkdir, path, path, mode);
 }
 
 int close(int descriptor) {
     const int code = codeFor(SystemCall::close, descriptor);
-    const int result = nextClose.as<int(int)>()(descriptor);
+    const int result = systems<int(int)>(SystemCall::close)(descriptor);
     return code != 0 ? failedWith(code) : result;
 }
 
 int stat(const char* path, struct stat* status) noexcept {
-    return watched<int>(SystemCall::stat, path, nextStat, path, status);
+    return watched<int>(SystemCall::stat, path, path, status);
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    return watched<int>(SystemCall::lstat, path, nextLstat, path, status);
+    return watched<int>(SystemCall::lstat, path, path, status);
 }
 
 int fstat(int descriptor, struct stat* status) noexcept {
-    return watched<int>(SystemCall::fstat, descriptor, nextFstat, descriptor, status);
+    return watched<int>(SystemCall::fstat, descriptor, descriptor, status);
 }
 
 int flock(int descriptor, int operation) noexcept {
-    return watched<int>(SystemCall::flock, descriptor, nextFlock, descriptor, operation);
+    return watched<int>(SystemCall::flock, descriptor, descriptor, operation);
 }
 
 }  // extern "C"

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -13,7 +14,6 @@
 
 namespace brell::testing {
 
-// fdatasync counts as fsync.
 enum class SystemCall {
     open,
     read,
@@ -28,82 +28,59 @@ enum class SystemCall {
     stat,
     lstat,
     fstat,
-    flock,
+    flock
 };
 
 // True where calls can be watched. Elsewhere, and that is macOS, a test that needs it skips.
 bool systemCallsAreWatched();
 
-// What an observer sees: calls on this path and everything below it; the path of a descriptor is that of its
-// file, that of a rename or a link its new name.
-class CallObserver {
+// Asks for an answer to each call on a path and everything below it, of all threads, as long as it lives. The
+// path of a descriptor is that of its file, that of a rename or a link its new name.
+class EachCall final {
 public:
-    CallObserver(const CallObserver&) = delete;
-    CallObserver& operator=(const CallObserver&) = delete;
+    // Asked before the system is, one call at a time. The errno to fail with, or 0. A failing close does
+    // close.
+    using Answer = std::function<int(SystemCall call, const std::string& path)>;
 
-    // Called before the system is, one call at a time. Answers the errno to fail with, or 0.
-    virtual int sees(SystemCall call, const std::string& path) = 0;
-    bool watches(const std::string& path) const;
+    EachCall(const std::filesystem::path& folder, Answer answer);
+    ~EachCall();  // no answer is under way afterwards
+    EachCall(const EachCall&) = delete;
+    EachCall& operator=(const EachCall&) = delete;
 
-protected:
-    explicit CallObserver(const std::filesystem::path& folder);
-    virtual ~CallObserver();
-    void start();  // when the derived object is complete
-    void stop();   // before it goes; no call of sees is under way afterwards
+    int codeFor(SystemCall call, const std::string& path) const;
 
 private:
     const std::string folder_;
-};
-
-// Asks for an answer to each call below a folder as long as it lives: the errno to fail with, or 0.
-class EachCall final : CallObserver {
-public:
-    using Answer = std::function<int(SystemCall call)>;
-    EachCall(const std::filesystem::path& folder, Answer answer)
-        : CallObserver(folder), answer_(std::move(answer)) {
-        start();
-    }
-    ~EachCall() override { stop(); }
-
-private:
-    int sees(SystemCall call, const std::string&) override { return answer_(call); }
     const Answer answer_;
 };
 
-// Counts the calls below a folder, of all threads, as long as it lives.
-class CountedCalls final : CallObserver {
+// Does something just before the first call of this kind reaches the system.
+EachCall::Answer before(SystemCall call, std::function<void()> action);
+
+// Counts the calls below a folder. To be asked by the thread that makes them.
+class CountedCalls final {
 public:
     explicit CountedCalls(const std::filesystem::path& folder);
-    ~CountedCalls() override;
 
-    std::size_t all() const;
+    std::size_t all() const { return calls_.size(); }
     std::size_t of(SystemCall call, const std::filesystem::path& onlyAt = {}) const;  // exactly this path
 
 private:
-    struct Call {
-        SystemCall call;
-        std::string path;
-    };
-    int sees(SystemCall call, const std::string& path) override;
-
-    std::vector<Call> calls_;
+    std::vector<std::pair<SystemCall, std::string>> calls_;
+    const EachCall watching_;
 };
 
 // The n-th call of this kind below a folder fails with this errno instead of reaching the system; those
-// before and after it are made. A failing close does close.
-class FailingCall final : CallObserver {
+// before and after it are made.
+class FailingCall final {
 public:
     FailingCall(const std::filesystem::path& folder, SystemCall call, int code, int nth = 1);
-    ~FailingCall() override;
 
-    bool hasFailed() const;
+    bool hasFailed() const { return left_ <= 0; }
 
 private:
-    int sees(SystemCall call, const std::string& path) override;
-
-    const SystemCall call_;
-    const int code_;
-    int left_;
+    std::atomic<int> left_;
+    const EachCall watching_;
 };
 
 }  // namespace brell::testing

@@ -18,24 +18,6 @@ namespace {
 
 using namespace testing;
 
-// Does something just before a call on this file reaches the system, the first time.
-class BeforeCall final : CallObserver {
-public:
-    BeforeCall(const fs::path& file, SystemCall call, std::function<void()> action)
-        : CallObserver(file), call_(call), action_(std::move(action)) {
-        start();
-    }
-    ~BeforeCall() override { stop(); }
-
-private:
-    int sees(SystemCall call, const std::string&) override {
-        if (call == call_) std::exchange(action_, [] {})();
-        return 0;
-    }
-    const SystemCall call_;
-    std::function<void()> action_;
-};
-
 class JournalLeavingTest : public ::testing::Test {
 protected:
     JournalLeavingTest() { journal->upsert(entryFor("ended", EntryStatus::restored)); }
@@ -108,8 +90,8 @@ TEST_F(JournalLeavingTest, AChangeOfAnotherBrellIsNeverLost) {
     JournalEntry entry = entryFor("theirs", EntryStatus::applied);
     {
         // It is made after the first look, and before the lock is had.
-        const BeforeCall meanwhile(directory / ".journal.lock", SystemCall::flock,
-                                   [&] { other->upsert(entry); });
+        const EachCall meanwhile(directory / ".journal.lock",
+                                 before(SystemCall::flock, [&] { other->upsert(entry); }));
         EXPECT_EQ(refusal(),
                   "The change journal could not be removed: 1 change is still active. Nothing was lost.");
     }
@@ -121,7 +103,8 @@ TEST_F(JournalLeavingTest, AChangeOfAnotherBrellIsNeverLost) {
     std::thread waiting;
     leaveJournal(*journal, [&](const fs::path& taken) {
         std::latch waits(1);
-        const BeforeCall asking(directory / ".journal.lock", SystemCall::flock, [&] { waits.count_down(); });
+        const EachCall asking(directory / ".journal.lock",
+                              before(SystemCall::flock, [&] { waits.count_down(); }));
         waiting = std::thread([&] { other->upsert(late); });
         waits.wait();
         toTrash(taken);

@@ -251,10 +251,7 @@ TEST_F(JournalWritingTest, AJournalThatIsRemovedUnderAChangeIsMadeAnew) {
         mine->upsert(ended, held);
     }
     if (!systemCallsAreWatched()) return;
-    const EachCall inTheMiddle(directory, [&, isDone = false](SystemCall call) mutable {
-        if (call == SystemCall::rename && !std::exchange(isDone, true)) fs::remove_all(directory);
-        return 0;
-    });
+    const EachCall inTheMiddle(directory, before(SystemCall::rename, [&] { fs::remove_all(directory); }));
     mine->upsert(entry);
     EXPECT_EQ(opened()->entry(entry.id), entry);
 }
