@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <sstream>
 #include <stdexcept>
 
 #include "BrellCore/Support/Text.h"
@@ -14,27 +15,14 @@ namespace brell::trust {
 namespace {
 
 void add(Diaries& diaries, const std::string& what, const std::string& text) {
-    if (what == "did") {
+    if (what == "did")
         ++diaries.done;
-    } else if (what == "refused") {
-        ++diaries.refused;
-    } else if (what == "drifted") {
+    else if (what == "drifted")
         diaries.drifted.insert(Uuid::parse(text).value());
-    } else if (what == "fault") {
+    else if (what == "fault")
         diaries.faults.push_back(text);
-    } else {
+    else
         diaries.told.emplace_back(Uuid::parse(what).value(), fromRawValue<EntryStatus>(text).value());
-    }
-}
-
-// A line without its end is one that its writer was killed over.
-void addAll(Diaries& diaries, const std::string& text) {
-    std::size_t begin = 0;
-    for (std::size_t end; (end = text.find('\n', begin)) != std::string::npos; begin = end + 1) {
-        const std::string line = text.substr(begin, end - begin);
-        const std::size_t blank = line.find(' ');
-        add(diaries, line.substr(0, blank), line.substr(blank + 1));
-    }
 }
 
 }  // namespace
@@ -52,8 +40,12 @@ void Diary::note(std::string_view what, std::string_view text) {
 
 Diaries readDiaries(const fs::path& folder) {
     Diaries diaries;
-    for (const std::string& name : testing::namesIn(folder))
-        addAll(diaries, testing::contentsOf(folder / name));
+    for (const std::string& name : testing::namesIn(folder)) {
+        std::istringstream lines(testing::contentsOf(folder / name));
+        // A line without its end is one that its writer was killed over.
+        for (std::string what, text; lines >> what && std::getline(lines.ignore(), text) && !lines.eof();)
+            add(diaries, what, text);
+    }
     return diaries;
 }
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -21,8 +20,6 @@ public:
     explicit Diary(const std::filesystem::path& file);
 
     void did(std::string_view deed) { note("did", deed); }
-    void refused(std::string_view deed) { note("refused", deed); }  // others were first, or busy
-    void told(const JournalEntry& entry) { told(entry.id, entry.status); }
     void told(const Uuid& id, EntryStatus status) { note(id.text(), rawValue(status)); }
     void foundDrifted(const Uuid& id) { note("drifted", id.text()); }
     void fault(std::string_view text) { note("fault", text); }
@@ -34,7 +31,7 @@ private:
 
 // What stands in the diaries of all programs.
 struct Diaries {
-    std::size_t done = 0, refused = 0;
+    std::size_t done = 0;
     std::vector<std::pair<Uuid, EntryStatus>> told;
     std::set<Uuid> drifted;  // entries that could not be restored without a confirmation
     std::vector<std::string> faults;

@@ -57,15 +57,15 @@ struct Tally {
     std::size_t failed = 0;
 };
 
-std::size_t pointsOf(const Kind& kind, const std::filesystem::path& folder) {
+// Gives how many points there are.
+std::size_t goThrough(const Kind& kind, const std::filesystem::path& folder, Share share,
+                      const Report& report) {
     Stage stage(folder);
-    constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
-    Share none(never, never - 1);
     for (const Scene& scene : scenes()) {
         stage.prepare(scene);
-        kind.attempt(stage, scene, none, [](const std::string&, const Faults&) {});
+        kind.attempt(stage, scene, share, report);
     }
-    return none.seen();
+    return share.seen();
 }
 
 // One call, so that lines of several workers never mix.
@@ -74,39 +74,26 @@ void printLine(const std::string& line) {
     if (::write(STDOUT_FILENO, whole.data(), whole.size()) < 0) ::_exit(2);
 }
 
-Tally work(const Kind& kind, const std::filesystem::path& folder, Share share) {
-    Tally tally;
-    Stage stage(folder);
-    const Report report = [&](const std::string& point, const Faults& faults) {
-        ++tally.tried;
-        if (faults.empty()) return;
-        ++tally.failed;
-        for (const std::string& fault : faults) printLine("FAILED " + point + ": " + oneLine(fault));
-    };
-    for (const Scene& scene : scenes()) {
-        stage.prepare(scene);
-        kind.attempt(stage, scene, share, report);
-    }
-    return tally;
-}
-
 // Every worker is a process: the calls of threads in one would be watched together.
-pid_t startWorker(const Kind& kind, const std::filesystem::path& folder, Share share, int results) {
-    const pid_t child = ::fork();
-    if (child != 0) return child;
+void startWorker(const Kind& kind, const std::filesystem::path& folder, Share share, int results) {
+    if (::fork() != 0) return;
+    Tally tally;
     try {
-        const Tally tally = work(kind, folder, share);
-        ::_exit(::write(results, &tally, sizeof tally) == sizeof tally ? 0 : 2);
+        goThrough(kind, folder, share, [&](const std::string& point, const Faults& faults) {
+            ++tally.tried;
+            tally.failed += faults.empty() ? 0 : 1;
+            for (const std::string& fault : faults) printLine("FAILED " + point + ": " + oneLine(fault));
+        });
     } catch (const std::exception& error) {
         printLine(std::string("FAILED ") + kind.word + ": the harness itself: " + error.what());
+        ::_exit(2);
     }
-    ::_exit(2);
+    ::_exit(::write(results, &tally, sizeof tally) == sizeof tally ? 0 : 2);
 }
 
 Tally tryAll(const Kind& kind, const Options& options, std::size_t points) {
     const testing::TemporaryFolder folder;
-    const std::size_t stride =
-        options.sample < points ? points / std::max<std::size_t>(options.sample, 1) : 1;
+    const std::size_t stride = options.sample < points ? points / options.sample : 1;
     std::array<int, 2> results{};
     if (::pipe(results.data()) != 0) throw std::runtime_error("no pipe");
     for (std::size_t job = 0; job < options.jobs; ++job)
@@ -119,8 +106,7 @@ Tally tryAll(const Kind& kind, const Options& options, std::size_t points) {
         all.failed += one.failed;
     }
     ::close(results[0]);
-    for (int status = 0; ::wait(&status) > 0;)
-        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) ++all.failed;
+    for (int status = 0; ::wait(&status) > 0;) all.failed += status == 0 ? 0 : 1;
     return all;
 }
 
@@ -146,7 +132,8 @@ Options optionsFrom(int argc, char** argv) {
 
 bool tryPoints(const Kind& kind, const Options& options) {
     const testing::TemporaryFolder folder;
-    const std::size_t points = pointsOf(kind, folder.path);
+    constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+    const std::size_t points = goThrough(kind, folder.path, Share(never, never - 1), nullptr);
     const Tally tally = tryAll(kind, options, points);
     printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points + " tried, " +
               std::to_string(tally.failed) + " failed");

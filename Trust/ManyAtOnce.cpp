@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <csignal>
-#include <functional>
 #include <map>
 #include <random>
 #include <set>
+#include <sstream>
 #include <thread>
-#include <utility>
 
 #include "Trust/Worker.h"
 
@@ -23,7 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 using Instant = std::chrono::steady_clock::time_point;
 
-// Longer than anybody waits for the journal.
+// Longer than any program waits for the journal.
 constexpr std::chrono::seconds patienceAtTheEnd{60};
 
 // What takes a job time takes little here; the deadlines are real ones.
@@ -32,132 +31,88 @@ Waiting shortWaiting() {
             [](std::chrono::milliseconds time) { std::this_thread::sleep_for(std::min(time, 1ms)); }};
 }
 
-void runProgram(const fs::path& world, const fs::path& diaryFile, std::size_t threads, std::uint64_t seed,
-                Instant end) {
-    Diary diary(diaryFile);
+void runProgram(const fs::path& world, Diary& diary, std::size_t threads, std::uint64_t seed, Instant end) {
     Rig shared(world, systemNow, shortWaiting());
     Rig alone(world, systemNow, shortWaiting());
     std::vector<std::thread> running;
     for (std::size_t i = 0; i < threads; ++i)
-        running.emplace_back(
-            [&, i] { Worker(i + 1 < threads ? shared : alone, diary, seed * 100 + i).workUntil(end); });
+        running.emplace_back(workUntil, end, std::ref(i + 1 < threads ? shared : alone), std::ref(diary),
+                             seed * 100 + i);
     for (std::thread& thread : running) thread.join();
 }
 
 // Keeps so many programs at work until the time is over.
-class CrowdAtWork {
-public:
-    CrowdAtWork(const fs::path& world, fs::path diaries, const Crowd& crowd)
-        : world_(world),
-          diaries_(std::move(diaries)),
-          crowd_(crowd),
-          end_(std::chrono::steady_clock::now() + crowd.time),
-          random_(crowd.seed) {}
+struct CrowdAtWork {
+    const fs::path world, diaries;
+    const Crowd crowd;
+    const Instant end = std::chrono::steady_clock::now() + crowd.time;
+    std::mt19937_64 random{crowd.seed};
+    std::vector<pid_t> running = {};
+    std::size_t started = 0, killed = 0;
+    Faults faults = {};
 
     void run() {
-        fs::create_directories(diaries_);
-        startMissing();
-        while (sleepBeforeNextKill()) {
-            reap();
+        fs::create_directories(diaries);
+        while (running.size() < crowd.programs) start();
+        for (;;) {
+            const Instant next =
+                std::chrono::steady_clock::now() + std::chrono::milliseconds(100 + random() % 900);
+            std::this_thread::sleep_until(std::min(next, end));
+            if (next >= end) break;
             killOne();
-            startMissing();
+            start();
         }
-        waitForAll();
-    }
-
-    std::size_t started = 0;
-    std::size_t killed = 0;
-    Faults faults;
-
-private:
-    void startMissing() {
-        while (running_.size() < crowd_.programs) start();
+        for (const pid_t program : running) noteEnd(program);
     }
 
     void start() {
-        const std::uint64_t seed = crowd_.seed * 1000 + started;
-        const fs::path diary = diaries_ / std::to_string(started++);
+        const std::uint64_t seed = crowd.seed * 1000 + started;
+        const fs::path diaryFile = diaries / std::to_string(started++);
         const pid_t child = ::fork();
         if (child < 0) throw std::runtime_error("no process");
         if (child > 0) {
-            running_.push_back(child);
+            running.push_back(child);
             return;
         }
+        ::alarm(static_cast<unsigned>((crowd.time + patienceAtTheEnd).count()));  // stops one that never ends
+        Diary diary(diaryFile);
         try {
-            runProgram(world_, diary, crowd_.threads, seed, end_);
+            runProgram(world, diary, crowd.threads, seed, end);
             ::_exit(0);
         } catch (const std::exception& error) {
-            Diary(diary).fault(std::string("a program ended: ") + error.what());
+            diary.fault(std::string("a program ended: ") + error.what());
         }
         ::_exit(1);
     }
 
-    // False when the time is over.
-    bool sleepBeforeNextKill() {
-        const Instant next =
-            std::chrono::steady_clock::now() + std::chrono::milliseconds(100 + random_() % 900);
-        std::this_thread::sleep_until(std::min(next, end_));
-        return next < end_;
-    }
-
     void killOne() {
-        if (running_.empty()) return;
-        const auto one = running_.begin() + static_cast<std::ptrdiff_t>(random_() % running_.size());
-        int status = 0;
+        const auto one = running.begin() + static_cast<std::ptrdiff_t>(random() % running.size());
         ::kill(*one, SIGKILL);
-        ::waitpid(*one, &status, 0);
-        running_.erase(one);
-        if (!WIFSIGNALED(status)) noteEnd(status);  // it was faster
+        noteEnd(*one, SIGKILL);
+        running.erase(one);
         ++killed;
     }
 
-    void noteEnd(int status) {
-        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    void noteEnd(pid_t program, int expectedSignal = 0) {
+        int status = 0;
+        ::waitpid(program, &status, 0);
+        if (WIFEXITED(status) ? WEXITSTATUS(status) != 0 : WTERMSIG(status) != expectedSignal)
             faults.push_back("a program ended with status " + std::to_string(status));
     }
-
-    // Those that ended by themselves.
-    void reap() {
-        std::erase_if(running_, [&](pid_t program) {
-            int status = 0;
-            if (::waitpid(program, &status, WNOHANG) != program) return false;
-            noteEnd(status);
-            return true;
-        });
-    }
-
-    void waitForAll() {
-        const Instant latest = std::chrono::steady_clock::now() + patienceAtTheEnd;
-        while (!running_.empty() && std::chrono::steady_clock::now() < latest) {
-            reap();
-            std::this_thread::sleep_for(10ms);
-        }
-        while (!running_.empty()) {
-            faults.push_back("a program does not end");
-            killOne();
-        }
-    }
-
-    const fs::path world_;
-    const fs::path diaries_;
-    const Crowd crowd_;
-    const Instant end_;
-    std::mt19937_64 random_;
-    std::vector<pid_t> running_;
 };
 
 std::string nameOf(const Uuid& id, EntryStatus status) {
     return id.text() + " " + std::string(rawValue(status));
 }
 
-// The lines of every history file, whether they can be read or not.
+// The lines of every history file that hold something, whether they can be read or not.
 std::size_t rawLines(const fs::path& directory) {
-    std::size_t lines = 0;
+    std::size_t count = 0;
     for (const std::string& name : testing::namesIn(directory)) {
-        const std::string text = "\n" + testing::contentsOf(directory / name) + "\n";
-        for (std::size_t i = 1; i < text.size(); ++i) lines += text[i] == '\n' && text[i - 1] != '\n' ? 1 : 0;
+        std::istringstream lines(testing::contentsOf(directory / name));
+        for (std::string line; std::getline(lines, line);) count += line.empty() ? 0 : 1;
     }
-    return lines;
+    return count;
 }
 
 std::size_t leftovers(const fs::path& directory) {
@@ -167,84 +122,46 @@ std::size_t leftovers(const fs::path& directory) {
 }
 
 // What the journal and the history hold after everything.
-class Records {
-public:
-    explicit Records(const fs::path& directory)
-        : journal_(Journal::open(directory)), entries(journal_->all()), lines(journal_->history()) {
-        torn = rawLines(journal_->historyDirectory()) - lines.size();
-        for (const JournalEntry& entry : entries) statuses_[entry.id] = entry.status;
-        for (const HistoryLine& line : lines) ++events_[nameOf(line.entry.id, line.event)];
-    }
-
-    Faults withoutWhatWasTold(const Diaries& diaries) const {
-        Faults faults;
-        for (const auto& [id, status] : diaries.told) {
-            const auto entry = statuses_.find(id);
-            if (entry == statuses_.end())
-                faults.push_back("told, and not in the journal: " + nameOf(id, status));
-            else if (entry->second != status && entry->second != EntryStatus::restored)
-                faults.push_back("told " + nameOf(id, status) + ", now " + nameOf(id, entry->second));
-            if (!events_.contains(nameOf(id, status)))
-                faults.push_back("told, and not in the history: " + nameOf(id, status));
-        }
-        return faults;
-    }
-
-    Faults entriesOnlyInHistory() const {
-        Faults faults;
-        for (const HistoryLine& line : lines)
-            if (!statuses_.contains(line.entry.id))
-                faults.push_back("only in the history: " + nameOf(line.entry.id, line.event));
-        return faults;
-    }
-
-    Faults doubledLines() const {
-        Faults faults;
-        std::map<std::string, const HistoryLine*> seen;
-        for (const HistoryLine& line : lines) {
-            const auto [known, isNew] = seen.emplace(nameOf(line.entry.id, line.event), &line);
-            if (!isNew && known->second->entry == line.entry)
-                faults.push_back("twice in the history: " + known->first);
-        }
-        return faults;
-    }
-
-    // A program that is killed between saving an entry and its line leaves none.
-    std::size_t missingLines() const {
-        std::size_t missing = 0;
-        for (const auto& [id, status] : statuses_) {
-            if (!events_.contains(nameOf(id, EntryStatus::capturing))) ++missing;
-            if (status != EntryStatus::capturing && !events_.contains(nameOf(id, status))) ++missing;
-        }
-        return missing;
-    }
-
-private:
-    const std::unique_ptr<Journal> journal_;
-    std::map<Uuid, EntryStatus> statuses_;
-    std::map<std::string, std::size_t> events_;
-
-public:
-    const std::vector<JournalEntry> entries;
-    const std::vector<HistoryLine> lines;
-    std::size_t torn = 0;
+struct Records {
+    std::map<Uuid, EntryStatus> statuses;
+    std::map<std::string, JournalEntry> events;  // by the names of their lines
+    std::size_t lost = 0;                        // lines of history that are missing or torn
+    Faults faults;
 };
 
-void expectAtMost(Faults& faults, std::size_t most, std::size_t found, const std::string& what) {
-    if (found > most)
-        faults.push_back(std::to_string(found) + " " + what + ", and only " + std::to_string(most) +
-                         " kills");
+Records recordsIn(const fs::path& directory) {
+    const auto journal = Journal::open(directory);
+    Records records;
+    for (const JournalEntry& entry : journal->all()) records.statuses[entry.id] = entry.status;
+    const std::vector<HistoryLine> lines = journal->history();
+    records.lost = rawLines(journal->historyDirectory()) - lines.size();
+    for (const HistoryLine& line : lines) {
+        const std::string name = nameOf(line.entry.id, line.event);
+        if (!records.statuses.contains(line.entry.id))
+            records.faults.push_back("only in the history: " + name);
+        const auto [known, isNew] = records.events.emplace(name, line.entry);
+        if (!isNew && known->second == line.entry) records.faults.push_back("twice in the history: " + name);
+    }
+    // A program that is killed between saving an entry and its line leaves none.
+    for (const auto& [id, status] : records.statuses)
+        for (const EntryStatus saved : std::set{EntryStatus::capturing, status})
+            if (!records.events.contains(nameOf(id, saved))) ++records.lost;
+    return records;
 }
 
-std::string summaryOf(const CrowdAtWork& work, const Crowd& crowd, const Diaries& diaries,
-                      const Records& records) {
-    const auto text = [](std::size_t number) { return std::to_string(number); };
-    return text(diaries.done) + " operations done and " + text(diaries.refused) + " refused in " +
-           std::to_string(crowd.time.count()) + " s by " + text(crowd.programs) + " programs of " +
-           text(crowd.threads) + " threads, " + text(work.killed) + " killed and replaced (seed " +
-           std::to_string(crowd.seed) + "); " + text(records.entries.size()) + " entries, " +
-           text(records.lines.size()) + " lines of history, " + text(records.missingLines()) + " missing, " +
-           text(records.torn) + " torn, " + text(diaries.drifted.size()) + " half undone";
+// What a program was told is in both.
+Faults checkTold(const Records& records, const Diaries& diaries) {
+    Faults faults;
+    for (const auto& [id, status] : diaries.told) {
+        const auto entry = records.statuses.find(id);
+        if (entry == records.statuses.end())
+            faults.push_back("told, and not in the journal: " + nameOf(id, status));
+        else if (entry->second != status && entry->second != EntryStatus::restored)
+            faults.push_back("told " + nameOf(id, status) + ", now " + nameOf(id, entry->second));
+        if (!records.events.contains(nameOf(id, status)))
+            faults.push_back("told, and not in the history: " + nameOf(id, status));
+    }
+    return faults;
 }
 
 }  // namespace
@@ -253,24 +170,31 @@ CrowdReport tryManyAtOnce(const fs::path& folder, const Crowd& crowd) {
     Stage stage(folder);
     stage.prepare({"many at once", [](Rig&) {}, {}});
     const SampleMac mac(stage.world());
-    const fs::path journalDirectory = Journal::defaultDirectory(mac.home());
+    const fs::path directory = stage.journalDirectory();
 
-    CrowdAtWork work(stage.world(), folder / "diaries", crowd);
+    CrowdAtWork work{stage.world(), folder / "diaries", crowd};
     work.run();
-    const Diaries diaries = readDiaries(folder / "diaries");
-    const Records records(journalDirectory);
+    const Diaries diaries = readDiaries(work.diaries);
+    const Records records = recordsIn(directory);
 
     Faults faults = work.faults;
     append(faults, diaries.faults);
-    append(faults, records.withoutWhatWasTold(diaries));
-    append(faults, records.entriesOnlyInHistory());
-    append(faults, records.doubledLines());
-    expectAtMost(faults, work.killed, records.missingLines() + records.torn, "lines of history lost");
-    expectAtMost(faults, work.killed, diaries.drifted.size(), "changes half undone");
-    expectAtMost(faults, work.killed, leftovers(journalDirectory) + leftovers(mac.preferences()),
-                 "temporary files left");
+    append(faults, records.faults);
+    append(faults, checkTold(records, diaries));
+    const std::pair<std::size_t, const char*> atMostOneAKill[] = {
+        {records.lost, "lines of history lost"},
+        {diaries.drifted.size(), "changes half undone"},
+        {leftovers(directory) + leftovers(mac.preferences()), "temporary files left"}};
+    for (const auto& [found, what] : atMostOneAKill)
+        if (found > work.killed)
+            faults.push_back(std::to_string(found) + " " + what + " by " + std::to_string(work.killed) +
+                             " kills");
     append(faults, judge(stage, {}));
-    return {summaryOf(work, crowd, diaries, records), std::move(faults)};
+    return {std::to_string(diaries.done) + " operations done in " + std::to_string(crowd.time.count()) +
+                " s by " + std::to_string(crowd.programs) + " programs of " + std::to_string(crowd.threads) +
+                " threads, " + std::to_string(work.killed) + " killed and replaced (seed " +
+                std::to_string(crowd.seed) + ")",
+            std::move(faults)};
 }
 
 }  // namespace brell::trust

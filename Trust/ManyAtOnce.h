@@ -17,14 +17,13 @@ struct Crowd {
     std::uint64_t seed = 1;  // of what everybody does, as far as the system's own turns allow
 };
 
-// What came of it.
 struct CrowdReport {
     std::string summary;  // in numbers
     Faults faults;
 };
 
 // Works in this folder, which must be the caller's own. Looks while they work whether every reader finds a
-// whole journal, and afterwards whether everything that somebody was told is in the journal and the history,
+// whole journal, and afterwards whether everything that a program was told is in the journal and the history,
 // nothing twice, and whether the program and the script alone bring everything back.
 CrowdReport tryManyAtOnce(const std::filesystem::path& folder, const Crowd& crowd);
 

@@ -1,7 +1,8 @@
 #include "Trust/Worker.h"
 
 #include <array>
-#include <numeric>
+#include <map>
+#include <random>
 
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Engine/Report.h"
@@ -21,8 +22,8 @@ bool isBusy(const std::string& sentence) {
     return sentence.find("another Brell has been busy with it") != std::string::npos;
 }
 
-// Whether it is what happens where others are at work, too: they were first, or take too long. A killed
-// program may have undone half a change.
+// Tells what happens where others are at work, too: they were first, or take too long. A killed program may
+// have undone half a change.
 bool isOfOthers(const EngineFailure& failure) {
     if (const auto* journal = std::get_if<JournalFailure>(&failure)) return isBusy(describe(*journal));
     return std::holds_alternative<Refused>(failure) || std::holds_alternative<NotActive>(failure) ||
@@ -40,171 +41,161 @@ bool isOfOthers(const AgentToggleFailure& failure) {
     return false;
 }
 
-}  // namespace
+struct Worker {
+    Rig& rig;
+    Diary& diary;
+    std::mt19937_64 random;
+    std::string_view deed = {};               // under way
+    std::map<Uuid, EntryStatus> toldOf = {};  // of the entries that this worker was told of
+    std::size_t linesSeen = 0;                // of the history
 
-struct Worker::Deed {
-    std::string_view name;
-    std::size_t weight;
-    void (Worker::*perform)();
-};
-
-const std::vector<Worker::Deed>& Worker::deeds() {
-    static const std::vector<Deed> all{
-        {"apply", 12, &Worker::apply},
-        {"turn off", 10, &Worker::turnOff},
-        {"restore one", 6, &Worker::restoreOne},
-        {"restore all", 1, &Worker::restoreAll},
-        {"recover", 2, &Worker::recover},
-        {"switch an agent", 6, &Worker::switchAgent},
-        {"apply a preset", 1, &Worker::applyPreset},
-        {"read the status", 4, &Worker::readStatus},
-        {"make the report", 1, &Worker::readReport},
-        {"read the journal", 6, &Worker::readJournal},
-        {"read the history", 1, &Worker::readHistory},
-        {"write the restore script", 2, &Worker::writeScript},
-    };
-    return all;
-}
-
-const Worker::Deed& Worker::chooseDeed() {
-    const std::size_t all =
-        std::accumulate(deeds().begin(), deeds().end(), std::size_t{0},
-                        [](std::size_t sum, const Deed& deed) { return sum + deed.weight; });
-    std::size_t left = below(all);
-    for (const Deed& deed : deeds()) {
-        if (left < deed.weight) return deed;
-        left -= deed.weight;
+    std::size_t below(std::size_t limit) { return static_cast<std::size_t>(random() % limit); }
+    bool coin() { return below(2) == 0; }
+    template <class Choices>
+    const auto& anyOf(const Choices& choices) {
+        return choices[below(choices.size())];
     }
-    return deeds().front();
-}
+    const Tweak& anyTweak() { return rig.tweak(anyOf(contestedTweaks)); }
 
-void Worker::workUntil(std::chrono::steady_clock::time_point end) {
-    while (std::chrono::steady_clock::now() < end) perform(chooseDeed());
-}
+    void told(const Uuid& id, EntryStatus status) {
+        diary.told(id, status);
+        toldOf[id] = status;
+    }
+    void told(const JournalEntry& entry) { told(entry.id, entry.status); }
 
-void Worker::perform(const Deed& deed) {
-    deed_ = deed.name;
-    try {
-        (this->*deed.perform)();
-        diary_.did(deed_);
-    } catch (const EngineError& error) {
-        if (const auto* drift = std::get_if<Drift>(&error.failure())) diary_.foundDrifted(drift->entry);
+    void fault(const std::string& text) { diary.fault(std::string(deed) + ": " + text); }
+
+    void refused(const std::string& sentence, bool mayHappen) {
+        if (!mayHappen) fault(sentence);
+        if (!isWhole(sentence)) fault("no whole sentence: " + sentence);
+    }
+    void refused(const EngineError& error) {
+        if (const auto* drift = std::get_if<Drift>(&error.failure())) diary.foundDrifted(drift->entry);
         refused(error.what(), isOfOthers(error.failure()));
-    } catch (const AgentToggleError& error) {
-        refused(error.what(), isOfOthers(error.failure()));
-    } catch (const JournalError& error) {
-        refused(error.what(), isBusy(error.what()));
-    } catch (const std::exception& error) {
-        diary_.fault(std::string(deed_) + ": an error of a foreign type: " + error.what());
     }
-}
 
-void Worker::refused(const std::string& sentence, bool mayHappen) {
-    diary_.refused(deed_);
-    if (!mayHappen) diary_.fault(std::string(deed_) + ": " + sentence);
-    if (!isWhole(sentence)) diary_.fault(std::string(deed_) + ": no whole sentence: " + sentence);
-}
-
-const Tweak& Worker::anyTweak() {
-    return rig_.tweak(contestedTweaks.at(below(contestedTweaks.size())));
-}
-
-void Worker::keepInMind(const JournalEntry& entry) {
-    diary_.told(entry);
-    told_[entry.id] = entry.status;
-}
-
-void Worker::apply() {
-    keepInMind(rig_.engine.apply(anyTweak()));
-}
-
-void Worker::turnOff() {
-    keepInMind(rig_.engine.turnOff(anyTweak(), coin()));
-}
-
-void Worker::restoreOne() {
-    const std::vector<JournalEntry> active = rig_.journal.active();
-    if (!active.empty()) keepInMind(rig_.engine.restore(active[below(active.size())].id, coin()));
-}
-
-void Worker::report(const RestoreAllOutcome& outcome) {
-    for (const Uuid& id : outcome.restored) {
-        diary_.told(id, EntryStatus::restored);
-        told_[id] = EntryStatus::restored;
+    void report(const RestoreAllOutcome& outcome) {
+        for (const Uuid& id : outcome.restored) told(id, EntryStatus::restored);
+        for (const auto& [id, reason] : outcome.failed) refused(reason, isBusy(reason));
     }
-    for (const auto& [id, reason] : outcome.failed) refused(reason, isBusy(reason));
-}
 
-void Worker::restoreAll() {
-    std::set<Uuid> confirmed;
-    for (const JournalEntry& entry : rig_.engine.driftedEntries()) confirmed.insert(entry.id);
-    report(rig_.engine.restoreAll(confirmed));
-}
+    void restoreOne() {
+        const std::vector<JournalEntry> active = rig.journal.active();
+        if (!active.empty()) told(rig.engine.restore(anyOf(active).id, coin()));
+    }
 
-void Worker::recover() {
-    report(rig_.engine.recoverInterrupted());
-}
+    void restoreAll() {
+        std::set<Uuid> confirmed;
+        for (const JournalEntry& entry : rig.engine.driftedEntries()) confirmed.insert(entry.id);
+        report(rig.engine.restoreAll(confirmed));
+    }
 
-void Worker::switchAgent() {
-    const LaunchAgentRecord& agent = rig_.agent(contestedAgents.at(below(contestedAgents.size())));
-    keepInMind(coin() ? rig_.toggle.turnOff(agent) : rig_.toggle.turnOn(agent));
-}
+    void switchAgent() {
+        const LaunchAgentRecord& agent = rig.agent(anyOf(contestedAgents));
+        told(coin() ? rig.toggle.turnOff(agent) : rig.toggle.turnOn(agent));
+    }
 
-void Worker::applyPreset() {
-    const Preset& preset = Presets::shipped()[below(Presets::shipped().size())];
-    for (const std::string& id : Presets::validate(preset, rig_.catalog).valid) {
-        try {
-            keepInMind(rig_.engine.apply(rig_.tweak(id)));
-        } catch (const EngineError& error) {
-            refused(error.what(), isOfOthers(error.failure()));
+    void applyPreset() {
+        for (const std::string& id : Presets::validate(anyOf(Presets::shipped()), rig.catalog).valid) {
+            try {
+                told(rig.engine.apply(rig.tweak(id)));
+            } catch (const EngineError& error) {
+                refused(error);
+            }
         }
     }
-}
 
-void Worker::readStatus() {
-    for (const Tweak& tweak : rig_.catalog.all()) rig_.engine.status(tweak);
-}
-
-void Worker::readReport() {
-    const std::string report =
-        Report::markdown(rig_.journal, rig_.catalog, "26.1", systemNow(), rig_.engine.driftedEntries());
-    if (report.find("\n## History\n") == std::string::npos) diary_.fault("half a report");
-}
-
-// As a program that starts now, and as one that has been running.
-void Worker::readJournal() {
-    const std::vector<JournalEntry> entries =
-        coin() ? Journal::open(rig_.journalDirectory)->all() : rig_.journal.all();
-    std::map<Uuid, EntryStatus> found;
-    std::set<std::string> active;
-    for (const JournalEntry& entry : entries) {
-        if (!found.emplace(entry.id, entry.status).second)
-            diary_.fault("the entry " + entry.id.text() + " stands twice");
-        if (entry.isActive() && !active.insert(entry.tweakID).second)
-            diary_.fault(entry.tweakID + " is active twice");
+    void readStatus() {
+        for (const Tweak& tweak : rig.catalog.all()) rig.engine.status(tweak);
     }
-    for (const auto& [id, status] : told_) {
-        const auto entry = found.find(id);
-        if (entry == found.end())
-            diary_.fault("the entry " + id.text() + " is lost");
-        else if (entry->second != status && entry->second != EntryStatus::restored)
-            diary_.fault("the entry " + id.text() + " went back to " + std::string(rawValue(entry->second)));
+
+    void readReport() {
+        const std::string report =
+            Report::markdown(rig.journal, rig.catalog, "26.1", systemNow(), rig.engine.driftedEntries());
+        if (report.find("\n## History\n") == std::string::npos) fault("half a report");
+    }
+
+    // As a program that starts now, and as one that has been running.
+    void readJournal() {
+        const std::vector<JournalEntry> entries =
+            coin() ? Journal::open(rig.journalDirectory)->all() : rig.journal.all();
+        std::map<Uuid, EntryStatus> found;
+        std::set<std::string> active;
+        for (const JournalEntry& entry : entries) {
+            if (!found.emplace(entry.id, entry.status).second) fault("twice: the entry " + entry.id.text());
+            if (entry.isActive() && !active.insert(entry.tweakID).second)
+                fault(entry.tweakID + " is active twice");
+        }
+        for (const auto& [id, status] : toldOf) {
+            const auto entry = found.find(id);
+            if (entry == found.end())
+                fault("lost: the entry " + id.text());
+            else if (entry->second != status && entry->second != EntryStatus::restored)
+                fault("the entry " + id.text() + " went back to " + std::string(rawValue(entry->second)));
+        }
+    }
+
+    void readHistory() {
+        const std::size_t lines = rig.journal.history().size();
+        if (lines < linesSeen) fault("the history became shorter");
+        linesSeen = lines;
+    }
+
+    void writeScript() {
+        rig.engine.rewriteRestoreScript();
+        const std::filesystem::path file = rig.journalDirectory / RestoreScript::fileName;
+        if (!std::filesystem::exists(file)) return;  // others were busy so far
+        const std::string script = testing::contentsOf(file);
+        if (!script.starts_with("#!/bin/sh\n") || !script.ends_with("take effect.'\n"))
+            fault("half a restore script");
+    }
+};
+
+struct Deed {
+    std::string_view name;
+    double weight;
+    void (*perform)(Worker&);
+};
+constexpr std::array deeds{
+    Deed{"apply", 12, [](Worker& worker) { worker.told(worker.rig.engine.apply(worker.anyTweak())); }},
+    Deed{"turn off", 10,
+         [](Worker& worker) { worker.told(worker.rig.engine.turnOff(worker.anyTweak(), worker.coin())); }},
+    Deed{"restore one", 6, [](Worker& worker) { worker.restoreOne(); }},
+    Deed{"restore all", 1, [](Worker& worker) { worker.restoreAll(); }},
+    Deed{"recover", 2, [](Worker& worker) { worker.report(worker.rig.engine.recoverInterrupted()); }},
+    Deed{"switch an agent", 6, [](Worker& worker) { worker.switchAgent(); }},
+    Deed{"apply a preset", 1, [](Worker& worker) { worker.applyPreset(); }},
+    Deed{"read the status", 4, [](Worker& worker) { worker.readStatus(); }},
+    Deed{"make the report", 1, [](Worker& worker) { worker.readReport(); }},
+    Deed{"read the journal", 6, [](Worker& worker) { worker.readJournal(); }},
+    Deed{"read the history", 1, [](Worker& worker) { worker.readHistory(); }},
+    Deed{"write the restore script", 2, [](Worker& worker) { worker.writeScript(); }},
+};
+
+void perform(const Deed& deed, Worker& worker) {
+    worker.deed = deed.name;
+    try {
+        deed.perform(worker);
+        worker.diary.did(deed.name);
+    } catch (const EngineError& error) {
+        worker.refused(error);
+    } catch (const AgentToggleError& error) {
+        worker.refused(error.what(), isOfOthers(error.failure()));
+    } catch (const JournalError& error) {
+        worker.refused(error.what(), isBusy(error.what()));
+    } catch (const std::exception& error) {
+        worker.fault(std::string("an error of a foreign type: ") + error.what());
     }
 }
 
-void Worker::readHistory() {
-    const std::size_t lines = rig_.journal.history().size();
-    if (lines < linesSeen_) diary_.fault("the history became shorter");
-    linesSeen_ = lines;
-}
+}  // namespace
 
-void Worker::writeScript() {
-    rig_.engine.rewriteRestoreScript();
-    const std::filesystem::path file = rig_.journalDirectory / RestoreScript::fileName;
-    if (!std::filesystem::exists(file)) return;  // others were busy so far
-    const std::string script = testing::contentsOf(file);
-    if (!script.starts_with("#!/bin/sh\n") || !script.ends_with("take effect.'\n"))
-        diary_.fault("half a restore script");
+void workUntil(std::chrono::steady_clock::time_point end, Rig& rig, Diary& diary, std::uint64_t seed) {
+    Worker worker{rig, diary, std::mt19937_64(seed)};
+    std::vector<double> weights;
+    for (const Deed& deed : deeds) weights.push_back(deed.weight);
+    std::discrete_distribution<std::size_t> choice(weights.begin(), weights.end());
+    while (std::chrono::steady_clock::now() < end) perform(deeds.at(choice(worker.random)), worker);
 }
 
 }  // namespace brell::trust
