@@ -1,4 +1,4 @@
-// What every program of a crowd notes while it is at work, in a file of its own: what it was told goes on
+// Every program of a crowd notes what happens to it in a file of its own: what it was told goes on
 // counting when it is killed.
 #pragma once
 
@@ -29,7 +29,7 @@ private:
     UniqueFd file_;
 };
 
-// What stands in the diaries of all programs.
+// The notes of all programs.
 struct Diaries {
     std::size_t done = 0;
     std::vector<std::pair<Uuid, EntryStatus>> told;

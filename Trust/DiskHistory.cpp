@@ -240,7 +240,7 @@ private:
 
     void noteNames(const Snapshot& before, const Snapshot& after) {
         std::map<Object, std::map<std::string, std::optional<Object>>> changed;
-        // What lies in a folder that was renamed stays in it.
+        // A file in a folder that was renamed stays in it.
         const auto place = [&](const Snapshot& snapshot, const fs::path& path) -> std::optional<Object>& {
             const Snapshot::Node& folder = snapshot.ours.at(path.parent_path().string());
             return changed[objects_.at(folder.inode)][path.filename().string()];

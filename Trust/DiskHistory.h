@@ -1,9 +1,10 @@
-// What a disk may hold after a power cut, worked out from the calls of one run.
+// The states of a disk after a power cut, worked out from the calls of one run.
 //
-// What was synchronised is there. The bytes written to a file since then may be there up to any write, in
-// part, or as zeros of the right length; of the names given and taken in a folder since it was synchronised,
-// any may be there and any may be missing. Files that belong to macOS (its preferences, launchd's state) are
-// replaced whole by somebody who takes care of that: each may be any of the versions there were.
+// Everything that was synchronised is there. The bytes written to a file since then may be there up to any
+// write, in part, or as zeros of the right length; of the names given and taken in a folder since it was
+// synchronised, any may be there and any may be missing. Files that belong to macOS (its preferences,
+// launchd's state) are replaced whole by somebody who takes care of that: each may be any of the versions
+// there were.
 #pragma once
 
 #include <filesystem>

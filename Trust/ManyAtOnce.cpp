@@ -25,7 +25,7 @@ using Instant = std::chrono::steady_clock::time_point;
 // Longer than any program waits for the journal.
 constexpr std::chrono::seconds patienceAtTheEnd{60};
 
-// What takes a job time takes little here; the deadlines are real ones.
+// A job that takes its time takes little here; the deadlines are real ones.
 Waiting shortWaiting() {
     return {[] { return std::chrono::steady_clock::now(); },
             [](std::chrono::milliseconds time) { std::this_thread::sleep_for(std::min(time, 1ms)); }};
@@ -121,7 +121,7 @@ std::size_t leftovers(const fs::path& directory) {
         names.begin(), names.end(), [](const std::string& name) { return name.ends_with(".tmp"); }));
 }
 
-// What the journal and the history hold after everything.
+// The journal and the history after everything.
 struct Records {
     std::map<Uuid, EntryStatus> statuses;
     std::map<std::string, JournalEntry> events;  // by the names of their lines
@@ -149,7 +149,7 @@ Records recordsIn(const fs::path& directory) {
     return records;
 }
 
-// What a program was told is in both.
+// Everything that a program was told is in both.
 Faults checkTold(const Records& records, const Diaries& diaries) {
     Faults faults;
     for (const auto& [id, status] : diaries.told) {

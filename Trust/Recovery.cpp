@@ -18,7 +18,7 @@ bool contains(const std::string& text, std::string_view part) {
     return text.find(part) != std::string::npos;
 }
 
-// Whether a user can tell from it what could not be done to which thing.
+// A user can tell from it what could not be done to which thing.
 bool isClear(const std::string& sentence, const Stage& stage) {
     if (!isWhole(sentence)) return false;
     std::vector<std::string> names{stage.world().string(), "The change journal", "com.apple.",
@@ -58,7 +58,7 @@ bool restoredAsTold(Rig& rig, const std::string& sentence) {
     return true;
 }
 
-// What a user does: lets Brell recover what was interrupted, then asks once more. Nobody else changed
+// A user lets Brell recover what was interrupted, then asks once more. Nobody else changed
 // anything, so that nothing has to be confirmed.
 Faults tryAgain(const Stage& stage, const Scene& scene, Rig& rig, const Goal& goal) {
     Faults faults;

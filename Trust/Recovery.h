@@ -1,4 +1,4 @@
-// What is asked after an operation that something went wrong in: a clear sentence, nothing half done that no
+// An operation in which something went wrong leaves a clear sentence, nothing half done that no
 // entry records, and a next try that works.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace brell::trust {
 
-// What an operation comes to when nothing goes wrong.
+// The end of an operation in which nothing goes wrong.
 struct Goal {
     Condition condition;
     std::set<std::string> activeTweaks;
@@ -20,7 +20,7 @@ struct Goal {
 };
 Goal goalOf(const Stage& stage, const Scene& scene);
 
-// Whether it is for a user to read: a whole sentence, with no word of the program's inside in it.
+// A user can read it: a whole sentence, with no word of the program's inside in it.
 bool isWhole(const std::string& sentence);
 
 // How one try ended.

@@ -45,7 +45,7 @@ public:
     AgentToggle toggle;
 };
 
-// What a user would notice of a Mac, in words: by the rendered key every preference, and by its label of
+// A Mac as its user would notice it, in words: by the rendered key every preference, and by its label of
 // every agent whether it is disabled and loaded. An override that says "enabled" is none; a job that was told
 // to end is gone.
 using Condition = std::map<std::string, std::string>;

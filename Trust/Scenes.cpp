@@ -36,7 +36,7 @@ Sentences reasonsOf(const RestoreAllOutcome& outcome) {
     return sentences;
 }
 
-// What gives an entry when it succeeds, and otherwise raises.
+// An operation that gives an entry when it succeeds, and otherwise raises.
 template <class Action>
 auto raising(Action action) {
     return [action](Rig& rig) {
@@ -62,7 +62,7 @@ void moveToTrash(const std::filesystem::path& folder) {
         throw std::runtime_error(systemMessage(errno));
 }
 
-// What could not be restored keeps the journal in its place.
+// A change that could not be restored keeps the journal in its place.
 Sentences leave(Rig& rig) {
     Sentences sentences = restoreAll(rig);
     try {

@@ -14,7 +14,7 @@ struct Scene {
     std::function<void(Rig&)> prepare;
     // Gives the sentences in which the operation reports failures of single entries; raises its other errors.
     std::function<std::vector<std::string>(Rig&)> perform;
-    // What becomes of the journal of a running program, just before; nothing where none is given.
+    // Does something to the journal of a running program, just before; nothing where none is given.
     std::function<void(const std::filesystem::path& journal)> damage = nullptr;
 };
 

@@ -41,7 +41,7 @@ void Stage::prepare(const Scene& scene) {
     setting_.original = conditionOf(world());
     scene.prepare(rig);
     setting_.entries = rig.journal.all();
-    // What is loaded no more, because its job file was removed, can't come back.
+    // An agent that is loaded no more, because its job file was removed, can't come back.
     const Rig after(world());
     for (const JournalEntry& entry : setting_.entries)
         if (entry.agent && !after.hasJobFile(entry.agent->label)) setting_.original.erase(entry.agent->label);

@@ -11,7 +11,7 @@
 
 namespace brell::trust {
 
-// What the file or folder of this name holds, by path within it.
+// The contents of the file or folder of this name, by path within it.
 std::map<std::string, std::string> below(const std::filesystem::path& folder, const std::string& name);
 
 class Stage {
@@ -37,7 +37,7 @@ public:
         std::optional<std::map<std::string, std::string>> damaged;
     };
     const Setting& setting() const { return setting_; }
-    // Whether the journal is one that the scene damaged.
+    // The journal is one that the scene damaged.
     bool isDamagedNow() const;
 
     std::filesystem::path journalDirectory() const;

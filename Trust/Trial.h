@@ -26,7 +26,7 @@ private:
 // Told of every point that was tried: where, and what was wrong there.
 using Report = std::function<void(const std::string& point, const Faults& faults)>;
 
-// What may happen at the n-th step of an operation, and what is wrong afterwards.
+// Something that may happen at the n-th step of an operation; gives what is wrong afterwards.
 struct Mishap {
     std::string name;
     std::function<Faults(std::size_t n)> attempt;

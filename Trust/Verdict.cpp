@@ -65,7 +65,7 @@ Faults checkLeft(const Stage& stage, const std::vector<JournalEntry>& entries) {
     return stage.hasLeft() && isActive ? Faults{"an active change went with the journal"} : Faults();
 }
 
-// What a user does first where the journal can't be read. The damaged one is there for good.
+// A user does this first where the journal can't be read. The damaged one is there for good.
 Faults rebuildIfDamaged(const Stage& stage) {
     if (!stage.setting().damaged) return {};
     Faults faults;

@@ -13,7 +13,7 @@ namespace brell::trust {
 using Faults = std::vector<std::string>;  // a line each; empty when all is well
 void append(Faults& faults, Faults more, const std::string& prefix = {});
 
-// What is asked of the Mac on the stage.
+// The Mac on the stage is asked for this.
 struct Claim {
     // The journal holds exactly these; nothing: at least the entries it held before the operation.
     std::optional<std::vector<JournalEntry>> entries;
@@ -32,7 +32,7 @@ Faults judgeScript(const Stage& stage, const Claim& claim);
 // Both, each on the Mac as it is now.
 Faults judge(const Stage& stage, const Claim& claim);
 
-// What differs, a line for each key and agent that is not among these names.
+// A line for each key and agent that differs and is not among these names.
 Faults differences(const Condition& original, const Condition& now, const std::set<std::string>& except = {});
 
 // The keys, in words, and the label that an entry is about.

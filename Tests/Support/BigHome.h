@@ -123,7 +123,7 @@ inline void writeSampleAgents(const std::filesystem::path& home, std::size_t age
                     Durability::readersOnly);
 }
 
-// What the database of background tasks prints about so many agents of this home, numbered from first.
+// The database of background tasks as it prints so many agents of this home, numbered from first.
 inline std::string sampleDump(std::size_t items, std::size_t first = 1,
                               const std::filesystem::path& home = sampleHome) {
     std::string text =

@@ -1,4 +1,4 @@
-// What may stand in a file's place: everything that is no ordinary file of our own.
+// Obstacles in a file's place: everything that is no ordinary file of our own.
 #pragma once
 
 #include <fcntl.h>

@@ -79,7 +79,7 @@ public:
         return true;
     }
 
-    // What another process saves.
+    // Another process saves this.
     void saveElsewhere(const PrefKey& key, DefaultsObject object) {
         const std::string application = key.domain == globalDomain ? nameOf({}) : key.domain;
         saved.insert_or_assign({application, key.name}, std::move(object));

@@ -32,7 +32,7 @@ struct LaunchAgentReaderTest : ::testing::Test {
     void overridesAre(std::string text) {
         runner.answer(Command::launchctlPrintDisabled("gui/501"), std::move(text));
     }
-    // What is known of a file that holds no job.
+    // The record of a file that holds no job.
     LaunchAgentPlist onlyPath(const fs::path& file, std::optional<std::uint32_t> owner) {
         LaunchAgentPlist plist;
         plist.path = file.string();

@@ -50,7 +50,7 @@ std::vector<std::string> pairs(const std::vector<LoginItemRow>& rows) {
 
 using testing::Texts;
 
-// What a row tells, in one line.
+// A row's words, in one line.
 std::string told(const LoginItemRow& row) {
     constexpr const char* badges[] = {"switch", "admin", "app"};
     std::string text = row.title + " | " + row.subtitle + " | " + badges[static_cast<int>(row.badge)] +

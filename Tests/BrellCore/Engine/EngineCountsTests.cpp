@@ -1,4 +1,4 @@
-// What an operation costs, in system calls: a change is durable with the fewest flushes there can be.
+// The cost of an operation in system calls: a change is durable with the fewest flushes there can be.
 
 #include <gtest/gtest.h>
 

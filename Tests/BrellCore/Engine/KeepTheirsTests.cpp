@@ -1,4 +1,4 @@
-// What a change's keys hold now, and closing a change that others changed since.
+// The keys of a change as they are now, and closing a change that others changed since.
 
 #include <gtest/gtest.h>
 

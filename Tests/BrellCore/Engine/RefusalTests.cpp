@@ -1,4 +1,4 @@
-// What the engine will not do: each refusal has its words and leaves everything as it was.
+// The engine's refusals: each has its words and leaves everything as it was.
 
 #include <gtest/gtest.h>
 

@@ -281,7 +281,7 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
     EXPECT_EQ(restorer.restored, std::vector{capture});
     EXPECT_EQ(journal.entry(id)->failure, "The file is gone.");
 
-    // What launchctl printed need not be text; it is kept all the same.
+    // The output of launchctl need not be text; it is kept all the same.
     expected = engine.finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::failed,
                                         "boot-out \xC3 failed");
     EXPECT_EQ(expected.failure, "boot-out \uFFFD failed");

@@ -1,4 +1,4 @@
-// Whatever goes wrong with the preferences, and whenever: everything comes back to what it was.
+// The preferences go wrong at every call, in every way: everything comes back to what it was.
 
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ std::vector<Operation> operations() {
     };
 }
 
-// What a user does after it: starts the program anew, recovers, restores everything. Nothing has to be
+// A user starts the program anew, recovers, restores everything. Nothing has to be
 // confirmed: nobody else changed anything.
 void expectTheWayBack(Lived& brell) {
     EngineRun next = brell.anotherRun();

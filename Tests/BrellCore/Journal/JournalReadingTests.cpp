@@ -1,4 +1,4 @@
-// What a journal file may hold, and what is refused.
+// A journal file that is read, and one that is refused.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -34,7 +34,7 @@ protected:
         setContents(script, "as it was");
     }
 
-    // What is in the folder apart from the lock and the history.
+    // The folder's names, without the lock and the history.
     Names names() const {
         Names found = namesIn(directory);
         for (const char* other : {".journal.lock", "history"}) found.erase(other);

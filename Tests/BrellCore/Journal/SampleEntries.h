@@ -15,7 +15,7 @@ inline TimeStamp at(const char* iso) {
     return parseIso8601(iso).value();
 }
 
-// What Journal/format-1.json holds.
+// The entries of Journal/format-1.json.
 inline std::vector<JournalEntry> sampleEntries() {
     using Strings = PrefValue::StringArray;
     JournalEntry preference =

@@ -37,7 +37,7 @@ std::map<Place, Object*> preferences;
 std::string locked;  // an application on hosts, which can't be saved
 bool takesPropertyLists = true;
 
-// What somebody owns.
+// An object that is owned.
 Object* objectOf(CFTypeRef reference) {
     auto* object = static_cast<Object*>(const_cast<void*>(reference));
     EXPECT_GT(object->owners, 0) << "used after its last owner let it go";

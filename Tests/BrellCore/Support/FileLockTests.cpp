@@ -28,7 +28,7 @@ protected:
     std::optional<FileLock> acquired(std::chrono::milliseconds patience = 0ms) const {
         return FileLock::acquire(file, patience);
     }
-    // Whether another process gets the lock at once.
+    // Asks another process, which tries once.
     bool isFreeElsewhere() const {
         const pid_t child = ::fork();
         if (child == 0) ::_exit(acquired() ? 0 : 1);
