@@ -2,12 +2,14 @@
 //
 // Tries whether a Brell that is stopped or let down anywhere loses anything; script/trust says more.
 
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <iostream>
 #include <limits>
 #include <optional>
@@ -52,9 +54,10 @@ struct Options {
     }
 };
 
+// In memory that all workers share.
 struct Tally {
-    std::size_t tried = 0;
-    std::size_t failed = 0;
+    std::atomic<std::size_t> tried = 0;
+    std::atomic<std::size_t> failed = 0;
 };
 
 // Gives how many points there are.
@@ -75,39 +78,36 @@ void printLine(const std::string& line) {
 }
 
 // Every worker is a process: the calls of threads in one would be watched together.
-void startWorker(const Kind& kind, const std::filesystem::path& folder, Share share, int results) {
+void startWorker(const Kind& kind, const std::filesystem::path& folder, Share share, Tally& tally) {
     if (::fork() != 0) return;
-    Tally tally;
     try {
         goThrough(kind, folder, share, [&](const std::string& point, const Faults& faults) {
             ++tally.tried;
             tally.failed += faults.empty() ? 0 : 1;
             for (const std::string& fault : faults) printLine("FAILED " + point + ": " + oneLine(fault));
         });
+        ::_exit(0);
     } catch (const std::exception& error) {
         printLine(std::string("FAILED ") + kind.word + ": the harness itself: " + error.what());
-        ::_exit(2);
     }
-    ::_exit(::write(results, &tally, sizeof tally) == sizeof tally ? 0 : 2);
+    ::_exit(2);
 }
 
-Tally tryAll(const Kind& kind, const Options& options, std::size_t points) {
+bool tryPoints(const Kind& kind, const Options& options) {
     const testing::TemporaryFolder folder;
+    constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+    const std::size_t points = goThrough(kind, folder.path, Share(never, never - 1), nullptr);
     const std::size_t stride = options.sample < points ? points / options.sample : 1;
-    std::array<int, 2> results{};
-    if (::pipe(results.data()) != 0) throw std::runtime_error("no pipe");
+    void* shared = ::mmap(nullptr, sizeof(Tally), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) throw std::runtime_error("no memory");
+    Tally& tally = *new (shared) Tally;
     for (std::size_t job = 0; job < options.jobs; ++job)
         startWorker(kind, folder.path / std::to_string(job), Share(stride * options.jobs, stride * job),
-                    results[1]);
-    ::close(results[1]);
-    Tally all;
-    for (Tally one; ::read(results[0], &one, sizeof one) == sizeof one;) {
-        all.tried += one.tried;
-        all.failed += one.failed;
-    }
-    ::close(results[0]);
-    for (int status = 0; ::wait(&status) > 0;) all.failed += status == 0 ? 0 : 1;
-    return all;
+                    tally);
+    for (int status = 0; ::wait(&status) > 0;) tally.failed += status == 0 ? 0 : 1;
+    printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points + " tried, " +
+              std::to_string(tally.failed) + " failed");
+    return tally.failed == 0 && tally.tried > 0;
 }
 
 Options optionsFrom(int argc, char** argv) {
@@ -128,16 +128,6 @@ Options optionsFrom(int argc, char** argv) {
     if (*sample) options.crowd.time = timeInASample;
     if (seconds) options.crowd.time = std::chrono::seconds(*seconds);
     return options;
-}
-
-bool tryPoints(const Kind& kind, const Options& options) {
-    const testing::TemporaryFolder folder;
-    constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
-    const std::size_t points = goThrough(kind, folder.path, Share(never, never - 1), nullptr);
-    const Tally tally = tryAll(kind, options, points);
-    printLine(std::to_string(tally.tried) + " of " + std::to_string(points) + " " + kind.points + " tried, " +
-              std::to_string(tally.failed) + " failed");
-    return tally.failed == 0 && tally.tried > 0;
 }
 
 bool tryCrowd(const Crowd& crowd) {

@@ -1,12 +1,19 @@
 #include "Trust/Worker.h"
 
+#include <fcntl.h>
+
 #include <array>
 #include <map>
 #include <random>
+#include <sstream>
+#include <stdexcept>
 
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Engine/Report.h"
+#include "BrellCore/Support/Text.h"
 #include "Trust/Recovery.h"
+
+namespace fs = std::filesystem;
 
 namespace brell::trust {
 
@@ -143,8 +150,8 @@ struct Worker {
 
     void writeScript() {
         rig.engine.rewriteRestoreScript();
-        const std::filesystem::path file = rig.journalDirectory / RestoreScript::fileName;
-        if (!std::filesystem::exists(file)) return;  // others were busy so far
+        const fs::path file = rig.journalDirectory / RestoreScript::fileName;
+        if (!fs::exists(file)) return;  // others were busy so far
         const std::string script = testing::contentsOf(file);
         if (!script.starts_with("#!/bin/sh\n") || !script.ends_with("take effect.'\n"))
             fault("half a restore script");
@@ -188,7 +195,40 @@ void perform(const Deed& deed, Worker& worker) {
     }
 }
 
+void add(Diaries& diaries, const std::string& what, const std::string& text) {
+    if (what == "did")
+        ++diaries.done;
+    else if (what == "drifted")
+        diaries.drifted.insert(Uuid::parse(text).value());
+    else if (what == "fault")
+        diaries.faults.push_back(text);
+    else
+        diaries.told.emplace_back(Uuid::parse(what).value(), fromRawValue<EntryStatus>(text).value());
+}
+
 }  // namespace
+
+Diary::Diary(const fs::path& file)
+    : file_(::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600)) {
+    if (!file_) throw std::runtime_error("no diary " + file.string());
+}
+
+void Diary::note(std::string_view what, std::string_view text) {
+    // One call, so that lines of several threads never mix.
+    const std::string line = std::string(what) + " " + oneLine(text) + "\n";
+    if (::write(file_.get(), line.data(), line.size()) != static_cast<ssize_t>(line.size())) ::_exit(3);
+}
+
+Diaries readDiaries(const fs::path& folder) {
+    Diaries diaries;
+    for (const std::string& name : testing::namesIn(folder)) {
+        std::istringstream lines(testing::contentsOf(folder / name));
+        // A line without its end is one that its writer was killed over.
+        for (std::string what, text; lines >> what && std::getline(lines.ignore(), text) && !lines.eof();)
+            add(diaries, what, text);
+    }
+    return diaries;
+}
 
 void workUntil(std::chrono::steady_clock::time_point end, Rig& rig, Diary& diary, std::uint64_t seed) {
     Worker worker{rig, diary, std::mt19937_64(seed)};
