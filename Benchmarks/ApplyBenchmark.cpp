@@ -4,9 +4,9 @@
 #include <stdexcept>
 
 #include "Benchmarks/BareJournal.h"
+#include "Benchmarks/BigHome.h"
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Engine/TweakEngine.h"
-#include "Tests/Support/BigHome.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <stdexcept>
 
 #include "Benchmarks/Bare.h"
+#include "Benchmarks/BigHome.h"
 #include "Benchmarks/Pairs.h"
 #include "Benchmarks/RunToEnd.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Background/RunProcess.h"
-#include "Tests/Support/BigHome.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "Benchmarks/Bare.h"
+#include "Benchmarks/BigHome.h"
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Engine/Report.h"
@@ -20,7 +21,6 @@
 #include "CorvaneBrell/Window/MainWindow.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
-#include "Tests/Support/BigHome.h"
 
 namespace fs = std::filesystem;
 

@@ -6,10 +6,10 @@
 #include <stdexcept>
 
 #include "Benchmarks/Bare.h"
+#include "Benchmarks/BigHome.h"
 #include "Benchmarks/Pairs.h"
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalRebuild.h"
-#include "Tests/Support/BigHome.h"
 
 namespace fs = std::filesystem;
 

@@ -1,6 +1,6 @@
 // A home with more of everything than a page shows at once: rows come in batches.
 
-#include "Tests/Support/BigHome.h"
+#include "Benchmarks/BigHome.h"
 
 #include <gtest/gtest.h>
 
