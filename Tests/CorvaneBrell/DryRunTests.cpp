@@ -85,7 +85,7 @@ TEST(DryRunCommandRunnerTest, RunsWhatOnlyReadsAndPrintsWhatWouldChangeSomething
         EXPECT_EQ(runner.run(command), (CommandResult{1, "", "dry run: not executed"}));
         lines += "dry-run: would run " + command.rendered() + "\n";
     }
-    EXPECT_EQ(base.commands(), reading);
+    EXPECT_EQ(base.commands, reading);
     EXPECT_EQ(out.str(), lines);
 }
 

@@ -2,8 +2,7 @@
 #pragma once
 
 #include <map>
-#include <mutex>
-#include <set>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,24 +11,32 @@
 namespace brell::testing {
 
 // Validates like the real one. Answers stay until they are replaced; a command without one exits with 64 and
-// says so.
+// says so. For one thread.
 class FakeCommandRunner final : public CommandRunning {
 public:
-    void answer(const AllowedCommand& command, CommandResult result);
-    void answer(const AllowedCommand& command, std::string standardOutput);
-
+    void answer(const AllowedCommand& command, CommandResult result) {
+        answers_[command.rendered()] = std::move(result);
+    }
+    void answer(const AllowedCommand& command, std::string standardOutput) {
+        answer(command, CommandResult{0, std::move(standardOutput), {}});
+    }
     // The command can't be run at all: it did not finish in time.
-    void fail(const AllowedCommand& command);
+    void fail(const AllowedCommand& command) { answers_[command.rendered()] = std::nullopt; }
 
-    CommandResult run(const AllowedCommand& command) override;
+    CommandResult run(const AllowedCommand& command) override {
+        command.validate();
+        commands.push_back(command);
+        const std::string rendered = command.rendered();
+        const auto found = answers_.find(rendered);
+        if (found == answers_.end()) return {64, {}, "no answer for " + rendered};
+        if (!found->second) throw CommandError({CommandProblem::timedOut, rendered});
+        return *found->second;
+    }
 
-    std::vector<AllowedCommand> commands() const;  // that passed validation, in their order
+    std::vector<AllowedCommand> commands;  // that passed validation, in their order
 
 private:
-    mutable std::mutex mutex_;                      // guards the fields below
-    std::map<std::string, CommandResult> answers_;  // by the rendered command
-    std::set<std::string> failing_;
-    std::vector<AllowedCommand> commands_;
+    std::map<std::string, std::optional<CommandResult>> answers_;  // by the rendered command
 };
 
 }  // namespace brell::testing

@@ -84,7 +84,7 @@ TEST(BTMReader, GivesADumpOnlyToAnAdministratorAndOnlyOnSuccess) {
     const auto command = AllowedCommand::sfltoolDumpBTM();
     runner.answer(command, dumped);
     EXPECT_EQ((BTMReader{runner, [] { return false; }}.dump()), std::nullopt);
-    EXPECT_TRUE(runner.commands().empty());
+    EXPECT_TRUE(runner.commands.empty());
     EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), BTMDumpParser::parse(dumped));
     runner.answer(command, CommandResult{1, dumped, "not authorized"});
     EXPECT_EQ((BTMReader{runner, [] { return true; }}.dump()), std::nullopt);

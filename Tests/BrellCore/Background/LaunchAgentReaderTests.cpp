@@ -121,7 +121,7 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
     runner.fail(Command::launchctlPrint("gui/501/com.example.slow"));
 
     std::vector<LaunchAgentRecord> listed = reader.listUserAgents();
-    EXPECT_EQ(runner.commands(), std::vector{Command::launchctlPrintDisabled("gui/501")});
+    EXPECT_EQ(runner.commands, std::vector{Command::launchctlPrintDisabled("gui/501")});
     std::vector<std::pair<AgentOverride, LoadedState>> found;
     for (const LaunchAgentRecord& record : reader.userAgents()) {
         EXPECT_EQ(record.scope, AgentScope::user);
@@ -135,7 +135,7 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
                                       nothing,
                                       nothing,
                                       nothing}));
-    EXPECT_EQ(runner.commands().size(), 5u);  // nothing is run for what launchd can't address
+    EXPECT_EQ(runner.commands.size(), 5u);  // nothing is run for what launchd can't address
     listed[1].loaded = running;
     EXPECT_EQ(listed[1], reader.userAgents()[1]);
 }
@@ -187,7 +187,7 @@ TEST_F(LaunchAgentReaderTest, ListsTheSystemsJobsWithoutAskingLaunchd) {
     };
     EXPECT_EQ(reader.systemAgents(), (std::vector{record(agent, AgentScope::systemAgent),
                                                   record(daemon, AgentScope::systemDaemon)}));
-    EXPECT_TRUE(runner.commands().empty());
+    EXPECT_TRUE(runner.commands.empty());
 }
 
 }  // namespace
