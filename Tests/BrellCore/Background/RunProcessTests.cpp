@@ -19,16 +19,14 @@ constexpr double plenty = 20;
 
 using Ending = std::variant<CommandResult, CommandProblem>;
 
-Ending endOf(const std::vector<std::string>& arguments, double timeout) {
-    return runProcess(BRELL_CHATTY_CHILD, arguments, {timeout, nullptr});
+// A script that takes a moment to end when it is asked to, and leaves a file in the folder then.
+std::string tidying(const TemporaryFolder& folder, const std::string& work) {
+    return "trap 'sleep 0.3; : >" + (folder.path / "tidied").string() + "; exit 0' TERM; " + work;
 }
+const std::string idle = "exec >&- 2>&-; while :; do sleep 0.05; done";
 
-// Nothing when it was stopped for taking too long.
-std::optional<CommandResult> runChild(const std::vector<std::string>& arguments, double timeout = plenty) {
-    const Ending ending = endOf(arguments, timeout);
-    if (const auto* result = std::get_if<CommandResult>(&ending)) return *result;
-    EXPECT_EQ(ending, Ending(CommandProblem::timedOut));
-    return std::nullopt;
+Ending endOf(const std::string& script, const CommandPatience& patience = {plenty, nullptr}) {
+    return runProcess("/bin/sh", {"-c", script}, patience);
 }
 
 // Of our children; some may still run.
@@ -47,25 +45,24 @@ TEST(RunProcess, TheChildInheritsNothing) {
     sigaddset(&terminate, SIGTERM);
     ::pthread_sigmask(SIG_BLOCK, &terminate, &before);
 
-    const auto result = runChild({"inheritance", "two words", "", "$HOME 'x'"});
+    const Ending end = runProcess(BRELL_HEIR_CHILD, {"two words", "", "$HOME 'x'"}, {plenty, nullptr});
 
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     ::signal(SIGPIPE, ignored);
-    EXPECT_EQ(result,
-              (CommandResult{0, "argument two words\nargument \nargument $HOME 'x'\ninput null\n", ""}));
+    EXPECT_EQ(
+        end, Ending(CommandResult{0, "argument two words\nargument \nargument $HOME 'x'\ninput null\n", ""}));
 }
 
 TEST(RunProcess, ReadsBothStreamsWholeHoweverMuchTheyHold) {
-    const auto result = runChild({"chatty"});
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->exitCode, 3);
-    EXPECT_TRUE(result->stdoutText == std::string(4 << 20, 'o'));
-    EXPECT_TRUE(result->stderrText == std::string(4 << 20, 'e'));
+    // One stream after the other: a reader that takes them in turn, or only at the end, never gets past this.
+    const std::string much = "head -c 4194304 /dev/zero | tr '\\0' ";
+    const Ending end = endOf(much + "e >&2; " + much + "o; exit 3");
+    EXPECT_TRUE(end == Ending(CommandResult{3, std::string(4 << 20, 'o'), std::string(4 << 20, 'e')}));
 }
 
 TEST(RunProcess, RepairsTextAndReportsEveryKindOfEnd) {
-    EXPECT_EQ(runChild({"invalid"}), (CommandResult{0, "a\uFFFDb\uFFFD", ""}));
-    EXPECT_EQ(runChild({"signal"}), (CommandResult{128 + SIGKILL, "", ""}));
+    EXPECT_EQ(endOf("printf 'a\\377b\\303'"), Ending(CommandResult{0, "a\uFFFDb\uFFFD", ""}));
+    EXPECT_EQ(endOf("kill -9 $$"), Ending(CommandResult{128 + SIGKILL, "", ""}));
     EXPECT_FALSE(hasZombies());
 }
 
@@ -76,24 +73,26 @@ TEST(RunProcess, SleepsWhileItWaitsForASilentChild) {
         return usage.ru_nvcsw;
     };
     const auto before = sleeps();
-    EXPECT_EQ(runChild({"closes-early"}), (CommandResult{7, "before", ""}));
+    EXPECT_EQ(endOf("printf before; exec >&- 2>&-; sleep 0.2; exit 7"),
+              Ending(CommandResult{7, "before", ""}));
     EXPECT_GE(sleeps(), before + 5);
 }
 
 TEST(RunProcess, StopsWhatDoesNotEndAfterAMomentToPutItsThingsInOrder) {
-    // One obeys, one prints without end, one must be killed with its outputs open.
-    for (const char* mode : {"sleeps", "endless", "ignores"}) EXPECT_EQ(runChild({mode}, 0.2), std::nullopt);
-    EXPECT_FALSE(hasZombies());
     const TemporaryFolder folder;
-    EXPECT_EQ(runChild({"tidies", (folder.path / "tidied").string()}, 0.2), std::nullopt);
+    // One obeys, one prints without end, one must be killed with its outputs open, one tidies up.
+    for (const std::string& script :
+         {std::string("exec sleep 60"), std::string("while :; do echo more and more; done"),
+          std::string("trap '' TERM; printf deaf; exec sleep 60"), tidying(folder, idle)})
+        EXPECT_EQ(endOf(script, {0.2, nullptr}), Ending(CommandProblem::timedOut)) << script;
+    EXPECT_FALSE(hasZombies());
     EXPECT_EQ(namesIn(folder.path), Names{"tidied"});
 }
 
 TEST(RunProcess, EndsWithThePatienceOfItsCaller) {
     const TemporaryFolder folder;
     int asked = 0;
-    const CommandPatience patience{plenty, [&] { return ++asked > 2; }};
-    EXPECT_EQ(runProcess(BRELL_CHATTY_CHILD, {"tidies", (folder.path / "tidied").string()}, patience),
+    EXPECT_EQ(endOf(tidying(folder, idle), {plenty, [&] { return ++asked > 2; }}),
               Ending(CommandProblem::cancelled));
     EXPECT_EQ(asked, 3) << "not any more, while it ends";
     EXPECT_EQ(namesIn(folder.path), Names{"tidied"}) << "it was asked to end, and waited for";
@@ -102,7 +101,7 @@ TEST(RunProcess, EndsWithThePatienceOfItsCaller) {
 
 TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
     const TemporaryFolder folder;
-    EXPECT_EQ(endOf({"floods", (folder.path / "tidied").string()}, plenty),
+    EXPECT_EQ(endOf(tidying(folder, "while :; do printf %01000000d 0; done")),
               Ending(CommandProblem::tooMuchOutput));
     EXPECT_EQ(namesIn(folder.path), Names{"tidied"}) << "it was stopped, and waited for then";
     EXPECT_EQ(describe({CommandProblem::tooMuchOutput, "x"}),
@@ -110,7 +109,8 @@ TEST(RunProcess, StopsWhatPrintsMoreThanIsTaken) {
 }
 
 TEST(RunProcess, AnOutputHeldOpenByAGrandchildDoesNotHoldTheCaller) {
-    EXPECT_EQ(runChild({"grandchild"}), (CommandResult{0, "mine", ""})) << "else it is stopped, after long";
+    EXPECT_EQ(endOf("sleep 60 & printf mine"), Ending(CommandResult{0, "mine", ""}))
+        << "else it is stopped, after long";
 }
 
 TEST(RunProcess, LeavesNoDescriptorBehindAndSaysWhyItCannotStart) {
@@ -121,7 +121,7 @@ TEST(RunProcess, LeavesNoDescriptorBehindAndSaysWhyItCannotStart) {
                       runProcess(missing, {}, {plenty, nullptr});
                   }),
                   "The command could not be started: No such file or directory.");
-        runChild({"nothing"});
+        endOf(":");
     }
     EXPECT_EQ(namesIn("/dev/fd").size(), before);
 }
@@ -130,8 +130,7 @@ TEST(RunProcess, WorksWhenTheStandardDescriptorsAreClosed) {
     const pid_t pid = ::fork();
     if (pid == 0) {
         for (const int descriptor : {0, 1, 2}) ::close(descriptor);
-        const auto result = runChild({"invalid"});
-        ::_exit(result && result->stdoutText.starts_with("a") && result->stderrText.empty() ? 0 : 1);
+        ::_exit(endOf("printf a") == Ending(CommandResult{0, "a", ""}) ? 0 : 1);
     }
     int status = -1;
     ::waitpid(pid, &status, 0);
