@@ -61,41 +61,23 @@ std::string told(const LoginItemRow& row) {
 
 TEST(LoginItemsMerger, MatchesByIdentifierFileOrBundle) {
     const std::string file = "/Users/jo/Library/LaunchAgents/a b.plist";
-    const std::string daemonFile = "/Library/LaunchDaemons/d.plist";
-    const auto jo = record("com.example.a", file);
-    const auto daemon = record("com.example.d", daemonFile, AgentScope::systemDaemon);
-    struct Row {
-        LaunchAgentRecord record;
-        BTMItem item;
-        bool matches;
-    };
+    const auto jo = record("com.example.a", file), unlabelled = record({}, file);
     const auto agentType = BTMItemType::legacyAgent;
-    const std::vector<Row> rows{
-        {jo, item("12.com.example.a"), true},
-        {jo, item("12.com.example.a", BTMItemType::other), true},
-        {jo, item("12.com.example.a", BTMItemType::app), false},
-        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%20b.plist"), true},
-        {jo, item("x", agentType, "file:///Users/jo/Library/./x/..//LaunchAgents/a%20b.plist#y"), true},
-        {jo, item("x", agentType, file), true},
-        {jo, item("x", agentType, "/Users/501/Library/LaunchAgents/a b.plist"), true},
-        {jo, item("x", agentType, "file:///Users/501/Library/LaunchAgents/a%20b.plist"), true},
-        {jo, item("x", agentType, "/Users/502/Library/LaunchAgents/a b.plist"), false},
-        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%2b.plist"), false},
-        {jo, item("x", agentType, "file:///Users/jo/Library/LaunchAgents/a%2"), false},
-        {jo, item("x", agentType, "https:///Users/jo/Library/LaunchAgents/a%20b.plist"), false},
-        {jo, item("x", agentType, {}, "com.example.a"), true},
-        {record({}, file), item("x", agentType, file), true},
-        {record({}, file), item("", agentType, {}, ""), false},
-        {record("", file), item("12.", agentType, {}, ""), false},
-        {daemon, item("x", BTMItemType::legacyDaemon, daemonFile), true},
+    const auto matches = [](const LaunchAgentRecord& user, const BTMItem& known) {
+        return merge({user}, {known}).size() == 1;
     };
-    for (const Row& row : rows) {
-        const bool user = row.record.scope == AgentScope::user;
-        const auto merged =
-            merge(user ? std::vector{row.record} : std::vector<LaunchAgentRecord>{}, {row.item},
-                  user ? std::vector<LaunchAgentRecord>{} : std::vector{row.record});
-        EXPECT_EQ(merged.size() == 1, row.matches) << row.item.id << " " << row.item.url.value_or("");
-    }
+    for (const Texts& row : testing::sampleRows("LoginItems/urls.txt"))
+        EXPECT_EQ(matches(jo, item("x", agentType, row[0])), row[1] == "matches") << row[0];
+    EXPECT_TRUE(matches(jo, item("12.com.example.a")));
+    EXPECT_TRUE(matches(jo, item("12.com.example.a", BTMItemType::other)));
+    EXPECT_FALSE(matches(jo, item("12.com.example.a", BTMItemType::app)));
+    EXPECT_TRUE(matches(jo, item("x", agentType, {}, "com.example.a")));
+    EXPECT_TRUE(matches(unlabelled, item("x", agentType, file)));
+    EXPECT_FALSE(matches(unlabelled, item("", agentType, {}, "")));
+    EXPECT_FALSE(matches(record("", file), item("12.", agentType, {}, "")));
+    const std::string daemonFile = "/Library/LaunchDaemons/d.plist";
+    const auto daemon = record("com.example.d", daemonFile, AgentScope::systemDaemon);
+    EXPECT_EQ(merge({}, {item("x", BTMItemType::legacyDaemon, daemonFile)}, {daemon}).size(), 1u);
 }
 
 TEST(LoginItemsMerger, TakesTheFirstItemThatIsLeftForEachRecordInTurn) {
