@@ -117,25 +117,6 @@ TEST(RefusalTest, EachHasItsWordsAndLeavesEveryFileAsItWas) {
     }
 }
 
-TEST(RefusalTest, EndedAndDriftedEntriesAreNotRestored) {
-    EngineFixture brell;
-    const Uuid id = brell.engine.apply(brell.tweak("dock.magnify")).id;
-    brell.files.write(128, largeSize);
-    const auto drifted = everythingIn(brell.folder.path);
-    EXPECT_EQ(engineFailure([&] { brell.engine.restore(id, false); }), EngineFailure(Drift{id}));
-    EXPECT_EQ(engineFailure([&] { brell.engine.turnOff(brell.tweak("dock.magnify"), false); }),
-              EngineFailure(Drift{id}));
-    EXPECT_EQ(everythingIn(brell.folder.path), drifted);
-    EXPECT_EQ(messageOf([&] { brell.engine.restore(id, false); }),
-              "Entry " + id.text() +
-                  " was changed outside Brell since it was applied; restoring needs confirmation.");
-
-    EXPECT_EQ(brell.engine.turnOff(brell.tweak("dock.magnify"), true).status, EntryStatus::restored);
-    const auto restored = everythingIn(brell.folder.path);
-    EXPECT_EQ(engineFailure([&] { brell.engine.restore(id, true); }), EngineFailure(NotActive{id}));
-    EXPECT_EQ(everythingIn(brell.folder.path), restored);
-}
-
 TEST(RefusalTest, ASecondChangeOfAnAgentIsRefusedToEveryRun) {
     EngineFixture brell;
     EngineRun other = brell.anotherRun();

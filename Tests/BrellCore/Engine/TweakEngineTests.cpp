@@ -75,6 +75,7 @@ TEST_F(TweakEngineTest, AChangeIsJournaledWrittenVerifiedAndUndoneExactly) {
     EXPECT_EQ(engine.restore(entry.id, false), expected);
     EXPECT_EQ(journal.all(), std::vector<JournalEntry>{expected});
     EXPECT_EQ(files.snapshot(), original);
+    EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, true); }), EngineFailure(NotActive{entry.id}));
     EXPECT_EQ(store.changes,
               (Texts{"remove com.apple.finder ShowHardDrivesOnDesktop, synchronized",
                      "write com.apple.finder ShowExternalHardDrivesOnDesktop = false, synchronized",
@@ -100,22 +101,6 @@ TEST_F(TweakEngineTest, AWriteThatDoesNotStickIsRolledBackNewestFirst) {
     EXPECT_EQ(entry.status, EntryStatus::failed);
     EXPECT_EQ(entry.failure, describe(reason));
     EXPECT_EQ(script(), RestoreScript::render({}, now));
-}
-
-TEST_F(TweakEngineTest, ARollbackThatFailsKeepsTheEntryForRecovery) {
-    // The first synchronise is that of the change, the later ones are those of the rollback.
-    store.goWrong(Fault::refuses, "synchronize");
-    const EngineFailure reason = FaultyStore::simulated("synchronize com.apple.finder");
-    EXPECT_EQ(engineFailure([&] { engine.apply(tweak("finder.drives_on_desktop")); }), reason);
-    const JournalEntry entry = journal.all().at(0);
-    EXPECT_EQ(entry.status, EntryStatus::capturing);
-    EXPECT_EQ(entry.failure, describe(reason) + " " + describe(reason));
-    EXPECT_NE(script().find("ShowHardDrivesOnDesktop"), std::string::npos);
-
-    store.heal();
-    EXPECT_EQ(engine.recoverInterrupted().restored, std::vector{entry.id});
-    EXPECT_EQ(statuses(), std::vector{EntryStatus::restored});
-    EXPECT_EQ(files.snapshot(), original);
 }
 
 TEST_F(TweakEngineTest, WhatWasNotPutBackIsNotSaidToBe) {
@@ -168,7 +153,13 @@ TEST_F(TweakEngineTest, AKeyThatCannotBeReadIsNoChangeThatSomebodyMade) {
               EngineFailure(FaultyStore::simulated(call)));
     EXPECT_EQ(engine.restoreAll({}).skippedDrifted, std::vector<Uuid>{});
     store.heal();
-    files.markUnsupported(tileSize);  // somebody put a dictionary there
+    files.write(99, tileSize);
+    const auto drifted = everythingIn(folder.path);
+    EXPECT_EQ(messageOf([&] { engine.turnOff(tweak("dock.size"), false); }),
+              "Entry " + entry.id.text() +
+                  " was changed outside Brell since it was applied; restoring needs confirmation.");
+    EXPECT_EQ(everythingIn(folder.path), drifted);
+    files.markUnsupported(tileSize);  // another program put a dictionary there
     EXPECT_EQ(engineFailure([&] { engine.restore(entry.id, false); }), EngineFailure(Drift{entry.id}));
     setContents(folder.path / "preferences" / "com.apple.dock.plist", "damaged");
     EXPECT_EQ(engine.driftedEntries(), std::vector{entry});

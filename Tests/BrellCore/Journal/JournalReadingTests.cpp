@@ -241,16 +241,4 @@ TEST_F(JournalReadingTest, WhatCannotBeReadIsNotTakenForAMissingFile) {
     }
 }
 
-TEST_F(JournalReadingTest, LooksUpEntries) {
-    const auto journal = opened(sample);
-    const Entries both = sampleEntries();
-    EXPECT_EQ(journal->active(), Entries{both[0]});
-    EXPECT_EQ(journal->entries(EntryStatus::restored), Entries{both[1]});
-    EXPECT_EQ(journal->entries({both[1].id, Uuid::random(), both[0].id}), (Entries{both[1], both[0]}));
-    EXPECT_EQ(journal->entry(both[1].id), both[1]);
-    EXPECT_EQ(journal->entry(Uuid()), std::nullopt);
-    EXPECT_EQ(journal->activeEntry("dock.sample"), both[0]);
-    EXPECT_EQ(journal->activeEntry("agent:org.example.helper"), std::nullopt);
-}
-
 }  // namespace brell

@@ -56,23 +56,6 @@ TEST_F(JournalWritingTest, NothingIsMadeBeforeTheFirstEntry) {
     EXPECT_EQ(opened()->history().size(), 1u);
 }
 
-TEST_F(JournalWritingTest, AChangedEntryKeepsItsPlace) {
-    const auto journal = opened();
-    Entries entries{entryFor("a"), entryFor("b"), entryFor("c")};
-    for (const JournalEntry& entry : entries) journal->upsert(entry);
-    for (const std::size_t i : {1u, 0u, 2u}) {
-        entries[i].status = EntryStatus::failed;
-        entries[i].failure = std::string(1000 * i, 'x');
-        journal->upsert(entries[i]);
-        EXPECT_EQ(journal->all(), entries);
-        EXPECT_EQ(opened()->all(), entries);
-    }
-    const auto lines = journal->history();
-    ASSERT_EQ(lines.size(), 6u);
-    EXPECT_EQ(lines[0].event, EntryStatus::capturing);
-    EXPECT_EQ(lines[5].entry, entries[2]);
-}
-
 TEST_F(JournalWritingTest, AFailedSaveChangesNeitherListNorFile) {
     if (!systemCallsAreWatched()) GTEST_SKIP();
     const auto journal = opened();

@@ -65,17 +65,6 @@ TEST_F(CFPreferencesStoreTest, TheSameTypeAndAnAbsentKeyAreSetDirectly) {
     EXPECT_EQ(callsOf([&] { store.write(1, autohide); }), direct);
 }
 
-TEST_F(CFPreferencesStoreTest, TheGlobalDomainIsAnyApplication) {
-    EXPECT_EQ(callsOf([&] {
-                  store.write(0.001, delay);
-                  store.synchronize("NSGlobalDomain");
-                  store.remove(delay);
-              }),
-              (Calls{"set (any application) NSWindowResizeTime", "synchronize (any application)",
-                     "remove (any application) NSWindowResizeTime"}));
-    EXPECT_EQ(defaults->saved.count({"(any application)", "NSWindowResizeTime"}), 1u);
-}
-
 TEST_F(CFPreferencesStoreTest, EachReadingAsksItsOwnPlace) {
     defaults->saveElsewhere(delay, PlistValue{0.2});
     defaults->savedHere[{"com.apple.dock", "tilesize"}] = PlistValue{PlistDictionary{}};

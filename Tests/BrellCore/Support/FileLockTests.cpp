@@ -58,14 +58,6 @@ TEST_F(FileLockTest, ExcludesEveryOtherHolderUntilItGoes) {
     EXPECT_TRUE(acquired());
 }
 
-TEST_F(FileLockTest, HoldsOnlyWhileItsFileIsTheNamedOne) {
-    const auto lost = acquired();
-    fs::remove(file);
-    const auto held = acquired();  // another file of that name
-    EXPECT_TRUE(held);
-    EXPECT_FALSE(acquired());
-}
-
 TEST_F(FileLockTest, AFileThatCannotBeMadeIsAnErrorNamingIt) {
     setContents(folder.path / "made", "a file where a folder should be");
     EXPECT_NE(messageOf([&] { acquired(); }).find(folder.path.string()), std::string::npos);
