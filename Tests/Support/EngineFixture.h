@@ -17,6 +17,10 @@ inline const PrefKey tileSize{"com.apple.dock", "tilesize"};
 inline const PrefKey magnification{"com.apple.dock", "magnification"},
     largeSize{"com.apple.dock", "largesize"};
 
+// An agent of Sam's that is loaded.
+inline const AgentCapture syncAgent{"org.example.sync", "/Users/sam/Library/LaunchAgents/sync.plist", true,
+                                    AgentOverride::absent};
+
 // One run of the program: its own journal object and its own engine over the files of the fixture.
 struct EngineRun {
     EngineRun(PreferenceStore& store, const TweakCatalog& catalog, const std::filesystem::path& directory,
@@ -48,6 +52,11 @@ struct EngineFixture {
     JournalEntry interrupt(std::string_view id) {
         breakOff(engine, tweak(id));
         return journal.activeEntry(id).value();
+    }
+
+    JournalEntry switchAgent(const AgentCapture& capture = syncAgent) {
+        return engine.finishAgentChange(engine.beginAgentChange(capture.label, capture), EntryStatus::applied,
+                                        {});
     }
 
     TemporaryFolder folder;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "Tests/Support/Testing.h"
 
 namespace brell {
 
@@ -98,18 +99,12 @@ TEST_F(TweakCatalogTest, DerivesTheTextsOfATweakFromItsRow) {
 }
 
 TEST(CatalogHomeTest, PathsStartAtTheHomeFolderHoweverItIsWritten) {
-    struct Case {
-        std::string home, screenshots, url;
-    };
-    for (const auto& [home, screenshots, url] :
-         {Case{"/Users/jo ann", "/Users/jo ann/Pictures/Screenshots", "file:///Users/jo%20ann/"},
-          Case{"/Users/jo/", "/Users/jo/Pictures/Screenshots", "file:///Users/jo/"},
-          Case{"/Users/zo\u00EB", "/Users/zo\u00EB/Pictures/Screenshots", "file:///Users/zo%C3%AB/"},
-          Case{"/", "/Pictures/Screenshots", "file:///"}}) {
-        const TweakCatalog catalog(home);
-        EXPECT_EQ(catalog.homeFileURL(), url);
-        EXPECT_EQ(catalog.tweak("shot.folder")->targets(), std::vector<PrefValue>{screenshots});
-        EXPECT_EQ(catalog.tweak("finder.new_window_home")->targets(), (std::vector<PrefValue>{"PfHm", url}));
+    for (const testing::Texts& row : testing::sampleRows("Catalog/homes.txt")) {
+        const TweakCatalog catalog(row[0]);
+        EXPECT_EQ(catalog.homeFileURL(), row[2]);
+        EXPECT_EQ(catalog.tweak("shot.folder")->targets(), std::vector<PrefValue>{row[1]});
+        EXPECT_EQ(catalog.tweak("finder.new_window_home")->targets(),
+                  (std::vector<PrefValue>{"PfHm", row[2]}));
     }
 }
 

@@ -120,11 +120,8 @@ TEST(RefusalTest, EachHasItsWordsAndLeavesEveryFileAsItWas) {
 TEST(RefusalTest, ASecondChangeOfAnAgentIsRefusedToEveryRun) {
     EngineFixture brell;
     EngineRun other = brell.anotherRun();
-    const std::string label = "org.example.sync";
-    const AgentCapture capture{label, "/Users/sam/Library/LaunchAgents/sync.plist", true,
-                               AgentOverride::absent};
-    brell.engine.finishAgentChange(brell.engine.beginAgentChange(label, capture), EntryStatus::applied, {});
-    EXPECT_EQ(messageOf([&] { other.engine.beginAgentChange(label, capture); }),
+    brell.switchAgent();
+    EXPECT_EQ(messageOf([&] { other.engine.beginAgentChange(syncAgent.label, syncAgent); }),
               "org.example.sync already has an active change; restore it from the Journal first.");
     EXPECT_EQ(brell.journal.active().size(), 1u);
 }

@@ -17,10 +17,6 @@ protected:
     std::string report() {
         return Report::markdown(journal, catalog, "26.1.0", now, engine.driftedEntries());
     }
-    void switchAgent(const char* label, bool wasLoaded, AgentOverride override) {
-        const AgentCapture capture{label, "/Users/sam/Library/LaunchAgents/x.plist", wasLoaded, override};
-        engine.finishAgentChange(engine.beginAgentChange(label, capture), EntryStatus::applied, {});
-    }
 };
 
 TEST_F(ReportTest, SaysThatNothingIsChanged) {
@@ -47,8 +43,8 @@ TEST_F(ReportTest, TellsEverythingThatHappened) {
     engine.apply(tweak("dock.size"));
     files.write(99, {"com.apple.dock", "tilesize"});
     now += 1min;
-    switchAgent("org.example.sync", true, AgentOverride::absent);
-    switchAgent("org.example.pipe|work", false, AgentOverride::disabled);
+    switchAgent();
+    switchAgent({"org.example.pipe|work", "/x.plist", false, AgentOverride::disabled});
     now += 1min;
     store.goWrong(Fault::ignores, "write");
     engineFailure([&] { engine.apply(tweak("shot.jpg")); });

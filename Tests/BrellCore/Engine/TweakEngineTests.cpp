@@ -288,13 +288,9 @@ TEST_F(TweakEngineTest, AgentChangesAreJournaledAndUndoneByTheRestorer) {
 TEST_F(TweakEngineTest, TheScriptNeverMissesAnActiveChangeBecauseOneWritingFailed) {
     if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
     const fs::path file = journalDirectory / RestoreScript::fileName;
-    const AgentCapture capture{"org.example.sync", "/sync.plist", true, AgentOverride::absent};
     const std::function<void()> changes[] = {
         [&] { engine.apply(tweak("dock.size")); },
-        [&] {
-            engine.finishAgentChange(engine.beginAgentChange("org.example.sync", capture),
-                                     EntryStatus::applied, {});
-        },
+        [&] { switchAgent(); },
         [&] {
             store.goWrong(Fault::ignores, "write");
             engineFailure([&] { engine.apply(tweak("shot.jpg")); });
@@ -378,8 +374,7 @@ TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
 
     RememberingRestorer restorer;
     engine.setAgentRestorer(&restorer);
-    const AgentCapture capture{"org.example.sync", "/sync.plist", true, AgentOverride::absent};
-    AgentChange change = engine.beginAgentChange(capture.label, capture);
+    AgentChange change = engine.beginAgentChange(syncAgent.label, syncAgent);
     EXPECT_EQ(failingSave(1, [&] { engine.finishAgentChange(std::move(change), EntryStatus::applied, {}); }),
               "org.example.sync was changed all the same; it is listed as interrupted.");
     const Uuid agent = journal.activeEntry("agent:org.example.sync")->id;

@@ -8,7 +8,8 @@
 
 #include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Journal/Journal.h"
-#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/Entries.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

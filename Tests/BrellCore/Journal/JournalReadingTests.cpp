@@ -3,8 +3,9 @@
 #include <unistd.h>
 
 #include "BrellCore/Journal/Journal.h"
-#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

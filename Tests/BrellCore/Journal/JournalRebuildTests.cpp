@@ -4,9 +4,10 @@
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalRebuild.h"
 #include "BrellCore/Journal/RestoreScript.h"
-#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/Obstacles.h"
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

@@ -6,8 +6,9 @@
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Support/Failure.h"
-#include "Tests/BrellCore/Journal/SampleEntries.h"
+#include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
+#include "Tests/Support/Testing.h"
 
 namespace fs = std::filesystem;
 

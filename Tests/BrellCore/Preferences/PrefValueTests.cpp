@@ -108,26 +108,11 @@ TEST(PrefValueTest, JsonIsNeverGuessedAt) {
 }
 
 TEST(NeverTouchTest, ProtectsByPlainComparisonsOfTheWholeText) {
-    for (const char* domain :
-         {"com.apple.security", "com.apple.securityagent", "com.apple.LaunchServices", "com.apple.alf",
-          "com.apple.alf.plist", "com.apple.SoftwareUpdate", "com.apple.screensaver.plist",
-          "/Users/x/Library/Containers/a/b", "/Library/Preferences/com.apple.dock", "a/Library/Preferences/"})
-        EXPECT_TRUE(NeverTouch::isForbiddenDomain(domain)) << domain;
-    for (const char* domain : {"", "com.apple.dock", "com.apple.Security", "xcom.apple.alf", "NSGlobalDomain",
-                               "Containers", "/Library/Preferences", "com.apple.softwareupdate"})
-        EXPECT_FALSE(NeverTouch::isForbiddenDomain(domain)) << domain;
-
-    const struct {
-        const char* label;
-        bool forbidden, own;
-    } rows[] = {{"com.apple.Finder", true, false},  {"com.apple.", true, false},
-                {"com.corvane.brell", true, true},  {"com.corvane.brell.agent", true, true},
-                {"com.corvane.brell.", true, true}, {"com.corvane.brellhelper", false, false},
-                {"com.apple", false, false},        {"Com.apple.x", false, false},
-                {"org.com.apple.x", false, false},  {"", false, false}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(NeverTouch::isForbiddenLabel(row.label), row.forbidden) << row.label;
-        EXPECT_EQ(NeverTouch::isOwnLabel(row.label), row.own) << row.label;
+    for (const Texts& row : sampleRows("NeverTouch/domains.txt"))
+        EXPECT_EQ(NeverTouch::isForbiddenDomain(row[0]), row[1] == "protected") << row[0];
+    for (const Texts& row : sampleRows("NeverTouch/labels.txt")) {
+        EXPECT_EQ(NeverTouch::isForbiddenLabel(row[0]), row[1] != "free") << row[0];
+        EXPECT_EQ(NeverTouch::isOwnLabel(row[0]), row[1] == "own") << row[0];
     }
 }
 
