@@ -23,6 +23,13 @@ TEST(AgentExplainer, KnowsItemsByLabelOrTeamInTheTablesOrder) {
                           "Protection may stop; turning it off weakens security.", Risk::medium, true}));
 }
 
+TEST(AgentExplainer, FlagsWhatKeepsSoftwareUpToDateOrProtectsTheMac) {
+    const auto& rules = AgentExplainer::rules();
+    ASSERT_EQ(rules.size(), 17u);
+    for (std::size_t i = 0; i < rules.size(); ++i)
+        EXPECT_EQ(rules[i].explanation.isUpdater, i < 6 || i == 15) << rules[i].explanation.app;
+}
+
 TEST(AgentExplainer, NamesTheProgramOfWhatItDoesNotKnow) {
     const auto app = [](const char* label, const char* executable) {
         const AgentExplanation explanation = explain(label, "UNKNOWN", executable);

@@ -38,6 +38,7 @@ TEST_F(EngineCountsTest, AChangeIsTwoSavesAndAScript) {
     std::vector<Uuid> ids;
     for (const char* id : {"dock.size", "dock.autohide", "dock.magnify", "finder.path_bar"})
         ids.push_back(engine.apply(tweak(id)).id);
+    ids.push_back(Uuid::random());  // of no entry
     EXPECT_EQ(counted([&] {
                   engine.restoreSelected(ids, {}, [&](std::size_t done, std::size_t) {
                       if (done == 1) now += std::chrono::seconds(1);

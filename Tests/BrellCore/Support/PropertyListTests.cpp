@@ -169,7 +169,9 @@ TEST(XmlPropertyListTest, WrittenValuesReadBackExactlyUnderAnyLocale) {
     for (const std::string_view text : {"", " ", "\r", "\r\n", "\n \t", "]]>", "&amp;", "<!-- -->",
                                         "\xF0\x9F\x98\x80", "a\xCC\x81", "\xC2\x85", "\uFEFFa"})
         values.push_back({std::string(text)});
-    for (std::size_t size = 0; size < 130; ++size) values.push_back({PlistData{std::string(size, '\xA5')}});
+    std::string bytes;
+    for (; bytes.size() < 130; bytes += static_cast<char>(bytes.size() * 41))
+        values.push_back({PlistData{bytes}});
     const PlistValue value{dictionaryOf({{"all", {values}}, {" \r&", {nestedArrays(20)}}})};
 
     const PlistValue back = readPropertyList(writeXmlPropertyList(value));
