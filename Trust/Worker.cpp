@@ -38,14 +38,9 @@ bool isOfOthers(const EngineFailure& failure) {
 }
 
 bool isOfOthers(const AgentToggleFailure& failure) {
-    switch (failure.problem) {
-        case AgentToggleProblem::refused: return true;
-        case AgentToggleProblem::engine:  // not what is said of a file
-            return isBusy(failure.text) || failure.text.find("could not be") == std::string::npos;
-        case AgentToggleProblem::command:
-        case AgentToggleProblem::verifyFailed: break;
-    }
-    return false;
+    if (failure.problem != AgentToggleProblem::engine) return failure.problem == AgentToggleProblem::refused;
+    return isBusy(failure.text) ||
+           failure.text.find("could not be") == std::string::npos;  // not what is said of a file
 }
 
 struct Worker {

@@ -41,31 +41,26 @@ struct LaunchAgentReaderTest : ::testing::Test {
     }
 };
 
-TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJob) {
+TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJobAndCountsValuesOfAnotherTypeAsMissing) {
     const fs::path file = folder.path / "a.plist";
-    setContents(file, sample("PropertyList/agent-every-key.plist"));
-    LaunchAgentPlist expected = onlyPath(file, ::getuid());
-    expected.label = "com.example.a";
-    expected.arguments = {"/bin/sh", "-c"};
-    expected.runAtLoad = expected.keepAlive = expected.hasCalendarInterval = true;
-    expected.startInterval = 3600;
-    expected.associatedBundleIDs = {"com.example.app"};
-    const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
-    EXPECT_EQ(plist, expected);
-    EXPECT_EQ(plist.executable(), "/bin/sh");
-    EXPECT_EQ(plist.trigger(), "at login, every 3600 s, on a schedule, kept running");
-}
-
-TEST_F(LaunchAgentReaderTest, ValuesOfAnotherTypeCountAsMissing) {
-    const fs::path file = folder.path / "a.plist";
-    setContents(file, sample("PropertyList/agent-other-types.plist"));
-    LaunchAgentPlist expected = onlyPath(file, ::getuid());
-    expected.program = "/usr/bin/true";
-    expected.associatedBundleIDs = {"a", "b"};
-    const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
-    EXPECT_EQ(plist, expected);
-    EXPECT_EQ(plist.executable(), "/usr/bin/true");
-    EXPECT_EQ(plist.trigger(), "on demand");
+    LaunchAgentPlist whole = onlyPath(file, ::getuid()), odd = whole;
+    whole.label = "com.example.a";
+    whole.arguments = {"/bin/sh", "-c"};
+    whole.runAtLoad = whole.keepAlive = whole.hasCalendarInterval = true;
+    whole.startInterval = 3600;
+    whole.associatedBundleIDs = {"com.example.app"};
+    odd.program = "/usr/bin/true";
+    odd.associatedBundleIDs = {"a", "b"};
+    const std::tuple<const char*, LaunchAgentPlist, const char*, const char*> rows[] = {
+        {"agent-every-key", whole, "/bin/sh", "at login, every 3600 s, on a schedule, kept running"},
+        {"agent-other-types", odd, "/usr/bin/true", "on demand"}};
+    for (const auto& [name, expected, executable, trigger] : rows) {
+        setContents(file, sample("PropertyList/" + std::string(name) + ".plist"));
+        const LaunchAgentPlist plist = LaunchAgentPlist::read(file);
+        EXPECT_EQ(plist, expected);
+        EXPECT_EQ(plist.executable(), executable);
+        EXPECT_EQ(plist.trigger(), trigger);
+    }
 }
 
 TEST_F(LaunchAgentReaderTest, ABrokenFileNeverHidesTheOthers) {

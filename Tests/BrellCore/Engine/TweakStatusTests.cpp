@@ -15,20 +15,20 @@ class TweakStatusTest : public ::testing::Test, protected EngineFixture {
 protected:
     TweakStatus status(std::string_view id) { return engine.status(tweak(id)); }
     TweakState state(std::string_view id) { return status(id).state; }
+    // Of a tweak whose keys hold the same for this user as for apps, and none of its choices.
+    TweakStatus holding(std::string_view id, TweakState state, const std::vector<StoredValue>& values) {
+        return {tweak(id), std::move(state), values, values, std::nullopt};
+    }
 };
 
 TEST_F(TweakStatusTest, WithoutAnEntryTheStoredValuesDecide) {
     // Two keys: only both targets together are the tweak.
-    EXPECT_EQ(status("dock.magnify"),
-              (TweakStatus{tweak("dock.magnify"), Off{}, {{}, {}}, {{}, {}}, std::nullopt}));
+    EXPECT_EQ(status("dock.magnify"), holding("dock.magnify", Off{}, {{}, {}}));
     files.write(true, magnification);
     EXPECT_EQ(state("dock.magnify"), TweakState(Off{}));
     files.write(80, largeSize);
-    EXPECT_EQ(status("dock.magnify"), (TweakStatus{tweak("dock.magnify"),
-                                                   SetBeforeBrell{},
-                                                   {PrefValue(true), PrefValue(80)},
-                                                   {PrefValue(true), PrefValue(80)},
-                                                   std::nullopt}));
+    EXPECT_EQ(status("dock.magnify"),
+              holding("dock.magnify", SetBeforeBrell{}, {PrefValue(true), PrefValue(80)}));
     files.write(1, magnification);  // a number is not a truth value
     EXPECT_EQ(state("dock.magnify"), TweakState(Off{}));
     files.write(true, magnification);
@@ -68,15 +68,13 @@ TEST_F(TweakStatusTest, TheCurrentChoiceIsJudgedOnWhatAppsSee) {
 }
 
 TEST_F(TweakStatusTest, AKeyThatIsNotOursToJudgeEndsTheReading) {
-    const auto onlyState = [&](const char* id, TweakState expected) {
-        EXPECT_EQ(status(id), (TweakStatus{tweak(id), std::move(expected), {}, {}, std::nullopt}));
-    };
     files.markForced(largeSize);
-    onlyState("dock.magnify", Managed{"largesize"});
+    EXPECT_EQ(status("dock.magnify"), holding("dock.magnify", Managed{"largesize"}, {}));
     files.markByHost(largeSize);
-    onlyState("dock.magnify", PerHost{"largesize"});
+    EXPECT_EQ(status("dock.magnify"), holding("dock.magnify", PerHost{"largesize"}, {}));
     files.markUnsupported(magnification);  // the first key is met first
-    onlyState("dock.magnify", Unsupported{"com.apple.dock magnification holds a dictionary"});
+    EXPECT_EQ(status("dock.magnify"),
+              holding("dock.magnify", Unsupported{"com.apple.dock magnification holds a dictionary"}, {}));
 
     setContents(folder.path / "preferences" / "com.apple.finder.plist", "not a property list");
     EXPECT_TRUE(thrownBy<StoreError>([&] { status("finder.path_bar"); }));
@@ -91,11 +89,8 @@ TEST_F(TweakStatusTest, AnAppliedEntryHoldsUntilAKeyHoldsSomebodyElsesValue) {
     const Uuid on = engine.apply(tweak("dock.magnify")).id;
     EXPECT_EQ(state("dock.magnify"), TweakState(OnByBrell{on}));
     files.remove(largeSize);
-    EXPECT_EQ(status("dock.magnify"), (TweakStatus{tweak("dock.magnify"),
-                                                   ChangedOutsideBrell{on},
-                                                   {PrefValue(true), {}},
-                                                   {PrefValue(true), {}},
-                                                   std::nullopt}));
+    EXPECT_EQ(status("dock.magnify"),
+              holding("dock.magnify", ChangedOutsideBrell{on}, {PrefValue(true), {}}));
     files.write(64, largeSize);  // its original: an undo that was not finished looks like this
     EXPECT_EQ(state("dock.magnify"), TweakState(OnByBrell{on}));
 
