@@ -31,35 +31,21 @@ std::string encoded(const StoredValue& stored) {
 }  // namespace
 
 TEST(PrefValueTest, EachKindHasItsWordsAndForms) {
-    const struct {
-        PrefValue value;
-        const char *type, *flag, *rendered, *json;
-    } rows[] = {
-        {true, "bool", "-bool", "true", R"({"type":"bool","value":true})"},
-        {false, "bool", "-bool", "false", R"({"type":"bool","value":false})"},
-        {36, "int", "-int", "36", R"({"type":"int","value":36})"},
-        {INT64_MIN, "int", "-int", "-9223372036854775808", R"({"type":"int","value":-9223372036854775808})"},
-        {1.0, "double", "-float", "1.0", R"({"type":"double","value":1.0})"},
-        {-3.0, "double", "-float", "-3.0", R"({"type":"double","value":-3.0})"},
-        {0.15, "double", "-float", "0.15", R"({"type":"double","value":0.15})"},
-        {999999999.0, "double", "-float", "999999999.0", R"({"type":"double","value":999999999.0})"},
-        {1e9, "double", "-float", "1000000000.0", R"({"type":"double","value":1000000000.0})"},
-        {1e300, "double", "-float", "1e+300", R"({"type":"double","value":1e+300})"},
-        {"a\"b", "string", "-string", "\"a\"b\"", R"({"type":"string","value":"a\"b"})"},
-        {"", "string", "-string", "\"\"", R"({"type":"string","value":""})"},
-        {Strings{}, "stringArray", "-array", "[]", R"({"type":"stringArray","value":[]})"},
-        {Strings{"a", "", "\n"}, "stringArray", "-array", "[\"a\", \"\", \"\n\"]",
-         R"({"type":"stringArray","value":["a","","\n"]})"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.value.typeName(), row.type);
-        EXPECT_EQ(row.value.defaultsFlag(), row.flag);
-        EXPECT_EQ(StoredValue(row.value).rendered(), row.rendered);
-        EXPECT_EQ(encoded(row.value), row.json);
-        EXPECT_EQ(storedValue(row.json), StoredValue(row.value));
-        EXPECT_EQ(PrefValue::fromPropertyList(row.value.propertyListObject()), row.value);
+    const std::vector<Texts> rows = sampleRows("Journal/kinds.txt");
+    for (const Texts& row : rows) {
+        const StoredValue stored = storedValue(row[0]);
+        const PrefValue& value = stored.value.value();
+        EXPECT_EQ(value.typeName(), row[1]);
+        EXPECT_EQ(value.defaultsFlag(), row[2]);
+        EXPECT_EQ(stored.rendered(), row[3]);
+        EXPECT_EQ(encoded(stored), row[0]);
+        EXPECT_EQ(PrefValue::fromPropertyList(value.propertyListObject()), value);
+        for (const Texts& other : rows)
+            EXPECT_EQ(stored == storedValue(other[0]), &row == &other) << row[0] << other[0];
     }
-    for (const auto& a : rows)
-        for (const auto& b : rows) EXPECT_EQ(a.value == b.value, &a == &b) << a.json << b.json;
+    EXPECT_EQ(storedValue(R"({"type":"int","value":36})"), StoredValue(36));
+    EXPECT_EQ(storedValue(R"({"type":"stringArray","value":["a","","\n"]})"),
+              StoredValue(Strings{"a", "", "\n"}));
     EXPECT_EQ(PrefValue(0.0), PrefValue(-0.0));
     EXPECT_EQ(encoded(PrefValue(-0.0)), R"({"type":"double","value":-0.0})");
     EXPECT_NE(PrefValue(1), PrefValue(1.0));

@@ -54,19 +54,10 @@ TEST(TextTest, OneLineHoldsNothingThatLeavesTheLine) {
 }
 
 TEST(TextTest, SlugsKeepLettersOfEveryScriptWhole) {
-    const struct {
-        std::string text, slug;
-    } rows[] = {{" -- !", ""},
-                {"Quiet Dock", "quiet-dock"},
-                {"--A  b__C9--", "a-b-c9"},
-                {"\u00C9t\u00E9 \u0130", "\u00E9t\u00E9-i"},
-                {"E\u0301te\u0301", "e\u0301te\u0301"},  // accents of their own stay on their letters
-                {"\u0301a !\u0301 b", "a-b"},            // one without a letter is a separator
-                {"\u0939\u093F\u0928\u094D\u0926\u0940", "\u0939\u093F\u0928\u094D\u0926\u0940"},
-                {"\u6771\u4EAC\u3000\u0663", "\u6771\u4EAC-\u0663"},
-                {"a\U0001F600b\u20AC\u00BDc", "a-b-c"},
-                {"x\xFFz", "x-z"}};
-    for (const auto& row : rows) EXPECT_EQ(lowerCaseSlug(row.text), row.slug);
+    for (const testing::Texts& row : testing::sampleRows("Preset/slugs.txt"))
+        EXPECT_EQ(lowerCaseSlug(row[0]), row[1]);
+    EXPECT_EQ(lowerCaseSlug(" -- !"), "");
+    EXPECT_EQ(lowerCaseSlug("x\xFFz"), "x-z");
 }
 
 TEST(TextTest, SmallHelpers) {
