@@ -42,7 +42,6 @@ public:
     }
 
     bool appValueIsForced(const std::string& key, const DefaultsApplication& application) override {
-        ++forcedQuestions;
         return found(forced, key, application).has_value();
     }
 
@@ -88,7 +87,6 @@ public:
     Values saved, savedHere, forced;
     bool locked = false;  // nothing can be saved
     std::string refusal;  // of every value, in a whole sentence
-    int forcedQuestions = 0;
     std::vector<std::string> calls;
 
 private:

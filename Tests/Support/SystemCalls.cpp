@@ -150,20 +150,13 @@ Result watched(SystemCall call, Place place, Arguments... arguments) {
     return systems<Result(Arguments...)>(call)(arguments...);
 }
 
-bool takesMode(int flags) {
-#ifdef O_TMPFILE
-    if ((flags & O_TMPFILE) == O_TMPFILE) return true;
-#endif
-    return (flags & O_CREAT) != 0;
-}
-
 }  // namespace
 
 extern "C" {
 
 int open(const char* path, int flags, ...) {
     mode_t mode = 0;
-    if (takesMode(flags)) {
+    if ((flags & O_CREAT) != 0) {
         std::va_list rest;
         va_start(rest, flags);
         mode = va_arg(rest, mode_t);

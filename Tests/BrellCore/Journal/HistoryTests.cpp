@@ -24,25 +24,18 @@ bool neverStopped(Lines&, std::uintmax_t, std::uintmax_t) {
     return true;
 }
 
-// The machine's time zone, in the form of TZ, as long as it lives.
-class TimeZone {
-public:
-    explicit TimeZone(const char* zone) : before_(std::getenv("TZ") ? std::getenv("TZ") : "") { set(zone); }
-    ~TimeZone() { set(before_.c_str()); }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-private:
-    static void set(const char* zone) {
-        *zone ? ::setenv("TZ", zone, 1) : ::unsetenv("TZ");
-        ::tzset();
-    }
-    const std::string before_;
-};
-
 class HistoryTest : public ::testing::Test {
 protected:
-    const TimeZone zone{"UTC0"};
+    HistoryTest() { setZone("UTC0"); }
+    ~HistoryTest() override { setZone(zoneBefore); }
+
+    // The machine's time zone, in the form of TZ.
+    static void setZone(const std::string& zone) {
+        zone.empty() ? ::unsetenv("TZ") : ::setenv("TZ", zone.c_str(), 1);
+        ::tzset();
+    }
+
+    const std::string zoneBefore = std::getenv("TZ") ? std::getenv("TZ") : "";
     const TemporaryFolder folder;
     const fs::path history = folder.path / "made" / "history";
     const fs::path day = history / "2026-11-16.jsonl";
@@ -71,11 +64,12 @@ TEST_F(HistoryTest, EachLocalDayHasItsFileAndTheyAreReadInOrder) {
     for (const auto& [zoneText, name, moment] :
          {std::tuple("EAST-14", "2026-11-16.jsonl", "2026-11-16-100304"),
           {"WEST12", "2026-11-15.jsonl", "2026-11-15-080304"}}) {
-        const TimeZone other(zoneText);
+        setZone(zoneText);
         EXPECT_TRUE(appendHistoryLine(folder.path / zoneText, at("2026-11-15T20:23:13Z"), line.entry));
         EXPECT_EQ(namesIn(folder.path / zoneText), Names{name});
         EXPECT_EQ(localMoment(at("2026-11-15T20:03:04Z")), moment);
     }
+    setZone("UTC0");
     const std::vector<const char*> times{"2026-11-16T00:00:00Z", "2026-11-15T23:59:59Z",
                                          "2026-11-16T10:00:00Z", "2026-01-02T00:00:00Z"};
     for (const char* time : times) EXPECT_TRUE(appendHistoryLine(history, at(time), line.entry));

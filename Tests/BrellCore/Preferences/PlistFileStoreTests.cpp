@@ -41,6 +41,11 @@ class PlistFileStoreConcurrencyTest : public PlistFileStoreTest {};
 }  // namespace
 
 TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
+    const std::string empty = "<plist version=\"1.0\"><dict/></plist>";
+    setContents(file, empty);
+    for (const PrefKey& key : {autohide, PrefKey{"NSGlobalDomain", "delay"}}) store.remove(key);
+    EXPECT_EQ(contentsOf(file), empty);
+    EXPECT_EQ(namesIn(directory), Names{"com.apple.dock.plist"});
     setFile({{{"tilesize", {std::int64_t{36}}}, {"z \u00E9", {std::string(" <&>\n")}}}});
     store.write(Strings{"a", ""}, autohide);
     store.put(StoredValue(0.1), {"NSGlobalDomain", "delay"});
@@ -58,14 +63,6 @@ TEST_F(PlistFileStoreTest, WritesOneKeyIntoItsFileAndRemovesIt) {
     store.remove({"NSGlobalDomain", "delay"});
     EXPECT_EQ(store.snapshot().count("NSGlobalDomain"), 0u);
     EXPECT_EQ(namesIn(directory), (Names{"NSGlobalDomain.plist", "com.apple.dock.plist"}));
-}
-
-TEST_F(PlistFileStoreTest, RemovingWhatIsNotStoredTouchesNothing) {
-    store.remove(autohide);
-    EXPECT_EQ(namesIn(directory), Names());
-    setContents(file, "<plist version=\"1.0\"><dict/></plist>");
-    store.remove(autohide);
-    EXPECT_EQ(contentsOf(file), "<plist version=\"1.0\"><dict/></plist>");
 }
 
 TEST_F(PlistFileStoreTest, EveryOperationRefusesOtherDomainsFirst) {

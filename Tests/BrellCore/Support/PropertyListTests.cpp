@@ -47,19 +47,6 @@ PlistValue nestedArrays(int levels) {
     return value;
 }
 
-// A comma as decimal sign for as long as it lives, where a locale that has one is installed.
-class CommaLocale {
-public:
-    CommaLocale() : before_(std::setlocale(LC_ALL, nullptr)) {
-        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8"})
-            if (std::setlocale(LC_ALL, name)) return;
-    }
-    ~CommaLocale() { std::setlocale(LC_ALL, before_.c_str()); }
-
-private:
-    std::string before_;
-};
-
 struct Sample {
     std::string_view written;
     PlistValue meant;
@@ -161,7 +148,9 @@ TEST(XmlPropertyListTest, TheWrittenFormIsTheSystemsOwn) {
 }
 
 TEST(XmlPropertyListTest, WrittenValuesReadBackExactlyUnderAnyLocale) {
-    const CommaLocale comma;
+    const std::string localeBefore = std::setlocale(LC_ALL, nullptr);
+    for (const char* comma : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8"})
+        if (std::setlocale(LC_ALL, comma)) break;
     PlistArray values{{least}, {most}, {PlistDate{-63'114'076'800}}, {PlistDate{252'423'993'599}}};
     for (const double number : {0.1, 0.001, 1e-300, 5e-324, -0.0, 1e22, std::numeric_limits<double>::max(),
                                 std::numeric_limits<double>::infinity()})
@@ -175,6 +164,7 @@ TEST(XmlPropertyListTest, WrittenValuesReadBackExactlyUnderAnyLocale) {
     const PlistValue value{dictionaryOf({{"all", {values}}, {" \r&", {nestedArrays(20)}}})};
 
     const PlistValue back = readPropertyList(writeXmlPropertyList(value));
+    std::setlocale(LC_ALL, localeBefore.c_str());
 
     EXPECT_EQ(back, value);
     const PlistArray& read = *back.as<PlistDictionary>()->find("all")->as<PlistArray>();
