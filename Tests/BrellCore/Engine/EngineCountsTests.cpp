@@ -39,13 +39,16 @@ TEST_F(EngineCountsTest, AChangeIsTwoSavesAndAScript) {
     for (const char* id : {"dock.size", "dock.autohide", "dock.magnify", "finder.path_bar"})
         ids.push_back(engine.apply(tweak(id)).id);
     ids.push_back(Uuid::random());  // of no entry
+    RestoreAllOutcome outcome;
     EXPECT_EQ(counted([&] {
-                  engine.restoreSelected(ids, {}, [&](std::size_t done, std::size_t) {
+                  outcome = engine.restoreSelected(ids, {}, [&](std::size_t done, std::size_t) {
                       if (done == 1) now += std::chrono::seconds(1);
                       return true;
                   });
               }),
               (std::vector<std::size_t>{4, 2, 6 + 5, 12}));
+    EXPECT_EQ(outcome.restored.size(), 4u);
+    EXPECT_EQ(outcome.failed.size(), 0u);
     files.markForced({"com.apple.dock", "largesize"});
     EXPECT_EQ(counted([&] { engineFailure([&] { engine.apply(tweak("dock.magnify")); }); }),
               (std::vector<std::size_t>{0, 0, 0, 0}));
