@@ -58,6 +58,15 @@ TEST_F(FileLockTest, ExcludesEveryOtherHolderUntilItGoes) {
     EXPECT_TRUE(acquired());
 }
 
+TEST_F(FileLockTest, AFileThatIsRemovedBeforeItIsLockedExcludesNobody) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const EachCall meanwhile(file, before(SystemCall::flock, [&] { fs::remove(file); }));
+    EXPECT_FALSE(acquired());
+    const auto held = acquired();
+    EXPECT_TRUE(held);
+    EXPECT_FALSE(acquired());
+}
+
 TEST_F(FileLockTest, AFileThatCannotBeMadeIsAnErrorNamingIt) {
     setContents(folder.path / "made", "a file where a folder should be");
     EXPECT_NE(messageOf([&] { acquired(); }).find(folder.path.string()), std::string::npos);
