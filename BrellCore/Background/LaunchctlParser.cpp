@@ -71,6 +71,13 @@ std::optional<std::int64_t> numberBeforeColon(std::string_view value) {
     return parseInteger(stripped(value.substr(0, value.find(':'))));
 }
 
+// "Segmentation fault: 11", as a shell tells it: 139.
+std::optional<std::int64_t> exitCodeOfSignal(std::string_view value) {
+    const auto signal = parseInteger(stripped(value.substr(value.rfind(':') + 1)));
+    const bool isOne = signal && *signal > 0 && *signal < 128;
+    return isOne ? std::optional(128 + *signal) : std::nullopt;
+}
+
 // The path and the state count where they stand first. The numbers stand behind the raw arguments, so of
 // several the last is launchd's own.
 class JobFields {
@@ -92,6 +99,8 @@ public:
             job.exitTimeout = parseInteger(value);
         } else if (key == "last exit code") {
             job.lastExitCode = numberBeforeColon(value);
+        } else if (key == "last terminating signal") {
+            job.lastExitCode = exitCodeOfSignal(value);
         }
     }
 

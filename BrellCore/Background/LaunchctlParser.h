@@ -25,7 +25,7 @@ struct LoadedState {
     // The rest is empty unless it is loaded.
     std::string state;  // launchd's own words: "running", "spawn scheduled"
     std::optional<std::int64_t> runs;
-    std::optional<std::int64_t> lastExitCode;
+    std::optional<std::int64_t> lastExitCode;  // where a signal ended it, 128 and the signal's number
     std::optional<std::int64_t> pid;
     // The place it was loaded from: its job file, or words in parentheses for one that an app handed over.
     std::optional<std::string> path = {};

@@ -56,6 +56,12 @@ TEST(ParsePrint, ReadsUnindentedAndUnreadableValues) {
               loaded("waiting", 0, 0, std::nullopt));
     EXPECT_EQ(parsed("x = {\n\truns = 99999999999999999999\n"),
               loaded("", std::nullopt, std::nullopt, std::nullopt));
+    EXPECT_EQ(parsed("state = spawn scheduled\nlast terminating signal = Segmentation fault: 11\n"),
+              loaded("spawn scheduled", std::nullopt, 139, std::nullopt));
+    for (const char* none : {"(unknown)", "Killed: 0", "x: 128", "9223372036854775807"})
+        EXPECT_EQ(parsed(std::string("state = s\nlast terminating signal = ") + none),
+                  loaded("s", std::nullopt, std::nullopt, std::nullopt))
+            << none;
 }
 
 TEST(ParsePrint, TellsNotLoadedFromUnknown) {
