@@ -1,58 +1,41 @@
 // What the lanes do, over the sample Mac, without a model and without a main loop.
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <sstream>
 
-#include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/ChangeWork.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
-#include "CorvaneBrell/SampleMac/SimulatedTools.h"
+#include "Tests/CorvaneBrell/SampleMacFixture.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Obstacles.h"
 
-namespace brell {
-
 namespace fs = std::filesystem;
-using namespace testing;
+
+namespace brell::testing {
 
 namespace {
 
-const PrefKey autohide{"com.apple.dock", "autohide"};
-const PrefKey hiddenFiles{"com.apple.finder", "AppleShowAllFiles"};
+const std::string duskwatch = "com.halverson.duskwatch";
 
-LaunchOptions optionsFor(const fs::path& mac) {
-    LaunchOptions options;
-    options.sampleMac = mac;
-    return options;
-}
-
-class LaneWorkTest : public ::testing::Test {
+class LaneWorkTest : public SampleMacTest {
 protected:
     PendingApply wishFor(const std::string& id) const {
         const Tweak& tweak = *dependencies.catalog.tweak(id);
         return {tweak, tweak.targets(), std::nullopt, false};
     }
     Uuid made(const std::string& id) { return changes.apply(wishFor(id)).made.at(0).id; }
-    StoredValue stored(const PrefKey& key) { return sample.openPreferences()->exactValue(key); }
-    void writeFromOutside(const PrefKey& key, const PrefValue& value) {
-        sample.openPreferences()->write(value, key);
-    }
     LaunchAgentRecord agent(const std::string& label) const {
         for (const LaunchAgentRecord& one : dependencies.reader.listUserAgents())
             if (one.label() == label) return one;
         throw std::runtime_error("no agent " + label);
     }
 
-    TemporaryFolder folder;
-    SampleMac sample{folder.path / "mac"};
     std::ostringstream out;
-    Dependencies dependencies{optionsFor(folder.path / "mac"), out};
+    Dependencies dependencies{options, out};
     std::vector<Activity> told;
     bool isEnding = false;
     Progress progress{Posted<Activity>([this](Activity activity) { told.push_back(std::move(activity)); }),
@@ -87,7 +70,7 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
     ASSERT_TRUE(again.question);
     ASSERT_EQ(again.question->entries.size(), 1u);
     EXPECT_EQ(again.question->entries[0].entry.id, action.made[1]);
-    EXPECT_EQ(stored(hiddenFiles), StoredValue::absent())
+    EXPECT_EQ(stored(showHidden), StoredValue::absent())
         << "what it restored waits until all of it is undone";
     for (const ChangeOutcome& unfinished : {asked, partly, again}) EXPECT_EQ(unfinished.undo, UndoNote());
 
@@ -103,7 +86,7 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
 
     const ChangeOutcome whole = changes.restoreConfirmed(*again.question, {action.made[1]});
     EXPECT_EQ(stored(tileSize), StoredValue(41));
-    EXPECT_EQ(stored(hiddenFiles), StoredValue(true));
+    EXPECT_EQ(stored(showHidden), StoredValue(true));
     ASSERT_EQ(whole.made.size(), 1u);
     EXPECT_EQ(whole.undo, (UndoNote{{}, action, {{replaced, whole.made[0].id}}}));
 }
@@ -117,7 +100,7 @@ TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
     const ChangeOutcome outcome = changes.restoreConfirmed(request, {request.entries[0].entry.id});
     EXPECT_EQ(outcome.failures.size(), 1u);
     EXPECT_TRUE(outcome.made.empty());
-    EXPECT_EQ(stored(hiddenFiles), StoredValue::absent());
+    EXPECT_EQ(stored(showHidden), StoredValue::absent());
 }
 
 TEST_F(LaneWorkTest, APresetReportsWhatWasRefusedAndWhatWasLeftOut) {
@@ -149,8 +132,8 @@ TEST_F(LaneWorkTest, APresetReportsWhatWasRefusedAndWhatWasLeftOut) {
 
 TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     const AgentConfirmRequest off =
-        readings.agentConfirm({agent("com.halverson.duskwatch"), agent("com.apple.cleanup-helper")}, false);
-    EXPECT_EQ(off.title, "Turn off com.halverson.duskwatch");
+        readings.agentConfirm({agent(duskwatch), agent("com.apple.cleanup-helper")}, false);
+    EXPECT_EQ(off.title, "Turn off " + duskwatch);
     EXPECT_EQ(off.refusals,
               Texts{"com.apple.cleanup-helper is an Apple or Brell item; it is never changed."});
     const ChangeOutcome switched = changes.switchAgents(off);
@@ -158,9 +141,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 1}}));
 
     // Its app turns it on again; Brell turns it off again.
-    const auto tools = sample.openTools();
-    ASSERT_TRUE(
-        tools->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch")).succeeded());
+    turnOnFromOutside(duskwatch);
     ASSERT_EQ(readings.driftedAgents().size(), 1u);
     EXPECT_EQ(told.back().what, "Asking launchd about what Brell switched");
     const ChangeOutcome again = changes.applyAgain({switched.made[0].id});
@@ -191,10 +172,10 @@ TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
 TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
     const Uuid back = made("dock.autohide"), theirs = made("dock.size"), ours = made("finder.show_hidden");
     const Uuid agentOff =
-        changes.switchAgents(readings.agentConfirm({agent("com.halverson.duskwatch")}, false)).made.at(0).id;
+        changes.switchAgents(readings.agentConfirm({agent(duskwatch)}, false)).made.at(0).id;
     sample.openPreferences()->put(dependencies.journal->entry(back)->writes[0].original, autohide);
     writeFromOutside(tileSize, 99);
-    sample.openTools()->run(AllowedCommand::launchctlEnable("gui/501", "com.halverson.duskwatch"));
+    turnOnFromOutside(duskwatch);
     const auto before = everythingIn(sample.preferences());
 
     const ChangeOutcome kept = changes.keepTheirs({back, theirs, ours, agentOff});
@@ -243,8 +224,7 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
 TEST_F(LaneWorkTest, WhatAJobFileSaysIsToldInOneLineAndCut) {
     const std::string evil = "Apple&#10;\u202E" + std::string(3'000'000, 'x');
     const fs::path file = sample.launchAgents() / "a\n\u202E.plist";
-    setContents(file, "<plist><dict><key>Label</key><string>" + evil + "</string><key>Program</key><string>" +
-                          evil.substr(0, 900'000) + "</string></dict></plist>");
+    setContents(file, jobFile(evil, "<key>Program</key><string>" + evil.substr(0, 900'000) + "</string>"));
     fs::create_directories(sample.systemRoot() / "Volumes" / "a\n\u202E");
     const LoginItems items = readings.loginItems({}, {});
     const auto row = std::find_if(items.rows.begin(), items.rows.end(), [&](const LoginItemRow& one) {
@@ -301,13 +281,11 @@ TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
     const fs::path journal = dependencies.journalDirectory();
     const auto before = everythingIn(journal);
     fs::create_directory_symlink(journal, folder.path / "link");
-    std::vector<fs::path> own{folder.path / "link" / "journal.json", journal / "history" / "report.md",
-                              journal / ".." / journal.filename() / ".relaunches.lock"};
     for (const char* name :
-         {"journal.json", "Restore.sh", "history", ".journal.lock", "dry-run.txt", "journal.json.rebuilding",
-          "journal.json.damaged-2026-01-02-030405", "restore.sh.before-2026-01-02-030405-2"})
-        own.push_back(journal / name);
-    for (const fs::path& file : own) {
+         {"../../../../../../link/journal.json", "history/report.md", "../Corvane Brell/.relaunches.lock",
+          "journal.json", "Restore.sh", "history", ".journal.lock", "dry-run.txt", "journal.json.rebuilding",
+          "journal.json.damaged-2026-01-02-030405", "restore.sh.before-2026-01-02-030405-2"}) {
+        const fs::path file = journal / name;
         EXPECT_EQ(messageOf([&] { readings.saveReport(file); }),
                   file.string() + " belongs to Brell's journal; choose another name.");
         EXPECT_EQ(everythingIn(journal), before);
@@ -316,4 +294,4 @@ TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
     EXPECT_NE(contentsOf(journal / "report.md").find("Hide the Dock automatically"), std::string::npos);
 }
 
-}  // namespace brell
+}  // namespace brell::testing
