@@ -2,7 +2,7 @@
 #pragma once
 
 #include "BrellCore/Background/AgentToggle.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/CorvaneBrell/SampleMacFixture.h"
 #include "Tests/Support/EngineFixture.h"
 
 namespace brell::testing {
@@ -22,11 +22,7 @@ private:
     std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
 };
 
-inline std::string jobFile(const std::string& label) {
-    return "<plist version=\"1.0\"><dict><key>Label</key><string>" + label + "</string></dict></plist>";
-}
-
-struct AgentToggleFixture : EngineFixture {
+struct AgentToggleFixture : ::testing::Test, EngineFixture {
     AgentToggleFixture() { engine.setAgentRestorer(&toggle); }
 
     LaunchAgentReader reader() { return {*tools, mac.home(), SampleMac::uid, mac.systemRoot()}; }
@@ -36,6 +32,16 @@ struct AgentToggleFixture : EngineFixture {
         throw std::out_of_range(std::string(fileName));
     }
     LaunchAgentRecord agent(const std::string& label) { return record(label + ".plist"); }
+
+    // Why a switch is refused; empty when it is made.
+    std::string notOff(const LaunchAgentRecord& record) {
+        return messageOf([&] { toggle.turnOff(record); });
+    }
+    std::string notOn(const LaunchAgentRecord& record) {
+        return messageOf([&] { toggle.turnOn(record); });
+    }
+    std::string notOff(const std::string& label) { return notOff(agent(label)); }
+    std::string notOn(const std::string& label) { return notOn(agent(label)); }
 
     // "enabled, loaded", once a job that is leaving has left.
     std::string stateOf(const std::string& label) {
@@ -47,15 +53,19 @@ struct AgentToggleFixture : EngineFixture {
     std::filesystem::path fileOf(const std::string& label) const {
         return mac.launchAgents() / (label + ".plist");
     }
-    // What a toggle that dies right after its first step leaves behind.
+    // Leaves behind what a toggle does that dies right after its first step.
     JournalEntry interruptedTurningOff(const std::string& label) {
         const AgentState before = toggle.currentState(label);
         JournalEntry entry = engine
                                  .beginAgentChange(label, {label, fileOf(label).string(),
                                                            before.loaded.isLoaded(), before.override})
                                  .entry;
-        tools->run(AllowedCommand::launchctlBootout("gui/501", label));
+        bootout(label);
         return entry;
+    }
+    void bootout(const std::string& label) { tools->run(AllowedCommand::launchctlBootout("gui/501", label)); }
+    void bootstrap(const std::filesystem::path& file) {
+        tools->run(AllowedCommand::launchctlBootstrap("gui/501", file.string()));
     }
     std::string launchdState() const { return contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())); }
 

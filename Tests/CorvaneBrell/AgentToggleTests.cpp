@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 
 namespace fs = std::filesystem;
@@ -10,7 +8,7 @@ namespace {
 using namespace testing;
 using namespace std::chrono_literals;
 
-class AgentToggleTest : public ::testing::Test, protected AgentToggleFixture {};
+using AgentToggleTest = AgentToggleFixture;
 
 TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
     const LaunchAgentRecord good = agent(plain);
@@ -66,28 +64,26 @@ TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
         EXPECT_EQ(messageOf([&] { toggle.previewOn(record); }), message);
     }
     EXPECT_EQ(launchdState(), launchdBefore);
-    EXPECT_EQ(namesIn(journalDirectory), Names{});
+    EXPECT_EQ(namesIn(journalDirectory), Names());
 }
 
 TEST_F(AgentToggleTest, RefusesAFileThatWasReplacedSinceItWasListed) {
     const LaunchAgentRecord listed = agent(plain);
     setContents(fileOf(plain), "not a job");
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(listed); }),
-              "The plist's Label (none) does not match homebrew.mxcl.redis.");
+    EXPECT_EQ(notOff(listed), "The plist's Label (none) does not match homebrew.mxcl.redis.");
     EXPECT_EQ(stateOf(plain), "absent, loaded");
 }
 
 TEST_F(AgentToggleTest, RefusesASwitchThatStandsThatWayAlreadyAndLeavesNothingBehind) {
     const std::string launchdBefore = launchdState();
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent("com.spotify.client.startuphelper")); }),
+    EXPECT_EQ(notOff("com.spotify.client.startuphelper"),
               "com.spotify.client.startuphelper is already turned off.");
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent("com.tallowgate.agent")); }),
+    EXPECT_EQ(notOff("com.tallowgate.agent"),
               "com.tallowgate.agent is already turned off, and runs until it ends or you log out.");
     for (const char* label : {"homebrew.mxcl.redis", "us.zoom.updater", "org.fernwright.notes"})
-        EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(label)); }),
-                  std::string(label) + " is not turned off.");
+        EXPECT_EQ(notOn(label), std::string(label) + " is not turned off.");
     EXPECT_EQ(launchdState(), launchdBefore);
-    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+    EXPECT_EQ(namesIn(journalDirectory), Names());
 }
 
 TEST_F(AgentToggleTest, RefusesWhatItCouldNotLoadAgainFromBehindALink) {
@@ -106,7 +102,7 @@ TEST_F(AgentToggleTest, RefusesWhatItCouldNotLoadAgainFromBehindALink) {
     EXPECT_EQ(messageOf([&] { linked.turnOff(on); }), message(on));
     EXPECT_EQ(messageOf([&] { linked.turnOn(off); }), message(off));
     EXPECT_EQ(stateOf(plain), "absent, loaded");
-    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+    EXPECT_EQ(namesIn(journalDirectory), Names());
 }
 
 TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
@@ -117,25 +113,25 @@ TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
         other->run(AllowedCommand::launchctlEnable("gui/501", plain));
         other->run(AllowedCommand::launchctlBootstrap("gui/501", twin));
     };
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(record("twin.plist")); }),
+    EXPECT_EQ(notOff(record("twin.plist")),
               plain + " is loaded from " + file + ", not from " + twin + "; it is not changed.");
-    EXPECT_EQ(namesIn(journalDirectory), std::set<std::string>{});
+    EXPECT_EQ(namesIn(journalDirectory), Names());
 
     const JournalEntry off = toggle.turnOff(agent(plain));
     loadTwin();
-    EXPECT_EQ(messageOf([&] { toggle.turnOn(agent(plain)); }),
+    EXPECT_EQ(notOn(plain),
               plain +
                   " was changed outside Brell (launchd shows enabled, loaded); restore it from the "
                   "Journal first.");
     EXPECT_EQ(engine.restore(off.id, false).status, EntryStatus::restored) << "what is there now is left";
     EXPECT_EQ(toggle.currentState(plain).loaded.path, twin);
 
-    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    bootout(plain);
     tools->run(AllowedCommand::launchctlDisable("gui/501", plain));
     const JournalEntry on = toggle.turnOn(agent(plain));
-    tools->run(AllowedCommand::launchctlBootout("gui/501", plain));
+    bootout(plain);
     loadTwin();
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(plain)); }),
+    EXPECT_EQ(notOff(plain),
               plain + " is loaded from " + twin + ", not from " + file + "; it is not changed.");
     EXPECT_EQ(journal.active(), std::vector{on});
 }
@@ -174,8 +170,7 @@ TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
     const JournalEntry off = toggle.turnOff(agent(plain));
     EXPECT_EQ(toggle.preview(agent(plain), AgentSwitch::on),
               (AgentPreview{toggle.previewRestore(*off.agent), {false, true}}));
-    EXPECT_EQ(messageOf([&] { toggle.previewOff(agent(plain)); }),
-              messageOf([&] { toggle.turnOff(agent(plain)); }));
+    EXPECT_EQ(messageOf([&] { toggle.previewOff(agent(plain)); }), notOff(plain));
     const JournalEntry on = toggle.turnOn(agent("com.spotify.client.startuphelper"));
     EXPECT_EQ(toggle.preview(agent(on.agent->label), AgentSwitch::off),
               (AgentPreview{toggle.previewRestore(*on.agent), {true, false}}));
@@ -200,7 +195,7 @@ TEST_P(AgentCycleTest, OffOnOffRestoreBringsTheAgentBackEachTime) {
     EXPECT_EQ(off.agent, (AgentCapture{label, fileOf(label).string(), true, AgentOverride::absent}));
     EXPECT_EQ(stateOf(label), "disabled, not loaded");
     EXPECT_EQ(
-        messageOf([&] { toggle.turnOff(agent(label)); }),
+        notOff(label),
         label + " was changed outside Brell since Brell turned it off; restore it from the Journal first.");
 
     const JournalEntry on = toggle.turnOn(agent(label));
@@ -227,15 +222,15 @@ TEST_F(AgentToggleTest, TurnsOnWhatWasOffAndOffAgain) {
     EXPECT_TRUE(AgentToggle::brellTurnedOn(*on.agent));
     EXPECT_EQ(stateOf(label), "enabled, loaded");
     EXPECT_EQ(
-        messageOf([&] { toggle.turnOn(agent(label)); }),
+        notOn(label),
         label + " was changed outside Brell since Brell turned it on; restore it from the Journal first.");
 
-    tools->run(AllowedCommand::launchctlBootout("gui/501", label));
-    EXPECT_EQ(messageOf([&] { toggle.turnOff(agent(label)); }),
+    bootout(label);
+    EXPECT_EQ(notOff(label),
               label +
                   " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
                   "Journal first.");
-    tools->run(AllowedCommand::launchctlBootstrap("gui/501", fileOf(label).string()));
+    bootstrap(fileOf(label));
     EXPECT_EQ(toggle.turnOff(agent(label)).id, on.id);
     EXPECT_EQ(stateOf(label), "disabled, not loaded");
 }

@@ -1,10 +1,13 @@
-#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <regex>
 
 #include "BrellCore/Journal/RestoreScript.h"
-#include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Headless/Tour.h"
+#include "CorvaneBrell/SampleMac/SamplePast.h"
 #include "Tests/CorvaneBrell/HeadlessFixture.h"
+#include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
 
 using namespace brell;
@@ -14,17 +17,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const PrefKey tileSize{"com.apple.dock", "tilesize"};
-const PrefKey screenshots{"com.apple.screencapture", "location"};
-
 class HeadlessCommandsTest : public HeadlessTest {
 protected:
     Journal journal() const { return {journalFile(), journalDirectory / "history"}; }
     fs::path journalFile() const { return journalDirectory / "journal.json"; }
 
-    std::string linesForEach(const std::string& before) const {
+    std::string linesForEach(const std::string& before, const std::string& end = "\n") const {
         std::string lines;
-        for (const Tweak& tweak : catalog.all()) lines += before + tweak.id + "\n";
+        for (const Tweak& tweak : catalog.all()) lines += before + tweak.id + end;
         return lines;
     }
 };
@@ -38,10 +38,9 @@ TEST_F(HeadlessCommandsTest, WithoutARequestNothingHappens) {
 
 TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
     EXPECT_EQ(run({"--apply-all"}), (Finished{0, linesForEach("applied ")}));
-    const fs::path fixture = journalDirectory / "screenshots-fixture";
-    EXPECT_TRUE(fs::is_directory(fixture));
-    EXPECT_EQ(mac.openPreferences()->exactValue(screenshots), StoredValue(fixture.string()));
-    EXPECT_NE(preferences(), original);
+    const fs::path shots = journalDirectory / "screenshots-fixture";
+    EXPECT_TRUE(fs::is_directory(shots));
+    EXPECT_EQ(stored({"com.apple.screencapture", "location"}), StoredValue(shots.string()));
 
     const Finished again = run({"--apply-all"});
     EXPECT_EQ(again.status, 1);
@@ -49,12 +48,12 @@ TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
         again.output.starts_with("refused finder.show_hidden: Show hidden files already has an active "
                                  "change (applied); turn it off first.\n"));
 
-    mac.openPreferences()->write(99, tileSize);
-    std::string restored = "drifted entries confirmed for restore: 1\n";
+    writeFromOutside(tileSize, 99);
     std::vector<JournalEntry> entries = journal().active();
     std::stable_sort(entries.begin(), entries.end(), [](const JournalEntry& one, const JournalEntry& other) {
         return one.appliedAt > other.appliedAt;
     });
+    std::string restored = "drifted entries confirmed for restore: 1\n";
     for (const JournalEntry& entry : entries) restored += "restored " + entry.id.text() + "\n";
     EXPECT_EQ(run({"--restore-all"}),
               (Finished{0, restored + "pending: dockRelaunch, finderRelaunch, immediate, nextAppLaunch\n"}));
@@ -63,21 +62,17 @@ TEST_F(HeadlessCommandsTest, AppliesEverythingAndPutsEverythingBack) {
 
 TEST_F(HeadlessCommandsTest, EachLineIsThereWhenItsEventHappened) {
     struct Reader : std::stringbuf {
-        std::vector<std::string> lines;
+        std::string seen;
         int sync() override {
-            lines.push_back(str());
+            seen += str() + "|";
             str("");
             return 0;
         }
     } reader;
     std::ostream out(&reader);
-    LaunchOptions options;
-    options.sampleMac = folder.path / "mac";
     options.applyAll = true;
     HeadlessCommands::runIfRequested(options, out);
-    ASSERT_EQ(reader.lines.size(), catalog.all().size());
-    for (std::size_t i = 0; i < reader.lines.size(); ++i)
-        EXPECT_EQ(reader.lines[i], "applied " + catalog.all()[i].id + "\n");
+    EXPECT_EQ(reader.seen, linesForEach("applied ", "\n|"));
 }
 
 TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
@@ -90,29 +85,21 @@ TEST_F(HeadlessCommandsTest, WhatCannotBeRestoredIsNamedAndStaysActive) {
 }
 
 TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
-    const auto preferencesBefore = everythingIn(mac.preferences());
+    const auto preferencesBefore = everythingIn(sample.preferences());
     const std::string dryJournal = folder.path / "dry";
     const Finished dry = run({"--dry-run", "--apply-all", "--journal-directory", dryJournal});
     EXPECT_EQ(dry.status, 0);
-    std::string expected;
-    for (const Tweak& tweak : catalog.all()) {
-        for (const Write& write : tweak.writes)
-            expected += "dry-run: would write " + write.key.rendered() + " = " +
-                        (write.key == screenshots
-                             ? PrefValue((folder.path / "dry" / "screenshots-fixture").string()).rendered()
-                             : write.target.rendered()) +
-                        "\n";
-        expected += "applied " + tweak.id + "\n";
-    }
-    EXPECT_EQ(dry.output, expected);
-    EXPECT_EQ(everythingIn(mac.preferences()), preferencesBefore);
+    EXPECT_TRUE(dry.output.starts_with(
+        "dry-run: would write com.apple.finder AppleShowAllFiles = true\napplied finder.show_hidden\n"));
+    EXPECT_NE(dry.output.find("location = \"" + dryJournal + "/screenshots-fixture\"\napplied shot.folder\n"),
+              std::string::npos);
+    EXPECT_EQ(everythingIn(sample.preferences()), preferencesBefore);
     EXPECT_FALSE(fs::exists(journalDirectory));
     EXPECT_TRUE(fs::exists(folder.path / "dry" / "journal.json"));
-
     EXPECT_FALSE(fs::exists(folder.path / "dry" / RestoreScript::fileName));
 
     // A real run would take what it recorded for its own, and undo what the user chose meanwhile.
-    mac.openPreferences()->write(77, tileSize);
+    writeFromOutside(tileSize, 77);
     const auto whole = everythingIn(folder.path);
     for (const char* words : {"--restore-all", "--apply-all", "--status-json"})
         EXPECT_EQ(
@@ -127,35 +114,31 @@ TEST_F(HeadlessCommandsTest, ADryRunPrintsEachChangeAndMakesNone) {
 TEST_F(HeadlessCommandsTest, ADryRunOverARealJournalShowsWhatARealOneWouldDoAndLeavesItAlone) {
     runProgram("--quit-after-capture dock.size");
     run({"--apply-all"});
-    const std::string status = run({"--status-json"}).output;
-    const auto before = everythingIn(folder.path / "mac");
+    const Finished status = run({"--status-json"});
+    const auto before = everythingIn(sample.systemRoot());
     const fs::path copies = folder.path / "copies";
     fs::create_directory(copies);
+    const mode_t umask = ::umask(0);
     const auto runDry = [&](const std::string& word) {
-        return runLine("umask 0; " + shellWord(BRELL_PROGRAM) + " --dry-run --sample-mac " +
-                           shellWord(mac.systemRoot()) + " --journal-directory " +
-                           shellWord(journalDirectory) + " " + word + " 2>" + shellWord(folder.path / "said"),
-                       {{"TMPDIR", copies}});
+        const std::string into = " 2>" + shellWord(folder.path / "said");
+        return runProgram("--dry-run --journal-directory " + shellWord(journalDirectory) + " " + word + into,
+                          {{"TMPDIR", copies}});
     };
-    EXPECT_EQ(runDry("--status-json"), (Finished{0, status}));
+    EXPECT_EQ(runDry("--status-json"), status);
     EXPECT_EQ(contentsOf(folder.path / "said"), "note: The dry run works on a copy of the journal in " +
                                                     journalDirectory.string() + ", which stays as it is.\n");
     const std::string dry = runDry("--restore-all").output;
+    ::umask(umask);
     EXPECT_NE(dry.find("dry-run: would write com.apple.dock tilesize = 41\n"), std::string::npos);
-    EXPECT_EQ(everythingIn(folder.path / "mac"), before);
+    EXPECT_EQ(everythingIn(sample.systemRoot()), before);
     EXPECT_EQ(namesIn(copies).size(), 2u);
-    for (const fs::directory_entry& copy : fs::directory_iterator(copies)) {
-        for (const fs::path& made : {copy.path(), copy.path() / "history"})
-            EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all)
-                << "its values are the user's alone";
-        EXPECT_FALSE(namesIn(copy.path() / "history").empty());
+    for (const std::string& copy : namesIn(copies)) {
+        for (const fs::path& made : {copies / copy, copies / copy / "history"})
+            EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all) << "the user's alone";
+        EXPECT_FALSE(namesIn(copies / copy / "history").empty());
     }
-
-    std::istringstream lines(dry);
-    std::string results;
-    for (std::string line; std::getline(lines, line);)
-        if (!line.starts_with("dry-run: would ")) results += line + "\n";
-    EXPECT_EQ(results, run({"--restore-all"}).output);
+    const std::regex heldBack("dry-run: would .*\n");
+    EXPECT_EQ(std::regex_replace(dry, heldBack, ""), run({"--restore-all"}).output);
     EXPECT_EQ(preferences(), original);
 }
 
@@ -171,7 +154,7 @@ TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing
         << finished.output;
     EXPECT_TRUE(finished.output.ends_with("\n]\n"));
 
-    setContents(mac.preferences() / "com.apple.dock.plist", "damaged");
+    setContents(sample.preferences() / "com.apple.dock.plist", "damaged");
     const Finished damaged = run({"--status-json"});
     EXPECT_EQ(damaged.status, 0);
     EXPECT_NE(damaged.output.find(
@@ -182,19 +165,17 @@ TEST_F(HeadlessCommandsTest, TheStatusWinsOverEveryOtherRequestAndChangesNothing
 }
 
 TEST_F(HeadlessCommandsTest, StatesAreDescribedForScripts) {
-    const Uuid id = Uuid::random();
-    const std::vector<std::pair<TweakState, std::string>> described{
-        {OnByBrell{id}, "onByBrell(" + id.text() + ")"},
-        {OffByBrell{id}, "offByBrell(" + id.text() + ")"},
-        {ChangedOutsideBrell{id}, "changedOutsideBrell(" + id.text() + ")"},
-        {PerHost{"tilesize"}, "perHost(key: \"tilesize\")"},
-        {Managed{"tilesize"}, "managed(key: \"tilesize\")"},
-        {Unsupported{"com.apple.dock tilesize holds a date"},
-         "unsupported(com.apple.dock tilesize holds a date)"},
-        {Off{}, "off"},
-        {OnByDefault{}, "onByDefault"},
-        {SetBeforeBrell{}, "setBeforeBrell"}};
-    for (const auto& [state, text] : described) EXPECT_EQ(HeadlessCommands::describe(state), text);
+    makePast(sample, journalDirectory, systemNow());
+    std::istringstream lines(run({"--status-json"}).output);
+    const std::string before = "    \"state\" : \"";
+    std::string states;
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with(before)) states += line.substr(before.size()) + "\n";
+    for (const JournalEntry& entry : journal().active()) {
+        const auto at = states.find(entry.id.text());
+        if (at != std::string::npos) states.replace(at, 36, "its entry");
+    }
+    EXPECT_EQ(states, brell::testing::sample("CommandLine/states.txt"));
 }
 
 TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
@@ -208,7 +189,7 @@ TEST_F(HeadlessCommandsTest, AnUnknownAgentIsRefusedAndTheRestGoesOn) {
 
 TEST_F(HeadlessCommandsTest, AnAgentIsWaitedForAndPutBackAsFarAsItsJobFileAllows) {
     const std::string label = "com.lumenfold.sync";
-    mac.openTools()->launchd().setBehaviour(label, {8, 36, 37, {}});  // nearly two seconds
+    sample.openTools()->launchd().setBehaviour(label, {8, 36, 37, {}});  // nearly two seconds
     const Finished off = run({"--toggle-agent", label});
     ASSERT_EQ(journal().active().size(), 1u);
     const std::string id = journal().active().front().id.text();
@@ -216,7 +197,7 @@ TEST_F(HeadlessCommandsTest, AnAgentIsWaitedForAndPutBackAsFarAsItsJobFileAllows
                                     "\nrun /bin/launchctl disable gui/501/" + label +
                                     "\nwaiting up to 10 seconds for " + label + " to end\nturned off " +
                                     label + " (entry " + id + ")\n"}));
-    fs::remove(mac.launchAgents() / (label + ".plist"));
+    fs::remove(fileOf(label));
     EXPECT_EQ(run({"--restore-all"}),
               (Finished{0, "restored " + id + ": No file in your LaunchAgents folder has the label " + label +
                                " any more, so it is allowed again, but there was nothing to load.\n"}));
@@ -240,19 +221,15 @@ TEST_F(HeadlessCommandsTest, AnotherBrellThatStaysBusyIsWaitedForOnlyOnce) {
 }
 
 TEST_F(HeadlessCommandsTest, ATourShowsTheWholeCycleAndLeavesTheMacAsItWas) {
-    LaunchOptions options;
-    options.sampleMac = folder.path / "mac";
     std::ostringstream quiet, out;
     {  // an earlier run left a change behind
         Dependencies earlier(options, quiet);
         earlier.engine.apply(*earlier.catalog.tweak("dock.size"));
     }
     EXPECT_EQ(runHeadlessTour(options, out), ExitStatus::success);
-    for (const std::string& line : {std::string("\nrestored "), std::string("\napplied finder.show_hidden\n"),
-                                    std::string("\napplied priv.no_personalized_ads\n"),
-                                    std::string("  dock.size                      onByBrell    48\n"),
-                                    std::string(" keys are exactly as before.\n"),
-                                    "Restore script: " + (journalDirectory / "restore.sh").string() + "\n"})
+    for (const char* line : {"\nrestored ", "\napplied priv.no_personalized_ads\n",
+                             "  dock.size                      onByBrell    48\n",
+                             " keys are exactly as before.\n", "/restore.sh\n"})
         EXPECT_NE(out.str().find(line), std::string::npos) << line;
     EXPECT_EQ(preferences(), original);
     EXPECT_NE(contentsOf(journalDirectory / "corvane-brell-report.md").find("| restored | Icon size |"),
@@ -260,10 +237,10 @@ TEST_F(HeadlessCommandsTest, ATourShowsTheWholeCycleAndLeavesTheMacAsItWas) {
 
     setContents(folder.path / "file", "in the way");
     options.sampleMac = folder.path / "file" / "mac";
-    std::ostringstream error;
-    EXPECT_EQ(runHeadlessTour(options, error), ExitStatus::cannotStart);
-    EXPECT_TRUE(error.str().starts_with("error: ") && error.str().find('\n') == error.str().size() - 1)
-        << error.str();
+    out.str("");
+    EXPECT_EQ(runHeadlessTour(options, out), ExitStatus::cannotStart);
+    EXPECT_TRUE(out.str().starts_with("error: ") && out.str().find('\n') == out.str().size() - 1)
+        << out.str();
 }
 
 // The program as scripts run it.

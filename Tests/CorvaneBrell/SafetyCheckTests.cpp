@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
 #include "CorvaneBrell/SafetyCheck.h"
 
-#include "BrellCore/Preferences/PlistFileStore.h"
 #include "CorvaneBrell/Platform/UserPreferences.h"
 #include "Tests/CorvaneBrell/HeadlessFixture.h"
 
@@ -15,28 +12,19 @@ namespace {
 
 class SafetyCheckTest : public HeadlessTest {
 protected:
-    Machine machine() const {
-        LaunchOptions options;
-        options.sampleMac = mac.systemRoot();
-        options.journalDirectory = notYetThere;
-        return machineFor(options);
-    }
-    Texts warnings() const { return safetyWarnings(machine()); }
+    SafetyCheckTest() { options.journalDirectory = notYetThere; }
+
+    Texts warnings() const { return safetyWarnings(machineFor(options)); }
     fs::path fileOf(const std::string& domain) const {
-        return PlistFileStore::fileOf(mac.preferences(), domain);
+        return PlistFileStore::fileOf(sample.preferences(), domain);
     }
 
     const fs::path notYetThere = folder.path / "not" / "yet" / "there";
 };
 
-}  // namespace
-
-TEST_F(SafetyCheckTest, AnOrdinaryMachineHasNoneAndNothingIsMade) {
-    EXPECT_EQ(warnings(), Texts());
-    EXPECT_EQ(namesIn(folder.path), Names{"mac"});
-}
-
 TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
+    EXPECT_EQ(warnings(), Texts());
+    EXPECT_EQ(namesIn(folder.path), Names{"mac"}) << "nothing is made";
     const fs::path dock = fileOf("com.apple.dock"), finder = fileOf("com.apple.finder");
     fs::rename(dock, folder.path / "elsewhere.plist");
     fs::create_symlink(folder.path / "elsewhere.plist", dock);
@@ -49,7 +37,7 @@ TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
     EXPECT_EQ(warnings(), (Texts{ofDock, "The preference file " + finder.string() +
                                              " is locked, so that its settings may not be changeable."}));
 
-    const Texts toOthers = safetyWarnings(machine(), ::geteuid() + 1);
+    const Texts toOthers = safetyWarnings(machineFor(options), ::geteuid() + 1);
     const Names told(toOthers.begin(), toOthers.end());
     EXPECT_TRUE(told.contains(ofDock));
     EXPECT_TRUE(told.contains("The preference file " + finder.string() +
@@ -57,10 +45,9 @@ TEST_F(SafetyCheckTest, NamesLinkedForeignAndLockedFilesOfTheCatalogsDomains) {
 }
 
 TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamed) {
-    const std::string name = "The journal folder " + notYetThere.string();
     setContents(folder.path / "not", "a file in the way");
-    EXPECT_EQ(warnings(),
-              Texts{name + " cannot be written, so that nothing can be changed: Not a directory."});
+    EXPECT_EQ(warnings(), Texts{"The journal folder " + notYetThere.string() +
+                                " cannot be written, so that nothing can be changed: Not a directory."});
 }
 
 TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults) {
@@ -74,7 +61,9 @@ TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults
     }
 }
 
-TEST_F(SafetyCheckTest, RootIsRefusedWithItsReason) {
+TEST(RefuseRootTest, RootIsRefusedWithItsReason) {
     EXPECT_TRUE(messageOf([] { refuseRoot(0); }).starts_with("Brell does not run as root, because "));
     EXPECT_NO_THROW(refuseRoot(501));
 }
+
+}  // namespace

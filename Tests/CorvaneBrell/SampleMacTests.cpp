@@ -1,13 +1,9 @@
-#include "CorvaneBrell/SampleMac/SampleMac.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "BrellCore/Background/BTMReader.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Review/Spotlight.h"
-#include "Tests/Support/Testing.h"
+#include "Tests/CorvaneBrell/SampleMacFixture.h"
 
 namespace fs = std::filesystem;
 
@@ -17,16 +13,6 @@ namespace {
 using namespace testing;
 using Command = AllowedCommand;
 
-struct SampleMacTest : ::testing::Test {
-    std::string fileOf(const std::string& label) const {
-        return (mac.launchAgents() / (label + ".plist")).string();
-    }
-
-    TemporaryFolder folder;
-    SampleMac mac{folder.path / "mac"};
-    std::unique_ptr<SimulatedTools> tools = mac.openTools();
-};
-
 // Toggleable, admin only or in the system's settings; on or off; allowed or not, if that is known.
 std::string stateOf(const LoginItemRow& row) {
     const std::string allowed = row.allowedInSystemSettings ? *row.allowedInSystemSettings ? "y" : "n" : "?";
@@ -34,7 +20,8 @@ std::string stateOf(const LoginItemRow& row) {
 }
 
 TEST_F(SampleMacTest, HasAnItemForEveryStateThatTheListCanShow) {
-    const LaunchAgentReader reader{*tools, mac.home(), SampleMac::uid, mac.systemRoot()};
+    const auto tools = sample.openTools();
+    const LaunchAgentReader reader{*tools, sample.home(), SampleMac::uid, sample.systemRoot()};
     const BTMDump dump = BTMReader{*tools, [] { return SampleMac::isAdmin; }}.dump().value();
     const auto rows =
         LoginItemsMerger::merge(reader.userAgents(), reader.systemAgents(), &dump, SampleMac::uid);
@@ -43,36 +30,37 @@ TEST_F(SampleMacTest, HasAnItemForEveryStateThatTheListCanShow) {
     EXPECT_EQ(states, (Names{"t0?", "t0y", "t1?", "t1y", "a0y", "a1?", "a1n", "a1y", "s1?", "s1n", "s1y"}));
     EXPECT_EQ(rows.size(), 25u);
     EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [](const auto& row) { return row.isCrashLooping; }));
-    EXPECT_EQ(fs::status(mac.systemRoot()).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(sample.systemRoot()).permissions(), fs::perms::owner_all);
 }
 
 TEST_F(SampleMacTest, HasVolumesInEveryStateOfTheIndex) {
     std::set<std::optional<bool>> states;
-    const auto volumes = SpotlightStatusReader::mountedVolumes(mac.systemRoot());
-    for (const auto& volume : SpotlightStatusReader{*tools}.statuses(volumes)) states.insert(volume.indexing);
+    const auto volumes = SpotlightStatusReader::mountedVolumes(sample.systemRoot());
+    for (const auto& volume : SpotlightStatusReader{*sample.openTools()}.statuses(volumes))
+        states.insert(volume.indexing);
     EXPECT_EQ(states, (std::set<std::optional<bool>>{std::nullopt, false, true}));
 }
 
 TEST_F(SampleMacTest, LoadsNoJobThatLaunchdWouldNotLoad) {
     const std::string loaded = "homebrew.mxcl.redis", leaving = "com.pebblewick.indexer";
-    EXPECT_EQ(tools->run(Command::launchctlBootout("gui/501", leaving)).exitCode, 36);
-    const std::pair<std::string, int> rows[] = {{fileOf(loaded), 17},
-                                                {fileOf(leaving), 5},
-                                                {fileOf("com.spotify.client.startuphelper"), 5},  // disabled
-                                                {fileOf("org.millrace.feeds"), 5},  // without a label
-                                                {fileOf("com.example.missing"), 5},
-                                                {"/Library/LaunchAgents/of.another.mac.plist", 5}};
+    EXPECT_EQ(launchd(Command::launchctlBootout("gui/501", leaving)).exitCode, 36);
+    const std::pair<fs::path, int> rows[] = {{fileOf(loaded), 17},
+                                             {fileOf(leaving), 5},
+                                             {fileOf("com.spotify.client.startuphelper"), 5},  // disabled
+                                             {fileOf("org.millrace.feeds"), 5},  // without a label
+                                             {fileOf("com.example.missing"), 5},
+                                             {"/Library/LaunchAgents/of.another.sample.plist", 5}};
     for (const auto& [file, exitCode] : rows)
-        EXPECT_EQ(tools->run(Command::launchctlBootstrap("gui/501", file)).exitCode, exitCode) << file;
+        EXPECT_EQ(launchd(Command::launchctlBootstrap("gui/501", file.string())).exitCode, exitCode) << file;
 }
 
 TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
-    tools->run(Command::launchctlBootout("gui/501", "homebrew.mxcl.redis"));
+    launchd(Command::launchctlBootout("gui/501", "homebrew.mxcl.redis"));
     fs::remove(fileOf("us.zoom.updater"));
     setContents(fileOf("com.google.keystone.agent"), "edited");
-    const auto before = everythingIn(mac.systemRoot());
-    SampleMac(mac.systemRoot());
-    EXPECT_EQ(everythingIn(mac.systemRoot()), before);
+    const auto before = everythingIn(sample.systemRoot());
+    SampleMac(sample.systemRoot());
+    EXPECT_EQ(everythingIn(sample.systemRoot()), before);
     EXPECT_EQ(everythingIn(SampleMac(folder.path / "one").systemRoot()),
               everythingIn(SampleMac(folder.path / "twin").systemRoot()));
 
@@ -97,7 +85,7 @@ TEST_F(SampleMacTest, IsMadeInNoFolderOfSomethingElse) {
 }
 
 TEST_F(SampleMacTest, SaysThatItsStateIsDamagedAndKeepsIt) {
-    const fs::path file = SimulatedLaunchd::stateFile(mac.systemRoot());
+    const fs::path file = SimulatedLaunchd::stateFile(sample.systemRoot());
     const std::string whole = contentsOf(file);
     std::string otherType = whole;
     otherType.replace(otherType.find("<integer>"), 9, "<string>");
@@ -106,7 +94,7 @@ TEST_F(SampleMacTest, SaysThatItsStateIsDamagedAndKeepsIt) {
                                        std::string("<plist><dict/></plist>"), otherType}) {
         setContents(file, damaged);
         EXPECT_TRUE(messageOf([&] {
-                        tools->run(Command::launchctlDisable("gui/501", "a"));
+                        launchd(Command::launchctlDisable("gui/501", "a"));
                     }).starts_with("The command could not be started: "));
         EXPECT_EQ(contentsOf(file), damaged);
     }
