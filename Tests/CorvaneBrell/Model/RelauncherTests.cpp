@@ -129,32 +129,11 @@ TEST_F(RelauncherTest, LettingGoCallsTheRestOff) {
     EXPECT_TRUE(outcomes.empty());
 }
 
-TEST_F(RelauncherTest, TheReceiverMayStartTheNextOneAndLetGoOfThisOne) {
-    Relauncher::Handle handle;
-    std::vector<std::string> lines;
-    apps.setBehaviour(dock, {never, 0ms});
-    handle = Relauncher::relaunch(Target::dock, false, apps, loop, [&](Outcome first) {
-        lines.push_back(line(Target::dock, first));
-        handle = Relauncher::relaunch(Target::finder, false, apps, loop, [&](Outcome second) {
-            lines.push_back(line(Target::finder, second));
-            handle.reset();
-        });
-    });
-    EXPECT_TRUE(apps.requests.empty());  // nothing happens inside the call
-    loop.advance(10s);
-    EXPECT_EQ(lines, (Texts{"The Dock did not quit within 5 seconds. Brell never forces a quit; "
-                            "try again later or log out and back in.",
-                            "Finder relaunched."}));
-    EXPECT_EQ(loop.waiting(), 0U);
-}
-
 TEST(RelauncherTargetTest, TheDockComesFirstAndOnlyUnfinishedOutcomesStayPending) {
     using enum EffectClass;
     EXPECT_EQ(Relauncher::targetsFor({finderRelaunch, dockRelaunch, immediate}),
               (std::vector{Target::dock, Target::finder}));
-    EXPECT_EQ(Relauncher::targetsFor({finderRelaunch}), std::vector{Target::finder});
     EXPECT_EQ(Relauncher::targetsFor({immediate, nextAppLaunch}), std::vector<Target>());
-
     for (const Outcome done : {Outcome::relaunched, Outcome::openedNotRunning, Outcome::dryRun})
         EXPECT_TRUE(isDone(done)) << message(done);
     for (const Outcome open : {Outcome::openFailed, Outcome::didNotQuit, Outcome::didNotReopen})

@@ -26,20 +26,17 @@ protected:
 };
 
 TEST_F(TerminalCommandsTest, ReadAsPeopleWriteThem) {
-    EXPECT_EQ(commandsMaking(tweak("finder.show_hidden")),
-              "defaults write com.apple.finder AppleShowAllFiles -bool true\n"
-              "echo 'Relaunch Finder, or log out and back in, for every change to take effect.'\n");
-    EXPECT_EQ(commandsMaking(tweak("anim.fast_sheets")),
-              "defaults write -g NSWindowResizeTime -float 0.001\n"
-              "echo 'Relaunch the apps that are open, or log out and back in, for every change to take "
-              "effect.'\n");
-    EXPECT_EQ(commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/My 'Shots'"}),
-              "defaults write com.apple.screencapture location -string '/Users/sam/My '\\''Shots'\\'''\n");
-    EXPECT_EQ(commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/A_2-b.c"}),
-              "defaults write com.apple.screencapture location -string /Users/sam/A_2-b.c\n");
-    EXPECT_EQ(commandsMaking({engine.resetToDefault(tweak("dock.size"))}, catalog),
-              "defaults delete com.apple.dock tilesize\n"
-              "echo 'Relaunch the Dock, or log out and back in, for every change to take effect.'\n");
+    const JournalEntry off =
+        agentEntry({"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::absent});
+    const JournalEntry on =
+        agentEntry({"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::disabled});
+    const std::string made =
+        commandsMaking(tweak("finder.show_hidden")) + commandsMaking(tweak("anim.fast_sheets")) +
+        commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/My 'Shots'"}) +
+        commandsMaking(tweak("shot.folder"), std::vector<PrefValue>{"/Users/sam/A_2-b.c"}) +
+        commandsMaking({engine.resetToDefault(tweak("dock.size"))}, catalog) +
+        commandsMaking({off}, catalog) + commandsMaking({on}, catalog);
+    EXPECT_EQ(made, sample("Words/terminal-commands.txt"));
 }
 
 TEST_F(TerminalCommandsTest, MakeTheSameAsTheEngine) {
@@ -67,20 +64,10 @@ TEST_F(TerminalCommandsTest, MakeTheSameAsTheEngine) {
 
 TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
     const PrefKey key{"com.apple.dock", "odd key; touch made-it"};
-    const std::vector<PrefValue> values{"'; touch made-it; '",
-                                        "$(touch made-it)`touch made-it`",
-                                        "a\nb",
-                                        "\x7Ftouch made-it\r'\\",
-                                        "",
-                                        "!!",
-                                        "-bool",
-                                        "é ⌘",
-                                        PrefValue::StringArray{"", "two words", "tab\there\x7F"},
-                                        PrefValue::StringArray{},
-                                        -5,
-                                        1e-5,
-                                        false};
-    for (const PrefValue& value : values) {
+    const PrefValue words = PrefValue::StringArray{"", "two words", "tab\there\x7F"};
+    for (const PrefValue& value : std::initializer_list<PrefValue>{
+             "'; touch made-it; '", "$(touch made-it)`touch made-it`", "a\nb", "\x7Ftouch made-it\r'\\", "",
+             "!!", "-bool", "é ⌘", words, PrefValue::StringArray{}, -5, 1e-5, false}) {
         const std::string text = commandsMaking({entryOf("odd", {{key, {}, value}})}, catalog);
         EXPECT_EQ(paste(text).status, 0) << text;
         EXPECT_EQ(files.exactValue(key), StoredValue(value)) << text;
@@ -93,34 +80,26 @@ TEST_F(TerminalCommandsTest, NoValueBecomesACommandOrAKeyPress) {
 }
 
 TEST_F(TerminalCommandsTest, LeaveOutWhatBrellRefusesAndWhatReadsAsAFlag) {
-    const auto write = [](const char* domain, const char* key, const PrefValue& value) {
-        return entryOf("forged", {{{domain, key}, StoredValue(), value}});
+    const auto write = [](const PrefKey& key, const PrefValue& value) {
+        return entryOf("forged", {{key, StoredValue(), value}});
     };
     const auto agent = [](const char* label, const char* path) {
         return agentEntry({label, path, true, AgentOverride::absent});
     };
-    const std::vector<JournalEntry> forged{write("com.apple.security", "k", true),
-                                           write("com.apple.dock", "", true),
-                                           write("com.apple.dock", "-currentHost", true),
-                                           write("com.apple.dock", "k", PrefValue::StringArray{"a", "-int"}),
+    const PrefValue flags = PrefValue::StringArray{"a", "-int"};
+    const std::vector<JournalEntry> forged{write({"com.apple.security", "k"}, true),
+                                           write({"com.apple.dock", ""}, true),
+                                           write({"com.apple.dock", "-currentHost"}, true),
+                                           write({"com.apple.dock", "k"}, flags),
                                            agent("", "/Users/sam/a.plist"),
                                            agent("com.apple.Finder", "/Users/sam/a.plist"),
                                            agent("com.acme.agent", "-k")};
     for (const JournalEntry& entry : forged)
         EXPECT_EQ(commandsMaking({entry}, catalog),
                   "echo 'Left out: 1 change that cannot be made by pasted commands.'\n");
-    EXPECT_EQ(commandsMaking({forged[0], write("com.apple.dock", "k", "-int"), forged[4]}, catalog),
+    EXPECT_EQ(commandsMaking({forged[0], write({"com.apple.dock", "k"}, "-int"), forged[4]}, catalog),
               "defaults write com.apple.dock k -string -int\n"
               "echo 'Left out: 2 changes that cannot be made by pasted commands.'\n");
-}
-
-TEST_F(TerminalCommandsTest, SwitchAgentsBothWays) {
-    const std::string at = " \"gui/$(id -u)/\"com.acme.agent\n";
-    const AgentCapture on{"com.acme.agent", "/Users/sam/a b.plist", true, AgentOverride::absent};
-    const AgentCapture off{"com.acme.agent", "/Users/sam/a b.plist", false, AgentOverride::disabled};
-    EXPECT_EQ(commandsMaking({agentEntry(on)}, catalog), "launchctl bootout" + at + "launchctl disable" + at);
-    EXPECT_EQ(commandsMaking({agentEntry(off)}, catalog),
-              "launchctl enable" + at + "launchctl bootstrap \"gui/$(id -u)\" '/Users/sam/a b.plist'\n");
 }
 
 }  // namespace
