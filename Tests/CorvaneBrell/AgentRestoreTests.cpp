@@ -280,10 +280,7 @@ TEST_F(AgentRestoreTest, AnAgentThatIsSwitchedWhileTheLockIsWaitedForIsNotOverwr
     const JournalEntry off = toggle.turnOff(agent(plain));
     const LaunchAgentRecord record = agent(plain);
     atTheFirstQuestionUnderTheLock(AllowedCommand::launchctlEnable("gui/501", plain));
-    EXPECT_EQ(notOn(record),
-              plain +
-                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
-                  "Journal first.");
+    EXPECT_EQ(notOn(record), changedOutside(plain, "(launchd shows enabled, not loaded)"));
     EXPECT_EQ(journal.active(), std::vector{off});
     EXPECT_EQ(stateOf(plain), "enabled, not loaded");
     EXPECT_EQ(

@@ -69,6 +69,11 @@ struct AgentToggleFixture : ::testing::Test, EngineFixture {
     }
     std::string launchdState() const { return contentsOf(SimulatedLaunchd::stateFile(mac.systemRoot())); }
 
+    // The refusal where others switched it, so that launchd shows this.
+    static std::string changedOutside(const std::string& label, const std::string& shown) {
+        return label + " was changed outside Brell " + shown + "; restore it from the Journal first.";
+    }
+
     const std::string plain = "homebrew.mxcl.redis";
 
     SampleMac mac{folder.path / "mac"};

@@ -11,50 +11,25 @@ using namespace std::chrono_literals;
 using AgentToggleTest = AgentToggleFixture;
 
 TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
-    const LaunchAgentRecord good = agent(plain);
-    const auto with = [&](auto&& change) {
-        LaunchAgentRecord record = good;
-        change(record);
-        return record;
-    };
-    const auto labelled = [&](const std::string& label) {
-        return with([&](LaunchAgentRecord& record) { record.plist.label = label; });
-    };
-    const auto at = [&](const fs::path& file) {
-        setContents(file, jobFile(plain));
-        return with([&](LaunchAgentRecord& record) { record.plist.path = file.string(); });
-    };
-    const auto notDirectlyInside = [](const fs::path& file) {
-        return file.string() + " is not a file directly inside your LaunchAgents folder.";
-    };
-    const std::string noLabel = "This plist has no Label, so launchd cannot address it.";
-    const fs::path sibling = mac.home() / "Library/LaunchAgents2/a.plist";
-    const fs::path otherSuffix = mac.launchAgents() / "a.PLIST";
     const LaunchAgentRecord linked = record("io.quillmark.backup.plist");
-
-    const std::vector<std::pair<LaunchAgentRecord, std::string>> refusals{
+    std::vector<std::pair<LaunchAgentRecord, std::string>> refusals{
         {reader().systemAgents().front(),
          "Only your own LaunchAgents can be changed here; this one needs an administrator."},
-        {record("untitled.plist"), noLabel},
-        {labelled(""), noLabel},
-        {labelled("com.apple agent"),
-         "The label \"com.apple agent\" contains characters Brell does not pass to launchctl."},
-        {record("homebrew.mxcl.postgresql@16.plist"),
-         "The label \"homebrew.mxcl.postgresql@16\" contains characters Brell does not pass to launchctl."},
-        {record("com.apple.cleanup-helper.plist"),
-         "com.apple.cleanup-helper is an Apple or Brell item; it is never changed."},
-        {labelled("com.corvane.brell"), "com.corvane.brell is an Apple or Brell item; it is never changed."},
-        {linked,
-         linked.plist.path +
-             " is a link to ../../Dotfiles/io.quillmark.backup.plist, not a file directly inside your "
-             "LaunchAgents folder."},
-        {with([&](LaunchAgentRecord& record) { record.plist = LaunchAgentPlist::read(linked.plist.path); }),
-         notDirectlyInside(mac.home() / "Dotfiles/io.quillmark.backup.plist")},
-        {at(sibling), notDirectlyInside(sibling)},
-        {at(otherSuffix), notDirectlyInside(otherSuffix)},
-        {labelled("com.example.other"),
-         "The plist's Label (homebrew.mxcl.redis) does not match com.example.other."},
-    };
+        {linked, linked.plist.path +
+                     " is a link to ../../Dotfiles/io.quillmark.backup.plist, not a file directly inside "
+                     "your LaunchAgents folder."}};
+    for (const Texts& row : sampleRows("Words/agent-refusals.txt")) {
+        refusals.emplace_back(record(row[0]), row[2]);
+        if (row[1] != "-") refusals.back().first.plist.label = row[1];
+    }
+    setContents(mac.launchAgents() / "a.PLIST", jobFile(plain));
+    setContents(mac.home() / "Library/LaunchAgents2/a.plist", jobFile(plain));
+    for (const char* outside : {"Dotfiles/io.quillmark.backup.plist", "Library/LaunchAgents2/a.plist",
+                                "Library/LaunchAgents/a.PLIST"}) {
+        const std::string file = mac.home() / outside;
+        refusals.emplace_back(linked, file + " is not a file directly inside your LaunchAgents folder.");
+        refusals.back().first.plist = LaunchAgentPlist::read(file);
+    }
     const std::string launchdBefore = launchdState();
     for (const auto& [record, message] : refusals) {
         for (const auto change : {&AgentToggle::turnOff, &AgentToggle::turnOn})
@@ -119,10 +94,7 @@ TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
 
     const JournalEntry off = toggle.turnOff(agent(plain));
     loadTwin();
-    EXPECT_EQ(notOn(plain),
-              plain +
-                  " was changed outside Brell (launchd shows enabled, loaded); restore it from the "
-                  "Journal first.");
+    EXPECT_EQ(notOn(plain), changedOutside(plain, "(launchd shows enabled, loaded)"));
     EXPECT_EQ(engine.restore(off.id, false).status, EntryStatus::restored) << "what is there now is left";
     EXPECT_EQ(toggle.currentState(plain).loaded.path, twin);
 
@@ -143,28 +115,23 @@ TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
 }
 
 TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
-    const std::string service = "gui/501/" + plain;
-    const std::string enable = "/bin/launchctl enable " + service;
-    const std::string disable = "/bin/launchctl disable " + service;
-    const std::string bootout = "/bin/launchctl bootout " + service;
+    const std::string enable = "/bin/launchctl enable gui/501/" + plain;
+    const std::string disable = "/bin/launchctl disable gui/501/" + plain;
+    const std::string bootout = "/bin/launchctl bootout gui/501/" + plain;
     const auto loading = [](const fs::path& file) {
         return AllowedCommand::launchctlBootstrap("gui/501", file.string()).rendered();
     };
-    const std::string bootstrap = loading(fileOf(plain));
-    using Lines = std::vector<std::string>;
-    EXPECT_EQ(toggle.previewOff(agent(plain)), (Lines{bootout, disable}));
-    EXPECT_EQ(toggle.previewOn(agent(plain)), (Lines{enable, bootstrap}));
+    const std::string bootstrap = loading(fileOf(plain)), ifNot = " (only if it is not loaded)";
+    EXPECT_EQ(toggle.previewOff(agent(plain)), (Texts{bootout, disable}));
+    EXPECT_EQ(toggle.previewOn(agent(plain)), (Texts{enable, bootstrap}));
 
     const auto restoring = [&](bool wasLoaded, AgentOverride override) {
         return toggle.previewRestore({plain, fileOf(plain).string(), wasLoaded, override});
     };
-    EXPECT_EQ(restoring(true, AgentOverride::absent),
-              (Lines{enable, bootstrap + " (only if it is not loaded)"}));
-    EXPECT_EQ(restoring(false, AgentOverride::enabled), (Lines{enable, bootout + " (only if it is loaded)"}));
-    EXPECT_EQ(restoring(false, AgentOverride::disabled), (Lines{bootout, disable}));
-    EXPECT_EQ(
-        restoring(true, AgentOverride::disabled),
-        (Lines{enable + " (only if it is not loaded)", bootstrap + " (only if it is not loaded)", disable}));
+    EXPECT_EQ(restoring(true, AgentOverride::absent), (Texts{enable, bootstrap + ifNot}));
+    EXPECT_EQ(restoring(false, AgentOverride::enabled), (Texts{enable, bootout + " (only if it is loaded)"}));
+    EXPECT_EQ(restoring(false, AgentOverride::disabled), (Texts{bootout, disable}));
+    EXPECT_EQ(restoring(true, AgentOverride::disabled), (Texts{enable + ifNot, bootstrap + ifNot, disable}));
 
     // The opposite of an applied change restores that change; what the switch would refuse is refused.
     const JournalEntry off = toggle.turnOff(agent(plain));
@@ -180,7 +147,7 @@ TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
 
     const fs::path renamed = mac.launchAgents() / "renamed.plist";
     fs::rename(fileOf(plain), renamed);
-    EXPECT_EQ(toggle.previewRestore(*off.agent).back(), loading(renamed) + " (only if it is not loaded)");
+    EXPECT_EQ(toggle.previewRestore(*off.agent).back(), loading(renamed) + ifNot);
 }
 
 // Plain, slow, slow and talkative, crash-looping, in the binary form.
@@ -194,9 +161,7 @@ TEST_P(AgentCycleTest, OffOnOffRestoreBringsTheAgentBackEachTime) {
     EXPECT_EQ(off.status, EntryStatus::applied);
     EXPECT_EQ(off.agent, (AgentCapture{label, fileOf(label).string(), true, AgentOverride::absent}));
     EXPECT_EQ(stateOf(label), "disabled, not loaded");
-    EXPECT_EQ(
-        notOff(label),
-        label + " was changed outside Brell since Brell turned it off; restore it from the Journal first.");
+    EXPECT_EQ(notOff(label), changedOutside(label, "since Brell turned it off"));
 
     const JournalEntry on = toggle.turnOn(agent(label));
     EXPECT_EQ(on.id, off.id);
@@ -221,15 +186,10 @@ TEST_F(AgentToggleTest, TurnsOnWhatWasOffAndOffAgain) {
     const JournalEntry on = toggle.turnOn(agent(label));
     EXPECT_TRUE(AgentToggle::brellTurnedOn(*on.agent));
     EXPECT_EQ(stateOf(label), "enabled, loaded");
-    EXPECT_EQ(
-        notOn(label),
-        label + " was changed outside Brell since Brell turned it on; restore it from the Journal first.");
+    EXPECT_EQ(notOn(label), changedOutside(label, "since Brell turned it on"));
 
     bootout(label);
-    EXPECT_EQ(notOff(label),
-              label +
-                  " was changed outside Brell (launchd shows enabled, not loaded); restore it from the "
-                  "Journal first.");
+    EXPECT_EQ(notOff(label), changedOutside(label, "(launchd shows enabled, not loaded)"));
     bootstrap(fileOf(label));
     EXPECT_EQ(toggle.turnOff(agent(label)).id, on.id);
     EXPECT_EQ(stateOf(label), "disabled, not loaded");

@@ -66,16 +66,5 @@ TEST_F(SamplePastTest, LeavesAPastAndAJournalThatHoldsAnythingAlone) {
     EXPECT_EQ(readPreferenceMarks(plain.systemRoot()), std::nullopt);
 }
 
-TEST_F(SamplePastTest, MarksThatAreDamagedAreAnErrorThatNamesTheFile) {
-    const PreferenceMarks marks{{{"com.apple.dock", "tilesize"}}, {{"NSGlobalDomain", "with space"}}};
-    writePreferenceMarks(sample.systemRoot(), marks);
-    EXPECT_EQ(readPreferenceMarks(sample.systemRoot()), marks);
-
-    const fs::path file = sample.systemRoot() / "private/var/db/preference-marks.plist";
-    std::string damaged = contentsOf(file);
-    setContents(file, damaged.erase(damaged.find(" tilesize"), 9));
-    EXPECT_NE(messageOf([&] { sample.openPreferences(); }).find(file.string()), std::string::npos);
-}
-
 }  // namespace
 }  // namespace brell

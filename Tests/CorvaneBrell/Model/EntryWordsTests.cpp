@@ -83,31 +83,27 @@ TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
     }
 }
 
-TEST(EntryWordsTest, OnlyABeginningThatWasInterruptedIsTold) {
+TEST(EntryWordsTest, TheHistoryTellsTheValuesAndOnlyABeginningThatWasInterrupted) {
     using enum EntryStatus;
-    const std::vector<HistoryLine> history{line(1, capturing), line(1, applied),   line(2, capturing),
-                                           line(2, capturing), line(3, capturing), line(1, restored),
-                                           line(2, restored),  line(4, capturing), line(4, failed)};
+    std::vector<HistoryLine> history{line(1, capturing), line(1, applied),   line(2, capturing),
+                                     line(2, capturing), line(3, capturing), line(1, restored),
+                                     line(2, restored),  line(4, capturing), line(4, failed)};
+    const JournalEntry size =
+        entryOf("dock.size", {{{"com.apple.dock", "tilesize"}, PrefValue(41), PrefValue(36)}});
+    const JournalEntry agent = agentEntry({"com.acme.agent", "/a.plist", true, AgentOverride::absent});
+    history.insert(history.end(),
+                   {{{}, applied, size}, {{}, restored, size}, {{}, applied, agent}, {{}, restored, agent}});
     // The second of entry 2, which a recovery ended; that of 3, which nothing ended.
     EXPECT_EQ(told(history),
-              (Texts{"4 failed. No reason was recorded.", "2 back as it was", "1 back as it was",
-                     "3 interrupted", "2 interrupted", "1 1 key was changed"}));
+              (Texts{"com.acme.agent back to on", "com.acme.agent turned off", "Icon size back to 41",
+                     "Icon size Small, was 41", "4 failed. No reason was recorded.", "2 back as it was",
+                     "1 back as it was", "3 interrupted", "2 interrupted", "1 1 key was changed"}));
     EXPECT_TRUE(told({}).empty());
-    HistoryLine failure = history.back();
+    HistoryLine failure = line(4, failed);
     failure.entry.failure = "The disk is full.";
     EXPECT_EQ(told({failure}), Texts{"4 failed. The disk is full."});
     failure.event = restored;
     EXPECT_EQ(told({failure}), Texts{"4 The disk is full."}) << "it says what is so";
-}
-
-TEST(EntryWordsTest, TheHistoryTellsTheValues) {
-    const JournalEntry size =
-        entryOf("dock.size", {{{"com.apple.dock", "tilesize"}, PrefValue(41), PrefValue(36)}});
-    const JournalEntry agent = agentEntry({"com.acme.agent", "/a.plist", true, AgentOverride::absent});
-    using enum EntryStatus;
-    EXPECT_EQ(told({{{}, restored, agent}, {{}, applied, agent}, {{}, restored, size}, {{}, applied, size}}),
-              (Texts{"Icon size Small, was 41", "Icon size back to 41", "com.acme.agent turned off",
-                     "com.acme.agent back to on"}));
 }
 
 class KeyReadingsTest : public ::testing::Test, protected EngineFixture {
@@ -117,92 +113,71 @@ protected:
         files.write(false, magnification);
         return engine.apply(tweak("dock.magnify"));
     }
-    std::optional<UndoProof> proof(const JournalEntry& entry, const Texts& alreadyBack = {}) {
-        return undoProof({entry}, readKeys(entry, store), alreadyBack, catalog);
+    void prove(const std::vector<JournalEntry>& entries, const Texts& alreadyBack = {}) {
+        const auto proof = undoProof(entries, readKeys(entries, store), alreadyBack, catalog);
+        said += (proof->isComplete ? "+ " : "- ") + proof->words + "\n";
     }
+    void describe(const JournalEntry& entry) {
+        const DriftedEntry drifted = driftedEntry(entry, readKeys(entry, store), catalog);
+        said += drifted.words + "\n";
+        for (const std::string& line : drifted.lines) said += "    " + line + "\n";
+    }
+
+    std::string said;
 };
 
 TEST_F(KeyReadingsTest, AnUndoIsProvedKeyByKey) {
     const JournalEntry entry = magnify();
     EXPECT_EQ(undoProof({}, {}, {}, catalog), std::nullopt);
     engine.restore(entry.id, false);
-    const std::string title = entryTitle(entry, catalog), back = title + " is back to false and not set: ";
-    EXPECT_EQ(proof(entry), (UndoProof{back + "2 of 2 keys are exactly as before.", true}));
-    EXPECT_EQ(proof(entry, {"Magnify"})->words,
-              back + "2 of 2 keys are exactly as before. Magnify was already back as it was.");
+    prove({entry});
+    prove({entry}, {"Magnify"});
     JournalEntry agent = agentEntry({"com.acme.agent", "/a.plist", true, AgentOverride::absent});
+    prove({agent});
+    prove({entry, agent});
     agent.failure = "There was nothing to load.";
-    EXPECT_EQ(proof(agent), (UndoProof{"com.acme.agent: There was nothing to load.", false}));
-    agent.failure.reset();
-    EXPECT_EQ(proof(agent), (UndoProof{"com.acme.agent is back to on.", true}));
-    EXPECT_EQ(undoProof({entry, agent}, readKeys(entry, store), {}, catalog)->words,
-              "2 changes are back: 2 of 2 keys are exactly as before.");
-
+    prove({agent});
     files.write(0, magnification);  // not a truth value
-    EXPECT_EQ(
-        proof(entry),
-        (UndoProof{
-            title + ": 1 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false.",
-            false}));
+    prove({entry});
     files.markUnsupported(largeSize);
-    EXPECT_EQ(proof(entry)->words,
-              title +
-                  ": 0 of 2 keys are exactly as before. com.apple.dock magnification is 0; it was false. "
-                  "com.apple.dock largesize cannot be read; it was absent.");
-    EXPECT_EQ(proof(engine.apply(tweak("dock.size")))->words,
-              "Icon size: 0 of 1 key is exactly as before. com.apple.dock tilesize is 48; it was absent.");
+    prove({entry});
+    prove({engine.apply(tweak("dock.size"))});
+    EXPECT_EQ(said, sample("Words/undo-proofs.txt"));
 }
 
 TEST_F(KeyReadingsTest, EveryDriftedKeyIsDescribedAndNoOther) {
-    std::string words;  // of the last look
-    const auto lines = [&](const JournalEntry& entry) {
-        const DriftedEntry drifted = driftedEntry(entry, readKeys(entry, store), catalog);
-        words = drifted.words;
-        return drifted.lines;
-    };
     const JournalEntry entry = magnify();
-    EXPECT_EQ(lines(entry), Texts());
-    EXPECT_EQ(words, "Now On, back to false and not set");
+    describe(entry);
     files.remove(magnification);
-    EXPECT_EQ(lines(entry),
-              Texts{"com.apple.dock magnification: now absent; Brell wrote true; original false"});
-    EXPECT_EQ(words, "Now not set and 80, back to false and not set");
+    describe(entry);
     files.write("big", largeSize);
     files.markUnsupported(magnification);
-    EXPECT_EQ(lines(entry),
-              (Texts{"com.apple.dock magnification: now unreadable; Brell wrote true; original false",
-                     "com.apple.dock largesize: now \"big\"; Brell wrote 80; original absent"}));
-    EXPECT_EQ(words, "Now not known, back to false and not set");
-    engine.restore(engine.apply(tweak("dock.size")).id, false);
+    describe(entry);
     const JournalEntry back = engine.apply(tweak("dock.autohide"));
     files.remove(back.writes[0].key);
-    lines(back);
-    EXPECT_EQ(words, "Already as before: not set");
+    describe(back);
+    EXPECT_EQ(said, sample("Words/drift.txt"));
 }
 
 TEST(AgentDriftTest, ComparesWithWhatTheSwitchLeft) {
-    const LoadedState loaded{LoadedState::Kind::loaded, "running", {}, {}, {}};
-    const LoadedState gone = LoadedState::notLoaded();
-    JournalEntry off = agentEntry({"com.acme.agent", "/Users/sam/a.plist", true, AgentOverride::absent});
-    const JournalEntry on =
-        agentEntry({"com.acme.agent", "/Users/sam/a.plist", false, AgentOverride::disabled});
+    const AgentState off{AgentOverride::disabled, LoadedState::notLoaded()};
+    const AgentState on{AgentOverride::enabled, {LoadedState::Kind::loaded, "running", {}, {}, {}}};
+    JournalEntry turnedOff = agentEntry({"a", "/Users/sam/a.plist", true, AgentOverride::absent});
+    const JournalEntry turnedOn = agentEntry({"a", "/Users/sam/a.plist", false, AgentOverride::disabled});
 
-    EXPECT_EQ(driftedAgent(off, {AgentOverride::disabled, gone}), std::nullopt);
-    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, loaded}), std::nullopt);
-    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, LoadedState::unknown()}), std::nullopt);
-    EXPECT_EQ(
-        driftedAgent(off, {AgentOverride::enabled, loaded}),
-        (DriftedEntry{off,
-                      {"com.acme.agent: now override enabled, loaded; Brell left override disabled, not "
-                       "loaded; original override absent, loaded"}}));
-    EXPECT_TRUE(driftedAgent(off, {AgentOverride::disabled, loaded}));
-    EXPECT_TRUE(driftedAgent(off, {AgentOverride::absent, gone}));
-    EXPECT_EQ(driftedAgent(on, {AgentOverride::enabled, gone})->lines,
-              Texts{"com.acme.agent: now override enabled, not loaded; Brell left override enabled, loaded; "
-                    "original override disabled, not loaded"});
-
-    off.status = EntryStatus::capturing;  // nobody can say what an interrupted one left
-    EXPECT_EQ(driftedAgent(off, {AgentOverride::enabled, loaded}), std::nullopt);
+    EXPECT_EQ(driftedAgent(turnedOff, off), std::nullopt);
+    EXPECT_EQ(driftedAgent(turnedOn, on), std::nullopt);
+    EXPECT_EQ(driftedAgent(turnedOn, {on.override, LoadedState::unknown()}), std::nullopt);
+    EXPECT_TRUE(driftedAgent(turnedOff, {off.override, on.loaded}));
+    EXPECT_TRUE(driftedAgent(turnedOff, {AgentOverride::absent, off.loaded}));
+    EXPECT_EQ(driftedAgent(turnedOff, on)->lines,
+              Texts{"a: now override enabled, loaded; Brell left override disabled, not loaded; original "
+                    "override absent, loaded"});
+    EXPECT_EQ(driftedAgent(turnedOn, {on.override, off.loaded})->lines,
+              Texts{"a: now override enabled, not loaded; Brell left override enabled, loaded; original "
+                    "override disabled, not loaded"});
+    turnedOff.status = EntryStatus::capturing;  // nobody can say what an interrupted one left
+    EXPECT_EQ(driftedAgent(turnedOff, on), std::nullopt);
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
 // Every page as assistive technology and the keyboard meet it.
 
-#include <gtest/gtest.h>
-
 #include <QAccessible>
-#include <QComboBox>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QToolButton>
 

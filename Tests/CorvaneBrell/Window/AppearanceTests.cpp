@@ -1,10 +1,7 @@
 // The looks of every page: colours, sharpness, and that no text is cut.
 
-#include <gtest/gtest.h>
-
 #include <QListWidget>
 #include <QPushButton>
-#include <fstream>
 
 #include "CorvaneBrell/Window/Symbol.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
@@ -15,7 +12,7 @@ namespace brell::testing {
 
 namespace {
 
-// What a text needs more than it has, in points; 0 for one that is shown whole.
+// The points that a text needs more than it has; 0 for one that is shown whole.
 int missing(const QWidget* text) {
     if (!text->hasHeightForWidth()) return 0;
     return std::max(0, text->heightForWidth(text->width()) - text->height());
@@ -65,7 +62,6 @@ TEST(SymbolTest, ASymbolIsAsSharpAsTheScreenWhicheverWayTheToolkitAsks) {
 
 TEST_F(WindowTest, SwitchingToDarkWhileOpenLeavesNothingStale) {
     openLivedIn();
-    std::map<Screen, QImage> switched;
     const auto pictures = [&] {
         std::map<Screen, QImage> taken;
         for (const Screen screen : allCases<Screen>()) {
@@ -79,28 +75,25 @@ TEST_F(WindowTest, SwitchingToDarkWhileOpenLeavesNothingStale) {
     const std::map<Screen, QImage> light = pictures();
     QApplication::setPalette(Appearance::dark());
     settle();
-    switched = pictures();
-    openWindow();
-    settled()->deferRecovery();
+    const std::map<Screen, QImage> switched = pictures();
+    openLivedIn();
     const std::map<Screen, QImage> fresh = pictures();
     QApplication::setPalette(Appearance::light());
     for (const Screen screen : allCases<Screen>()) {
-        EXPECT_TRUE(switched[screen] == fresh.at(screen)) << title(screen);
-        EXPECT_FALSE(switched[screen] == light.at(screen)) << title(screen);
+        EXPECT_TRUE(switched.at(screen) == fresh.at(screen)) << title(screen);
+        EXPECT_FALSE(switched.at(screen) == light.at(screen)) << title(screen);
     }
 }
 
 TEST_F(WindowTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) {
     const QString longName = QString("com.example.").append(QString(188, 'n'));
-    haveAPast();
     const fs::path deep = sample.home() / utf8(longName);
-    sample.openPreferences()->write(PrefValue(deep.string()), {"com.apple.screencapture", "location"});
+    haveAPast();
+    writeFromOutside({"com.apple.screencapture", "location"}, deep.string());
     fs::create_directories(sample.systemRoot() / "Volumes" / utf8(longName));
-    std::ofstream(sample.launchAgents() / "long.plist")
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>" << utf8(longName)
-        << "</string><key>Program</key><string>/opt/" << utf8(longName) << "</string></dict></plist>";
-    openWindow();
-    model->deferRecovery();
+    setContents(fileOf("long"),
+                jobFile(utf8(longName), "<key>Program</key><string>/opt/" + utf8(longName) + "</string>"));
+    openLivedIn();
     window->resize(window->minimumSize());
     ASSERT_EQ(window->minimumSize(), QSize(820, 560));
     onEveryPage([&] {

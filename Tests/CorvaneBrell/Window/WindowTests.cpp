@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <QAccessible>
 #include <QAction>
-#include <QLineEdit>
 #include <QListWidget>
-#include <QMenuBar>
 #include <QScrollBar>
-#include <fstream>
 
 #include "CorvaneBrell/Window/SearchPage.h"
 #include "CorvaneBrell/Window/Switch.h"
@@ -17,9 +11,6 @@ namespace fs = std::filesystem;
 namespace brell::testing {
 
 namespace {
-
-const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
-const PrefKey autohide{"com.apple.dock", "autohide"};
 
 QAction* menuAction(const MainWindow& window, const QString& beginning) {
     for (QAction* action : window.findChildren<QAction*>())
@@ -49,8 +40,7 @@ TEST_F(WindowTest, OnlyThePageThatIsShownIsBuiltAndNothingIsWritten) {
 TEST_F(WindowTest, TheHelpMenuLeadsToTheLicensesThatTheBundleHolds) {
     EXPECT_FALSE(menuAction(openWindow(), "Licenses"));
     const fs::path resources = utf8(QApplication::applicationDirPath()) + "/../Resources";
-    fs::create_directory(resources);
-    std::ofstream(resources / "Licenses.txt") << "as others say";
+    setContents(resources / "Licenses.txt", "as others say");
     EXPECT_TRUE(menuAction(openWindow(), "Licenses"));
     fs::remove_all(resources);
 }
@@ -71,7 +61,6 @@ TEST_F(WindowTest, TheEditMenuServesTheFieldThatHasTheFocus) {
 // The whole way of a first user: found by other words, switched by the keyboard, undone, restored.
 TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWere) {
     const auto before = preferences();
-    const StoredValue dockBefore = stored(autohide);
     openWindow();
     window->activateWindow();
 
@@ -81,10 +70,8 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     settle();
     auto* results = qobject_cast<SearchPage*>(window->currentPage());
     ASSERT_TRUE(results);
-    ASSERT_FALSE(results->list().shown().empty());
-    EXPECT_EQ(results->list().shown().front()->id, "finder.show_hidden");
-    EXPECT_TRUE(words(row("finder.show_hidden"))
-                    .contains("Finder · Medium risk · Relaunches Finder · also “dotfiles”"));
+    EXPECT_EQ(results->list().shown().at(0)->id, "finder.show_hidden");
+    expectWords(row("finder.show_hidden"), {"Finder · Medium risk · Relaunches Finder · also “dotfiles”"});
     EXPECT_TRUE(window->sidebar().pages().property("marksNone").toBool())
         << "the results are no page of the list";
 
@@ -103,22 +90,18 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
     ASSERT_EQ(model->state().screen, Screen::dock);
     EXPECT_TRUE(window->currentPage()->isAncestorOf(QApplication::focusWidget()))
         << "what was chosen has the focus";
-    QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
-    settle();
+    click(*row("dock.autohide").control());
     EXPECT_EQ(stored(autohide), StoredValue(true));
     EXPECT_EQ(menuAction(*window, "Undo")->text(), "Undo Hide the Dock automatically");
     type(window.get(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(stored(autohide), dockBefore);
-    QTest::mouseClick(row("dock.autohide").control(), Qt::LeftButton);
-    settle();
+    EXPECT_EQ(stored(autohide), StoredValue(false));
+    click(*row("dock.autohide").control());
 
     menuAction(*window, "Restore All")->trigger();
     settle();
-    ASSERT_TRUE(window->sheets().current());
-    settled()->confirmRestore();
+    press(*window->sheets().current(), "Restore 2");
     EXPECT_FALSE(window->sheets().current());
-    EXPECT_EQ(model->state().undoProof,
-              (UndoProof{"2 changes are back: 2 of 2 keys are exactly as before.", true}));
+    expectWords(window->strip(), {"2 changes are back: 2 of 2 keys are exactly as before."});
     EXPECT_EQ(preferences(), before);
     EXPECT_FALSE(menuAction(*window, "Restore All")->isEnabled()) << "nothing is left to restore";
 }
@@ -183,8 +166,7 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     EXPECT_TRUE(fs::exists(folder.path / "report.md"));
 
     openWindow();
-    model->turnOff("dock.autohide");
-    settle();
+    settled()->turnOff("dock.autohide");
     applications.setBehaviour("com.apple.dock", {std::nullopt, std::nullopt});
     model->askRelaunch();
     model->confirmRelaunch();
@@ -235,7 +217,7 @@ TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
 TEST_F(WindowTest, WhatOthersChangedIsSeenWhenTheWindowComesToTheFront) {
     openWindow();
     const auto* toggle = static_cast<Switch*>(row("finder.show_hidden").control());
-    sample.openPreferences()->write(PrefValue(true), showHidden);
+    writeFromOutside(showHidden, true);
     emit qApp->applicationStateChanged(Qt::ApplicationInactive);
     emit qApp->applicationStateChanged(Qt::ApplicationActive);
     QTRY_VERIFY(toggle->isChecked());
