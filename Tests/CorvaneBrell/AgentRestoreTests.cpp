@@ -1,6 +1,8 @@
 // The fate of a switched agent: the time its job takes to end, the way back, and what others do
 // meanwhile.
 
+#include <gtest/gtest.h>
+
 #include "BrellCore/Support/FileLock.h"
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 #include "Tests/Support/SystemCalls.h"
@@ -13,7 +15,7 @@ namespace {
 using namespace testing;
 using namespace std::chrono_literals;
 
-struct AgentRestoreTest : AgentToggleFixture {
+struct AgentRestoreTest : ::testing::Test, AgentToggleFixture {
     // A claim of a journal that nobody did.
     Uuid claimed(const AgentCapture& capture) {
         now += 1s;

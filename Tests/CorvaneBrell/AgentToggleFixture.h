@@ -2,7 +2,8 @@
 #pragma once
 
 #include "BrellCore/Background/AgentToggle.h"
-#include "Tests/CorvaneBrell/SampleMacFixture.h"
+#include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/CorvaneBrell/JobFile.h"
 #include "Tests/Support/EngineFixture.h"
 
 namespace brell::testing {
@@ -22,7 +23,7 @@ private:
     std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
 };
 
-struct AgentToggleFixture : ::testing::Test, EngineFixture {
+struct AgentToggleFixture : EngineFixture {
     AgentToggleFixture() { engine.setAgentRestorer(&toggle); }
 
     LaunchAgentReader reader() { return {*tools, mac.home(), SampleMac::uid, mac.systemRoot()}; }

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 
 namespace fs = std::filesystem;
@@ -8,7 +10,7 @@ namespace {
 using namespace testing;
 using namespace std::chrono_literals;
 
-using AgentToggleTest = AgentToggleFixture;
+struct AgentToggleTest : ::testing::Test, AgentToggleFixture {};
 
 TEST_F(AgentToggleTest, RefusesEverythingThatIsNotPlainlyTheUsersOwnAgent) {
     const LaunchAgentRecord linked = record("io.quillmark.backup.plist");

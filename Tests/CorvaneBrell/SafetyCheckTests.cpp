@@ -50,17 +50,6 @@ TEST_F(SafetyCheckTest, AJournalFolderThatCannotBeMadeIsNamed) {
                                 " cannot be written, so that nothing can be changed: Not a directory."});
 }
 
-TEST_F(SafetyCheckTest, AChangingRunSaysThemBeforeItStartsAndApartFromItsResults) {
-    fs::permissions(fileOf("com.apple.finder"), fs::perms::owner_read);
-    for (const auto& [words, warning] :
-         {std::pair(Texts{"--restore-all"}, "warning: " + warnings().front() + "\n"),
-          {Texts{"--status-json"}, ""},
-          {Texts{"--restore-all", "--dry-run"}, ""}}) {
-        EXPECT_EQ(run(words).output.find("The preference file"), std::string::npos);
-        EXPECT_EQ(said, warning) << words[0];
-    }
-}
-
 TEST(RefuseRootTest, RootIsRefusedWithItsReason) {
     EXPECT_TRUE(messageOf([] { refuseRoot(0); }).starts_with("Brell does not run as root, because "));
     EXPECT_NO_THROW(refuseRoot(501));

@@ -8,17 +8,13 @@
 
 #include "CorvaneBrell/LaunchOptions.h"
 #include "CorvaneBrell/SampleMac/SampleMac.h"
+#include "Tests/CorvaneBrell/JobFile.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell::testing {
 
 inline const PrefKey autohide{"com.apple.dock", "autohide"};
 inline const PrefKey showHidden{"com.apple.finder", "AppleShowAllFiles"};
-
-inline std::string jobFile(const std::string& label, const std::string& more = {}) {
-    return "<plist version=\"1.0\"><dict><key>Label</key><string>" + label + "</string>" + more +
-           "</dict></plist>";
-}
 
 class SampleMacTest : public ::testing::Test {
 protected:
