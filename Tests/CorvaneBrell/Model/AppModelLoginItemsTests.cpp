@@ -54,6 +54,7 @@ TEST_F(LoginItemsTest, AgentsAreConfirmedSwitchedAndSwitchedBack) {
     model->cancelAgents();
     ask(duskwatch, false);
     EXPECT_FALSE(state().agentConfirm) << "what the switch would refuse is not offered first";
+    EXPECT_TRUE(error().starts_with(duskwatch + " was changed outside Brell since Brell turned it off"));
 
     turnOnFromOutside(duskwatch);  // by its app
     settled()->refreshShown();

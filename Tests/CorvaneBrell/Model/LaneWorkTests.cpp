@@ -1,4 +1,4 @@
-// What the lanes do, over the sample Mac, without a model and without a main loop.
+// The work of the lanes over the sample Mac, without a model and without a main loop.
 
 #include <unistd.h>
 
@@ -149,7 +149,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     EXPECT_TRUE(again.agentsTouched);
     EXPECT_TRUE(readings.driftedAgents().empty());
 
-    // What a restore put back is made again by its undo, which the page of the login items has to show.
+    // A change that a restore put back is made again by its undo, which the page of the login items has to show.
     ASSERT_EQ(again.made.size(), 1u);
     const ChangeOutcome restored = changes.restoreConfirmed({.others = {again.made[0].id}}, {});
     ASSERT_TRUE(restored.undo.done);
