@@ -149,7 +149,8 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     EXPECT_TRUE(again.agentsTouched);
     EXPECT_TRUE(readings.driftedAgents().empty());
 
-    // A change that a restore put back is made again by its undo, which the page of the login items has to show.
+    // A change that a restore put back is made again by its undo, which the page of the login items has to
+    // show.
     ASSERT_EQ(again.made.size(), 1u);
     const ChangeOutcome restored = changes.restoreConfirmed({.others = {again.made[0].id}}, {});
     ASSERT_TRUE(restored.undo.done);
@@ -203,6 +204,9 @@ TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     EXPECT_EQ(whats, (Texts{"Reading the LaunchAgents", "Asking launchd about each LaunchAgent",
                             "Reading macOS's list of background items"}));
 
+    std::map<std::optional<bool>, int> allowed;
+    for (const LoginItemRow& row : items.rows) ++allowed[row.allowedInSystemSettings];
+    EXPECT_EQ(allowed, (std::map<std::optional<bool>, int>{{std::nullopt, 12}, {false, 2}, {true, 11}}));
     const auto factsOf = [&](const char* file) { return items.facts.at(sample.launchAgents() / file); };
     EXPECT_EQ(items.facts.size(), 3u) << "of the others there is nothing to tell";
     EXPECT_EQ(factsOf("org.fernwright.notes.plist"),
