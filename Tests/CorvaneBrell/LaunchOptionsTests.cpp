@@ -2,8 +2,6 @@
 
 #include "CorvaneBrell/LaunchOptions.h"
 
-#include <unistd.h>
-
 #include <sstream>
 #include <vector>
 
@@ -63,27 +61,6 @@ TEST(LaunchOptionsTest, WordsThatMakeNoSenseEndTheRunWithASentence) {
     for (const Texts& row : sampleRows("CommandLine/refused.txt"))
         EXPECT_EQ(read(row[0]), refusal(row[1])) << row[0];
     EXPECT_EQ(read("--two\nlines\x1B[2J"), refusal("--two lines [2J is not a word that Brell knows."));
-}
-
-TEST(LaunchOptionsTest, HelpNamesTheWordsAndVersionTheProgram) {
-    const CommandLine help = read("--apply-all --help");
-    EXPECT_EQ(help.options, LaunchOptions());
-    EXPECT_EQ(help.earlyEnd.value().status, 0);
-    for (const char* word : {"--journal-directory DIR", "--dry-run", "--snapshot-delay SECONDS", "--version"})
-        EXPECT_NE(help.earlyEnd->text.find(word), std::string::npos) << word;
-    EXPECT_TRUE(read("--version").earlyEnd.value().text.starts_with("Corvane Brell 0."));
-}
-
-TEST(LaunchOptionsTest, ARelativePathInAFolderThatIsGoneIsAClearError) {
-    const fs::path before = fs::current_path();
-    const TemporaryFolder folder;
-    fs::current_path(folder.path);
-    fs::remove_all(folder.path);
-    const CommandLine line = read("--journal-directory here --status-json");
-    fs::current_path(before);
-    EXPECT_EQ(line.earlyEnd.value().text,
-              "error: --journal-directory takes here from the current folder, which could not be found: No "
-              "such file or directory. Try --help.\n");
 }
 
 }  // namespace

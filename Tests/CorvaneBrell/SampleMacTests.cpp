@@ -38,18 +38,5 @@ TEST_F(SampleMacTest, LeavesWhatIsThereAsItIs) {
     EXPECT_EQ(everythingIn(folder.path / "one"), everythingIn(folder.path / "twin"));
 }
 
-TEST_F(SampleMacTest, IsMadeInNoFolderOfSomethingElse) {
-    fs::create_directory(folder.path / "empty");
-    EXPECT_NO_THROW(SampleMac(folder.path / "empty"));
-
-    setContents(folder.path / "home/Library/LaunchAgents/mine.plist", "mine");
-    const auto before = everythingIn(folder.path);
-    for (const char* name : {"home", "home/Library"})
-        EXPECT_EQ(messageOf([&] { SampleMac(folder.path / name); }),
-                  "The folder " + (folder.path / name).string() +
-                      " is no sample Mac and not empty, so that none is made in it.");
-    EXPECT_EQ(everythingIn(folder.path), before);
-}
-
 }  // namespace
 }  // namespace brell
