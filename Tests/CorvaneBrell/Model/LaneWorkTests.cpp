@@ -60,6 +60,7 @@ TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
     const ChangeOutcome stale = changes.restoreConfirmed(*asked.question, {action.made[0]});
     ASSERT_TRUE(stale.question);
     EXPECT_EQ(stale.question->undoing, action);
+    EXPECT_NE(stale.question->id, asked.question->id) << "which is another question";
     EXPECT_EQ(stored(autohide), StoredValue("never")) << "which nobody was asked about";
     const ChangeOutcome partly = changes.restoreConfirmed(*stale.question, {action.made[0]});
     EXPECT_EQ(stored(autohide), StoredValue(false));
