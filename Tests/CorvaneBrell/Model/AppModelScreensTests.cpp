@@ -69,6 +69,9 @@ TEST_F(AppModelTest, ARelaunchWaitsAcrossLaunchesAndAStubbornAppDoesNotHoldUpThe
                               "later or log out and back in. Finder relaunched.",
                               false}));
     EXPECT_EQ(waiting(), onlyTheDock);
+    model->askRelaunch();
+    EXPECT_TRUE(state().relaunchRequest) << "it can be tried again";
+    model->cancelRelaunch();
     applications.endAll("com.apple.dock");
     settled()->refreshShown();
     EXPECT_EQ(waiting(), onlyTheDock);
