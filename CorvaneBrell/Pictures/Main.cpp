@@ -40,7 +40,7 @@ void showAsOnAMac(const std::string& root) {
             for (QTextCursor found; !(found = text->document()->find(folder)).isNull();)
                 found.removeSelectedText();
     }
-    QApplication::sendPostedEvents();
+    for (int turn = 0; turn < 3; ++turn) QApplication::processEvents();  // layouts within layouts
 }
 
 // Every picture of the scene that is set, or false when one can't be written.

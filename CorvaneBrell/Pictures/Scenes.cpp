@@ -180,10 +180,11 @@ std::vector<Scene> scenesOfDamage() {
 std::vector<Scene> scenesOfLeaving() {
     const auto restoreAll = [](MainWindow& window) {
         window.model().askRestoreAll();
-        window.model().confirmRestore();
         settle(window);
-        if (const auto& drift = window.model().state().driftRequest)
-            window.model().confirmDrift({drift->entries.front().entry.id});
+        std::set<Uuid> drifted;
+        for (const DriftedEntry& one : window.model().state().restoreRequest.value().changes.entries)
+            drifted.insert(one.entry.id);
+        window.model().confirmRestore(drifted);
     };
     const auto leave = [](MainWindow& window) {
         window.model().confirmLeaving([](const std::filesystem::path& folder) {
