@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 
 #include "BrellCore/Engine/KeysHold.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
@@ -71,7 +72,7 @@ ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
 ChangeOutcome ChangeWork::apply(const PendingApply& wish) {
     ChangeOutcome outcome;
     const auto active = deps_.journal->activeEntry(wish.tweak.id);
-    if (active && !restoreUnlessDrifted(outcome, *active, false)) {
+    if (active && !restoreUnlessDrifted(outcome, *active)) {
         ask(outcome, {active->id}, {.pendingAfterDrift = wish});
         return finished(std::move(outcome));
     }
@@ -98,7 +99,7 @@ ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
     noteKeys(outcome, tweakID);
     if (!active)
         outcome.made.push_back(deps_.engine.turnOff(tweak, false));
-    else if (!restoreUnlessDrifted(outcome, *active, false))
+    else if (!restoreUnlessDrifted(outcome, *active))
         ask(outcome, {active->id}, {});
     outcome.undo.done = actionOf(outcome, tweak.title);
     return finished(std::move(outcome));
@@ -117,7 +118,7 @@ ChangeOutcome ChangeWork::restoreConfirmed(const DriftRequest& request, const st
         ask(outcome, shown, request);
         return finished(std::move(outcome));
     }
-    if (request.undoing) return undoWith(*request.undoing, {shown.begin(), shown.end()}, ticked);
+    if (request.undoing) return undoWith(*request.undoing, request.entries, ticked);
     std::vector<Uuid> ids = request.others;
     for (const Uuid& id : shown)
         if (ticked.contains(id)) ids.push_back(id);
@@ -132,16 +133,20 @@ ChangeOutcome ChangeWork::undoAction(const SessionChange& action) {
 }
 
 // asked: what drifted and was asked for already; ticked: the answer.
-ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::set<Uuid>& asked,
+ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::vector<DriftedEntry>& asked,
                                    const std::set<Uuid>& ticked) {
     ChangeOutcome outcome;
+    std::map<Uuid, const DriftedEntry*> shown;
+    for (const DriftedEntry& one : asked) shown.emplace(one.entry.id, &one);
     std::vector<Uuid> left, drifted;
     for (auto id = action.made.rbegin(); id != action.made.rend(); ++id)
         tryStep(outcome.failures, [&] {
             const auto entry = deps_.journal->entry(*id);
             if (!entry || !entry->isActive()) return;
-            if (!restoreUnlessDrifted(outcome, *entry, ticked.contains(*id)))
-                (asked.contains(*id) ? left : drifted).push_back(*id);
+            const bool isTicked = ticked.contains(*id);
+            if (restoreUnlessDrifted(outcome, *entry, isTicked ? shown.at(*id) : nullptr)) return;
+            // A ticked one holds something else by now.
+            (shown.contains(*id) && !isTicked ? left : drifted).push_back(*id);
         });
     if (!drifted.empty()) ask(outcome, drifted, {.undoing = action});
     if (!drifted.empty() || !left.empty() || !outcome.failures.empty()) return finished(std::move(outcome));
@@ -253,11 +258,14 @@ void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
         outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
 }
 
-// False when it drifted, and that was not confirmed: then it is left as it is.
+// False when it drifted, and not to what was confirmed: then it is left as it is.
 bool ChangeWork::restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active,
-                                      bool isConfirmed) try {
+                                      const DriftedEntry* confirmed) try {
     noteBefore(outcome, active);
-    outcome.restored.push_back(deps_.engine.restore(active.id, isConfirmed));
+    const auto check = [&] {
+        if (confirmed && !isAsShown(*confirmed)) throw EngineError(Drift{active.id});
+    };
+    outcome.restored.push_back(deps_.engine.restore(active.id, confirmed != nullptr, check));
     return true;
 } catch (const EngineError& error) {
     if (!std::holds_alternative<Drift>(error.failure())) throw;

@@ -51,12 +51,13 @@ public:
     bool leave(const TakeAway& takeAway);
 
 private:
-    ChangeOutcome undoWith(const SessionChange& action, const std::set<Uuid>& asked,
+    ChangeOutcome undoWith(const SessionChange& action, const std::vector<DriftedEntry>& asked,
                            const std::set<Uuid>& ticked);
     void carryOut(ChangeOutcome& outcome, const PendingApply& wish);
     void noteKeys(ChangeOutcome& outcome, const std::string& tweakID);
     void noteBefore(ChangeOutcome& outcome, const JournalEntry& entry);
-    bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active, bool isConfirmed);
+    bool restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active,
+                              const DriftedEntry* confirmed = nullptr);
     // False when mayBegin, which is asked while nobody else changes anything, kept it from beginning.
     bool restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
                          const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then,

@@ -268,8 +268,12 @@ LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
 RestoreRequest ReadingWork::undoing(const SessionChange& action) {
     RestoreRequest request{Uuid::random(), "Undo “" + action.name + "”?", {}, {.undoing = action}};
     addRestores(request, action.made);
-    for (const JournalEntry& entry : deps_.journal->entries(action.restored))
-        request.steps.push_back(makingAgain(entry));
+    for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
+        const auto active = deps_.journal->activeEntry(entry.tweakID);
+        const bool isChangedAnew =
+            active && std::find(action.made.begin(), action.made.end(), active->id) == action.made.end();
+        if (!isChangedAnew) request.steps.push_back(makingAgain(entry));
+    }
     return request;
 }
 

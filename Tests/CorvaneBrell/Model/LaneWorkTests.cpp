@@ -12,6 +12,7 @@
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Obstacles.h"
+#include "Tests/Support/SystemCalls.h"
 
 namespace fs = std::filesystem;
 
@@ -172,6 +173,32 @@ TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
 }
 
 TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
+
+    const Uuid anew = made("dock.size");
+    EXPECT_TRUE(readings.undoing({"", {}, {entry.id}}).steps.empty()) << "an undo leaves that as it is";
+    EXPECT_EQ(readings.undoing({"", {anew}, {entry.id}}).steps.size(), 2u) << "which this one undoes first";
+}
+
+// Between the last look at it and the lock.
+TEST_F(LaneWorkTest, WhatASheetDidNotShowIsNotOverwritten) {
+    if (!systemCallsAreWatched()) GTEST_SKIP();
+    const Uuid jpeg = made("shot.jpg");
+    const SessionChange action{"size", {made("dock.size")}, {}};
+    writeFromOutside(tileSize, 50);
+    const DriftRequest undoing = changes.undoAction(action).question.value();
+    for (const DriftRequest& shown : {undoing, DriftRequest{.entries = undoing.entries, .others = {jpeg}}}) {
+        SCOPED_TRACE(shown.others.size());
+        ChangeOutcome outcome;
+        {
+            const EachCall others(dependencies.journalDirectory(),
+                                  before(SystemCall::flock, [&] { writeFromOutside(tileSize, 77); }));
+            outcome = changes.restoreConfirmed(shown, {action.made[0]});
+        }
+        EXPECT_EQ(stored(tileSize), StoredValue(77));
+        EXPECT_TRUE(outcome.restored.empty()) << "the answer was for all of it";
+        EXPECT_EQ(outcome.question.value().entries.at(0).words, "Now 77, back to 41");
+        writeFromOutside(tileSize, 50);
+    }
     const Uuid back = made("dock.autohide"), theirs = made("dock.size"), ours = made("finder.show_hidden");
     const Uuid agentOff =
         changes.switchAgents(readings.agentConfirm({agent(duskwatch)}, false)).made.at(0).id;
