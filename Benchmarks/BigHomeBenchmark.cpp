@@ -137,7 +137,8 @@ void compareReading(Growth& growth) {
     const TweakCatalog catalog(sampleHome.string());
     growth.compare("history told", [&](const Home& home) {
         const auto journal = Journal::open(home.journalDirectory());
-        if (toldHistory(journal->history(), catalog).empty()) throw std::runtime_error("nothing is told");
+        if (toldHistory(journal->history(), ChangeTitles(catalog)).empty())
+            throw std::runtime_error("nothing is told");
     });
     growth.compare("report", [&](const Home& home) {
         const auto journal = Journal::open(home.journalDirectory());

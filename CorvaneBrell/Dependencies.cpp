@@ -51,6 +51,7 @@ Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out
     : options(launchOptions),
       machine(machineOf(options, notes)),
       catalog(machine.home.string()),
+      titles(catalog, machine.home / "Library" / "LaunchAgents"),
       dryRunStore(options.dryRun ? std::make_unique<DryRunStore>(*machine.store, out) : nullptr),
       store(dryRunStore ? *dryRunStore : *machine.store),
       dryRunRunner(options.dryRun ? std::make_unique<DryRunCommandRunner>(*machine.runner, out) : nullptr),

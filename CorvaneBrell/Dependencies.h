@@ -7,6 +7,7 @@
 
 #include "BrellCore/Background/AgentToggle.h"
 #include "BrellCore/Background/BTMReader.h"
+#include "BrellCore/Background/ChangeTitles.h"
 #include "BrellCore/Background/LaunchAgentReader.h"
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Engine/TweakEngine.h"
@@ -30,6 +31,7 @@ struct Dependencies {
     const LaunchOptions options;
     const Machine machine;
     const TweakCatalog catalog;
+    ChangeTitles titles;
 
     const std::unique_ptr<PreferenceStore> dryRunStore;  // over the machine's, in a dry run
     PreferenceStore& store;

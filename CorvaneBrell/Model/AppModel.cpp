@@ -94,6 +94,10 @@ AppModel::~AppModel() {
 }
 
 const LaunchOptions& AppModel::options() const {
+const ChangeTitles& AppModel::titles() const {
+    return deps_->titles;
+}
+
     return deps_->options;
 }
 

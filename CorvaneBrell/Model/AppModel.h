@@ -37,6 +37,7 @@ public:
     using ObservedState::setObserver;
     using ObservedState::state;
     const LaunchOptions& options() const;  // after the fallback
+    const ChangeTitles& titles() const;
     const TweakCatalog& catalog() const;
     std::vector<const Tweak*> offeredTweaks() const;
     std::string macOSVersion() const;

@@ -74,7 +74,7 @@ void AppModel::turnOff(const std::string& tweakID) {
 void AppModel::askRestore(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries)
         if (entry.id == entryID && entry.isActive())
-            return askRestoreOf("Restore “" + entryTitle(entry, catalog()) + "”?", {entry});
+            return askRestoreOf("Restore “" + titles().of(entry) + "”?", {entry});
     fail(describe(EngineFailure(NotActive{entryID})));
 }
 
@@ -90,7 +90,7 @@ void AppModel::askUndoSince(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries) {
         if (entry.isActive()) later.push_back(entry);
         if (entry.id == entryID)
-            return askRestoreOf("Restore everything since “" + entryTitle(entry, catalog()) + "”?", later);
+            return askRestoreOf("Restore everything since “" + titles().of(entry) + "”?", later);
     }
     fail(describe(EngineFailure(NotActive{entryID})));
 }

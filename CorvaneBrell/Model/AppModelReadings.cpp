@@ -163,7 +163,7 @@ void AppModel::cancelPreset() {
 }
 
 void AppModel::askExport() {
-    set(&AppState::exportRequest, ExportRequest{Uuid::random(), exportRows(state_.entries, catalog())},
+    set(&AppState::exportRequest, ExportRequest{Uuid::random(), exportRows(state_.entries, titles())},
         Topic::question);
 }
 

@@ -224,8 +224,15 @@ ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
                 .push_back(std::move(entry));
         });
     }
-    outcome.undo.done = actionOf(outcome, request.agents.front().label().value_or(""));
+    const std::vector<JournalEntry>& switched = outcome.made.empty() ? outcome.restored : outcome.made;
+    outcome.undo.done = actionOf(outcome, (request.turningOn ? "Turn On " : "Turn Off ") + namesOf(switched));
     return finished(std::move(outcome));
+}
+
+std::string ChangeWork::namesOf(const std::vector<JournalEntry>& switched) {
+    if (switched.size() != 1) return counted(switched.size(), "Item", "Items");
+    deps_.titles.learn(switched.front());
+    return deps_.titles.of(switched.front());
 }
 
 bool ChangeWork::leave(const TakeAway& takeAway) {
@@ -255,7 +262,7 @@ void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
     noteKeys(outcome, entry.tweakID);
     outcome.agentsTouched = outcome.agentsTouched || entry.agent;
     if (keysHold(entry, deps_.store) == KeysHold::original)
-        outcome.alreadyBack.push_back(entryTitle(entry, deps_.catalog));
+        outcome.alreadyBack.push_back(deps_.titles.of(entry));
 }
 
 // False when it drifted, and not to what was confirmed: then it is left as it is.
@@ -295,7 +302,7 @@ bool ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
         outcome.undo.done = actionOf(outcome, then->tweak.title, LeadsTo::theOriginals);
     else
         outcome.undo.done =
-            actionOf(outcome, entries.size() == 1 ? entryTitle(entries.front(), deps_.catalog) : "restoring");
+            actionOf(outcome, entries.size() == 1 ? deps_.titles.of(entries.front()) : "restoring");
     return true;
 }
 
@@ -354,7 +361,7 @@ bool ChangeWork::asksForDrift(const JournalEntry& entry) {
 // Reads what a change came to, while nothing else changes.
 ChangeOutcome ChangeWork::finished(ChangeOutcome outcome) {
     const std::vector<JournalEntry> undone = undoneBy(outcome);
-    outcome.proof = undoProof(undone, readKeys(undone, deps_.store), outcome.alreadyBack, deps_.catalog);
+    outcome.proof = undoProof(undone, readKeys(undone, deps_.store), outcome.alreadyBack, deps_.titles);
     std::set<std::string_view> changed;
     for (const auto* entries : {&outcome.restored, &outcome.made})
         for (const JournalEntry& entry : *entries) changed.insert(entry.tweakID);

@@ -62,6 +62,7 @@ private:
     bool restoreTogether(ChangeOutcome& outcome, const std::vector<JournalEntry>& entries,
                          const std::set<Uuid>& confirmed, const std::optional<PendingApply>& then,
                          const std::function<bool()>& mayBegin);
+    std::string namesOf(const std::vector<JournalEntry>& switched);
     void addLeftOut(ChangeOutcome& outcome, const PresetPlan& plan) const;
     void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
     JournalEntry switchedAgain(const AgentCapture& before);

@@ -120,10 +120,10 @@ std::string restoredWords(const JournalEntry& entry, const TweakCatalog& catalog
 }
 
 // Of one that is not what it was before no more than its name.
-std::string undoneWords(const std::vector<JournalEntry>& undone, const TweakCatalog& catalog, bool isBack) {
+std::string undoneWords(const std::vector<JournalEntry>& undone, const ChangeTitles& titles, bool isBack) {
     if (undone.size() > 1) return counted(undone.size(), "change", "changes") + (isBack ? " are back" : "");
-    const std::string title = entryTitle(undone.front(), catalog);
-    return isBack ? title + " is " + restoredWords(undone.front(), catalog) : title;
+    const std::string title = titles.of(undone.front());
+    return isBack ? title + " is " + restoredWords(undone.front(), titles.catalog()) : title;
 }
 
 std::string eventWords(const HistoryLine& line, const TweakCatalog& catalog) {
@@ -141,7 +141,7 @@ std::string eventWords(const HistoryLine& line, const TweakCatalog& catalog) {
 
 std::vector<std::string> changeLines(const JournalEntry& entry) {
     if (entry.agent)
-        return {std::string(entry.agent->turnedOn() ? "Turned on" : "Turned off") + "; back to " +
+        return {excerpt(entry.agent->label) + (entry.agent->turnedOn() ? ": on" : ": off") + "; back to " +
                 position(*entry.agent)};
     std::vector<std::string> lines;
     for (const JournaledWrite& write : entry.writes)
@@ -255,16 +255,16 @@ std::string proofLine(const KeyReading& key) {
 }
 
 std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,
-                                   const std::vector<std::string>& alreadyBack, const TweakCatalog& catalog) {
+                                   const std::vector<std::string>& alreadyBack, const ChangeTitles& titles) {
     if (undone.empty()) return std::nullopt;
     std::vector<std::string> remarks;  // on what could not be put back whole
     for (const JournalEntry& entry : undone)
         if (const auto failure = failureWords(entry))
-            remarks.push_back(fmt::format("{}: {}", entryTitle(entry, catalog), *failure));
+            remarks.push_back(fmt::format("{}: {}", titles.of(entry), *failure));
     const bool isComplete =
         remarks.empty() && std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore));
     std::vector<std::string> sentences = proofSentences(keys);
-    const std::string what = undoneWords(undone, catalog, isComplete);
+    const std::string what = undoneWords(undone, titles, isComplete);
     if (!sentences.empty())
         sentences.front() = what + ": " + sentences.front();
     else if (remarks.empty())
@@ -276,14 +276,14 @@ std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, cons
     return UndoProof{firstOf(sentences, " "), isComplete};
 }
 
-std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const TweakCatalog& catalog) {
+std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const ChangeTitles& titles) {
     std::vector<ToldLine> lines;
     std::map<Uuid, const HistoryLine*> next;
     for (auto line = history.rbegin(); line != history.rend(); ++line) {
         const HistoryLine*& later = next[line->entry.id];
         if (line->event != EntryStatus::capturing || isInterruption(*line, later))
             lines.push_back(
-                {line->at, line->event, entryTitle(line->entry, catalog), eventWords(*line, catalog)});
+                {line->at, line->event, titles.of(line->entry), eventWords(*line, titles.catalog())});
         later = &*line;
     }
     return lines;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Background/ChangeTitles.h"
 #include "BrellCore/Journal/History.h"
 #include "CorvaneBrell/Model/KeyReadings.h"
 
@@ -16,7 +16,8 @@ namespace brell {
 
 struct AgentState;
 
-// One line for each key: "com.apple.dock autohide: true; back to absent". For an agent how it was switched.
+// One line for each key: "com.apple.dock autohide: true; back to absent". For an agent its label and how it
+// was switched.
 std::vector<std::string> changeLines(const JournalEntry& entry);
 
 // One line for each key: "com.apple.dock autohide: back to absent". An agent's entry has none.
@@ -79,7 +80,7 @@ struct UndoProof {
 // keys are those of the undone changes; alreadyBack names those that others had undone before. Nothing where
 // nothing was undone.
 std::optional<UndoProof> undoProof(const std::vector<JournalEntry>& undone, const KeyReadings& keys,
-                                   const std::vector<std::string>& alreadyBack, const TweakCatalog& catalog);
+                                   const std::vector<std::string>& alreadyBack, const ChangeTitles& titles);
 
 // A line of the history, as far as it is told: there may be a hundred thousand.
 struct ToldLine {
@@ -93,6 +94,6 @@ struct ToldLine {
 
 // The lines that tell something, newest first. The beginning of a change that came to its end says nothing
 // that its end does not.
-std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const TweakCatalog& catalog);
+std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const ChangeTitles& titles);
 
 }  // namespace brell

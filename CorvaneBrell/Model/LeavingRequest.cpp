@@ -7,20 +7,20 @@
 namespace brell {
 
 LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vector<Uuid> concerned,
-                              const TweakCatalog& catalog, PreferenceReader& preferences) {
+                              const ChangeTitles& titles, PreferenceReader& preferences) {
     LeavingRequest request{Uuid::random(), std::move(concerned), {}, {}, {}, {}, std::nullopt};
     std::set<Uuid> asked(request.concerned.begin(), request.concerned.end());
     std::vector<JournalEntry> restored;
     for (const JournalEntry& entry : entries) {
         if (entry.isActive()) {
-            request.active.push_back({entryTitle(entry, catalog), changeWords(entry, catalog)});
+            request.active.push_back({titles.of(entry), changeWords(entry, titles.catalog())});
             if (asked.insert(entry.id).second) request.concerned.push_back(entry.id);
         } else if (asked.contains(entry.id)) {
             restored.push_back(entry);
         }
     }
     const KeyReadings keys = readKeys(restored, preferences);
-    request.proof = undoProof(restored, keys, {}, catalog);
+    request.proof = undoProof(restored, keys, {}, titles);
     for (const KeyReading& key : keys) request.keys.push_back(proofLine(key));
     return request;
 }

@@ -35,7 +35,7 @@ struct LeavingRequest {
 
 // entries are those of the journal, newest first; concerned those of the request before.
 LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vector<Uuid> concerned,
-                              const TweakCatalog& catalog, PreferenceReader& preferences);
+                              const ChangeTitles& titles, PreferenceReader& preferences);
 
 // Brell's own files are gone; nothing is left to decide.
 struct LeavingReport {

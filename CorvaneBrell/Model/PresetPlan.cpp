@@ -124,7 +124,8 @@ PresetPlan planPreset(const Preset& preset, const PresetSurroundings& now) {
     return plan;
 }
 
-std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog) {
+std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const ChangeTitles& titles) {
+    const TweakCatalog& catalog = titles.catalog();
     std::vector<ExportRow> rows;
     for (const Tweak& tweak : catalog.all())
         if (const auto* entry = activeEntry(entries, tweak.id); entry && whyLeftOut(*entry, catalog).empty())
@@ -132,7 +133,7 @@ std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, cons
     for (const JournalEntry& entry : entries)
         if (entry.isActive())
             if (std::string whyNot = whyLeftOut(entry, catalog); !whyNot.empty())
-                rows.push_back({entry.tweakID, entryTitle(entry, catalog), std::move(whyNot)});
+                rows.push_back({entry.tweakID, titles.of(entry), std::move(whyNot)});
     return rows;
 }
 

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "BrellCore/Background/ChangeTitles.h"
 #include "BrellCore/Catalog/Presets.h"
 #include "BrellCore/Engine/TweakStatus.h"
 #include "BrellCore/Journal/JournalEntry.h"
@@ -75,7 +76,7 @@ struct ExportRow {
 
 // Of every active change. First what a preset carries, tweaks set to their own targets, in the order of the
 // catalog.
-std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const TweakCatalog& catalog);
+std::vector<ExportRow> exportRows(const std::vector<JournalEntry>& entries, const ChangeTitles& titles);
 // A preset of this Mac's, with these tweaks.
 Preset ownPreset(std::string name, std::vector<std::string> tweakIDs);
 

@@ -106,7 +106,11 @@ void ReadingWork::readEntries(Everything& everything) {
 }
 
 ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& shown) {
-    auto told = toldHistory(deps_.journal->history(days), deps_.catalog);
+    for (const JournalEntry& entry : everything.entries)
+        if (entry.isActive()) deps_.titles.learn(entry);
+    const std::vector<HistoryLine> lines = deps_.journal->history(days);
+    for (const HistoryLine& line : lines) deps_.titles.learn(line.entry);
+    auto told = toldHistory(lines, deps_.titles);
     return told == *shown ? shown : std::make_shared<const std::vector<ToldLine>>(std::move(told));
 }
 
@@ -133,6 +137,7 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
         soFar(items);
     };
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) noteRefusal(user[i], items);
+        deps_.titles.learn(items.rows);
     noteFacts(user, items);
     noteFacts(system, items);
     showSoFar();
@@ -256,7 +261,7 @@ RestoreRequest ReadingWork::restoring(const std::string& title, const std::vecto
 LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
     const auto preferences = deps_.store.reader();
     LeavingRequest request =
-        leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.catalog, *preferences);
+        leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.titles, *preferences);
     request.folder = pathWords(deps_.journalDirectory().string(), deps_.catalog.home());
     if (request.active.empty())
         request.whyNotToTrash = request.isProved()
@@ -293,14 +298,14 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
         }
         request.changes.others.push_back(entry.id);
         request.steps.push_back(
-            {entryTitle(entry, deps_.catalog), std::move(now.words),
+            {deps_.titles.of(entry), std::move(now.words),
              entry.agent ? deps_.toggle.previewRestore(*entry.agent) : putBackLines(entry),
              entry.agent.has_value()});
     }
 }
 
 RestoreStep ReadingWork::makingAgain(const JournalEntry& entry) {
-    return {entryTitle(entry, deps_.catalog), "Again as it was changed before",
+    return {deps_.titles.of(entry), "Again as it was changed before",
             entry.agent
                 ? deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))
                       .commands

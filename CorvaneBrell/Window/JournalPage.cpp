@@ -95,7 +95,8 @@ QWidget* JournalPage::fileActions() {
 }
 
 void JournalPage::refresh(const Changes& changed) {
-    if (changed.contains(Topic::journal)) showChanges();
+    // The login items tell what their agents are called.
+    if (changed.contains(Topic::journal) || changed.contains(Topic::loginItems)) showChanges();
     if (changed.contains(Topic::history)) history_->refresh();
 }
 
@@ -162,7 +163,7 @@ ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::string wo
     const bool isInterrupted = std::any_of(interrupted.begin(), interrupted.end(),
                                            [&](const JournalEntry& one) { return one.id == entry.id; });
     return {entry,
-            entryTitle(entry, model_.catalog()),
+            model_.titles().of(entry),
             std::move(words),
             std::move(lines),
             originWords(entry, model_.catalog().home(), model_.macOSVersion()),

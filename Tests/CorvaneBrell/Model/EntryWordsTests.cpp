@@ -23,9 +23,10 @@ HistoryLine line(unsigned char entry, EntryStatus event) {
 }
 
 std::vector<std::string> told(const std::vector<HistoryLine>& history) {
+    const TweakCatalog catalog("/Users/sam");
+    const ChangeTitles titles(catalog);
     std::vector<std::string> texts;
-    for (const ToldLine& line : toldHistory(history, TweakCatalog("/Users/sam")))
-        texts.push_back(line.title + " " + line.words);
+    for (const ToldLine& line : toldHistory(history, titles)) texts.push_back(line.title + " " + line.words);
     return texts;
 }
 
@@ -49,10 +50,10 @@ TEST(EntryWordsTest, EveryChangeSaysWhatWasDoneAndWhereTheWayBackLeads) {
     const auto said = [](AgentOverride before, bool wasLoaded) {
         return changeLines(agentEntry({"a", "/a.plist", wasLoaded, before})).front();
     };
-    EXPECT_EQ(said(AgentOverride::absent, true), "Turned off; back to on");
-    EXPECT_EQ(said(AgentOverride::enabled, false), "Turned off; back to on, but not loaded");
-    EXPECT_EQ(said(AgentOverride::disabled, false), "Turned on; back to off");
-    EXPECT_EQ(said(AgentOverride::disabled, true), "Turned on; back to off, but still loaded");
+    EXPECT_EQ(said(AgentOverride::absent, true), "a: off; back to on");
+    EXPECT_EQ(said(AgentOverride::enabled, false), "a: off; back to on, but not loaded");
+    EXPECT_EQ(said(AgentOverride::disabled, false), "a: on; back to off");
+    EXPECT_EQ(said(AgentOverride::disabled, true), "a: on; back to off, but still loaded");
 }
 
 // A journal may be another program's.
@@ -65,15 +66,16 @@ TEST(EntryWordsTest, WhatAJournalSaysIsToldInOneLineAndCut) {
         one->failure = evil;
     }
     const TweakCatalog catalog("/Users/sam");
+    const ChangeTitles titles(catalog);
     const KeyReading key{entry.writes.front(), StoredValue(PrefValue("a\n" + evil))};
     Texts texts = driftedEntry(entry, {key}, catalog).lines;
     for (const Texts& more :
          {changeLines(entry), putBackLines(entry),
           driftedAgent(off, {AgentOverride::enabled, LoadedState::notLoaded()}).value().lines,
-          Texts{wayBack(entry), entryTitle(entry, catalog), entryTitle(off, catalog), *failureWords(off),
+          Texts{wayBack(entry), titles.of(entry), titles.of(off), *failureWords(off),
                 *originWords(entry, "/", "27.0.0"), *cameFromElsewhere(off, "/a", "1"), proofLine(key),
-                undoProof({entry}, {key}, {entryTitle(entry, catalog)}, catalog)->words,
-                toldHistory({{{}, EntryStatus::failed, off}}, catalog).front().words}})
+                undoProof({entry}, {key}, {titles.of(entry)}, titles)->words,
+                toldHistory({{{}, EntryStatus::failed, off}}, titles).front().words}})
         texts.insert(texts.end(), more.begin(), more.end());
     entry.writes.push_back(entry.writes.front());
     texts.push_back(wayBack(entry));
@@ -114,7 +116,7 @@ protected:
         return engine.apply(tweak("dock.magnify"));
     }
     void prove(const std::vector<JournalEntry>& entries, const Texts& alreadyBack = {}) {
-        const auto proof = undoProof(entries, readKeys(entries, store), alreadyBack, catalog);
+        const auto proof = undoProof(entries, readKeys(entries, store), alreadyBack, titles);
         said += (proof->isComplete ? "+ " : "- ") + proof->words + "\n";
     }
     void describe(const JournalEntry& entry) {
@@ -123,12 +125,13 @@ protected:
         for (const std::string& line : drifted.lines) said += "    " + line + "\n";
     }
 
+    ChangeTitles titles{catalog};
     std::string said;
 };
 
 TEST_F(KeyReadingsTest, AnUndoIsProvedKeyByKey) {
     const JournalEntry entry = magnify();
-    EXPECT_EQ(undoProof({}, {}, {}, catalog), std::nullopt);
+    EXPECT_EQ(undoProof({}, {}, {}, titles), std::nullopt);
     engine.restore(entry.id, false);
     prove({entry});
     prove({entry}, {"Magnify"});

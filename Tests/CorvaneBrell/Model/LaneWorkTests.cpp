@@ -141,6 +141,7 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     const ChangeOutcome switched = changes.switchAgents(off);
     ASSERT_EQ(switched.made.size(), 1u);
     EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 1}}));
+    EXPECT_EQ(switched.undo.done.value().name, "Turn Off Duskwatch") << "as among the login items";
 
     // Its app turns it on again; Brell turns it off again.
     turnOnFromOutside(duskwatch);
@@ -156,7 +157,9 @@ TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
     ASSERT_EQ(again.made.size(), 1u);
     const ChangeOutcome restored = changes.restoreConfirmed({.others = {again.made[0].id}}, {});
     ASSERT_TRUE(restored.undo.done);
-    EXPECT_EQ(readings.undoing(*restored.undo.done).steps.at(0).lines, off.commands);
+    EXPECT_EQ(restored.proof.value().words, "Duskwatch is back to on.");
+    const RestoreStep step = readings.undoing(*restored.undo.done).steps.at(0);
+    EXPECT_EQ(step, (RestoreStep{"Duskwatch", "Again as it was changed before", off.commands, true}));
     const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
     EXPECT_EQ(undone.failures, Texts());
     EXPECT_EQ(undone.made.size(), 1u);

@@ -100,7 +100,8 @@ TEST_F(PresetPlanTest, WhatIsActiveGoesIntoAPresetWithItsOwnTargetsOrSaysWhyNot)
     entries.back().writes.pop_back();  // made by a version whose tweak wrote one key fewer
 
     std::string rows;
-    for (const ExportRow& row : exportRows(entries, catalog))
+    const ChangeTitles titles(catalog);
+    for (const ExportRow& row : exportRows(entries, titles))
         rows += row.tweakID + "\t" + row.title + "\t" + row.whyNot + "\n";
     EXPECT_EQ(rows, sample("Words/export-rows.txt"));
     const Preset preset = ownPreset("My Été", {"finder.view_style", "text.no_smart_quotes"});

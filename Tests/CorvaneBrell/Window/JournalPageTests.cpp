@@ -44,7 +44,11 @@ TEST_F(JournalPageTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
     EXPECT_TRUE(words(page()).contains("Turned off, back to on"));
     EXPECT_TRUE(
         words(*drifted).contains("Now 0.5 and 0.2. Brell wrote On; before that it was 0.24 and not set."));
+    EXPECT_TRUE(words(page()).contains("Zoom: turned off")) << "in the history, too";
     EXPECT_FALSE(words(page()).contains("com.apple.dock")) << "keys are in the details";
+    EXPECT_FALSE(words(page()).contains("us.zoom.updater")) << "and labels";
+    press("Details of Zoom");
+    EXPECT_TRUE(words(page()).contains("us.zoom.updater: off; back to on"));
     active.back()->setOpen(true);
     EXPECT_TRUE(words(*active.back()).contains("com.apple.finder _FXSortFoldersFirst: true; back to absent"));
 
