@@ -2,6 +2,7 @@
 
 #include <fmt/compile.h>
 
+#include <array>
 #include <ctime>
 
 namespace brell {
@@ -63,6 +64,15 @@ std::optional<TimeStamp> parseIso8601(std::string_view text) {
 std::string localDay(TimeStamp time) {
     const std::tm local = localTime(time);
     return fmt::format("{:04}-{:02}-{:02}", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+}
+
+std::string localDayWords(TimeStamp time) {
+    constexpr std::array<std::string_view, 12> months{"January",   "February", "March",    "April",
+                                                      "May",       "June",     "July",     "August",
+                                                      "September", "October",  "November", "December"};
+    const std::tm local = localTime(time);
+    return fmt::format("{} {} {}", local.tm_mday, months.at(static_cast<std::size_t>(local.tm_mon)),
+                       local.tm_year + 1900);
 }
 
 std::string localMoment(TimeStamp time) {

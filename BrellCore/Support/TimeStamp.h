@@ -23,6 +23,8 @@ std::optional<TimeStamp> parseIso8601(std::string_view text);
 
 // The day of this moment in the machine's time zone, for example 2026-11-15.
 std::string localDay(TimeStamp time);
+// That day in words: 15 November 2026.
+std::string localDayWords(TimeStamp time);
 // The moment there, for a file's name: 2026-11-22-153000.
 std::string localMoment(TimeStamp time);
 

@@ -23,12 +23,6 @@ bool isOlder(const OperatingSystemVersion& one, const OperatingSystemVersion& ot
     return std::tie(one.major, one.minor, one.patch) < std::tie(other.major, other.minor, other.patch);
 }
 
-bool isDamaged(const fs::path& directory) try {
-    return journalDamage(directory).has_value();
-} catch (const JournalError&) {
-    return false;
-}
-
 // Raises both reasons when that can't be had either.
 std::unique_ptr<Dependencies> fallback(const LaunchOptions& options, const JournalError& reason,
                                        std::ostream& out) try {
@@ -185,6 +179,8 @@ void AppModel::showEverything(Everything everything) {
     set(&AppState::journalError, everything.error, Topic::journal);
     if (everything.error) return;
 
+    // Of one that could not be opened at the start a throw-away journal is read.
+    if (!state_.startupError) put(&AppState::isJournalDamaged, everything.isDamaged);
     std::vector<JournalEntry> interrupted;
     std::copy_if(everything.entries.rbegin(), everything.entries.rend(), std::back_inserter(interrupted),
                  [](const JournalEntry& entry) { return entry.status == EntryStatus::capturing; });
@@ -238,7 +234,8 @@ void AppModel::askRebuild() {
         if (!request.value) return fail(request.error);
         set(&AppState::rebuildRequest, std::move(*request.value), Topic::question);
     };
-    refreshes_.run("Reading the history", &ReadingWork::rebuildRequest, done, journalDirectory_);
+    refreshes_.run("Reading the history", &ReadingWork::rebuildRequest, done, journalDirectory_,
+                   rebuiltFor());
 }
 
 void AppModel::confirmRebuild() {
@@ -252,8 +249,14 @@ void AppModel::confirmRebuild() {
         put(&AppState::isJournalDamaged, false);
         set(&AppState::rebuildReport, std::move(*report.value), Topic::question);
     };
-    refreshes_.run("Rebuilding the journal", &ReadingWork::rebuildJournal, done, journalDirectory_, plan);
+    refreshes_.run("Rebuilding the journal", &ReadingWork::rebuildJournal, done, journalDirectory_, plan,
+                   rebuiltFor());
 }
+
+RebuiltFor AppModel::rebuiltFor() const {
+    return state_.startupError ? RebuiltFor::nextRun : RebuiltFor::thisRun;
+}
+        refreshAll();
 
 void AppModel::cancelRebuild() {
     const bool wasAsked = put(&AppState::rebuildRequest, std::nullopt);

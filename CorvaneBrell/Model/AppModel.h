@@ -89,7 +89,7 @@ public:
     void recover();
     void deferRecovery();
 
-    // A journal that was damaged when Brell was opened. The rebuilt one is for the next run.
+    // A damaged journal. One that was damaged when Brell was opened is rebuilt for the next run.
     void askRebuild();
     void confirmRebuild();
     void cancelRebuild();
@@ -143,6 +143,7 @@ private:
     void fail(const std::string& message) { set(&AppState::errorMessage, message, Topic::notices); }
 
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
+    RebuiltFor rebuiltFor() const;
     void showEverything(Everything everything);
     void readLeaving();
     void countChanges(const std::vector<JournalEntry>& entries);

@@ -65,7 +65,7 @@ inline constexpr std::array<std::string_view, 10> enumTexts<Topic>{
 
 struct AppState {
     std::optional<std::string> startupError;  // stays for the whole run
-    bool isJournalDamaged = false;            // that is why, and a history may tell what it held
+    bool isJournalDamaged = false;            // at the start or since; a history may tell what it held
     std::vector<std::string> safetyWarnings;  // what could stand in the way of a change; likewise
 
     // Topic::screen

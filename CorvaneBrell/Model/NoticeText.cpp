@@ -73,7 +73,8 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
         constexpr std::size_t most = 8 * mostOfASentence;
         if (!words.empty()) notices.push_back({kind, excerpt(words, most)});
     };
-    add(NoticeKind::journal, state.journalError.value_or(""));
+    add(state.isJournalDamaged ? NoticeKind::damagedJournal : NoticeKind::journal,
+        state.journalError.value_or(""));
     add(NoticeKind::error, state.errorMessage.value_or(""));
     add(NoticeKind::failedRecovery, firstOf(state.recoveryFailures, " "));
     if (state.undoProof && !state.undoProof->isComplete)

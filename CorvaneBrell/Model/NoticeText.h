@@ -13,6 +13,7 @@ namespace brell {
 // In the order of urgency.
 enum class NoticeKind {
     journal,         // it can't be read any more
+    damagedJournal,  // that is why
     error,           // of the last action
     failedRecovery,  // of interrupted changes
     incompleteUndo,

@@ -70,6 +70,12 @@ fs::path save(const fs::path& file, std::string_view contents, const Journal& jo
 
 }  // namespace
 
+bool isDamaged(const fs::path& journalDirectory) try {
+    return journalDamage(journalDirectory).has_value();
+} catch (const JournalError&) {
+    return false;
+}
+
 Everything ReadingWork::everything(const Posted<>& begun) {
     begun();
     Everything everything;
@@ -85,6 +91,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
         readEntries(everything);
     } catch (const JournalError& error) {
         everything.error = error.what();
+        everything.isDamaged = isDamaged(deps_.journalDirectory());
     }
     const auto preferences = deps_.store.reader();
     for (const JournalEntry& entry : everything.entries)
@@ -325,20 +332,21 @@ DecodedPreset ReadingWork::preset(const fs::path& file) {
     }
 }
 
-RebuildRequest ReadingWork::rebuildRequest(const fs::path& directory) {
+RebuildRequest ReadingWork::rebuildRequest(const fs::path& directory, RebuiltFor use) {
     auto plan = planRebuild(directory, rebuildProgress());
     if (!plan) throw std::runtime_error("Reading the history was ended.");
     if (plan->entries.empty())
         throw std::runtime_error(
             "There is no history to rebuild the journal from. The restore script beside it "
             "puts back what was changed when it was last written.");
-    return brell::rebuildRequest(*std::move(plan), deps_.catalog, *deps_.store.reader());
+    return brell::rebuildRequest(*std::move(plan), use, deps_.titles, *deps_.store.reader());
 }
 
-RebuildReport ReadingWork::rebuildJournal(const fs::path& directory, const RebuildPlan& plan) {
+RebuildReport ReadingWork::rebuildJournal(const fs::path& directory, const RebuildPlan& plan,
+                                          RebuiltFor use) {
     const auto rebuilt = brell::rebuildJournal(directory, plan, rebuildProgress());
     if (!rebuilt) throw std::runtime_error("Rebuilding the journal was ended; nothing was changed.");
-    return rebuildReport(*rebuilt);
+    return rebuildReport(*rebuilt, use);
 }
 
 RebuildProgress ReadingWork::rebuildProgress() {

@@ -25,6 +25,7 @@ struct Everything {
     std::vector<DriftedEntry> drifted;
     bool isChangedElsewhere = false;   // another run is just making the change that is not finished
     std::optional<std::string> error;  // why the journal can't be read; there are no entries then
+    bool isDamaged = false;            // that is why
 };
 
 struct LoginItems {
@@ -49,6 +50,9 @@ using Cancellation = std::shared_ptr<const std::atomic<bool>>;
 
 using Volumes = std::vector<VolumeIndexStatus>;
 using ToldHistory = std::shared_ptr<const std::vector<ToldLine>>;
+
+// The journal of this directory is damaged, and its history can make that good. Raises nothing.
+bool isDamaged(const std::filesystem::path& journalDirectory);
 
 // Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
 // operation may raise std::exception.
@@ -81,8 +85,9 @@ public:
 
     // Of a damaged journal in this directory. Raise std::exception, too, when there is nothing to rebuild it
     // from, and when they are ended.
-    RebuildRequest rebuildRequest(const std::filesystem::path& directory);
-    RebuildReport rebuildJournal(const std::filesystem::path& directory, const RebuildPlan& plan);
+    RebuildRequest rebuildRequest(const std::filesystem::path& directory, RebuiltFor use);
+    RebuildReport rebuildJournal(const std::filesystem::path& directory, const RebuildPlan& plan,
+                                 RebuiltFor use);
 
     // Make a file or replace an ordinary one, and give its path; the journal's own files, links and devices
     // are refused.

@@ -22,15 +22,13 @@ std::string_view stateOf(std::optional<KeysHold> keys) {
     return "What it holds now can't be read.";
 }
 
-std::string day(TimeStamp at) {
-    return iso8601(at).substr(0, std::string_view("2026-11-15").size());
-}
-
 std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
     std::vector<std::string> facts{
         fmt::format("The history tells of {}{}. Of these {} still active.",
                     counted(plan.entries.size(), "change", "changes"),
-                    plan.from && plan.to ? fmt::format(" from {} to {}", day(*plan.from), day(*plan.to)) : "",
+                    plan.from && plan.to
+                        ? fmt::format(" from {} to {}", localDayWords(*plan.from), localDayWords(*plan.to))
+                        : "",
                     counted(active, "is", "are"))};
     facts.push_back("What happened in the last moments before the damage may be missing from it.");
     if (!plan.overtaken.empty())
@@ -45,24 +43,29 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
 
 }  // namespace
 
-RebuildRequest rebuildRequest(RebuildPlan plan, const TweakCatalog& catalog, PreferenceReader& preferences) {
+RebuildRequest rebuildRequest(RebuildPlan plan, RebuiltFor use, const ChangeTitles& titles,
+                              PreferenceReader& preferences) {
     RebuildRequest request{Uuid::random(), std::move(plan), {}, {}};
     for (const JournalEntry& entry : request.plan.active())
-        request.active.push_back(
-            {entryTitle(entry, catalog), std::string(stateOf(keysHold(entry, preferences)))});
+        request.active.push_back({titles.of(entry), std::string(stateOf(keysHold(entry, preferences)))});
     request.facts = factsOf(request.plan, request.active.size());
+    request.facts.emplace_back(use == RebuiltFor::thisRun
+                                   ? "Brell goes on with the rebuilt journal at once."
+                                   : "Brell uses the rebuilt journal when it is opened again.");
     return request;
 }
 
-RebuildReport rebuildReport(const Rebuilt& rebuilt) {
-    RebuildReport report;
+RebuildReport rebuildReport(const Rebuilt& rebuilt, RebuiltFor use) {
+    RebuildReport report{{}, use};
     if (rebuilt.damaged)
         report.lines.push_back("The damaged journal is kept as " + rebuilt.damaged->string() + ".");
     if (rebuilt.scriptBefore)
         report.lines.push_back("The restore script as it was is kept as " + rebuilt.scriptBefore->string() +
                                ".");
     if (rebuilt.scriptFailure) report.lines.push_back(*rebuilt.scriptFailure);
-    report.lines.push_back("Open Brell again to go on with the rebuilt journal.");
+    report.lines.emplace_back(use == RebuiltFor::thisRun
+                                  ? "Brell goes on with the rebuilt journal."
+                                  : "Open Brell again to go on with the rebuilt journal.");
     return report;
 }
 

@@ -4,12 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "BrellCore/Catalog/TweakCatalog.h"
+#include "BrellCore/Background/ChangeTitles.h"
 #include "BrellCore/Journal/JournalRebuild.h"
 
 namespace brell {
 
 class PreferenceReader;
+
+// A journal that was damaged at the start is not used before the next one.
+enum class RebuiltFor { thisRun, nextRun };
 
 struct RebuildRequest {
     struct Change {
@@ -25,14 +28,16 @@ struct RebuildRequest {
     bool operator==(const RebuildRequest&) const = default;
 };
 
-RebuildRequest rebuildRequest(RebuildPlan plan, const TweakCatalog& catalog, PreferenceReader& preferences);
+RebuildRequest rebuildRequest(RebuildPlan plan, RebuiltFor use, const ChangeTitles& titles,
+                              PreferenceReader& preferences);
 
 // The outcome of rebuilding; nothing is left to decide.
 struct RebuildReport {
     std::vector<std::string> lines;  // sentences
+    RebuiltFor use;
     bool operator==(const RebuildReport&) const = default;
 };
 
-RebuildReport rebuildReport(const Rebuilt& rebuilt);
+RebuildReport rebuildReport(const Rebuilt& rebuilt, RebuiltFor use);
 
 }  // namespace brell

@@ -124,9 +124,10 @@ QWidget* MainWindow::startupError() {
     auto* bar = new NoticeBar(tr("Journal problem"), qt(*model_.state().startupError), "xmark.circle",
                               Tone::critical);
     column->addWidget(bar);
-    if (model_.state().isJournalDamaged)
-        connect(bar->addAction(tr("Rebuild from History...")), &QPushButton::clicked, this,
-                [this] { model_.askRebuild(); });
+    if (model_.state().isJournalDamaged) {
+        rebuild_ = bar->addAction(tr("Rebuild from History..."));
+        connect(rebuild_, &QPushButton::clicked, this, [this] { model_.askRebuild(); });
+    }
     connect(bar->addAction(tr("Show in Finder")), &QPushButton::clicked, this,
             [this] { FileActions::showJournalFolder(model_); });
     connect(bar->addAction(tr("Show Restore Script")), &QPushButton::clicked, this,
@@ -155,6 +156,7 @@ void MainWindow::refreshNow() {
     sidebar_->refresh();
     strip_->refresh();
     refreshMenus();
+    if (rebuild_) rebuild_->setEnabled(model_.state().isJournalDamaged);
     Page* shown = currentPage();
     Changes& changes = stale_.at(shown);
     if (!changes.empty()) shown->refresh(std::exchange(changes, {}));

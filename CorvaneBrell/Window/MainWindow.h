@@ -8,6 +8,7 @@
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
 
+class QPushButton;
 class QStackedWidget;
 class QTimer;
 
@@ -73,6 +74,7 @@ private:
     Strip* strip_;
     SearchPage* searchPage_ = nullptr;  // made by the first search
     SheetPresenter* sheets_;
+    QPushButton* rebuild_ = nullptr;  // where the journal was damaged at the start
     QTimer* refresh_;
     QtMainLoop loop_;
     Paced look_;  // at what others may have changed

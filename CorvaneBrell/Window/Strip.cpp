@@ -29,7 +29,9 @@ struct Look {
 
 Look lookOf(NoticeKind kind) {
     switch (kind) {
-        case NoticeKind::journal: return {Strip::tr("The change journal"), "xmark.circle", Tone::critical};
+        case NoticeKind::journal:
+        case NoticeKind::damagedJournal:
+            return {Strip::tr("The change journal"), "xmark.circle", Tone::critical};
         case NoticeKind::error:
             return {Strip::tr("Brell could not do that"), "exclamationmark.triangle", Tone::critical};
         case NoticeKind::failedRecovery:
@@ -100,6 +102,9 @@ StripLine* Strip::line(NoticeKind kind) {
 
 void Strip::addActions(StripLine& line, NoticeKind kind) {
     switch (kind) {
+        case NoticeKind::damagedJournal:
+            line.addAction(tr("Rebuild from History..."), [this] { model_.askRebuild(); });
+            [[fallthrough]];
         case NoticeKind::journal:
             line.addAction(tr("Show in Finder"), [this] { FileActions::showJournalFolder(model_); });
             line.addAction(tr("Show Restore Script"),

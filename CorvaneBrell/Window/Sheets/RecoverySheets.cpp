@@ -68,7 +68,9 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const RebuildReport& report) {
                                    QObject::tr("Every change that the history told of can be undone again."),
                                    &AppModel::cancelRebuild);
     for (const std::string& line : report.lines) sheet->addNote("info.circle", Tone::plain, qt(line));
-    sheet->addCancel(QObject::tr("Later"));
+    const bool goesOn = report.use == RebuiltFor::thisRun;
+    sheet->addCancel(goesOn ? QObject::tr("Done") : QObject::tr("Later"));
+    if (goesOn) return sheet;
     QObject::connect(sheet->addButton(QObject::tr("Quit Brell")), &QPushButton::clicked, sheet,
                      [&model, window] {
                          model.cancelRebuild();

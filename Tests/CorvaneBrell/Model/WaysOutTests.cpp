@@ -33,7 +33,8 @@ TEST_F(WaysOutTest, ADamagedJournalIsRebuiltFromItsHistoryAndUndoesEverythingThe
     const RebuildRequest request = state().rebuildRequest.value();
     EXPECT_TRUE(request.facts.at(0).starts_with("The history tells of 3 changes from "));
     EXPECT_TRUE(request.facts.at(0).ends_with(". Of these 2 are still active."));
-    EXPECT_EQ(request.facts.size(), 2u);
+    EXPECT_EQ(request.facts.size(), 3u);
+    EXPECT_EQ(request.facts.back(), "Brell uses the rebuilt journal when it is opened again.");
     using Change = RebuildRequest::Change;
     EXPECT_EQ(request.active,
               (std::vector<Change>{{"Hide the Dock automatically", "It is as it was before Brell."},

@@ -8,6 +8,7 @@
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
+#include "CorvaneBrell/Window/StripLine.h"
 #include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
@@ -83,6 +84,7 @@ TEST_F(RefusedChangesTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarSt
 // It was all right when the window was opened.
 TEST_F(RefusedChangesTest, WithAJournalThatGoesBadNothingIsClaimedUntilItCanBeReadAgain) {
     openLivedIn();
+    const auto changed = model->changedTweaks();
     const std::filesystem::path journal = *options.journalDirectory / "journal.json";
     const std::string before = contentsOf(journal);
     setContents(journal, before.substr(0, before.size() / 2));
@@ -98,18 +100,32 @@ TEST_F(RefusedChangesTest, WithAJournalThatGoesBadNothingIsClaimedUntilItCanBeRe
             expectWords(*tweak, {"Not known"});
         }
     });
-    EXPECT_TRUE(words(window->strip()).startsWith("The change journal could not be read: "));
-    EXPECT_FALSE(words(window->strip()).contains("JSON")) << "which is the parser's word";
+    const auto told = [&] { return visible<StripLine>(window->strip()).front()->words(); };
+    EXPECT_TRUE(told().startsWith("The change journal could not be read: "));
+    EXPECT_FALSE(told().contains("JSON")) << "which is the parser's word";
     press(window->strip(), "Show Restore Script");
     auto& script = opened<QDialog>();
     EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->toPlainText().startsWith("#!"));
     script.close();
-
-    setContents(journal, before);
-    settled()->refreshAll();
+    settle();
+    const auto files = everythingIn(folder.path);
+    press(window->strip(), "Rebuild from History...");
+    EXPECT_TRUE(words(*window->sheets().current()).contains("goes on with the rebuilt journal at once."));
+    type(window->sheets().current(), Qt::Key_Escape);
+    EXPECT_EQ(everythingIn(folder.path), files);
+    press(window->strip(), "Rebuild from History...");
+    press(*window->sheets().current(), "Rebuild");
+    press(*window->sheets().current(), "Done");
     EXPECT_FALSE(words(window->strip()).contains("journal"));
+    EXPECT_EQ(model->changedTweaks(), changed);
     go(Screen::finder);
     EXPECT_TRUE(row("finder.show_hidden").control()->isEnabled());
+
+    setContents(journal, R"({"format":99,"entries":[]})");
+    settled()->refreshAll();
+    EXPECT_TRUE(told().startsWith("The change journal could not be read: "));
+    for (const QAbstractButton* one : window->strip().findChildren<QAbstractButton*>())
+        EXPECT_FALSE(one->isVisible() && one->text().startsWith("Rebuild")) << "a newer Brell's is whole";
 }
 
 TEST_F(RefusedChangesTest, AnInterruptedChangeIsNotTakenForDone) {

@@ -63,6 +63,7 @@ TEST_F(SheetsTest, ADamagedJournalIsRebuiltForTheNextWindow) {
     EXPECT_TRUE(words(*sheet()).contains("The damaged journal is kept as "));
     press(*sheet(), "Later");
     EXPECT_FALSE(sheet());
+    EXPECT_FALSE(button(*window, "Rebuild from History...").isEnabled()) << "it is done";
     openWindow();
     EXPECT_FALSE(model->state().startupError);
     EXPECT_FALSE(model->state().entries.empty());
