@@ -45,7 +45,6 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
                                             : nullptr),
       ownStore_(dryRunOwnStore_ ? *dryRunOwnStore_ : *deps_->machine.ownStore),
       own_(ownStore_),
-      search_(catalog(), deps_->macOSMajor()),
       changes_(loop, *deps_, shownIn(&AppState::changeActivity)),
       refreshes_(loop, *deps_, shownIn(&AppState::fileActivity)),
       readings_(loop, *deps_, shownIn(&AppState::readingActivity)),
@@ -88,15 +87,15 @@ AppModel::~AppModel() {
 }
 
 const LaunchOptions& AppModel::options() const {
-const ChangeTitles& AppModel::titles() const {
-    return deps_->titles;
-}
-
     return deps_->options;
 }
 
 const TweakCatalog& AppModel::catalog() const {
     return deps_->catalog;
+}
+
+const ChangeTitles& AppModel::titles() const {
+    return deps_->titles;
 }
 
 std::vector<const Tweak*> AppModel::offeredTweaks() const {
@@ -105,6 +104,10 @@ std::vector<const Tweak*> AppModel::offeredTweaks() const {
 
 std::string AppModel::macOSVersion() const {
     return deps_->machine.osVersion.text();
+}
+
+int AppModel::macOSMajor() const {
+    return deps_->macOSMajor();
 }
 
 void AppModel::keepMacOS() {
@@ -176,11 +179,11 @@ void AppModel::showEverything(Everything everything) {
     const bool areOthers = put(&AppState::statuses, std::move(everything.statuses));
     if (put(&AppState::statusErrors, std::move(everything.statusErrors)) || areOthers)
         announce(Topic::settings);
+    // Of one that could not be opened at the start a throw-away journal is read.
+    if (!state_.startupError) put(&AppState::isJournalDamaged, everything.isDamaged);
     set(&AppState::journalError, everything.error, Topic::journal);
     if (everything.error) return;
 
-    // Of one that could not be opened at the start a throw-away journal is read.
-    if (!state_.startupError) put(&AppState::isJournalDamaged, everything.isDamaged);
     std::vector<JournalEntry> interrupted;
     std::copy_if(everything.entries.rbegin(), everything.entries.rend(), std::back_inserter(interrupted),
                  [](const JournalEntry& entry) { return entry.status == EntryStatus::capturing; });
@@ -248,6 +251,7 @@ void AppModel::confirmRebuild() {
         if (!report.value) return fail(report.error);
         put(&AppState::isJournalDamaged, false);
         set(&AppState::rebuildReport, std::move(*report.value), Topic::question);
+        refreshAll();
     };
     refreshes_.run("Rebuilding the journal", &ReadingWork::rebuildJournal, done, journalDirectory_, plan,
                    rebuiltFor());
@@ -256,7 +260,6 @@ void AppModel::confirmRebuild() {
 RebuiltFor AppModel::rebuiltFor() const {
     return state_.startupError ? RebuiltFor::nextRun : RebuiltFor::thisRun;
 }
-        refreshAll();
 
 void AppModel::cancelRebuild() {
     const bool wasAsked = put(&AppState::rebuildRequest, std::nullopt);

@@ -18,7 +18,6 @@
 #include "CorvaneBrell/Model/ObservedState.h"
 #include "CorvaneBrell/Model/OwnPreferences.h"
 #include "CorvaneBrell/Model/ReadingWork.h"
-#include "CorvaneBrell/Model/TweakSearch.h"
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
 namespace brell {
@@ -37,15 +36,15 @@ public:
     using ObservedState::setObserver;
     using ObservedState::state;
     const LaunchOptions& options() const;  // after the fallback
-    const ChangeTitles& titles() const;
     const TweakCatalog& catalog() const;
+    const ChangeTitles& titles() const;
     std::vector<const Tweak*> offeredTweaks() const;
     std::string macOSVersion() const;
+    int macOSMajor() const;
     // The one asked for, or the user's, also where a throw-away journal had to take its place.
     const std::filesystem::path& journalDirectory() const { return journalDirectory_; }
     OwnPreferences& ownPreferences() { return own_; }
     void keepMacOS();  // as the one under which Brell last ran
-    const TweakSearch& search() const { return search_; }
 
     // Says why no action changes anything real; nothing when changes are real.
     std::optional<std::string> whyNothingReal() const;
@@ -143,8 +142,8 @@ private:
     void fail(const std::string& message) { set(&AppState::errorMessage, message, Topic::notices); }
 
     std::unique_ptr<Dependencies> openDependencies(const LaunchOptions& options, std::ostream& out);
-    RebuiltFor rebuiltFor() const;
     void showEverything(Everything everything);
+    RebuiltFor rebuiltFor() const;
     void readLeaving();
     void countChanges(const std::vector<JournalEntry>& entries);
     void readShown(const TaskSource& tasks);
@@ -179,7 +178,6 @@ private:
     const std::unique_ptr<PreferenceStore> dryRunOwnStore_;  // over the machine's, in a dry run
     PreferenceStore& ownStore_;
     OwnPreferences own_;
-    const TweakSearch search_;
     std::array<std::size_t, enumTexts<Screen>.size()> changedCounts_{};  // by screen
     std::optional<int> historyDays_;
     std::multiset<std::string> changing_;        // tweaks with a change under way

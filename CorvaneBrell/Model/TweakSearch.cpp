@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/LoginItemWords.h"
 
 namespace brell {
 
@@ -73,51 +74,87 @@ TweakSearch::TweakSearch(const TweakCatalog& catalog, int macOSMajor)
     : tweaks_(catalog.available(macOSMajor)) {
     for (std::size_t i = 0; i < tweaks_.size(); ++i) indexTweak(i);
     for (const Screen screen : allCases<Screen>()) indexScreen(screen);
-    std::sort(postings_.begin(), postings_.end(),
+    for (const PrivacyCard& card : PrivacyChecklist::cards()) indexCard(card);
+    placesAtFirst_ = places_.size();
+    sort(postings_);
+}
+
+void TweakSearch::setLoginItems(const std::vector<LoginItemRow>& items) {
+    places_.resize(placesAtFirst_);
+    ofTheItems_.clear();
+    for (const LoginItemRow& item : items) indexItem(item);
+    sort(ofTheItems_);
+}
+
+void TweakSearch::sort(Postings& postings) {
+    std::sort(postings.begin(), postings.end(),
               [](const Posting& one, const Posting& other) { return one.word < other.word; });
 }
 
-void TweakSearch::index(std::size_t subject, std::string_view text, int weight) {
-    for (std::string& word : wordsOf(text)) postings_.push_back({std::move(word), subject, weight});
+// Gives its subject.
+std::size_t TweakSearch::newPlace(Place place) {
+    places_.push_back(std::move(place));
+    return tweaks_.size() + places_.size() - 1;
+}
+
+void TweakSearch::index(Postings& postings, std::size_t subject, std::string_view text, int weight) {
+    for (std::string& word : wordsOf(text)) postings.push_back({std::move(word), subject, weight});
 }
 
 // Every part of the key with all that follows it, so that "allfiles" finds AppleShowAllFiles.
-void TweakSearch::indexKey(std::size_t subject, std::string_view key, int weight) {
+void TweakSearch::indexKey(Postings& postings, std::size_t subject, std::string_view key, int weight) {
     for (std::size_t begin = 0; begin < key.size(); ++begin)
-        if (partBeginsAt(key, begin)) index(subject, key.substr(begin), weight);
+        if (partBeginsAt(key, begin)) index(postings, subject, key.substr(begin), weight);
 }
 
 void TweakSearch::indexTweak(std::size_t subject) {
     const Tweak& tweak = *tweaks_[subject];
-    index(subject, tweak.title, Weight::title);
-    index(subject, tweak.searchWords, Weight::everyday);
+    index(postings_, subject, tweak.title, Weight::title);
+    index(postings_, subject, tweak.searchWords, Weight::everyday);
     if (const auto* kind = std::get_if<ChoiceKind>(&tweak.kind))
-        for (const Choice& choice : kind->choices) index(subject, choice.title, Weight::choice);
+        for (const Choice& choice : kind->choices) index(postings_, subject, choice.title, Weight::choice);
     for (const Write& write : tweak.writes) {
-        indexKey(subject, write.key.name, Weight::key);
-        indexKey(subject, write.key.domain, Weight::place);
+        indexKey(postings_, subject, write.key.name, Weight::key);
+        indexKey(postings_, subject, write.key.domain, Weight::place);
     }
-    index(subject, title(tweak.group), Weight::place);
-    index(subject, tweak.explanation.what, Weight::what);
-    index(subject, tweak.id, Weight::id);
+    index(postings_, subject, title(tweak.group), Weight::place);
+    index(postings_, subject, tweak.explanation.what, Weight::what);
+    index(postings_, subject, tweak.id, Weight::id);
 }
 
 void TweakSearch::indexScreen(Screen screen) {
-    const std::size_t subject = tweaks_.size() + static_cast<std::size_t>(screen);
-    index(subject, title(screen), Weight::title);
-    index(subject, searchWords(screen), Weight::everyday);
-    index(subject, purpose(screen), Weight::what);
+    const std::size_t subject =
+        newPlace({screen, {}, std::string(title(screen)), std::string(purpose(screen))});
+    index(postings_, subject, title(screen), Weight::title);
+    index(postings_, subject, searchWords(screen), Weight::everyday);
+    index(postings_, subject, purpose(screen), Weight::what);
+}
+
+void TweakSearch::indexCard(const PrivacyCard& card) {
+    const std::size_t subject =
+        newPlace({Screen::privacy, std::string(card.id), std::string(card.title), std::string(card.meaning)});
+    index(postings_, subject, card.title, Weight::title);
+    index(postings_, subject, card.meaning, Weight::what);
+}
+
+void TweakSearch::indexItem(const LoginItemRow& item) {
+    const std::size_t subject = newPlace({Screen::loginItems, item.id, item.title, subtitleWords(item)});
+    index(ofTheItems_, subject, item.title, Weight::title);
+    index(ofTheItems_, subject, item.explanation.app, Weight::title);
+    index(ofTheItems_, subject, places_.back().what, Weight::key);
 }
 
 // For each subject how well it holds the word; 0 where it does not.
 std::vector<int> TweakSearch::scores(std::string_view word) const {
-    std::vector<int> scores(tweaks_.size() + enumTexts<Screen>.size());
-    auto found = std::lower_bound(
-        postings_.begin(), postings_.end(), word,
-        [](const Posting& posting, std::string_view sought) { return posting.word < sought; });
-    for (; found != postings_.end() && found->word.starts_with(word); ++found) {
-        const int score = found->weight + (found->word == word ? Weight::wholeWord : 0);
-        scores[found->subject] = std::max(scores[found->subject], score);
+    std::vector<int> scores(tweaks_.size() + places_.size());
+    for (const Postings* postings : {&postings_, &ofTheItems_}) {
+        auto found = std::lower_bound(
+            postings->begin(), postings->end(), word,
+            [](const Posting& posting, std::string_view sought) { return posting.word < sought; });
+        for (; found != postings->end() && found->word.starts_with(word); ++found) {
+            const int score = found->weight + (found->word == word ? Weight::wholeWord : 0);
+            scores[found->subject] = std::max(scores[found->subject], score);
+        }
     }
     const bool isFound = std::any_of(scores.begin(), scores.end(), [](int score) { return score > 0; });
     return isFound || word.size() < shortestMistyped ? scores : scoresOfMistyped(word);
@@ -126,17 +163,18 @@ std::vector<int> TweakSearch::scores(std::string_view word) const {
 // Far less than for what was typed right.
 std::vector<int> TweakSearch::scoresOfMistyped(std::string_view word) const {
     constexpr int part = 10;
-    std::vector<int> scores(tweaks_.size() + enumTexts<Screen>.size());
-    for (const Posting& posting : postings_)
-        if (beginsNearly(posting.word, word))
-            scores[posting.subject] = std::max(scores[posting.subject], posting.weight / part);
+    std::vector<int> scores(tweaks_.size() + places_.size());
+    for (const Postings* postings : {&postings_, &ofTheItems_})
+        for (const Posting& posting : *postings)
+            if (beginsNearly(posting.word, word))
+                scores[posting.subject] = std::max(scores[posting.subject], posting.weight / part);
     return scores;
 }
 
 SearchResults TweakSearch::find(std::string_view query) const {
     const std::vector<std::string> words = wordsOf(query);
     const bool onlyFillers = std::all_of(words.begin(), words.end(), isFiller);
-    std::vector<std::int64_t> totals(tweaks_.size() + enumTexts<Screen>.size());
+    std::vector<std::int64_t> totals(tweaks_.size() + places_.size());
     std::vector<bool> misses(totals.size(), words.empty());
     for (const std::string& word : words) {
         const std::vector<int> found = scores(word);
@@ -157,7 +195,7 @@ SearchResults TweakSearch::find(std::string_view query) const {
         if (subject < tweaks_.size())
             results.tweaks.push_back(tweaks_[subject]);
         else
-            results.screens.push_back(static_cast<Screen>(subject - tweaks_.size()));
+            results.places.push_back(&places_[subject - tweaks_.size()]);
     return results;
 }
 

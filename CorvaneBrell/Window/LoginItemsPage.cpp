@@ -179,6 +179,17 @@ void LoginItemsPage::showEmptyState() {
     }
 }
 
+// To one that stands so far down that it is not shown with the first ones by the filter.
+bool LoginItemsPage::lead(const QString& id) {
+    filter_->clear();
+    newOnly_->setChecked(false);
+    if (Page::lead(id)) return true;
+    for (const LoginItemRow& row : model_.state().loginItems)
+        if (qt(row.id) == id)
+            filter_->setText(qt(excerpt(row.record ? row.record->label().value_or(row.title) : row.title)));
+    return Page::lead(id);
+}
+
 void LoginItemsPage::takeEmptyAction() {
     if (model_.state().loginItems.empty()) return model_.loadLoginItems();
     filter_->clear();

@@ -21,6 +21,7 @@ public:
     // The model must outlive the page.
     explicit LoginItemsPage(AppModel& model, QWidget* parent = nullptr);
     void refresh(const Changes& changed) override;
+    bool lead(const QString& id) override;
 
 private:
     using Group = RecordList<LoginItemView>;

@@ -232,19 +232,20 @@ void MainWindow::search(const QString& query) {
         searchPage_ = new SearchPage(model_);
         stale_[searchPage_] = everything();
         stack_->addWidget(searchPage_);
-        connect(searchPage_, &SearchPage::screenAsked, this, &MainWindow::goTo);
+        connect(searchPage_, &SearchPage::placeAsked, this, &MainWindow::goTo);
     }
     searchPage_->setQuery(query);
     showPage(searchPage_);
     refreshNow();
 }
 
-// The page that was chosen has the focus, as the one that is clicked in the sidebar leads to it with Return.
-void MainWindow::goTo(Screen screen) {
+// The page that was chosen has the focus, as the one that is clicked in the sidebar leads to it with Return;
+// or the part of it that was chosen.
+void MainWindow::goTo(Screen screen, const QString& part) {
     sidebar_->search().clear();
     model_.show(screen);
     refreshNow();
-    enterPage();
+    if (part.isEmpty() || !currentPage()->lead(part)) enterPage();
 }
 
 void MainWindow::enterPage() {

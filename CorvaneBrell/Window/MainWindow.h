@@ -51,7 +51,7 @@ protected:
 
 private:
     void modelChanged(Topic topic);
-    void goTo(Screen screen);
+    void goTo(Screen screen, const QString& part);
     void showScreen(Screen screen);
     void showPage(Page* page);
     void search(const QString& query);

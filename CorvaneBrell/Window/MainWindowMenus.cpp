@@ -79,7 +79,8 @@ void MainWindow::makeViewMenu() {
     QMenu* menu = menuBar()->addMenu(tr("View"));
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) {
         const auto screen = static_cast<Screen>(i);
-        QAction* action = menu->addAction(label(qt(title(screen))), this, [this, screen] { goTo(screen); });
+        QAction* action =
+            menu->addAction(label(qt(title(screen))), this, [this, screen] { goTo(screen, {}); });
         if (i < 9) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(i + 1)));
     }
     menu->addSeparator();

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "CorvaneBrell/Window/QtText.h"
+#include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/Symbol.h"
 #include "CorvaneBrell/Window/TabOrder.h"
@@ -108,6 +109,19 @@ void Page::resizeEvent(QResizeEvent* event) {
 }
 
 void Page::setHeadLine(QWidget* line) {
+bool Page::lead(const QString& name) {
+    auto* row = findChild<Row*>(name);
+    if (!row || !row->isVisibleTo(this)) return false;
+    row->setOpen(true);
+    scroll_->verticalScrollBar()->setValue(0);
+    scrollIntoView(row);
+    if (row->isOpen())
+        row->focusArrow();
+    else if (QWidget* first = firstControl(row))
+        first->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
     headColumn_->addWidget(line);
 }
 

@@ -26,6 +26,9 @@ public:
     // the first call names every one. Called only while the page is shown, on the main thread.
     virtual void refresh(const Changes& changed) = 0;
 
+    // Brings the row of this name into sight, opened and with the focus. False where there is none.
+    virtual bool lead(const QString& name);
+
     QScrollArea* scrollArea() const { return scroll_; }
 
 protected:

@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/Row.h"
 
 #include <QBoxLayout>
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
@@ -83,9 +84,11 @@ void scrollIntoView(QWidget* opened) {
     QTimer::singleShot(0, opened, [opened] {
         QWidget* above = opened->parentWidget();
         while (above && !qobject_cast<QScrollArea*>(above)) above = above->parentWidget();
-        const auto* scroll = qobject_cast<QScrollArea*>(above);
+        auto* scroll = qobject_cast<QScrollArea*>(above);
         if (!scroll || opened->isHidden()) return;
         scroll->widget()->layout()->activate();
+        QEvent laidOut(QEvent::LayoutRequest);
+        QCoreApplication::sendEvent(scroll, &laidOut);  // of a new page the bar has no range before
         const int top = opened->mapTo(scroll->widget(), QPoint()).y() - margin;
         const int bottom = top + opened->height() + 2 * margin;
         QScrollBar* bar = scroll->verticalScrollBar();

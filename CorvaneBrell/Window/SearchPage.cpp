@@ -1,58 +1,63 @@
 #include "CorvaneBrell/Window/SearchPage.h"
 
-#include <QPushButton>
-
 #include "CorvaneBrell/Model/AppModel.h"
-#include "CorvaneBrell/Window/Card.h"
 #include "CorvaneBrell/Window/QtText.h"
-#include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/TweakList.h"
 
 namespace brell {
 
+// The login items last: they may still be read while the results are shown, and nothing is below them.
 SearchPage::SearchPage(AppModel& model, QWidget* parent)
     : Page(tr("Search"), tr("Esc leads back to the page you came from."), parent),
       model_(model),
-      list_(new TweakList(model)),
-      screensHeading_(sectionHeading(tr("Pages"))),
-      screens_(new Card) {
+      search_(model.catalog(), model.macOSMajor()),
+      list_(new TweakList(model)) {
     content()->addWidget(list_);
-    content()->addWidget(screensHeading_);
-    content()->addWidget(screens_);
-    screensHeading_->hide();
-    screens_->hide();
+    addSection(std::nullopt);
+    addSection(Screen::privacy);
+    addSection(Screen::loginItems);
+}
+
+void SearchPage::addSection(std::optional<Screen> page) {
+    const QString heading = page ? tr("On the page %1").arg(qt(title(*page))) : tr("Pages");
+    auto* list = new RecordList<PlaceRow>(heading, [this] {
+        auto* row = new PlaceRow;
+        connect(row, &PlaceRow::asked, this, &SearchPage::placeAsked);
+        return row;
+    });
+    connect(list, &RowColumn::moreWanted, this, &SearchPage::find);
+    content()->addWidget(list);
+    sections_.push_back({page, list});
 }
 
 void SearchPage::setQuery(const QString& query) {
-    const SearchResults found = model_.search().find(utf8(query));
-    list_->showResults(found.tweaks, query.split(' ', Qt::SkipEmptyParts));
-    showScreens(found.screens);
-    const bool nothing = found.tweaks.empty() && found.screens.empty();
-    setEmptyState(
-        nothing ? tr("Nothing is called “%1”; try another word for it.").arg(inBrief(query.trimmed(), 60))
-                : QString());
+    query_ = query;
+    find();
 }
 
-void SearchPage::refresh(const Changes&) {
-    list_->refresh();
+void SearchPage::refresh(const Changes& changed) {
+    if (!changed.contains(Topic::loginItems)) return list_->refresh();
+    search_.setLoginItems(model_.state().loginItems);
+    find();
 }
 
-void SearchPage::showScreens(const std::vector<Screen>& screens) {
-    if (screens == shownScreens_) return;
-    shownScreens_ = screens;
-    screens_->clear();
-    screensHeading_->setVisible(!screens.empty());
-    screens_->setVisible(!screens.empty());
-    for (const Screen screen : screens) {
-        auto* row = new Row(qt(title(screen)));
-        row->setWhat(qt(purpose(screen)));
-        auto* open = actionButton(tr("Open"), qt(symbol(screen)));
-        open->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-        open->setAccessibleName(tr("Open the page %1").arg(qt(title(screen))));
-        connect(open, &QPushButton::clicked, this, [this, screen] { emit screenAsked(screen); });
-        row->setControl(open);
-        screens_->add(row);
+void SearchPage::find() {
+    const SearchResults found = search_.find(utf8(query_));
+    const QStringList words = query_.split(' ', Qt::SkipEmptyParts);
+    list_->showResults(found.tweaks, words);
+    for (const Section& section : sections_) {
+        std::vector<FoundPlace> first;
+        std::size_t all = 0;
+        for (const Place* place : found.places)
+            if (section.page == (place->id.empty() ? std::nullopt : std::optional(place->screen)) &&
+                all++ < section.list->limit())
+                first.push_back({*place, words});
+        section.list->setRecords(first, all);
     }
+    const bool nothing = found.tweaks.empty() && found.places.empty();
+    setEmptyState(
+        nothing ? tr("Nothing is called “%1”; try another word for it.").arg(inBrief(query_.trimmed(), 60))
+                : QString());
 }
 
 }  // namespace brell

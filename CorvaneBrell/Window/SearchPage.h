@@ -1,12 +1,13 @@
-// The findings of a search: tweaks that can be changed right here, and pages.
+// The findings of a search: tweaks that can be changed right here, pages, and what stands on them.
 #pragma once
 
 #include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/PlaceRow.h"
+#include "CorvaneBrell/Window/RecordList.h"
 
 namespace brell {
 
 class AppModel;
-class Card;
 class TweakList;
 
 class SearchPage final : public Page {
@@ -19,16 +20,23 @@ public:
     TweakList& list() const { return *list_; }
 
 signals:
-    void screenAsked(Screen screen);
+    // The id is that of what stands there; without one the page itself is asked for.
+    void placeAsked(Screen screen, const QString& id);
 
 private:
-    void showScreens(const std::vector<Screen>& screens);
+    struct Section {
+        std::optional<Screen> page;  // of what stands on it; without one the pages themselves
+        RecordList<PlaceRow>* list;
+    };
+
+    void addSection(std::optional<Screen> page);
+    void find();
 
     AppModel& model_;
+    TweakSearch search_;
+    QString query_;
     TweakList* list_;
-    Paragraph* screensHeading_;
-    Card* screens_;
-    std::vector<Screen> shownScreens_;
+    std::vector<Section> sections_;
 };
 
 }  // namespace brell

@@ -99,7 +99,7 @@ QString spoken(const QString& title, std::size_t count) {
 Sidebar::Sidebar(AppModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
-      search_(searchField(tr("Search"), tr("Search settings and pages"))),
+      search_(searchField(tr("Search"), tr("Search settings, login items and pages"))),
       pages_(pageList()) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(10, 14, 6, 10);

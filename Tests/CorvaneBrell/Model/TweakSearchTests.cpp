@@ -25,6 +25,15 @@ protected:
         return found.empty() ? "nothing" : found[0];
     }
 
+    // Each with the page and, where it stands on that, its id.
+    Texts places(std::string_view query) const {
+        Texts found;
+        for (const Place* place : search.find(query).places)
+            found.push_back(std::string(rawValue(place->screen)) +
+                            (place->id.empty() ? "" : " " + place->id));
+        return found;
+    }
+
     Texts inCatalogOrder(std::string_view group) const {
         Texts found;
         for (const Tweak& tweak : catalog.all())
@@ -84,10 +93,35 @@ TEST_F(TweakSearchTest, EquallyGoodOnesStandInTheOrderOfTheCatalogAndPagesAreFou
     for (const std::string& id : ids("apple"))
         if (id.starts_with("dock.")) ofTheDock.push_back(id);
     EXPECT_EQ(ofTheDock, inCatalogOrder("dock."));
-    EXPECT_EQ(search.find("startup").screens, std::vector{Screen::loginItems});
-    EXPECT_EQ(search.find("camera").screens.at(0), Screen::privacy);
-    EXPECT_EQ(search.find("log").screens, (std::vector{Screen::loginItems, Screen::journal}));
-    EXPECT_EQ(search.find("dock").screens.at(0), Screen::dock);
+    EXPECT_EQ(places("startup"), Texts{"loginItems"});
+    EXPECT_EQ(places("camera"), (Texts{"privacy camera", "privacy"}));
+    EXPECT_EQ(places("log"), (Texts{"loginItems", "journal"}));
+    EXPECT_EQ(places("dock").at(0), "dock");
+}
+
+TEST_F(TweakSearchTest, LoginItemsAreFoundByNameAppAndSubtitleUntilOthersAreThere) {
+    const auto item = [](const std::string& id, const std::string& title, const std::string& subtitle) {
+        return LoginItemRow{id,
+                            title,
+                            subtitle,
+                            LoginItemBadge::appManaged,
+                            {},
+                            {},
+                            {"Kestrel Suite", "", "", Risk::low, false},
+                            false,
+                            {},
+                            /*isOn*/ true};
+    };
+    search.setLoginItems({item("1", "Dispatch", "com.kestrelworks.notes · "), item("2", "Notes", "acme · "),
+                          item("3", "Dock helper", "acme · ")});
+    EXPECT_EQ(places("dispatch"), Texts{"loginItems 1"});
+    EXPECT_EQ(places("notes"), (Texts{"loginItems 2", "loginItems 1"})) << "the title counts most";
+    EXPECT_EQ(places("kestrel suite").size(), 3u);
+    EXPECT_EQ(places("dispacth"), Texts{"loginItems 1"}) << "two letters are swapped";
+    EXPECT_EQ(places("dock"), (Texts{"dock", "loginItems 3"}));
+    search.setLoginItems({item("4", "Other", "")});
+    EXPECT_EQ(places("dispatch"), Texts());
+    EXPECT_EQ(places("other").front(), "loginItems 4");
 }
 
 TEST_F(TweakSearchTest, AnEndlessQueryIsAnswered) {

@@ -6,6 +6,7 @@
 #include "CorvaneBrell/Window/ChangeRow.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
+#include "CorvaneBrell/Window/PlaceRow.h"
 #include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
@@ -58,6 +59,14 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
 
     go(Screen::loginItems);
     EXPECT_LE(rows<LoginItemView>(), 3 * batch);
+    window->sidebar().search().setText("helper");
+    settle();
+    EXPECT_EQ(rows<PlaceRow>(), batch + 1) << "with the page itself";
+    window->sidebar().search().setText("helper249");
+    settle();
+    press(visible<PlaceRow>(*window->currentPage()).front()->control()->accessibleName());
+    ASSERT_EQ(rows<LoginItemView>(), 1) << "it stands far down";
+    EXPECT_TRUE(visible<LoginItemView>(*window->currentPage()).front()->isOpen());
     auto* filter = window->currentPage()->findChild<QLineEdit*>();
     for (const char* typed : {"h", "helper", "helper2", "helper24", "helper249", "no such item", ""}) {
         fill(*filter, typed);

@@ -2,6 +2,7 @@
 #include <QListWidget>
 #include <QScrollBar>
 
+#include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/SearchPage.h"
 #include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
@@ -139,6 +140,39 @@ TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
     EXPECT_FALSE(isSearching());
     EXPECT_EQ(model->state().screen, Screen::finder);
     EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(WindowTest, WhatStandsOnAPageIsFoundAndLedTo) {
+    openWindow();
+    window->resize(820, 560);
+    const auto search = [&](const QString& query) {
+        window->sidebar().search().setText(query);
+        settle();
+    };
+    search("lumenfold");
+    EXPECT_TRUE(visible<PlaceRow>(page()).empty());
+    EXPECT_FALSE(model->state().loginItemsLoaded) << "nothing is read because somebody types";
+    go(Screen::loginItems);
+    page().findChild<QLineEdit*>()->setText("spotify");
+    go(Screen::finder);
+    for (const auto& [query, button, name] :
+         {std::tuple("sync lumenfold", "Open Lumenfold Sync on the page Login items", "Lumenfold Sync"),
+          std::tuple("record sound microphone", "Open Microphone on the page Privacy", "Microphone")}) {
+        search(query);
+        ASSERT_EQ(visible<PlaceRow>(page()).size(), 1) << query;
+        EXPECT_EQ(visible<Paragraph>(*visible<PlaceRow>(page()).front()).front()->marks().front(),
+                  QString(query).section(' ', 0, 0));
+        press(button);
+        Row* led = nullptr;
+        for (Row* one : visible<Row>(page()))
+            if (one->title() == name) led = one;
+        ASSERT_TRUE(led) << name;
+        EXPECT_TRUE(led->isAncestorOf(window->focusWidget()));
+        EXPECT_EQ(led->isOpen(), model->state().screen == Screen::loginItems);
+        const QWidget* viewport = window->currentPage()->scrollArea()->viewport();
+        EXPECT_TRUE(viewport->rect().contains(led->mapTo(viewport, QPoint(0, 20)))) << name;
+        EXPECT_EQ(window->sidebar().search().text(), "");
+    }
 }
 
 TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
