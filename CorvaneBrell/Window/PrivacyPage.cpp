@@ -61,10 +61,12 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
     tweaks_->show(tweaksOf(model, TweakGroup::privacy));
     content()->addWidget(tweaks_);
 
-    content()->addWidget(sectionHeading(tr("To review by hand")));
+    auto* section = new QVBoxLayout;
+    section->setSpacing(7);
+    section->addWidget(sectionHeading(tr("To review by hand")));
     const auto& all = PrivacyChecklist::cards();
     if (std::any_of(all.begin(), all.end(), [](const PrivacyCard& one) { return !one.paneConfirmed; }))
-        content()->addWidget(new Paragraph(
+        section->addWidget(new Paragraph(
             tr("The links to System Settings are not confirmed on this macOS: one may open another pane."),
             Paragraph::Look::secondary));
     auto* card = new Card;
@@ -72,7 +74,8 @@ PrivacyPage::PrivacyPage(AppModel& model, QWidget* parent)
         cards_.push_back(new PrivacyCardRow(model, privacyCard));
         card->add(cards_.back());
     }
-    content()->addWidget(card);
+    section->addWidget(card);
+    content()->addLayout(section);
 }
 
 void PrivacyPage::refresh(const Changes& changed) {
