@@ -106,6 +106,8 @@ void ReadingWork::readEntries(Everything& everything) {
         return entry.status == EntryStatus::capturing;
     };
     everything.entries = latestOnTop(deps_.journal->all());
+    for (const JournalEntry& entry : everything.entries)
+        if (entry.isActive()) deps_.titles.learn(entry);
     if (std::none_of(everything.entries.begin(), everything.entries.end(), isUnfinished)) return;
     const auto atRest = deps_.journal->allAtRest();
     everything.isChangedElsewhere = !atRest;
@@ -113,8 +115,6 @@ void ReadingWork::readEntries(Everything& everything) {
 }
 
 ToldHistory ReadingWork::history(std::optional<int> days, const ToldHistory& shown) {
-    for (const JournalEntry& entry : everything.entries)
-        if (entry.isActive()) deps_.titles.learn(entry);
     const std::vector<HistoryLine> lines = deps_.journal->history(days);
     for (const HistoryLine& line : lines) deps_.titles.learn(line.entry);
     auto told = toldHistory(lines, deps_.titles);
@@ -137,6 +137,7 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
     items.tasks = tasks.kept;
     const auto merge = [&] {
         items.rows = LoginItemsMerger::merge(user, system, items.tasks.get(), deps_.machine.uid);
+        deps_.titles.learn(items.rows);
     };
     const auto showSoFar = [&] {
         if (!soFar) return;
@@ -144,7 +145,6 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
         soFar(items);
     };
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) noteRefusal(user[i], items);
-        deps_.titles.learn(items.rows);
     noteFacts(user, items);
     noteFacts(system, items);
     showSoFar();

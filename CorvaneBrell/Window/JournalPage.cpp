@@ -122,8 +122,10 @@ void JournalPage::showSummary(std::size_t drifted) {
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
     summary_->setText(active > 0 ? parts.join(", ") + "." : tr("No active change."));
     if (active > 0) return setEmptyState({});
-    if (isLocked())
-        setEmptyState(tr("The change journal could not be opened, so there is nothing to show here."));
+    if (state.isLeaving)
+        setEmptyState(tr("Brell is being left, so there is nothing to show here."));
+    else if (isLocked())
+        setEmptyState(tr("The change journal can't be read, so there is nothing to show here."));
     else if (state.entries.empty())
         setEmptyState(
             tr("Brell has changed nothing yet. Every change will be listed here, with the way back."));

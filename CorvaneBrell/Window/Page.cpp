@@ -65,6 +65,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     emptyColumn_->setContentsMargins(8, 24, 8, 24);
     emptyColumn_->setSpacing(12);
     emptyColumn_->addWidget(emptyText_);
+    empty_->setObjectName("emptyState");
     empty_->hide();
 
     auto* column = new QWidget;
@@ -108,7 +109,6 @@ void Page::resizeEvent(QResizeEvent* event) {
     alignColumn();
 }
 
-void Page::setHeadLine(QWidget* line) {
 bool Page::lead(const QString& name) {
     auto* row = findChild<Row*>(name);
     if (!row || !row->isVisibleTo(this)) return false;
@@ -122,6 +122,7 @@ bool Page::lead(const QString& name) {
     return true;
 }
 
+void Page::setHeadLine(QWidget* line) {
     headColumn_->addWidget(line);
 }
 

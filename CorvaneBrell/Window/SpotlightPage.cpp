@@ -52,10 +52,8 @@ void SpotlightPage::refresh(const Changes& changed) {
         volumes_->setRecords({volumes.begin(), volumes.begin() + static_cast<std::ptrdiff_t>(shown)},
                              volumes.size());
     }
-    if (!volumes.empty()) return setEmptyState({});
-    setEmptyState(model_.isBusy()
-                      ? tr("Spotlight is being asked about each volume.")
-                      : tr("No volume is mounted, so there is nothing that Spotlight could index."));
+    // There is always the startup volume.
+    setEmptyState(volumes.empty() ? tr("Spotlight is being asked about each volume.") : QString());
 }
 
 }  // namespace brell

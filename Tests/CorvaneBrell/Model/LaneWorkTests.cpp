@@ -173,9 +173,6 @@ TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
     dependencies.journal->upsert(entry);
     EXPECT_EQ(readings.undoing({"", {}, {entry.id}}).steps.at(0).lines,
               Texts{"com.apple.dock tilesize: again \"a  b\""});
-}
-
-TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
 
     const Uuid anew = made("dock.size");
     EXPECT_TRUE(readings.undoing({"", {}, {entry.id}}).steps.empty()) << "an undo leaves that as it is";
@@ -202,6 +199,9 @@ TEST_F(LaneWorkTest, WhatASheetDidNotShowIsNotOverwritten) {
         EXPECT_EQ(outcome.question.value().entries.at(0).words, "Now 77, back to 41");
         writeFromOutside(tileSize, 50);
     }
+}
+
+TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
     const Uuid back = made("dock.autohide"), theirs = made("dock.size"), ours = made("finder.show_hidden");
     const Uuid agentOff =
         changes.switchAgents(readings.agentConfirm({agent(duskwatch)}, false)).made.at(0).id;

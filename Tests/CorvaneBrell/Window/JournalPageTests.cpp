@@ -163,16 +163,4 @@ TEST_F(JournalPageTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) 
     EXPECT_GE(copied.indexOf("_FXSortFoldersFirst"), 0);
 }
 
-TEST_F(JournalPageTest, AnEmptyJournalSaysThatNothingWasChanged) {
-    openWindow();
-    go(Screen::journal);
-    EXPECT_TRUE(words(page()).contains("Brell has changed nothing yet."));
-    EXPECT_FALSE(button(page(), "Restore All").isEnabled());
-    settled()->apply("dock.autohide");
-    EXPECT_TRUE(words(page()).contains("1 active change."));
-    press("Restore Hide the Dock automatically");
-    settled()->confirmRestore();
-    EXPECT_TRUE(words(page()).contains("every setting Brell changed is back to what it was."));
-}
-
 }  // namespace brell::testing

@@ -1,6 +1,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
 #include <QToolButton>
 
 #include "CorvaneBrell/Window/ChoiceBox.h"
@@ -8,13 +9,45 @@
 #include "CorvaneBrell/Window/PrivacyPage.h"
 #include "CorvaneBrell/Window/Sheet.h"
 #include "CorvaneBrell/Window/SpotlightPage.h"
+#include "CorvaneBrell/Window/TickBox.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace brell::testing {
 
 namespace {
 
-using PagesTest = WindowTest;
+class PagesTest : public WindowTest {
+protected:
+    // The sentence in place of the page's content, or nothing.
+    QString emptyState() const {
+        const auto* part = page().findChild<QWidget*>("emptyState");
+        return part->isVisible() ? visible<Paragraph>(*part).front()->text() : QString();
+    }
+
+    void search(const QString& query) { window->sidebar().search().setText(query); }
+    void filter(const QString& text) { page().findChild<QLineEdit*>()->setText(text); }
+    void damageTheJournal() {
+        setContents(*options.journalDirectory / "journal.json", "damaged");
+        settled()->refreshAll();
+    }
+    void haveItem(const std::string& label) {
+        std::filesystem::create_directories(sample.launchAgents());
+        setContents(sample.launchAgents() / (label + ".plist"),
+                    "<plist><dict><key>Label</key><string>" + label + "</string></dict></plist>");
+    }
+    // Which alone is shown.
+    void haveANewItem() {
+        haveItem("com.acme.new");
+        settled()->loadLoginItems();
+        page().findChild<TickBox*>()->setChecked(true);
+    }
+    void removeItems() {
+        for (const auto& jobs :
+             {"Users/sam/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons"})
+            std::filesystem::remove_all(sample.systemRoot() / jobs);
+        settled()->loadLoginItems();
+    }
+};
 
 }  // namespace
 
@@ -90,19 +123,58 @@ TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
     }
 }
 
-TEST_F(PagesTest, EveryPageWithoutContentSaysSoInASentence) {
+TEST_F(PagesTest, EveryPageThatIsEmptySaysWhyAndHasTheActionThatFillsIt) {
+    struct Case {
+        Screen screen;
+        std::function<void()> arrange;
+        QString sentence, action;
+    };
+    std::vector<Case> cases{
+        {Screen::journal, [] {},
+         "Brell has changed nothing yet. Every change will be listed here, with the way back.", ""},
+        {Screen::journal, [&] { settled()->apply("dock.autohide"); }, "", ""},
+        {Screen::journal, [&] { settled()->turnOff("dock.autohide"); },
+         "No change is active: every setting Brell changed is back to what it was.", ""},
+        {Screen::journal, [&] { search("no such thing"); },
+         "Nothing is called “no such thing”; try another word for it.", ""},
+        {Screen::privacy, [&] { window->setChangedOnly(true); }, "", ""},
+        {Screen::loginItems, [&] { filter("no such item"); },
+         "No login item has “no such item” in its name, label, app or state.", "Show All"},
+        {Screen::loginItems, [&] { haveANewItem(); }, "", ""},
+        {Screen::loginItems, [&] { filter("lumenfold"); },
+         "No new login item has “lumenfold” in its name, label, app or state.", "Show All"},
+        {Screen::loginItems, [&] { removeItems(); },
+         "Nothing was found in the folders of launchd that starts by itself.", "Read Again"},
+        {Screen::spotlight, [] {}, "", ""},
+        {Screen::journal, [&] { damageTheJournal(); },
+         "The change journal can't be read, so there is nothing to show here.", ""}};
+    for (const Screen screen : allCases<Screen>())
+        if (screen < Screen::loginItems)
+            cases.push_back({screen, [&] { window->setChangedOnly(true); },
+                             "Nothing on this page is changed by Brell.", "Show All Settings"});
     openWindow();
-    window->setChangedOnly(true);
-    for (const Screen screen : allCases<Screen>()) {
-        if (screen == Screen::privacy || screen == Screen::loginItems || screen == Screen::spotlight)
-            continue;
-        go(screen);
-        QStringList sentences;
-        for (const Paragraph* text : visible<Paragraph>(*window->currentPage())) sentences << text->text();
-        EXPECT_TRUE(!sentences.filter("Nothing on this page is changed by Brell.").isEmpty() ||
-                    !sentences.filter("No change").isEmpty() || !sentences.filter("no change").isEmpty() ||
-                    !sentences.filter("nothing").isEmpty())
-            << title(screen) << ": " << utf8(sentences.join(" | "));
+    for (const Case& one : cases) {
+        SCOPED_TRACE(std::string(title(one.screen)) + ": " + utf8(one.sentence));
+        go(one.screen);
+        one.arrange();
+        settle();
+        EXPECT_EQ(emptyState(), one.sentence);
+        if (one.action.isEmpty()) continue;
+        if (one.action == "Read Again") haveItem("com.acme.again");
+        press(one.action);
+        EXPECT_EQ(emptyState(), "");
+    }
+
+    // Before the first answer.
+    openWindow();
+    for (const auto& [screen, sentence] :
+         {std::pair(Screen::loginItems, "The login items are being read."),
+          std::pair(Screen::spotlight, "Spotlight is being asked about each volume.")}) {
+        model->show(screen);
+        window->refreshNow();
+        EXPECT_EQ(emptyState(), sentence);
+        settle();
+        EXPECT_EQ(emptyState(), "");
     }
 }
 
