@@ -33,9 +33,11 @@ bool isFiller(std::string_view word) {
 std::vector<std::string> wordsOf(std::string_view text) {
     std::vector<std::string> words;
     const std::string slug = lowerCaseSlug(text);
+    const bool isFolded = isAscii(slug);
     for (std::size_t begin = 0; begin < slug.size();) {
         const std::size_t end = std::min(slug.find('-', begin), slug.size());
-        words.push_back(caseFolded(slug.substr(begin, end - begin), Accents::dropped));
+        std::string word = slug.substr(begin, end - begin);
+        words.push_back(isFolded ? std::move(word) : caseFolded(word, Accents::dropped));
         begin = end + 1;
     }
     return words;
@@ -140,7 +142,7 @@ void TweakSearch::indexCard(const PrivacyCard& card) {
 void TweakSearch::indexItem(const LoginItemRow& item) {
     const std::size_t subject = newPlace({Screen::loginItems, item.id, item.title, subtitleWords(item)});
     index(ofTheItems_, subject, item.title, Weight::title);
-    index(ofTheItems_, subject, item.explanation.app, Weight::title);
+    if (item.explanation.app != item.title) index(ofTheItems_, subject, item.explanation.app, Weight::title);
     index(ofTheItems_, subject, places_.back().what, Weight::key);
 }
 

@@ -3,6 +3,8 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 #include "BrellCore/Journal/Journal.h"
@@ -330,6 +332,24 @@ TEST_F(SheetsTest, TheStripTellsWhatConcernsNoPageAlone) {
     press(strip, "Dismiss: Brell could not do that");
     EXPECT_FALSE(model->state().errorMessage);
     EXPECT_EQ(strip.height(), height);
+}
+
+TEST_F(SheetsTest, ButtonsOfTheStripThatHaveNoRoomAreInAMenu) {
+    openLivedIn();
+    window->resize(window->minimumSize());
+    setContents(*options.journalDirectory / "journal.json", "damaged");
+    settled()->refreshAll();
+    EXPECT_TRUE(words(window->strip()).startsWith("The change journal")) << "some words have room";
+    EXPECT_TRUE(button(window->strip(), "Rebuild from History...").isEnabled());
+    press(window->strip(), "The change journal: more");
+    auto* others = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(others);
+    ASSERT_EQ(others->actions().back()->text(), "Show Restore Script");
+    others->actions().back()->trigger();
+    others->close();
+    settle();
+    EXPECT_TRUE(opened<QDialog>().findChild<QPlainTextEdit*>());
+    opened<QDialog>().close();
 }
 
 TEST_F(SheetsTest, WhatWasDoneIsToldForAWhileAndAsLongAsTheFocusIsOnIt) {
