@@ -88,7 +88,6 @@ TEST_F(RefusedChangesTest, WithAJournalThatGoesBadNothingIsClaimedUntilItCanBeRe
     const std::filesystem::path journal = *options.journalDirectory / "journal.json";
     const std::string before = contentsOf(journal);
     setContents(journal, before.substr(0, before.size() / 2));
-    const Texts changed = model->changedTweaks();
     settled()->refreshAll();
     EXPECT_EQ(model->changedTweaks(), changed) << "the last that is known";
     onEveryPage([&] {
