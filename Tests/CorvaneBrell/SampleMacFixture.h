@@ -34,6 +34,13 @@ protected:
     std::filesystem::path fileOf(const std::string& label) const {
         return sample.launchAgents() / (label + ".plist");
     }
+    // The text with every path as on a Mac of its own.
+    std::string withoutRoot(std::string text) const {
+        const std::string root = sample.systemRoot();
+        for (auto at = text.find(root); at != text.npos; at = text.find(root, at))
+            text.erase(at, root.size());
+        return text;
+    }
 
     const bool inMemory = (keepFoldersInMemory(), true);
     const TemporaryFolder folder;

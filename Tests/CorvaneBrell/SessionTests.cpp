@@ -29,8 +29,7 @@ protected:
 
     // Paths as on a Mac of its own, entries by numbers in the order in which they are told of.
     std::string told(std::string text) {
-        const std::string root = sample.systemRoot();
-        for (auto at = text.find(root); at != text.npos; at = text.find(root)) text.erase(at, root.size());
+        text = withoutRoot(std::move(text));
         const std::regex id("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
         for (std::smatch found; std::regex_search(text, found, id);) {
             const auto number = entries.try_emplace(found.str(), entries.size() + 1).first->second;

@@ -37,19 +37,9 @@ protected:
     void apply(const std::vector<const char*>& tweakIDs) {
         for (const char* id : tweakIDs) settled()->apply(id);
     }
-    void restoreAll(const std::set<Uuid>& ticked = {}) {
-        settled()->askRestoreAll();
-        settled()->confirmRestore(ticked);
-    }
 
     const AppState& state() const { return model->state(); }
-    const TweakState& stateOf(const std::string& tweakID) const {
-        return state().statuses.find(tweakID)->second.state;
-    }
     std::string error() const { return state().errorMessage.value_or(""); }
-    std::set<EffectClass> waiting() const {
-        return pendingEffects(state().pendingRelaunches, model->catalog());
-    }
 
     FakeMainLoop loop;
     SimulatedApplications applications{loop};

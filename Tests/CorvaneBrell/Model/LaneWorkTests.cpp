@@ -105,67 +105,6 @@ TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
     EXPECT_EQ(stored(showHidden), StoredValue::absent());
 }
 
-TEST_F(LaneWorkTest, APresetReportsWhatWasRefusedAndWhatWasLeftOut) {
-    made("dock.autohide");
-    told.clear();
-    const PresetPlan plan{{"mine", "Mine", "", {}},
-                          {{"dock.autohide", "", WouldChange{}},
-                           {"dock.size", "", WouldChange{}},
-                           {"dock.magnify", "Magnify", WouldBeRefused{"It is managed."}}},
-                          {"dock.unheard_of"},
-                          {"mc.fast_animation"}};
-    const ChangeOutcome outcome = changes.applyPreset(plan);
-    EXPECT_EQ(
-        outcome.report,
-        (Texts{"1 of 3 changes were made; 2 were refused.", "Magnify: It is managed.",
-               "Hide the Dock automatically already has an active change (applied); turn it off first.",
-               "Left out, because this version of Brell does not know them: dock.unheard_of.",
-               "Left out, because experimental tweaks are never applied by a preset: Faster Mission Control "
-               "animation.",
-               "Changed: Icon size."}));
-    ASSERT_EQ(outcome.made.size(), 1u);
-    EXPECT_EQ(outcome.undo.done, (SessionChange{"Mine", {outcome.made[0].id}, {}}));
-    EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 2}})) << "of so few it tells only once";
-
-    isEnding = true;
-    EXPECT_TRUE(
-        changes.applyPreset({plan.preset, {{"dock.magnify", "", WouldChange{}}}, {}, {}}).made.empty());
-}
-
-TEST_F(LaneWorkTest, AgentsAreSwitchedAndSwitchedAgainByAnUndo) {
-    const AgentConfirmRequest off =
-        readings.agentConfirm({agent(duskwatch), agent("com.apple.cleanup-helper")}, false);
-    EXPECT_EQ(off.title, "Turn off " + duskwatch);
-    EXPECT_EQ(off.refusals,
-              Texts{"com.apple.cleanup-helper is an Apple or Brell item; it is never changed."});
-    const ChangeOutcome switched = changes.switchAgents(off);
-    ASSERT_EQ(switched.made.size(), 1u);
-    EXPECT_EQ(told, (std::vector<Activity>{{"", 0, 1}}));
-    EXPECT_EQ(switched.undo.done.value().name, "Turn Off Duskwatch") << "as among the login items";
-
-    // Its app turns it on again; Brell turns it off again.
-    turnOnFromOutside(duskwatch);
-    ASSERT_EQ(readings.driftedAgents().size(), 1u);
-    EXPECT_EQ(told.back().what, "Asking launchd about what Brell switched");
-    const ChangeOutcome again = changes.applyAgain({switched.made[0].id});
-    EXPECT_EQ(again.failures, Texts());
-    EXPECT_TRUE(again.agentsTouched);
-    EXPECT_TRUE(readings.driftedAgents().empty());
-
-    // A change that a restore put back is made again by its undo, which the page of the login items has to
-    // show.
-    ASSERT_EQ(again.made.size(), 1u);
-    const ChangeOutcome restored = changes.restoreConfirmed({.others = {again.made[0].id}}, {});
-    ASSERT_TRUE(restored.undo.done);
-    EXPECT_EQ(restored.proof.value().words, "Duskwatch is back to on.");
-    const RestoreStep step = readings.undoing(*restored.undo.done).steps.at(0);
-    EXPECT_EQ(step, (RestoreStep{"Duskwatch", "Again as it was changed before", off.commands, true}));
-    const ChangeOutcome undone = changes.undoAction(*restored.undo.done);
-    EXPECT_EQ(undone.failures, Texts());
-    EXPECT_EQ(undone.made.size(), 1u);
-    EXPECT_TRUE(undone.agentsTouched);
-}
-
 TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
     JournalEntry entry = dependencies.journal->entry(made("dock.size")).value();
     entry.writes[0].written = PrefValue("a\n\u202Eb");
@@ -199,26 +138,6 @@ TEST_F(LaneWorkTest, WhatASheetDidNotShowIsNotOverwritten) {
         EXPECT_EQ(outcome.question.value().entries.at(0).words, "Now 77, back to 41");
         writeFromOutside(tileSize, 50);
     }
-}
-
-TEST_F(LaneWorkTest, WhatOthersSetIsKeptAndWhatIsBackIsClosed) {
-    const Uuid back = made("dock.autohide"), theirs = made("dock.size"), ours = made("finder.show_hidden");
-    const Uuid agentOff =
-        changes.switchAgents(readings.agentConfirm({agent(duskwatch)}, false)).made.at(0).id;
-    sample.openPreferences()->put(dependencies.journal->entry(back)->writes[0].original, autohide);
-    writeFromOutside(tileSize, 99);
-    turnOnFromOutside(duskwatch);
-    const auto before = everythingIn(sample.preferences());
-
-    const ChangeOutcome kept = changes.keepTheirs({back, theirs, ours, agentOff});
-    EXPECT_EQ(kept.failures.size(), 1u) << "nobody changed the third";
-    EXPECT_TRUE(kept.agentsTouched);
-    EXPECT_EQ(everythingIn(sample.preferences()), before);
-    ASSERT_EQ(dependencies.journal->active().size(), 1u);
-    EXPECT_EQ(dependencies.journal->active()[0].id, ours);
-    EXPECT_EQ(dependencies.journal->entry(back)->failure, std::nullopt);
-    EXPECT_TRUE(dependencies.journal->entry(theirs)->failure);
-    EXPECT_FALSE(changes.keepTheirs({ours}).agentsTouched);
 }
 
 TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
