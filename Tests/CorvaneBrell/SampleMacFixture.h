@@ -34,11 +34,15 @@ protected:
     std::filesystem::path fileOf(const std::string& label) const {
         return sample.launchAgents() / (label + ".plist");
     }
-    // The text with every path as on a Mac of its own.
+    // The text with every path as on a Mac of its own, quoted for a shell or not.
     std::string withoutRoot(std::string text) const {
         const std::string root = sample.systemRoot();
-        for (auto at = text.find(root); at != text.npos; at = text.find(root, at))
+        for (auto at = text.find(root); at != text.npos; at = text.find(root, at)) {
             text.erase(at, root.size());
+            if (root.find(' ') == root.npos || at == 0 || text[at - 1] != '\'') continue;
+            text.erase(text.find('\'', at), 1);
+            text.erase(--at, 1);
+        }
         return text;
     }
 

@@ -23,6 +23,7 @@ protected:
                         {"HOME", sample.home()},
                         {"JOURNAL", journalDirectory},
                         {"TMPDIR", temporary},
+                        {"BRELL_SAMPLE_MAC", sample.systemRoot()},
                         {"DEFAULTS_FOLDER", sample.preferences()},
                         {"PATH", BRELL_STAND_INS ":" + std::string(std::getenv("PATH"))}});
     }
@@ -63,6 +64,7 @@ TEST_P(SessionTest, RunsAsItWasWrittenDown) {
 
 INSTANTIATE_TEST_SUITE_P(CommandLine, SessionTest,
                          ::testing::Values("agents.txt", "apply-and-restore.txt", "crash.txt", "dry-run.txt",
-                                           "tour.txt", "dry-run-over-a-journal.txt", "words.txt"));
+                                           "launchd.txt", "tour.txt", "dry-run-over-a-journal.txt",
+                                           "words.txt"));
 
 }  // namespace brell::testing

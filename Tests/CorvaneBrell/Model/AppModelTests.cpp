@@ -53,6 +53,38 @@ TEST_F(AppModelTest, WithoutAPlaceForADryRunBothReasonsAreGiven) {
     EXPECT_NE(both.find(". The folder for temporary files, TMPDIR, could not be used: "), std::string::npos);
 }
 
+TEST_F(AppModelTest, WhileAnAgentIsSwitchedItIsToldWhatIsWaitedFor) {
+    const std::string duskwatch = "com.halverson.duskwatch";
+    sample.openTools()->launchd().setBehaviour(duskwatch, {8, 0, 37, {}});  // nearly two seconds
+    open();
+    settled()->loadLoginItems();
+    settled()->askAgents({"user:" + fileOf(duskwatch).string()}, false);
+    Texts told;
+    std::size_t interrupted = 0;
+    model->setObserver([&](Topic) {
+        interrupted += state().interrupted.size();
+        const auto& activity = state().changeActivity;
+        if (!activity || (!told.empty() && told.back() == activity->what)) return;
+        told.push_back(activity->what);
+        model->refreshAll();
+    });
+    settled()->confirmAgents();
+    EXPECT_EQ(interrupted, 0u) << "a change of ours that is under way is not interrupted";
+    EXPECT_EQ(told,
+              (Texts{"Turning off " + duskwatch, "Waiting up to 10 seconds for " + duskwatch + " to end"}));
+}
+
+TEST(AgentConfirmRequest, SaysWhereItLeads) {
+    for (const Texts& row : sampleRows("Words/agent-targets.txt")) {
+        AgentConfirmRequest request{};
+        std::istringstream targets(row[0]);
+        for (std::string target; targets >> target;)
+            request.targets.push_back({target.starts_with("disabled"), target.ends_with(",loaded")});
+        request.turningOn = !request.targets.front().isDisabled;
+        EXPECT_EQ(request.explanation(), row[1]);
+    }
+}
+
 TEST_F(AppModelTest, TheModelMayEndWhileWorkIsUnderWay) {
     open();
     model->apply("dock.autohide");
