@@ -124,9 +124,10 @@ protected:
                 all["changes of " + std::string(rawValue(screen))] = std::to_string(count);
         if (const auto* next = state().undo.next())
             all["undo"] = next->name + ", " + std::to_string(state().undo.size()) + " in all";
-        for (const Notice& notice : standingNotices(state(), model->catalog(), model->whyNothingReal()))
-            all[noticeNames[static_cast<std::size_t>(notice.kind)]] = notice.words;
-        all["done"] = lines({each(doneNotices(state()), [](const Notice& notice) { return notice.words; })});
+        const auto saying = [](const Notice& notice) { return notice.words; };
+        all["notices"] =
+            lines({each(standingNotices(state(), model->catalog(), model->whyNothingReal()), saying)});
+        all["done"] = lines({each(doneNotices(state()), saying)});
         if (const auto& error = state().startupError)
             all["unopened"] = *error + (state().isJournalDamaged ? " (damaged)" : "");
         if (isLocked(state())) all["locked"] = "yes";
@@ -286,13 +287,11 @@ protected:
         for (const auto& [name, value] : last)
             if (!now.contains(name)) told += name + ": gone\n";
         last = std::move(now);
-        static const std::regex day("20[0-9]{2}-[0-9]{2}-[0-9]{2}(-[0-9]{6})?(-[0-9]+)?");
+        static const std::regex day(
+            "20[0-9]{2}-[0-9]{2}-[0-9]{2}(-[0-9]{6})?(-[0-9]+)?|[0-9]+ [A-Z][a-z]+ 20[0-9]{2}");
         return std::regex_replace(withoutRoot(told), day, "DAY");
     }
 
-    static constexpr std::array noticeNames{
-        "journal",     "error",  "failed recovery", "incomplete undo", "failed relaunch", "warning",
-        "interrupted", "update", "relaunch",        "dry run",         "activity",        "done"};
     const Preferences original = preferences();
     Facts last;
 };
