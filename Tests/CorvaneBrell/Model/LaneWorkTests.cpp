@@ -47,6 +47,13 @@ protected:
 
 }  // namespace
 
+TEST_F(LaneWorkTest, NoFurtherChangeIsBegunOnceBrellEnds) {
+    const Uuid earlier = made("dock.size");
+    isEnding = true;
+    EXPECT_TRUE(changes.applyPreset({{}, {{"dock.autohide", "", WouldChange{}}}, {}, {}}).made.empty());
+    EXPECT_TRUE(changes.applyAgain({earlier}).made.empty());
+}
+
 TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
     const Uuid replaced = made("finder.show_hidden");
     changes.restoreConfirmed({.others = {replaced}}, {});
