@@ -1,11 +1,7 @@
 // Every page as assistive technology and the keyboard meet it.
 
 #include <QAccessible>
-#include <QListWidget>
-#include <QToolButton>
 
-#include "CorvaneBrell/Window/ChoiceBox.h"
-#include "CorvaneBrell/Window/Switch.h"
 #include "CorvaneBrell/Window/TabOrder.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
@@ -79,7 +75,7 @@ TEST_F(WindowTest, TabReachesEveryControlFromTopToBottomAndComesRound) {
     settled()->apply("dock.autohide");  // a row above the others
     onEveryPage([&] {
         std::set<QWidget*> wanted;
-        for (QWidget* widget : visible<QWidget>(*window->currentPage()))
+        for (QWidget* widget : visible<QWidget>())
             if (widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus) wanted.insert(widget);
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));

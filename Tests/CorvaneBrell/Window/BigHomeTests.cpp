@@ -5,9 +5,7 @@
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "CorvaneBrell/Window/ChangeRow.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
-#include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/PlaceRow.h"
-#include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace brell::testing {
@@ -31,18 +29,6 @@ protected:
                     sampleDump(items, agents - items / 10, sample.home()));
         openWindow();
     }
-
-    template <class Kind>
-    std::size_t rows() const {
-        return visible<Kind>(*window->currentPage()).size();
-    }
-
-    std::size_t linesIn(const QWidget& sheet) const {
-        std::size_t lines = 0;
-        for (const SelectableText* text : visible<SelectableText>(sheet))
-            lines += static_cast<std::size_t>(text->document()->blockCount());
-        return lines;
-    }
 };
 
 TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
@@ -50,27 +36,24 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
     for (const Screen screen : allCases<Screen>()) go(screen);
     go(Screen::journal);
     ASSERT_EQ(model->state().driftedAgents.size(), agents);
-    EXPECT_EQ(rows<ChangeRow>(), batch) << "every one drifted";
-    EXPECT_GE(rows<HistoryRow>(), batch);
-    EXPECT_LE(rows<HistoryRow>(), 2 * batch) << "with a heading a day";
-    press(*window->currentPage(), "Show 100 More");
-    press(*window->currentPage(), "Show 50 More");
-    EXPECT_EQ(rows<ChangeRow>(), agents);
+    EXPECT_EQ(visible<ChangeRow>().size(), batch) << "every one drifted";
+    EXPECT_GE(visible<HistoryRow>().size(), batch);
+    EXPECT_LE(visible<HistoryRow>().size(), 2 * batch) << "with a heading a day";
+    press("Show 100 More");
+    press("Show 50 More");
+    EXPECT_EQ(visible<ChangeRow>().size(), agents);
 
     go(Screen::loginItems);
-    EXPECT_LE(rows<LoginItemView>(), 3 * batch);
-    window->sidebar().search().setText("helper");
-    settle();
-    EXPECT_EQ(rows<PlaceRow>(), batch + 1) << "with the page itself";
-    window->sidebar().search().setText("helper249");
-    settle();
-    press(visible<PlaceRow>(*window->currentPage()).front()->control()->accessibleName());
-    ASSERT_EQ(rows<LoginItemView>(), 1) << "it stands far down";
-    EXPECT_TRUE(visible<LoginItemView>(*window->currentPage()).front()->isOpen());
-    auto* filter = window->currentPage()->findChild<QLineEdit*>();
+    EXPECT_LE(visible<LoginItemView>().size(), 3 * batch);
+    search("helper");
+    EXPECT_EQ(visible<PlaceRow>().size(), batch + 1) << "with the page itself";
+    search("helper249");
+    press(visible<PlaceRow>().front()->control()->accessibleName());
+    ASSERT_EQ(visible<LoginItemView>().size(), 1) << "it stands far down";
+    EXPECT_TRUE(visible<LoginItemView>().front()->isOpen());
     for (const char* typed : {"h", "helper", "helper2", "helper24", "helper249", "no such item", ""}) {
-        fill(*filter, typed);
-        EXPECT_LE(rows<LoginItemView>(), 3 * batch);
+        filter(typed);
+        EXPECT_LE(visible<LoginItemView>().size(), 3 * batch);
     }
 }
 
@@ -78,41 +61,43 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
 TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
     openFull(EntryStatus::applied);
     go(Screen::loginItems);
-    auto* filter = window->currentPage()->findChild<QLineEdit*>();
-    const auto first = [&] { return visible<LoginItemView>(*window->currentPage()).front(); };
+    const auto first = [&] { return visible<LoginItemView>().front(); };
     const QPointer<LoginItemView> opened = first();
     opened->setOpen(true);
-    fill(*filter, "helper249");
-    for (const LoginItemView* row : visible<LoginItemView>(*window->currentPage())) {
+    filter("helper249");
+    for (const LoginItemView* row : visible<LoginItemView>()) {
         EXPECT_FALSE(row->isOpen());
         EXPECT_TRUE(row->accessibleName().contains("249")) << utf8(row->accessibleName());
         EXPECT_TRUE(row->findChild<Switch*>()->accessibleName().contains("249"));
     }
-    fill(*filter, "");
+    filter("");
     EXPECT_FALSE(first()->isOpen()) << "its details went with it";
 }
 
 TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     openFull(EntryStatus::capturing);
-    Sheet* recovery = window->sheets().current();
-    ASSERT_TRUE(recovery);
+    ASSERT_TRUE(sheet());
     const auto headings = [&] {
-        std::size_t named = 0;
-        for (const Paragraph* text : visible<Paragraph>(*recovery)) named += text->text().contains("helper");
-        return named;
+        const auto texts = visible<Paragraph>(*sheet());
+        return std::count_if(texts.begin(), texts.end(),
+                             [](auto* text) { return text->text().contains("helper"); });
     };
     EXPECT_EQ(headings(), batch);
-    press(*recovery, "Show 100 More");
+    press(*sheet(), "Show 100 More");
     EXPECT_EQ(headings(), 2 * batch);
     settled()->deferRecovery();
 
     settled()->askRestoreAll();
-    Sheet* restore = window->sheets().current();
-    ASSERT_TRUE(restore);
     ASSERT_EQ(model->state().restoreRequest->steps.size(), agents);
-    EXPECT_EQ(linesIn(*restore), 2 * batch);
-    press(*restore, "Show 100 More");
-    EXPECT_EQ(linesIn(*restore), 4 * batch);
+    const auto lines = [&] {
+        std::size_t shown = 0;
+        for (const SelectableText* text : visible<SelectableText>(*sheet()))
+            shown += text->document()->blockCount();
+        return shown;
+    };
+    EXPECT_EQ(lines(), 2 * batch);
+    press(*sheet(), "Show 100 More");
+    EXPECT_EQ(lines(), 4 * batch);
 }
 
 }  // namespace

@@ -2,9 +2,6 @@
 #include <QTextBrowser>
 #include <QUrl>
 
-#include "CorvaneBrell/Window/LoginItemView.h"
-#include "CorvaneBrell/Window/Sheet.h"
-#include "CorvaneBrell/Window/Switch.h"
 #include "CorvaneBrell/Window/TickBox.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
@@ -15,10 +12,9 @@ namespace {
 class LoginItemsPageTest : public WindowTest {
 protected:
     LoginItemView& agent(const std::string& label) {
-        for (const LoginItemRow& row : model->state().loginItems)
-            if (row.record && row.record->label() == label)
-                if (auto* view = page().findChild<LoginItemView*>(qt(row.id))) return *view;
-        throw std::runtime_error("no row for " + label);
+        auto* view = page().findChild<LoginItemView*>(qt(itemOf(label).id));
+        if (!view) throw std::runtime_error("there is no row for " + label);
+        return *view;
     }
 };
 
@@ -53,14 +49,9 @@ TEST_F(LoginItemsPageTest, LoginItemsStandInTheirGroupsWithASwitchOnlyWhereItCan
          {LoginItemBadge::toggleable, LoginItemBadge::adminOnly, LoginItemBadge::appManaged})
         EXPECT_EQ(words(page()).count(qt(text(badge))), 1);
 
-    expectWords(agent("com.orrerylabs.telemetry"), {"keeps crashing and restarting"});
-    expectWords(agent("com.halverson.duskwatch.menu"), {"not allowed in System Settings"});
-    expectWords(agent("com.google.keystone.agent"), {"Risk: medium"});
-    expectWords(agent("org.fernwright.notes"),
-                {"its program is missing: /Applications/Fernwright Notes.app/Contents"});
-    LoginItemView& refused = agent("homebrew.mxcl.postgresql@16");
-    EXPECT_FALSE(refused.findChild<Switch*>()->isEnabled());
-    expectWords(refused, {"contains characters Brell does not pass to launchctl."});
+    for (const auto& labelAndWords : sampleRows("Words/rows-of-agents.txt"))
+        expectWords(agent(labelAndWords.at(0)), {qt(labelAndWords.at(1))});
+    EXPECT_FALSE(agent("homebrew.mxcl.postgresql@16").findChild<Switch*>()->isEnabled());
 }
 
 TEST_F(LoginItemsPageTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
@@ -104,30 +95,27 @@ TEST_F(LoginItemsPageTest, AnAgentsSwitchMovesOnlyWhenTheAgentHasBeenSwitched) {
 
 TEST_F(LoginItemsPageTest, TheFilterFindsByNameLabelAndAppAndSaysWhenNothingDoes) {
     openOn(Screen::loginItems);
-    auto* filter = page().findChild<QLineEdit*>();
     const auto found = [&](const QString& typed) {
-        fill(*filter, typed);
-        return visible<LoginItemView>(page()).size();
+        filter(typed);
+        return visible<LoginItemView>().size();
     };
     const std::size_t all = found("");
-    EXPECT_LT(found("homebrew"), all);
     for (const char* one : {"KEYSTONE", "crash", "spotify", "google chrome", "missing"})
         EXPECT_EQ(found(one), 1) << one;  // among them the app that a job names
     EXPECT_EQ(found("no such item"), 0);
-    type(filter, Qt::Key_Escape);
-    EXPECT_EQ(visible<LoginItemView>(page()).size(), all);
+    type(page().findChild<QLineEdit*>(), Qt::Key_Escape);
+    EXPECT_EQ(visible<LoginItemView>().size(), all);
 }
 
 TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) {
+    const auto placeOf = [&](const QWidget* part) {
+        return QRect(part->mapToGlobal(QPoint()), part->size());
+    };
     const auto places = [&] {
-        std::vector<QRect> found;
-        for (const QWidget* part : {static_cast<QWidget*>(page().findChild<QLineEdit*>()),
-                                    static_cast<QWidget*>(page().findChild<TickBox*>())})
-            found.emplace_back(part->mapToGlobal(QPoint()), part->size());
-        return found;
+        return std::pair(placeOf(page().findChild<QLineEdit*>()), placeOf(page().findChild<TickBox*>()));
     };
     openOn(Screen::loginItems);
-    const std::size_t before = visible<LoginItemView>(page()).size();
+    const std::size_t before = visible<LoginItemView>().size();
     const auto placesBefore = places();
     EXPECT_FALSE(page().findChild<TickBox*>()->isEnabled()) << "the first visit";
     const std::string label = "com.acme.dispatch";
@@ -140,12 +128,12 @@ TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) 
     expectWords(item, {"new since your last visit"});
 
     press(toggle->accessibleName());
-    EXPECT_EQ(visible<LoginItemView>(page()), std::vector<LoginItemView*>{&item});
+    EXPECT_EQ(visible<LoginItemView>(), std::vector<LoginItemView*>{&item});
     EXPECT_EQ(places(), placesBefore);
-    fill(*page().findChild<QLineEdit*>(), "duskwatch");
-    EXPECT_TRUE(visible<LoginItemView>(page()).empty()) << "both are asked for";
+    filter("duskwatch");
+    EXPECT_TRUE(visible<LoginItemView>().empty()) << "both are asked for";
     press("Show All");
-    EXPECT_EQ(visible<LoginItemView>(page()).size(), before + 1);
+    EXPECT_EQ(visible<LoginItemView>().size(), before + 1);
 
     // Where its job file lies, as the desktop shows folders.
     QTextBrowser folders;
@@ -163,12 +151,12 @@ TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) 
 TEST_F(LoginItemsPageTest, TheTaskListIsReadAfterTheButtonThatSaysWhatItMayCost) {
     openOn(Screen::loginItems);
     const QString ask = "Read macOS's List of Background Items...";
-    const std::size_t before = visible<LoginItemView>(page()).size();
+    const std::size_t before = visible<LoginItemView>().size();
     expectWords(page(), {"may be missing here"});
     press(ask);
     expectWords(opened<Sheet>(), {"macOS may ask for an administrator's password"});
     press(opened<Sheet>(), "Read the List");
-    EXPECT_GT(visible<LoginItemView>(page()).size(), before);
+    EXPECT_GT(visible<LoginItemView>().size(), before);
     EXPECT_FALSE(words(page()).contains("may be missing here"));
 
     std::filesystem::remove(sample.systemRoot() / "private/var/db/background-tasks.txt");

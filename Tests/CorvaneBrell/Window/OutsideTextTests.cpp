@@ -1,12 +1,9 @@
 // Text from outside is shown as it is, and looking at it leaves no trace elsewhere.
 
 #include <QClipboard>
-#include <QFileDialog>
-#include <QPushButton>
 #include <QSettings>
 
 #include "CorvaneBrell/Window/FactList.h"
-#include "CorvaneBrell/Window/SelectableText.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace fs = std::filesystem;

@@ -1,13 +1,5 @@
-
-#include <gtest/gtest.h>
-
-#include <QLineEdit>
-#include <QToolButton>
-
-#include "CorvaneBrell/Window/ChoiceBox.h"
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/PrivacyPage.h"
-#include "CorvaneBrell/Window/Sheet.h"
 #include "CorvaneBrell/Window/SpotlightPage.h"
 #include "CorvaneBrell/Window/TickBox.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
@@ -24,16 +16,9 @@ protected:
         return part->isVisible() ? visible<Paragraph>(*part).front()->text() : QString();
     }
 
-    void search(const QString& query) { window->sidebar().search().setText(query); }
-    void filter(const QString& text) { page().findChild<QLineEdit*>()->setText(text); }
-    void damageTheJournal() {
-        setContents(*options.journalDirectory / "journal.json", "damaged");
-        settled()->refreshAll();
-    }
     void haveItem(const std::string& label) {
         std::filesystem::create_directories(sample.launchAgents());
-        setContents(sample.launchAgents() / (label + ".plist"),
-                    "<plist><dict><key>Label</key><string>" + label + "</string></dict></plist>");
+        setContents(fileOf(label), jobFile(label));
     }
     // Which alone is shown.
     void haveANewItem() {
@@ -56,23 +41,16 @@ TEST_F(PagesTest, TheWayBackIsOneClickAndTheListsOwnDefaultIsNotIt) {
     const PrefKey size{"com.apple.dock", "tilesize"};
     openOn(Screen::dock);
     auto& list = static_cast<ChoiceBox&>(*row("dock.size").control());
-    const auto pick = [&](const QString& text) {
-        const int place = list.findText(text);
-        EXPECT_GE(place, 0) << utf8(text);
-        list.setCurrentIndex(place);
-        emit list.activated(place);
-        settle();
-    };
     ASSERT_EQ(stored(size), StoredValue(36));
-    pick("As before Brell (41)");
+    pick(list, list.findText("As before Brell (41)"));
     EXPECT_EQ(stored(size), StoredValue(41));
     EXPECT_EQ(list.value(), "Another value");
     EXPECT_LT(list.findText("As before Brell (41)"), 0) << "no change of ours is active";
 
-    pick("macOS default");
+    pick(list, list.findText("macOS default"));
     EXPECT_EQ(stored(size), StoredValue::absent());
     QToolButton& wayBack = *row("dock.size").wayBack();
-    EXPECT_TRUE(words(row("dock.size")).contains("Reset by Brell"));
+    expectWords(row("dock.size"), {"Reset by Brell"});
     window->activateWindow();
     wayBack.setFocus();
     press("Back to 41: Icon size");
@@ -87,24 +65,21 @@ TEST_F(PagesTest, TheWayBackIsOneClickAndTheListsOwnDefaultIsNotIt) {
 
 TEST_F(PagesTest, PrivacyCardsTellEverythingAndRememberTheDayOfTheReview) {
     openOn(Screen::privacy);
-    EXPECT_EQ(visible<TweakRow>(page()).size(), 1);
+    EXPECT_EQ(visible<TweakRow>().size(), 1);
     const auto cards = inOrder<PrivacyCardRow>();
     ASSERT_EQ(cards.size(), PrivacyChecklist::cards().size());
     for (std::size_t i = 0; i < cards.size(); ++i) {
         const PrivacyCard& card = PrivacyChecklist::cards()[i];
-        for (const std::string_view said : {card.title, card.meaning, card.whoNeedsIt, card.whatToLookFor,
-                                            std::string_view("Not reviewed yet")})
-            EXPECT_TRUE(words(*cards[i]).contains(qt(said))) << said;
+        expectWords(*cards[i], {qt(card.title), qt(card.meaning), qt(card.whoNeedsIt), qt(card.whatToLookFor),
+                                "Not reviewed yet"});
     }
-    EXPECT_TRUE(words(page()).contains("Reviewed 0 of 10."));
+    expectWords(page(), {"Reviewed 0 of 10."});
     press("Mark as reviewed: Camera");
-    EXPECT_TRUE(words(page()).contains("Reviewed 1 of 10."));
-    const QString today = "Reviewed on " + dayText(systemNow());
-    EXPECT_EQ(words(page()).count(today), 1);
+    expectWords(page(), {"Reviewed 1 of 10."});
+    EXPECT_EQ(words(page()).count("Reviewed on " + dayText(systemNow())), 1);
     press("Open System Settings: Privacy & Security, then Camera");
-    auto& message = opened<Sheet>();
-    EXPECT_TRUE(words(message).contains("Privacy & Security, then Camera"));
-    message.close();
+    expectWords(opened<Sheet>(), {"Privacy & Security, then Camera"});
+    opened<Sheet>().close();
 }
 
 TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
@@ -117,51 +92,35 @@ TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
         const QString state = !volume.indexing   ? "Not known"
                               : *volume.indexing ? "Indexing on"
                                                  : "Indexing off";
-        EXPECT_TRUE(words(*rows[i]).contains(state)) << volume.volume;
-        EXPECT_TRUE(words(*rows[i]).contains(qt(volume.volume)));
+        expectWords(*rows[i], {state, qt(volume.volume)});
         EXPECT_EQ(words(*rows[i]).contains(qt(volume.raw)), !volume.indexing) << volume.volume;
     }
 }
 
 TEST_F(PagesTest, EveryPageThatIsEmptySaysWhyAndHasTheActionThatFillsIt) {
-    struct Case {
-        Screen screen;
-        std::function<void()> arrange;
-        QString sentence, action;
+    const std::map<std::string, std::function<void()>> ways{
+        {"as it is", [] {}},
+        {"after a change", [&] { model->apply("dock.autohide"); }},
+        {"after an undo", [&] { model->turnOff("dock.autohide"); }},
+        {"after a search", [&] { search("no such thing"); }},
+        {"with changes only", [&] { window->setChangedOnly(true); }},
+        {"with a filter", [&] { filter("no such item"); }},
+        {"with new items only", [&] { haveANewItem(); }},
+        {"with new items and a filter", [&] { filter("lumenfold"); }},
+        {"without items", [&] { removeItems(); }},
+        {"damaged", [&] { damageTheJournal(); }},
     };
-    std::vector<Case> cases{
-        {Screen::journal, [] {},
-         "Brell has changed nothing yet. Every change will be listed here, with the way back.", ""},
-        {Screen::journal, [&] { settled()->apply("dock.autohide"); }, "", ""},
-        {Screen::journal, [&] { settled()->turnOff("dock.autohide"); },
-         "No change is active: every setting Brell changed is back to what it was.", ""},
-        {Screen::journal, [&] { search("no such thing"); },
-         "Nothing is called “no such thing”; try another word for it.", ""},
-        {Screen::privacy, [&] { window->setChangedOnly(true); }, "", ""},
-        {Screen::loginItems, [&] { filter("no such item"); },
-         "No login item has “no such item” in its name, label, app or state.", "Show All"},
-        {Screen::loginItems, [&] { haveANewItem(); }, "", ""},
-        {Screen::loginItems, [&] { filter("lumenfold"); },
-         "No new login item has “lumenfold” in its name, label, app or state.", "Show All"},
-        {Screen::loginItems, [&] { removeItems(); },
-         "Nothing was found in the folders of launchd that starts by itself.", "Read Again"},
-        {Screen::spotlight, [] {}, "", ""},
-        {Screen::journal, [&] { damageTheJournal(); },
-         "The change journal can't be read, so there is nothing to show here.", ""}};
-    for (const Screen screen : allCases<Screen>())
-        if (screen < Screen::loginItems)
-            cases.push_back({screen, [&] { window->setChangedOnly(true); },
-                             "Nothing on this page is changed by Brell.", "Show All Settings"});
     openWindow();
-    for (const Case& one : cases) {
-        SCOPED_TRACE(std::string(title(one.screen)) + ": " + utf8(one.sentence));
-        go(one.screen);
-        one.arrange();
+    for (std::vector<std::string> one : sampleRows("Words/empty-pages.txt")) {
+        SCOPED_TRACE(one[0] + " " + one[1]);
+        one.resize(4);
+        go(*fromRawValue<Screen>(one[0]));
+        ways.at(one[1])();
         settle();
-        EXPECT_EQ(emptyState(), one.sentence);
-        if (one.action.isEmpty()) continue;
-        if (one.action == "Read Again") haveItem("com.acme.again");
-        press(one.action);
+        EXPECT_EQ(utf8(emptyState()), one[2]);
+        if (one[3].empty()) continue;
+        if (one[3] == "Read Again") haveItem("com.acme.again");
+        press(qt(one[3]));
         EXPECT_EQ(emptyState(), "");
     }
 

@@ -3,9 +3,14 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <functional>
 #include <memory>
@@ -14,6 +19,8 @@
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/SampleMac/SamplePast.h"
 #include "CorvaneBrell/SampleMac/SimulatedApplications.h"
+#include "CorvaneBrell/Window/ChoiceBox.h"
+#include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/MainWindow.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
 #include "CorvaneBrell/Window/QtText.h"
@@ -21,12 +28,16 @@
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 #include "CorvaneBrell/Window/Strip.h"
+#include "CorvaneBrell/Window/Switch.h"
 #include "CorvaneBrell/Window/TweakList.h"
 #include "CorvaneBrell/Window/TweakPage.h"
 #include "CorvaneBrell/Window/TweakRow.h"
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
 
 namespace brell::testing {
+
+// Of a change that others drifted in a Mac with a past.
+inline const PrefKey autohideDelay{"com.apple.dock", "autohide-delay"};
 
 class WindowTest : public SampleMacTest {
 protected:
@@ -83,6 +94,12 @@ protected:
     }
 
     void go(Screen screen) { settled()->show(screen); }
+    void search(const QString& query) { fill(window->sidebar().search(), query); }
+    void filter(const QString& text) { fill(*page().findChild<QLineEdit*>(), text); }
+    void damageTheJournal(std::string_view contents = "damaged") {
+        setContents(*options.journalDirectory / "journal.json", contents);
+        if (model) settled()->refreshAll();
+    }
     // Opens a window with a past on this page.
     void openOn(Screen screen) {
         openLivedIn();
@@ -101,11 +118,28 @@ protected:
 
     const QWidget& page() const { return *window->currentPage(); }
 
+    Sheet* sheet() const { return window->sheets().current(); }
+    // The title of the sheet that is open; empty when none is.
+    std::string sheetTitle() const { return sheet() ? utf8(sheet()->windowTitle()) : ""; }
+
+    // As the user does by the list's pop-up.
+    void pick(ChoiceBox& list, int place) {
+        list.setCurrentIndex(place);
+        emit list.activated(place);
+        settle();
+    }
+
     // The row of a tweak on the page that is shown.
     TweakRow& row(const std::string& tweakID) {
         auto* found = window->currentPage()->findChild<TweakRow*>(qt(tweakID));
         EXPECT_TRUE(found) << tweakID;
         return *found;
+    }
+
+    const LoginItemRow& itemOf(const std::string& label) const {
+        for (const LoginItemRow& item : model->state().loginItems)
+            if (item.record && item.record->label() == label) return item;
+        throw std::runtime_error("there is no item " + label);
     }
 
     // The visible widgets of a kind, below the window or a part of it.
@@ -117,10 +151,15 @@ protected:
         return widgets;
     }
 
+    template <class Widget>
+    std::vector<Widget*> visible() const {
+        return visible<Widget>(page());
+    }
+
     // Of the page, from top to bottom.
     template <class Widget>
     std::vector<Widget*> inOrder() const {
-        auto widgets = visible<Widget>(page());
+        auto widgets = visible<Widget>();
         std::sort(widgets.begin(), widgets.end(), [&](const QWidget* one, const QWidget* other) {
             return one->mapTo(&page(), QPoint()).y() < other->mapTo(&page(), QPoint()).y();
         });
@@ -131,6 +170,15 @@ protected:
     static void expectWords(const QWidget& part, const QStringList& texts) {
         for (const QString& text : texts)
             EXPECT_TRUE(words(part).contains(text)) << utf8(text + " is not in\n" + words(part));
+    }
+
+    // What this sample has after a plus can be read there, what it has after a minus cannot; a bar ends a
+    // line.
+    static void expectSample(const QWidget& part, const std::string& name) {
+        for (const Texts& line : sampleRows("Words/" + name + ".txt")) {
+            const QString text = qt(line.at(1)).replace(" | ", "\n");
+            EXPECT_EQ(words(part).contains(text), line[0] == "+") << utf8(text + " in\n" + words(part));
+        }
     }
 
     template <class Dialog>

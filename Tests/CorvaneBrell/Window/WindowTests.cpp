@@ -1,10 +1,7 @@
 #include <QAction>
-#include <QListWidget>
 #include <QScrollBar>
 
-#include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/SearchPage.h"
-#include "CorvaneBrell/Window/Switch.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
 namespace fs = std::filesystem;
@@ -18,6 +15,14 @@ QAction* menuAction(const MainWindow& window, const QString& beginning) {
         if (action->text().startsWith(beginning)) return action;
     return nullptr;
 }
+
+class WindowClosingTest : public WindowTest {
+protected:
+    bool closes() {
+        window->close();
+        return !window->isVisible();
+    }
+};
 
 QString focusName() {
     return QApplication::focusWidget() ? QApplication::focusWidget()->accessibleName() : QString();
@@ -100,8 +105,8 @@ TEST_F(WindowTest, AStoryFromFirstLaunchToRestoreAllLeavesThePreferencesAsTheyWe
 
     menuAction(*window, "Restore All")->trigger();
     settle();
-    press(*window->sheets().current(), "Restore 2");
-    EXPECT_FALSE(window->sheets().current());
+    press(*sheet(), "Restore 2");
+    EXPECT_FALSE(sheet());
     expectWords(window->strip(), {"2 changes are back: 2 of 2 keys are exactly as before."});
     EXPECT_EQ(preferences(), before);
     EXPECT_FALSE(menuAction(*window, "Restore All")->isEnabled()) << "nothing is left to restore";
@@ -145,29 +150,24 @@ TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
 TEST_F(WindowTest, WhatStandsOnAPageIsFoundAndLedTo) {
     openWindow();
     window->resize(820, 560);
-    const auto search = [&](const QString& query) {
-        window->sidebar().search().setText(query);
-        settle();
-    };
     search("lumenfold");
-    EXPECT_TRUE(visible<PlaceRow>(page()).empty());
+    EXPECT_TRUE(visible<PlaceRow>().empty());
     EXPECT_FALSE(model->state().loginItemsLoaded) << "nothing is read because somebody types";
     go(Screen::loginItems);
-    page().findChild<QLineEdit*>()->setText("spotify");
+    filter("spotify");
     go(Screen::finder);
     for (const auto& [query, button, name] :
          {std::tuple("sync lumenfold", "Open Lumenfold Sync on the page Login items", "Lumenfold Sync"),
           std::tuple("record sound microphone", "Open Microphone on the page Privacy", "Microphone")}) {
         search(query);
-        ASSERT_EQ(visible<PlaceRow>(page()).size(), 1) << query;
-        EXPECT_EQ(visible<Paragraph>(*visible<PlaceRow>(page()).front()).front()->marks().front(),
+        ASSERT_EQ(visible<PlaceRow>().size(), 1) << query;
+        EXPECT_EQ(visible<Paragraph>(*visible<PlaceRow>().front()).front()->marks().front(),
                   QString(query).section(' ', 0, 0));
         press(button);
-        Row* led = nullptr;
-        for (Row* one : visible<Row>(page()))
-            if (one->title() == name) led = one;
-        ASSERT_TRUE(led) << name;
-        EXPECT_TRUE(led->isAncestorOf(window->focusWidget()));
+        const QWidget* focus = window->focusWidget();
+        while (focus && !qobject_cast<const Row*>(focus)) focus = focus->parentWidget();
+        const auto* led = qobject_cast<const Row*>(focus);
+        ASSERT_TRUE(led && led->title() == name) << name;
         EXPECT_EQ(led->isOpen(), model->state().screen == Screen::loginItems);
         const QWidget* viewport = window->currentPage()->scrollArea()->viewport();
         EXPECT_TRUE(viewport->rect().contains(led->mapTo(viewport, QPoint(0, 20)))) << name;
@@ -175,12 +175,11 @@ TEST_F(WindowTest, WhatStandsOnAPageIsFoundAndLedTo) {
     }
 }
 
-TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
+TEST_F(WindowClosingTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     openWindow();
     model->apply("dock.autohide");
     model->apply("finder.show_hidden");
-    window->close();
-    EXPECT_TRUE(window->isVisible()) << "the changes are finished first";
+    EXPECT_FALSE(closes()) << "the changes are finished first";
     settle();
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(stored(autohide), StoredValue(true));
@@ -192,9 +191,7 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     model->saveReport(folder.path / "report.md");
     model->askRelaunch();
     model->confirmRelaunch();
-    window->close();
-    EXPECT_TRUE(window->isVisible())
-        << "an app that was asked to quit is opened again, and the file is saved";
+    EXPECT_FALSE(closes()) << "an app that was asked to quit is opened again, and the file is saved";
     QTRY_VERIFY_WITH_TIMEOUT(!window->isVisible(), 30'000);
     EXPECT_TRUE(pendingEffects(model->state().pendingRelaunches, model->catalog()).empty());
     EXPECT_TRUE(fs::exists(folder.path / "report.md"));
@@ -204,13 +201,11 @@ TEST_F(WindowTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
     applications.setBehaviour("com.apple.dock", {std::nullopt, std::nullopt});
     model->askRelaunch();
     model->confirmRelaunch();
-    window->close();
-    EXPECT_TRUE(window->isVisible());
-    window->close();
-    EXPECT_FALSE(window->isVisible()) << "who asks twice does not wait for another app";
+    EXPECT_FALSE(closes());
+    EXPECT_TRUE(closes()) << "who asks twice does not wait for another app";
 }
 
-TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
+TEST_F(WindowClosingTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
     openLivedIn();
     model->turnOff("dock.autohide_instant");
     window->close();
@@ -225,8 +220,7 @@ TEST_F(WindowTest, AWindowThatIsToCloseStaysWhenWhatWasAskedForMeetsAQuestion) {
     settle();
     EXPECT_TRUE(window->isVisible()) << "the failure is to be read";
     EXPECT_TRUE(model->state().errorMessage);
-    window->close();
-    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(closes());
 }
 
 TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
@@ -235,14 +229,14 @@ TEST_F(WindowTest, ChangedOnlyShowsExactlyTheActiveChangesAndTheCountsAgree) {
     std::size_t rows = 0;
     for (const Screen screen : allCases<Screen>()) {
         go(screen);
-        auto* page = qobject_cast<TweakPage*>(window->currentPage());
+        const auto* page = qobject_cast<TweakPage*>(window->currentPage());
         if (!page) continue;
-        EXPECT_EQ(page->list().shown().size(), model->changedCount(screen));
-        rows += page->list().shown().size();
-        EXPECT_EQ(page->list().isVisible(), !page->list().shown().empty());
-        const QString spoken =
-            window->sidebar().pages().item(static_cast<int>(screen))->data(Qt::AccessibleTextRole).toString();
-        EXPECT_EQ(spoken.contains("active change"), model->changedCount(screen) > 0);
+        const std::size_t changed = model->changedCount(screen);
+        EXPECT_EQ(page->list().shown().size(), changed);
+        EXPECT_EQ(page->list().isVisible(), changed > 0);
+        rows += changed;
+        const QListWidgetItem* item = window->sidebar().pages().item(static_cast<int>(screen));
+        EXPECT_EQ(item->data(Qt::AccessibleTextRole).toString().contains("active change"), changed > 0);
     }
     EXPECT_EQ(rows, model->changedTweaks().size());
     EXPECT_GT(rows, 4);
