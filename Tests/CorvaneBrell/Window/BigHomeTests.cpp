@@ -78,9 +78,9 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     openFull(EntryStatus::capturing);
     ASSERT_TRUE(sheet());
     const auto headings = [&] {
-        const auto texts = visible<Paragraph>(*sheet());
-        return std::count_if(texts.begin(), texts.end(),
-                             [](auto* text) { return text->text().contains("helper"); });
+        std::size_t named = 0;
+        for (const Paragraph* text : visible<Paragraph>(*sheet())) named += text->text().contains("helper");
+        return named;
     };
     EXPECT_EQ(headings(), batch);
     press(*sheet(), "Show 100 More");
@@ -90,10 +90,10 @@ TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     settled()->askRestoreAll();
     ASSERT_EQ(model->state().restoreRequest->steps.size(), agents);
     const auto lines = [&] {
-        std::size_t shown = 0;
+        int shown = 0;
         for (const SelectableText* text : visible<SelectableText>(*sheet()))
             shown += text->document()->blockCount();
-        return shown;
+        return static_cast<std::size_t>(shown);
     };
     EXPECT_EQ(lines(), 2 * batch);
     press(*sheet(), "Show 100 More");
