@@ -1,12 +1,10 @@
 // The real window over a model on a sample Mac, driven as a user drives it.
 #pragma once
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -23,8 +21,6 @@
 #include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/MainWindow.h"
 #include "CorvaneBrell/Window/QtMainLoop.h"
-#include "CorvaneBrell/Window/QtText.h"
-#include "CorvaneBrell/Window/SelectableText.h"
 #include "CorvaneBrell/Window/SheetPresenter.h"
 #include "CorvaneBrell/Window/Sidebar.h"
 #include "CorvaneBrell/Window/Strip.h"
@@ -33,14 +29,17 @@
 #include "CorvaneBrell/Window/TweakPage.h"
 #include "CorvaneBrell/Window/TweakRow.h"
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
+#include "Tests/CorvaneBrell/Window/WindowReader.h"
 
 namespace brell::testing {
 
 // Of a change that others drifted in a Mac with a past.
 inline const PrefKey autohideDelay{"com.apple.dock", "autohide-delay"};
 
-class WindowTest : public SampleMacTest {
+class WindowTest : public SampleMacTest, protected WindowReader {
 protected:
+    using WindowReader::visible;
+
     WindowTest() { options.journalDirectory = folder.path / "journal"; }
 
     // Before the window is opened: a Mac with something of every state.
@@ -142,15 +141,7 @@ protected:
         throw std::runtime_error("there is no item " + label);
     }
 
-    // The visible widgets of a kind, below the window or a part of it.
-    template <class Widget>
-    static std::vector<Widget*> visible(const QWidget& in) {
-        std::vector<Widget*> widgets;
-        for (Widget* widget : in.findChildren<Widget*>())
-            if (widget->isVisibleTo(&in)) widgets.push_back(widget);
-        return widgets;
-    }
-
+    // Of the page.
     template <class Widget>
     std::vector<Widget*> visible() const {
         return visible<Widget>(page());
@@ -166,46 +157,6 @@ protected:
         return widgets;
     }
 
-    // Every one of these can be read in this part of the window.
-    static void expectWords(const QWidget& part, const QStringList& texts) {
-        for (const QString& text : texts)
-            EXPECT_TRUE(words(part).contains(text)) << utf8(text + " is not in\n" + words(part));
-    }
-
-    // What this sample has after a plus can be read there, what it has after a minus cannot; a bar ends a
-    // line.
-    static void expectSample(const QWidget& part, const std::string& name) {
-        for (const Texts& line : sampleRows("Words/" + name + ".txt")) {
-            const QString text = qt(line.at(1)).replace(" | ", "\n");
-            EXPECT_EQ(words(part).contains(text), line[0] == "+") << utf8(text + " in\n" + words(part));
-        }
-    }
-
-    template <class Dialog>
-    static Dialog& opened() {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* dialog = qobject_cast<Dialog*>(widget); dialog && dialog->isVisible()) return *dialog;
-        throw std::runtime_error("no such dialog is open");
-    }
-
-    static std::string nameOf(const QWidget* widget) {
-        return widget->metaObject()->className() + (" \"" + utf8(widget->accessibleName()) + "\"");
-    }
-
-    // Everything that can be read in this part of the window.
-    static QString words(const QWidget& part) {
-        QStringList texts;
-        for (const QLabel* text : visible<QLabel>(part)) texts << text->text();
-        for (const SelectableText* text : visible<SelectableText>(part)) texts << text->toPlainText();
-        return texts.join('\n');
-    }
-
-    // The visible button with this text, or with this accessible name.
-    static QAbstractButton& button(const QWidget& in, const QString& text) {
-        for (QAbstractButton* button : visible<QAbstractButton>(in))
-            if (button->text() == text || button->accessibleName() == text) return *button;
-        throw std::runtime_error("there is no button " + utf8(text));
-    }
     void press(const QWidget& in, const QString& text) {
         movePointerTo(button(in, text));
         click(button(in, text));
