@@ -34,7 +34,7 @@ protected:
         const std::regex id("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
         for (std::smatch found; std::regex_search(text, found, id);) {
             const auto number = entries.try_emplace(found.str(), entries.size() + 1).first->second;
-            text.replace(found.position(), found.length(), "#" + std::to_string(number));
+            text = found.prefix().str() + "#" + std::to_string(number) + found.suffix().str();
         }
         return text;
     }

@@ -30,7 +30,7 @@ QPushButton* RequestSheet::addAnswers(const QString& confirmText, std::function<
 QPushButton* RequestSheet::addAnswers(const QString& confirmText, void (AppModel::*confirm)(),
                                       const QString& cancelText) {
     return addAnswers(
-        confirmText, [this, confirm] { (model_.*confirm)(); }, cancelText);
+        confirmText, [this, confirm] { std::invoke(confirm, model_); }, cancelText);
 }
 
 void RequestSheet::addNote(const QString& symbol, Tone tone, const QString& text) {

@@ -1,6 +1,7 @@
 // Shows what a restore puts back, or a last action undoes, before it is done. What others changed since
 // stands in a section of its own with a box each; nothing is ticked at first.
 
+#include <functional>
 #include <utility>
 
 #include "CorvaneBrell/Window/Page.h"
@@ -128,12 +129,14 @@ QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked
 void RestoreSheet::addConfirmation(const DriftRequest& changes, Confirm confirm) {
     if (changes.isAboutOne()) {
         addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
-                   [this, confirm, only = changes.entries.front().entry.id] { (model_.*confirm)({only}); });
+                   [this, confirm, only = changes.entries.front().entry.id] {
+                       std::invoke(confirm, model_, std::set<Uuid>{only});
+                   });
         return;
     }
     others_ = changes.others.size();
     QPushButton* button = addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
-                                     [this, confirm] { (model_.*confirm)(ticked()); });
+                                     [this, confirm] { std::invoke(confirm, model_, ticked()); });
     const bool isPlain = changes.undoing || (changes.entries.empty() && others_ == 1);
     if (isPlain) return;
     if (button->isEnabled()) restore_ = button;
