@@ -23,7 +23,6 @@ private:
     void choose(const std::string& tweakID, bool isChosen);
     void goOn(QWidget* window, const std::vector<ExportRow>& rows);
 
-    AppModel& model_;
     QLineEdit* name_;
     std::set<std::string> chosen_;  // tweaks, also of rows that are not shown yet
     QPushButton* export_ = nullptr;
@@ -33,7 +32,6 @@ ExportSheet::ExportSheet(AppModel& model, QWidget* window, const ExportRequest& 
     : RequestSheet(model, window, tr("Export Preset"),
                    tr("What is ticked goes into the preset, each setting with its own value."),
                    &AppModel::cancelExport),
-      model_(model),
       name_(new QLineEdit(tr("My settings"))) {
     name_->setAccessibleName(tr("Name of the preset"));
     content()->addWidget(new Paragraph(tr("Name of the preset"), Paragraph::Look::secondary));
@@ -69,7 +67,7 @@ void ExportSheet::choose(const std::string& tweakID, bool isChosen) {
     else
         chosen_.erase(tweakID);
     export_->setText(tr("Export %1...").arg(chosen_.size()));
-    export_->setEnabled(!chosen_.empty() && !isLocked(model_.state()));
+    export_->setEnabled(!chosen_.empty() && !isLocked(model().state()));
 }
 
 void ExportSheet::goOn(QWidget* window, const std::vector<ExportRow>& rows) {
@@ -78,8 +76,8 @@ void ExportSheet::goOn(QWidget* window, const std::vector<ExportRow>& rows) {
         if (record.whyNot.empty() && chosen_.contains(record.tweakID)) ids.push_back(record.tweakID);
     const QString name = name_->text().trimmed();
     const Preset preset = ownPreset(utf8(name.isEmpty() ? tr("My settings") : name), std::move(ids));
-    model_.cancelExport();
-    exportPreset(model_, window, preset);
+    model().cancelExport();
+    exportPreset(model(), window, preset);
 }
 
 }  // namespace

@@ -26,14 +26,15 @@ QString explanation(const LeavingRequest& request) {
         "too.");
 }
 
-QWidget* filesToKeep(AppModel& model, QWidget* sheet) {
+QWidget* filesToKeep(RequestSheet& sheet) {
     auto* row = new QWidget;
     auto* line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);
     const auto add = [&](const QString& text, void (*act)(AppModel&, QWidget*)) {
         auto* button = actionButton(text, "doc.text");
-        QObject::connect(button, &QPushButton::clicked, sheet, [&model, sheet, act] { act(model, sheet); });
+        QObject::connect(button, &QPushButton::clicked, &sheet,
+                         [&sheet, act] { act(sheet.model(), &sheet); });
         line->addWidget(button);
     };
     add(QObject::tr("Save Report…"), FileActions::saveReport);
@@ -42,8 +43,8 @@ QWidget* filesToKeep(AppModel& model, QWidget* sheet) {
     return row;
 }
 
-void showActive(AppModel& model, RequestSheet& sheet, const LeavingRequest& request) {
-    sheet.content()->addWidget(filesToKeep(model, &sheet));
+void showActive(RequestSheet& sheet, const LeavingRequest& request) {
+    sheet.content()->addWidget(filesToKeep(sheet));
     sheet.addCard(request.active.size(), [active = request.active](std::size_t place) {
         return sheetRow({new Paragraph(qt(active[place].title), Paragraph::Look::heading),
                          new Paragraph(qt(active[place].words), Paragraph::Look::secondary)});
@@ -53,7 +54,7 @@ void showActive(AppModel& model, RequestSheet& sheet, const LeavingRequest& requ
 }
 
 // By what was put back on the way here.
-void showProof(AppModel& model, RequestSheet& sheet, const LeavingRequest& request) {
+void showProof(RequestSheet& sheet, const LeavingRequest& request) {
     if (request.proof)
         sheet.addNote(request.isProved() ? "checkmark.circle" : "exclamationmark.triangle",
                       request.isProved() ? Tone::positive : Tone::caution, qt(request.proof->words));
@@ -61,15 +62,15 @@ void showProof(AppModel& model, RequestSheet& sheet, const LeavingRequest& reque
         sheet.content()->addWidget(
             new Disclosure(QObject::tr("For experts"), QObject::tr("Key by key"),
                            [keys = request.keys] { return keyLines(QObject::tr("Key by key"), keys); }));
-    const std::string waiting = relaunchText(model.state(), model.catalog());
+    const std::string waiting = relaunchText(sheet.model().state(), sheet.model().catalog());
     if (!waiting.empty() && request.active.empty())
         sheet.addNote("arrow.clockwise", Tone::plain,
                       QObject::tr("%1. What was put back shows there after it, or after the next login.")
                           .arg(qt(waiting)));
 }
 
-void showWhatGoes(AppModel& model, RequestSheet& sheet, const LeavingRequest& request) {
-    sheet.content()->addWidget(filesToKeep(model, &sheet));
+void showWhatGoes(RequestSheet& sheet, const LeavingRequest& request) {
+    sheet.content()->addWidget(filesToKeep(sheet));
     sheet.addCard(1, [folder = qt(request.folder)](std::size_t) {
         return sheetRow(
             {new Paragraph(QObject::tr("What goes"), Paragraph::Look::heading),
@@ -86,7 +87,7 @@ void showWhatGoes(AppModel& model, RequestSheet& sheet, const LeavingRequest& re
         sheet.addFootnote(QObject::tr("Brell's folder stays in its place: %1.").arg(qt(*why)), "lock",
                           Tone::critical);
     QPushButton* go = sheet.addAnswers(
-        QObject::tr("Move to the Trash"), [&model] { model.confirmLeaving(moveToTrash); },
+        QObject::tr("Move to the Trash"), [&sheet] { sheet.model().confirmLeaving(moveToTrash); },
         QObject::tr("Done"));
     if (!request.mayGoToTrash()) go->setEnabled(false);
 }
@@ -96,11 +97,11 @@ void showWhatGoes(AppModel& model, RequestSheet& sheet, const LeavingRequest& re
 Sheet* sheetFor(AppModel& model, QWidget* window, const LeavingRequest& request) {
     auto* sheet = new RequestSheet(model, window, QObject::tr("Leaving Brell"), explanation(request),
                                    &AppModel::cancelLeaving);
-    showProof(model, *sheet, request);
+    showProof(*sheet, request);
     if (request.active.empty())
-        showWhatGoes(model, *sheet, request);
+        showWhatGoes(*sheet, request);
     else
-        showActive(model, *sheet, request);
+        showActive(*sheet, request);
     return sheet;
 }
 

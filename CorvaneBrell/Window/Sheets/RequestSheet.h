@@ -16,6 +16,8 @@ public:
     RequestSheet(AppModel& model, QWidget* window, const QString& title, const QString& explanation,
                  void (AppModel::*cancel)());
 
+    AppModel& model() { return model_; }
+
     // Cancel, which is the default key, and the button that goes on. Where nothing can be changed that one
     // stays disabled, with the reason in plain sight.
     QPushButton* addAnswers(const QString& confirmText, std::function<void()> confirm,

@@ -63,15 +63,13 @@ private:
     void showCount();
     std::set<Uuid> ticked() const;
 
-    AppModel& model_;
     std::size_t others_ = 0;                        // that are restored whatever is ticked
     QPushButton* restore_ = nullptr;                // where it says how many it restores
     std::vector<std::pair<Uuid, TickBox*>> ticks_;  // of the rows that are shown
 };
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreRequest& request)
-    : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore),
-      model_(model) {
+    : RequestSheet(model, window, titleOf(request), explanationOf(request), &AppModel::cancelRestore) {
     if (!isAlone(request) && !request.changes.entries.empty()) {
         content()->addWidget(sectionHeading(qt(request.changes.title())));
         content()->addWidget(new Paragraph(qt(request.changes.explanation()), Paragraph::Look::secondary));
@@ -85,8 +83,7 @@ RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreReques
 }
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const DriftRequest& request)
-    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift),
-      model_(model) {
+    : RequestSheet(model, window, qt(request.title()), qt(request.explanation()), &AppModel::cancelDrift) {
     addDrifted(request);
     const auto others = static_cast<int>(request.others.size());
     if (others > 0)
@@ -106,7 +103,7 @@ void RestoreSheet::addDrifted(const DriftRequest& changes) {
 }
 
 QWidget* RestoreSheet::driftedRow(const DriftedEntry& drifted, bool isToBeTicked) {
-    const QString title = qt(entryTitle(drifted.entry, model_.catalog()));
+    const QString title = qt(entryTitle(drifted.entry, model().catalog()));
     auto* words = new Paragraph(qt(drifted.words), Paragraph::Look::secondary);
     QWidget* keys = forExperts(title, drifted.lines);
     if (!isToBeTicked) return sheetRow({new Paragraph(title, Paragraph::Look::heading), words, keys});
@@ -130,13 +127,13 @@ void RestoreSheet::addConfirmation(const DriftRequest& changes, Confirm confirm)
     if (changes.isAboutOne()) {
         addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
                    [this, confirm, only = changes.entries.front().entry.id] {
-                       std::invoke(confirm, model_, std::set<Uuid>{only});
+                       std::invoke(confirm, model(), std::set<Uuid>{only});
                    });
         return;
     }
     others_ = changes.others.size();
     QPushButton* button = addAnswers(changes.undoing ? tr("Undo") : tr("Restore"),
-                                     [this, confirm] { std::invoke(confirm, model_, ticked()); });
+                                     [this, confirm] { std::invoke(confirm, model(), ticked()); });
     const bool isPlain = changes.undoing || (changes.entries.empty() && others_ == 1);
     if (isPlain) return;
     if (button->isEnabled()) restore_ = button;
