@@ -2,25 +2,20 @@
 #pragma once
 
 #include <QDateTime>
-#include <QLocale>
 
 #include "BrellCore/Support/TimeStamp.h"
+#include "CorvaneBrell/Window/QtText.h"
 
 namespace brell {
 
-inline QString momentText(TimeStamp time, const QString& form) {
-    const QDateTime moment = QDateTime::fromSecsSinceEpoch(time.time_since_epoch().count());
-    return QLocale(QLocale::English, QLocale::UnitedKingdom).toString(moment, form);
-}
-
 // "21 November 2026"
 inline QString dayText(TimeStamp time) {
-    return momentText(time, QStringLiteral("d MMMM yyyy"));
+    return qt(localDayWords(time));
 }
 
 // "14:05"
 inline QString clockText(TimeStamp time) {
-    return momentText(time, QStringLiteral("HH:mm"));
+    return QDateTime::fromSecsSinceEpoch(time.time_since_epoch().count()).toString(QStringLiteral("HH:mm"));
 }
 
 }  // namespace brell
