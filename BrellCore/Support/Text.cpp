@@ -128,6 +128,7 @@ std::string lowerCaseAscii(std::string_view text) {
 }
 
 std::string caseFolded(std::string_view text, Accents accents) {
+    if (isAscii(text)) return lowerCaseAscii(text);  // all that the mapping below does to it
     constexpr int fold = UTF8PROC_STABLE | UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD;
     const int options = accents == Accents::dropped ? fold | UTF8PROC_STRIPMARK : fold;
     utf8proc_uint8_t* mapped = nullptr;

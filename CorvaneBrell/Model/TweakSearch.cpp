@@ -33,11 +33,9 @@ bool isFiller(std::string_view word) {
 std::vector<std::string> wordsOf(std::string_view text) {
     std::vector<std::string> words;
     const std::string slug = lowerCaseSlug(text);
-    const bool isFolded = isAscii(slug);
     for (std::size_t begin = 0; begin < slug.size();) {
         const std::size_t end = std::min(slug.find('-', begin), slug.size());
-        std::string word = slug.substr(begin, end - begin);
-        words.push_back(isFolded ? std::move(word) : caseFolded(word, Accents::dropped));
+        words.push_back(caseFolded(slug.substr(begin, end - begin), Accents::dropped));
         begin = end + 1;
     }
     return words;
