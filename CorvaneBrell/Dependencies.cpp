@@ -51,7 +51,6 @@ Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out
     : options(launchOptions),
       machine(machineOf(options, notes)),
       catalog(machine.home.string()),
-      titles(catalog, machine.home / "Library" / "LaunchAgents"),
       dryRunStore(options.dryRun ? std::make_unique<DryRunStore>(*machine.store, out) : nullptr),
       store(dryRunStore ? *dryRunStore : *machine.store),
       dryRunRunner(options.dryRun ? std::make_unique<DryRunCommandRunner>(*machine.runner, out) : nullptr),
@@ -60,6 +59,7 @@ Dependencies::Dependencies(const LaunchOptions& launchOptions, std::ostream& out
                             options.dryRun ? JournalUse::dryRun : JournalUse::changes)),
       engine(store, *journal, catalog, engineSettings(options, machine)),
       toggle(runner, engine, machine.uid, machine.home / "Library" / "LaunchAgents"),
+      titles(catalog, toggle.folder()),
       reader{runner, machine.home, machine.uid, machine.systemRoot},
       btmReader{runner, machine.isAdmin},
       spotlight{runner} {

@@ -31,7 +31,6 @@ struct Dependencies {
     const LaunchOptions options;
     const Machine machine;
     const TweakCatalog catalog;
-    ChangeTitles titles;
 
     const std::unique_ptr<PreferenceStore> dryRunStore;  // over the machine's, in a dry run
     PreferenceStore& store;
@@ -41,6 +40,7 @@ struct Dependencies {
     const std::unique_ptr<Journal> journal;
     TweakEngine engine;
     AgentToggle toggle;
+    ChangeTitles titles;
     const LaunchAgentReader reader;
     const BTMReader btmReader;
     const SpotlightStatusReader spotlight;

@@ -58,6 +58,9 @@ public:
     AgentOverrides overrides() const;
     AgentState currentState(const std::string& label, const AgentOverrides& known) const;
 
+    // The user's LaunchAgents.
+    const AgentFolder& folder() const { return folder_; }
+
     // The rendered commands that a switch would run: those of the restore where it would undo an applied one.
     // Refuses what an active change of the agent would make the switch refuse.
     AgentPreview preview(const LaunchAgentRecord& record, AgentSwitch direction) const;

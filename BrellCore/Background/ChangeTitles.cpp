@@ -1,6 +1,6 @@
 #include "BrellCore/Background/ChangeTitles.h"
 
-#include "BrellCore/Background/JobPath.h"
+#include <utility>
 
 namespace brell {
 
@@ -12,8 +12,8 @@ std::string nameOf(const std::string& label, const std::optional<std::string>& e
 
 }  // namespace
 
-ChangeTitles::ChangeTitles(const TweakCatalog& catalog, const std::filesystem::path& agentsFolder)
-    : catalog_(catalog), agentsFolder_(resolvedPath(agentsFolder)) {}
+ChangeTitles::ChangeTitles(const TweakCatalog& catalog, AgentFolder agents)
+    : catalog_(catalog), agents_(std::move(agents)) {}
 
 void ChangeTitles::learn(const std::vector<LoginItemRow>& rows) {
     const std::lock_guard lock(mutex_);
@@ -22,11 +22,12 @@ void ChangeTitles::learn(const std::vector<LoginItemRow>& rows) {
             names_.insert_or_assign(*row.record->label(), row.title);
 }
 
-// A journal may name any path; macOS may ask the user before it lets a program look into other folders.
+// A journal may name any path; macOS may ask the user before it lets a program look into other folders. A
+// capture has its path without links.
 void ChangeTitles::learn(const JournalEntry& entry) {
     if (!entry.agent || knows(entry.agent->label)) return;
     const std::filesystem::path file(entry.agent->plistPath);
-    if (file.parent_path() != agentsFolder_) return;
+    if (!agents_.isDirectlyInside(file)) return;
     std::string name = nameOf(entry.agent->label, LaunchAgentPlist::read(file, LinksOut::left).executable());
     const std::lock_guard lock(mutex_);
     names_.emplace(entry.agent->label, std::move(name));

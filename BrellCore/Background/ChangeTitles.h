@@ -1,13 +1,12 @@
 // Names for the changes of a journal, as people know them.
 #pragma once
 
-#include <filesystem>
 #include <map>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "BrellCore/Background/AgentFolder.h"
 #include "BrellCore/Background/LoginItems.h"
 #include "BrellCore/Catalog/TweakCatalog.h"
 #include "BrellCore/Journal/JournalEntry.h"
@@ -19,7 +18,7 @@ namespace brell {
 class ChangeTitles {
 public:
     // The catalog must outlive the titles. Of job files only those in this folder are read.
-    explicit ChangeTitles(const TweakCatalog& catalog, const std::filesystem::path& agentsFolder = {});
+    explicit ChangeTitles(const TweakCatalog& catalog, AgentFolder agents = AgentFolder({}));
 
     const TweakCatalog& catalog() const { return catalog_; }
 
@@ -34,9 +33,9 @@ private:
     bool knows(const std::string& label) const;
 
     const TweakCatalog& catalog_;
-    const std::filesystem::path agentsFolder_;               // without links, as captures have it
-    mutable std::mutex mutex_;                               // guards the names
-    std::map<std::string, std::string, std::less<>> names_;  // of agents, by label
+    const AgentFolder agents_;
+    mutable std::mutex mutex_;                  // guards the names
+    std::map<std::string, std::string> names_;  // of agents, by label
 };
 
 }  // namespace brell

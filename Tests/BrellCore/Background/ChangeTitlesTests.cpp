@@ -14,7 +14,7 @@ TEST(ChangeTitlesTest, AnAgentIsCalledAsAmongTheLoginItemsAsFarAsThatIsKnown) {
     const TemporaryFolder home;
     const fs::path folder = home.path / "agents";
     const TweakCatalog catalog(home.path.string());
-    ChangeTitles titles(catalog, folder);
+    ChangeTitles titles(catalog, AgentFolder(folder));
     const auto change = [&](const std::string& label, const fs::path& in) {
         const fs::path file = in / (label + ".plist");
         fs::create_directories(in);
