@@ -17,8 +17,6 @@
 using brell::testing::EachCall;
 using brell::testing::SystemCall;
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

@@ -13,8 +13,6 @@
 
 #include "Trust/Worker.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

@@ -1,7 +1,5 @@
 #include "Trust/Rig.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

@@ -12,6 +12,8 @@
 
 namespace brell::trust {
 
+namespace fs = std::filesystem;
+
 // One run of the program over the Mac in this folder, which is filled when it is not there yet.
 class Rig {
 public:

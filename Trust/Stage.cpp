@@ -2,8 +2,6 @@
 
 #include "BrellCore/Journal/JournalRebuild.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

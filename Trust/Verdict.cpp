@@ -7,8 +7,6 @@
 #include "BrellCore/Journal/RestoreScript.h"
 #include "Tests/Support/Shell.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

@@ -13,8 +13,6 @@
 #include "BrellCore/Support/Text.h"
 #include "Trust/Recovery.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::trust {
 
 namespace {

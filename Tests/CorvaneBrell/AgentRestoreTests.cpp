@@ -9,8 +9,6 @@
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 #include "Tests/Support/SystemCalls.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

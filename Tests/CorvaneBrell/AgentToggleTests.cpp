@@ -2,8 +2,6 @@
 
 #include "Tests/CorvaneBrell/AgentToggleFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

@@ -5,8 +5,6 @@
 using namespace brell;
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 using HeadlessCommandsTest = HeadlessTest;

@@ -15,8 +15,6 @@
 using namespace brell;
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 bool contains(const std::string& text, const std::string& part) {

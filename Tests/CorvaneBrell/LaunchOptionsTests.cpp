@@ -10,8 +10,6 @@
 using namespace brell;
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 // The words, parted by blanks: two in a row stand for an empty word between them.

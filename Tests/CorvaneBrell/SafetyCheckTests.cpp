@@ -6,8 +6,6 @@
 using namespace brell;
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 class SafetyCheckTest : public HeadlessTest {

@@ -1,7 +1,5 @@
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

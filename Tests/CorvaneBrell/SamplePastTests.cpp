@@ -8,8 +8,6 @@
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

@@ -5,8 +5,6 @@
 
 #include "Tests/CorvaneBrell/HeadlessFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 namespace {

@@ -8,6 +8,8 @@
 
 namespace brell::testing {
 
+using Entries = std::vector<JournalEntry>;
+
 inline TimeStamp at(const char* iso) {
     return parseIso8601(iso).value();
 }

@@ -16,7 +16,7 @@
 #include <cstdio>
 #endif
 
-namespace fs = std::filesystem;
+#include "Tests/Support/Testing.h"
 
 namespace brell::testing {
 

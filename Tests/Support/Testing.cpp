@@ -7,8 +7,6 @@
 
 #include "BrellCore/Support/Uuid.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 TemporaryFolder::TemporaryFolder()

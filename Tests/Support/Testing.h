@@ -11,6 +11,7 @@
 
 namespace brell::testing {
 
+namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 using Names = std::set<std::string>;
 

@@ -8,8 +8,6 @@
 using namespace brell;
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 TEST(ChangeTitlesTest, AnAgentIsCalledAsAmongTheLoginItemsAsFarAsThatIsKnown) {
     const TemporaryFolder home;
     const fs::path folder = home.path / "agents";

@@ -7,8 +7,6 @@
 #include "Tests/Support/FakeCommandRunner.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

@@ -14,8 +14,6 @@ using namespace brell;
 using namespace brell::testing;
 using namespace std::chrono_literals;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 const PrefKey inner{"com.apple.finder", "ShowHardDrivesOnDesktop"};

@@ -11,8 +11,6 @@
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 
 namespace {

@@ -9,14 +9,11 @@
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 
 namespace {
 
 using namespace testing;
-using Entries = std::vector<JournalEntry>;
 
 bool toTheEnd(std::uintmax_t, std::uintmax_t) {
     return true;

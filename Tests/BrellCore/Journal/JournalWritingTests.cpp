@@ -10,14 +10,11 @@
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 
 namespace {
 
 using namespace testing;
-using Entries = std::vector<JournalEntry>;
 
 class JournalWritingTest : public ::testing::Test {
 protected:

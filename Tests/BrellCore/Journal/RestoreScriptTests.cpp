@@ -16,8 +16,6 @@ using namespace brell;
 using namespace brell::testing;
 using namespace std::chrono_literals;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 const PrefKey autohide{"com.apple.dock", "autohide"};

@@ -11,8 +11,6 @@
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 
 namespace {

@@ -5,8 +5,6 @@
 #include "Tests/Support/FakeCommandRunner.h"
 #include "Tests/Support/Testing.h"
 
-namespace fs = std::filesystem;
-
 namespace brell {
 namespace {
 

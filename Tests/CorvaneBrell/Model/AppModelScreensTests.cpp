@@ -6,8 +6,6 @@
 #include "CorvaneBrell/SampleMac/PreferenceMarks.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 TEST_F(AppModelTest, AnUpdateOfMacOSIsNoticedByTheVersionThatWasKept) {

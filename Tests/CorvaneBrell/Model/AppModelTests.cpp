@@ -4,8 +4,6 @@
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 #include "Tests/Support/EngineFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 TEST_F(AppModelTest, AChangeRunsBesideTheMainThreadAndIsAnnouncedOnce) {

@@ -14,8 +14,6 @@
 #include "Tests/Support/Obstacles.h"
 #include "Tests/Support/SystemCalls.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 namespace {

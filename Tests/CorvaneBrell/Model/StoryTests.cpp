@@ -17,8 +17,6 @@
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Shell.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 namespace {

@@ -3,8 +3,6 @@
 #include "CorvaneBrell/Window/Symbol.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 namespace {

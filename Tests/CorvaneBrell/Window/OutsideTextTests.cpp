@@ -6,8 +6,6 @@
 #include "CorvaneBrell/Window/FactList.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 // In names, paths, values and messages; a text that decides by itself that it is HTML fetches what it names.

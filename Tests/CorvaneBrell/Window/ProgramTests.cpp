@@ -7,8 +7,6 @@
 
 using namespace brell::testing;
 
-namespace fs = std::filesystem;
-
 namespace {
 
 class WindowProgramTest : public ::testing::Test {

@@ -4,8 +4,6 @@
 #include "CorvaneBrell/Window/SearchPage.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
 
-namespace fs = std::filesystem;
-
 namespace brell::testing {
 
 namespace {
