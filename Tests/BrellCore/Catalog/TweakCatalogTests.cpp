@@ -18,14 +18,6 @@ protected:
     const TweakCatalog catalog{"/Users/jo ann"};
 };
 
-const std::vector<Write> oneSwitch{{{"com.apple.dock", "autohide"}, true, false}};
-const std::vector<Write> twoNumbers{{{"com.apple.dock", "autohide-delay"}, 0.0, std::nullopt},
-                                    {{"NSGlobalDomain", "largesize"}, 80, std::nullopt}};
-
-std::string valueText(const std::vector<Write>& writes, const TweakKind& kind) {
-    return explain(writes, kind, EffectClass::immediate, Risk::low, "", "").value;
-}
-
 }  // namespace
 
 TEST_F(TweakCatalogTest, OffersEveryTweakInDisplayOrderAndFindsItById) {
@@ -81,21 +73,16 @@ TEST_F(TweakCatalogTest, EveryChoiceHasOneValueOfTheRightTypeForEachWrite) {
     EXPECT_EQ(choiceTweaks, 4u);
 }
 
-TEST_F(TweakCatalogTest, DerivesTheTextsOfATweakFromItsRow) {
-    const Tweak& hidden = *catalog.tweak("finder.show_hidden");
-
+TEST_F(TweakCatalogTest, SaysThisOfEachTweak) {
+    std::string said;
+    for (const Tweak& tweak : catalog.all()) {
+        const auto& [what, value, takesEffect, risk, undo] = tweak.explanation;
+        said += tweak.id + ": " + tweak.title + "\n";
+        for (const std::string& line : {tweak.renderedWrites(), what, value, takesEffect, risk, undo})
+            said += "    " + line + "\n";
+    }
+    EXPECT_EQ(said, testing::sample("Catalog/tweaks.txt"));
     EXPECT_EQ(catalog.tweak("dock.magnify")->domains(), Ids{"com.apple.dock"});
-    EXPECT_EQ(catalog.tweak("dock.magnify")->renderedWrites(),
-              "com.apple.dock magnification = true; com.apple.dock largesize = 80");
-    EXPECT_EQ(hidden.explanation.risk,
-              "Medium. System files become visible and can be dragged to the Trash by mistake.");
-    EXPECT_EQ(hidden.explanation.takesEffect,
-              "After Finder is relaunched (Brell offers to do it; open Finder windows close and reopen)");
-    EXPECT_EQ(
-        hidden.explanation.undo,
-        "Turn it off (the switch, the \"macOS default\" choice, or \"Restore previous location\"): Brell "
-        "writes the original value it saved back, or removes the key when there was none. Brell offers to "
-        "relaunch Finder again so the change disappears.");
 }
 
 TEST(CatalogHomeTest, PathsStartAtTheHomeFolderHoweverItIsWritten) {
@@ -106,29 +93,6 @@ TEST(CatalogHomeTest, PathsStartAtTheHomeFolderHoweverItIsWritten) {
         EXPECT_EQ(catalog.tweak("finder.new_window_home")->targets(),
                   (std::vector<PrefValue>{"PfHm", row[2]}));
     }
-}
-
-TEST(ExplanationTest, NamesTheValuesAsTheKindOfControlOffersThem) {
-    EXPECT_EQ(valueText(oneSwitch, ToggleKind()), "true");
-    EXPECT_EQ(valueText(twoNumbers, ToggleKind()), "0.0, 80");
-    EXPECT_EQ(valueText(oneSwitch, FolderKind()), "the folder you pick");
-    EXPECT_EQ(
-        valueText(twoNumbers, ChoiceKind{{{"small", "Small", {0.5, 36}}, {"plain", "Plain", {"x", true}}}}),
-        "Small: 0.5, 36; Plain: \"x\", true; macOS default: the key is removed");
-}
-
-TEST(ExplanationTest, RiskAddsTheNoteAndWhatExperimentalMeans) {
-    const auto riskText = [](Risk risk, std::string_view note) {
-        return explain(oneSwitch, ToggleKind(), EffectClass::immediate, risk, "What.", note).risk;
-    };
-    const std::string experimental =
-        "Experimental: no visible effect has been confirmed on every macOS version yet; excluded from "
-        "presets";
-
-    EXPECT_EQ(riskText(Risk::low, ""), "Low");
-    EXPECT_EQ(riskText(Risk::medium, "Mind the gap."), "Medium. Mind the gap.");
-    EXPECT_EQ(riskText(Risk::experimental, ""), experimental);
-    EXPECT_EQ(riskText(Risk::experimental, "Mind the gap."), experimental + ". Mind the gap.");
 }
 
 }  // namespace brell

@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
 #include <cmath>
-#include <map>
 
 #include "BrellCore/Support/TimeStamp.h"
 #include "BrellCore/Support/Uuid.h"
@@ -20,57 +18,26 @@ using testing::Texts;
 
 }  // namespace
 
-TEST(NumbersTest, DecimalFormsAreTheShortest) {
-    for (const char* text : {"-0.0", "0.15", "-3.0", "1000000000000.0", "0.0001", "9.999999999999999e-05",
-                             "1e-05", "18014398509481982.0", "1.8014398509481984e+16", "1e+17",
-                             "1.7976931348623157e+308", "5e-324", "-inf"})
-        EXPECT_EQ(shortestDecimal(parseReal(text).value()), text);
+// Each row is a text, the integer that it is and the real, in its shortest form.
+TEST(NumbersTest, OnlyWholeTextsThatFitAreNumbers) {
+    for (const Texts& row : sampleRows("Numbers/numbers.txt")) {
+        const auto integer = parseInteger(row[0]);
+        const auto real = parseReal(row[0]);
+        EXPECT_EQ(integer ? std::to_string(*integer) : "none", row[1]) << row[0];
+        EXPECT_EQ(real ? shortestDecimal(*real) : "none", row[2]) << row[0];
+    }
+    for (const std::string_view text : {std::string_view(), {"1\0", 2}, {"1\n"}, {"\n1"}}) {
+        EXPECT_FALSE(parseInteger(text));
+        EXPECT_FALSE(parseReal(text));
+    }
     EXPECT_EQ(shortestDecimal(-NAN), "nan");
 }
 
-TEST(NumbersTest, OnlyWholeTextsThatFitAreNumbers) {
-    const std::map<std::string, std::int64_t> integers{{"-0", 0},
-                                                       {"+7", 7},
-                                                       {"007", 7},
-                                                       {"9223372036854775807", INT64_MAX},
-                                                       {"-9223372036854775808", INT64_MIN}};
-    for (const auto& [text, number] : integers) EXPECT_EQ(parseInteger(text), number) << text;
-    for (const char* text : {"", "-", "+", "+-1", "++1", "--1", " 1", "1 ", "1.0", "1e3", "0x1F", "1,000",
-                             "\u0661", "9223372036854775808", "-9223372036854775809"})
-        EXPECT_FALSE(parseInteger(text)) << text;
-    EXPECT_FALSE(parseInteger(std::string_view("1\0", 2)));
-
-    const std::map<std::string, double> reals{{"1", 1},
-                                              {".5", 0.5},
-                                              {"5.", 5},
-                                              {"+1e3", 1000},
-                                              {"-1E-2", -0.01},
-                                              {"inf", INFINITY},
-                                              {"-Infinity", -INFINITY},
-                                              {"1e-999", 0},
-                                              {"5e-324", DBL_TRUE_MIN}};
-    for (const auto& [text, number] : reals) EXPECT_EQ(parseReal(text), number) << text;
-    for (const char* text : {"", ".", "e5", "1e", "1e999", "-1e999", "0x1p3", "-0X1", " 1", "1 ", "\n1",
-                             "1,5", "1.5.2", "infx", "--1", "one"})
-        EXPECT_FALSE(parseReal(text)) << text;
-    EXPECT_FALSE(parseReal(std::string_view("1\0", 2)));
-    EXPECT_TRUE(std::isnan(parseReal("nan").value_or(0)));
-}
-
 TEST(TimeStampTest, ReadsAndWritesOneFormOnly) {
-    const struct {
-        std::int64_t seconds;
-        const char* text;
-    } rows[] = {{0, "1970-01-01T00:00:00Z"},
-                {-1, "1969-12-31T23:59:59Z"},
-                {1794774193, "2026-11-15T20:23:13Z"},
-                {1709164800, "2024-02-29T00:00:00Z"},
-                {253402300799, "9999-12-31T23:59:59Z"},
-                {-62167219200, "0000-01-01T00:00:00Z"}};
-    for (const auto& row : rows) {
-        const TimeStamp time{std::chrono::seconds(row.seconds)};
-        EXPECT_EQ(iso8601(time), row.text);
-        EXPECT_EQ(parseIso8601(row.text), time);
+    for (const Texts& row : sampleRows("Numbers/dates.txt")) {
+        const TimeStamp time{std::chrono::seconds(std::stoll(row[0]))};
+        EXPECT_EQ(iso8601(time), row[1]);
+        EXPECT_EQ(parseIso8601(row[1]), time);
     }
     EXPECT_FALSE(parseIso8601(""));
     for (const Texts& row : sampleRows("Numbers/no-dates.txt")) EXPECT_FALSE(parseIso8601(row[0])) << row[0];
