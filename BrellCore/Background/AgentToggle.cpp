@@ -166,13 +166,21 @@ std::vector<std::string> AgentToggle::previewOn(const LaunchAgentRecord& record)
 }
 
 std::vector<std::string> AgentToggle::previewRestore(const AgentCapture& capture) const {
+    return rendered(AgentCommands::undoing(capture), capture);
+}
+
+std::vector<std::string> AgentToggle::previewAgain(const AgentCapture& capture) const {
+    return rendered(AgentCommands::making(capture), capture);
+}
+
+std::vector<std::string> AgentToggle::rendered(const AgentPlan& plan, const AgentCapture& capture) const {
     std::string jobFile = capture.plistPath;
     try {
         if (const auto found = folder_.jobFile(capture.label, capture.plistPath)) jobFile = found->string();
     } catch (const AgentToggleError&) {
-        // The restore will say so.
+        // Carrying it out will say so.
     }
-    return rendered(AgentCommands::undoing(capture), capture.label, jobFile);
+    return rendered(plan, capture.label, jobFile);
 }
 
 std::vector<std::string> AgentToggle::rendered(const AgentPlan& plan, const std::string& label,

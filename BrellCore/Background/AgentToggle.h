@@ -66,7 +66,9 @@ public:
     AgentPreview preview(const LaunchAgentRecord& record, AgentSwitch direction) const;
     std::vector<std::string> previewOff(const LaunchAgentRecord& record) const;
     std::vector<std::string> previewOn(const LaunchAgentRecord& record) const;
-    std::vector<std::string> previewRestore(const AgentCapture& capture) const;  // never raises
+    // Undoing the change with this capture, and making it anew after that. Neither raises.
+    std::vector<std::string> previewRestore(const AgentCapture& capture) const;
+    std::vector<std::string> previewAgain(const AgentCapture& capture) const;
 
     // Give the entry of the change, or the restored one. After an error the agent is as it was captured, or
     // its entry is still active and says why. One that is turned that way already is refused.
@@ -89,6 +91,7 @@ private:
     };
 
     AgentSteps stepsFor(const std::string& label) const;
+    std::vector<std::string> rendered(const AgentPlan& plan, const AgentCapture& capture) const;
     std::vector<std::string> rendered(const AgentPlan& plan, const std::string& label,
                                       const std::string& jobFile) const;
     JournalEntry toggle(const LaunchAgentRecord& record, AgentSwitch direction);

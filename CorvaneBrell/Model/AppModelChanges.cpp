@@ -11,6 +11,8 @@ namespace brell {
 
 namespace {
 
+constexpr const char* applyingAgain = "Applying again what was reset";
+
 // The user sees them first, as before the change itself.
 bool runsCommands(const SessionChange& action, const std::vector<JournalEntry>& entries) {
     std::set<Uuid> concerned(action.made.begin(), action.made.end());
@@ -113,9 +115,10 @@ void AppModel::cancelRestore() {
 
 void AppModel::confirmRestore(const std::set<Uuid>& ticked) {
     if (!state_.restoreRequest) return;
-    const DriftRequest changes = state_.restoreRequest->changes;
+    const RestoreRequest request = *state_.restoreRequest;
     cancelRestore();
-    restoreAnswered(changes, ticked);
+    if (!request.again.empty()) return change(applyingAgain, {}, &ChangeWork::applyAgain, request.again);
+    restoreAnswered(request.changes, ticked);
 }
 
 void AppModel::cancelDrift() {
@@ -149,8 +152,17 @@ void AppModel::keepTheirs(const std::vector<Uuid>& entries) {
     change("Keeping what others set", {}, &ChangeWork::keepTheirs, entries);
 }
 
+// What runs commands shows them first, as the change did.
 void AppModel::applyAgain(const std::vector<Uuid>& entries) {
-    change("Applying again what was reset", {}, &ChangeWork::applyAgain, entries);
+    std::vector<DriftedEntry> shown;
+    for (const auto* drifted : {&state_.drifted, &state_.driftedAgents})
+        std::copy_if(drifted->begin(), drifted->end(), std::back_inserter(shown), [&](const auto& one) {
+            return std::find(entries.begin(), entries.end(), one.entry.id) != entries.end();
+        });
+    if (std::none_of(shown.begin(), shown.end(), [](const auto& one) { return one.entry.agent; }))
+        return change(applyingAgain, {}, &ChangeWork::applyAgain, std::move(shown));
+    const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
+    questions_.run("", &ReadingWork::applyingAgain, done, std::move(shown));
 }
 
 void AppModel::recover() {

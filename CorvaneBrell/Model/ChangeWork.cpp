@@ -163,20 +163,20 @@ ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::vecto
     return finished(std::move(outcome));
 }
 
-ChangeOutcome ChangeWork::applyAgain(const std::vector<Uuid>& ids) {
+ChangeOutcome ChangeWork::applyAgain(const std::vector<DriftedEntry>& shown) {
     ChangeOutcome outcome;
-    for (const Uuid& id : ids) {
+    for (const DriftedEntry& one : shown) {
         if (progress_.isEnding()) break;
-        progress_.tell(outcome.made.size(), ids.size());
+        progress_.tell(outcome.made.size(), shown.size());
         tryStep(outcome.failures, [&] {
-            const auto entry = deps_.journal->entry(id);
+            const auto entry = deps_.journal->entry(one.entry.id);
             if (!entry || !entry->isActive()) return;
-            outcome.agentsTouched = outcome.agentsTouched || entry->agent;
-            noteKeys(outcome, entry->tweakID);
-            outcome.restored.push_back(deps_.engine.restore(id, true));
-            makeAgain(outcome, *entry);
+            if (restoreUnlessDrifted(outcome, *entry, &one)) return makeAgain(outcome, *entry);
+            outcome.failures.push_back(deps_.titles.of(*entry) +
+                                       " was changed once more and is left as it is. Look at it again.");
         });
     }
+    outcome.alreadyBack.clear();  // of what is made again that is no news
     outcome.undo.done = actionOf(outcome, "what was applied again", LeadsTo::theOriginals);
     return finished(std::move(outcome));
 }

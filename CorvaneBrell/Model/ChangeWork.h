@@ -36,8 +36,8 @@ public:
     // and the rest waits; with an answer the ticked ones are restored, and the rest follows if those were
     // all.
     ChangeOutcome undoAction(const SessionChange& action);
-    // Makes again what others reset; the first originals are kept.
-    ChangeOutcome applyAgain(const std::vector<Uuid>& ids);
+    // Makes again what others reset, where it is as it was shown; the first originals are kept.
+    ChangeOutcome applyAgain(const std::vector<DriftedEntry>& shown);
     // Closes changes that others changed since, without writing: what is there now stays.
     ChangeOutcome keepTheirs(const std::vector<Uuid>& ids);
     // Restores what an earlier run left unfinished.

@@ -284,7 +284,11 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
         const auto active = deps_.journal->activeEntry(entry.tweakID);
         const bool isChangedAnew =
             active && std::find(action.made.begin(), action.made.end(), active->id) == action.made.end();
-        if (!isChangedAnew) request.steps.push_back(makingAgain(entry));
+        if (isChangedAnew) continue;
+        std::vector<std::string> commands;
+        if (const auto& agent = entry.agent)
+            commands = deps_.toggle.preview(switchedAgent(*agent), AgentCommands::switchOf(*agent)).commands;
+        request.steps.push_back(makingAgain(entry, std::move(commands)));
     }
     return request;
 }
@@ -311,13 +315,24 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
     }
 }
 
-RestoreStep ReadingWork::makingAgain(const JournalEntry& entry) {
+RestoreRequest ReadingWork::applyingAgain(const std::vector<DriftedEntry>& drifted) {
+    RestoreRequest request{Uuid::random(), "Apply again what was changed outside Brell?", {}, {}, drifted};
+    for (const DriftedEntry& one : drifted) {
+        std::vector<std::string> commands;
+        if (const auto& agent = one.entry.agent) {
+            commands = deps_.toggle.previewRestore(*agent);
+            const auto again = deps_.toggle.previewAgain(*agent);
+            commands.insert(commands.end(), again.begin(), again.end());
+        }
+        request.steps.push_back(makingAgain(one.entry, std::move(commands)));
+    }
+    return request;
+}
+
+// The commands are those of an agent.
+RestoreStep ReadingWork::makingAgain(const JournalEntry& entry, std::vector<std::string> commands) const {
     return {deps_.titles.of(entry), "Again as it was changed before",
-            entry.agent
-                ? deps_.toggle.preview(switchedAgent(*entry.agent), AgentCommands::switchOf(*entry.agent))
-                      .commands
-                : againLines(entry),
-            entry.agent.has_value()};
+            entry.agent ? std::move(commands) : againLines(entry), entry.agent.has_value()};
 }
 
 DecodedPreset ReadingWork::preset(const fs::path& file) {

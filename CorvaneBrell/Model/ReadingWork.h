@@ -79,6 +79,8 @@ public:
     // Of those of the changes that are active.
     RestoreRequest restoring(const std::string& title, const std::vector<Uuid>& changes);
     RestoreRequest undoing(const SessionChange& action);
+    // What applying these again would do, commands included.
+    RestoreRequest applyingAgain(const std::vector<DriftedEntry>& drifted);
     LeavingRequest leaving(const std::vector<Uuid>& concerned);
     DecodedPreset preset(const std::filesystem::path& file);
     std::string restoreScript();
@@ -100,7 +102,7 @@ private:
     RebuildProgress rebuildProgress();
     void readEntries(Everything& everything);
     void addRestores(RestoreRequest& request, const std::vector<Uuid>& changes);
-    RestoreStep makingAgain(const JournalEntry& entry);
+    RestoreStep makingAgain(const JournalEntry& entry, std::vector<std::string> commands) const;
     void noteFacts(const std::vector<LaunchAgentRecord>& jobs, LoginItems& items);
     void noteRefusal(const LaunchAgentRecord& agent, LoginItems& items) const;
 

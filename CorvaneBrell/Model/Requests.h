@@ -74,12 +74,13 @@ struct RestoreStep {
     bool operator==(const RestoreStep&) const = default;
 };
 
-// Everything that a restore would do, and which of it was changed by others since and is asked for.
+// Everything that a restore, or applying again, would do, and which of it was changed by others since and is asked for.
 struct RestoreRequest {
     Uuid id;
     std::string title;
     std::vector<RestoreStep> steps;  // of the changes that did not drift
     DriftRequest changes;
+    std::vector<DriftedEntry> again = {};  // these are made again instead, and nothing else is done
     bool operator==(const RestoreRequest&) const = default;
 };
 

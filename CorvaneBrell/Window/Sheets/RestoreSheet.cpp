@@ -30,6 +30,10 @@ QString explanationOf(const RestoreRequest& request) {
         return QObject::tr(
             "This undoes the last change of this session. These are the keys it changes and the "
             "commands it runs.");
+    if (!request.again.empty())
+        return QObject::tr(
+            "This puts back what was there before Brell, and then makes these changes again. These are the "
+            "keys it changes and the commands it runs.");
     if (isAlone(request)) return qt(changes.explanation());
     const std::size_t all = changes.others.size() + changes.entries.size();
     if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
@@ -79,7 +83,10 @@ RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const RestoreReques
         content()->addWidget(sectionHeading(tr("As Brell left them")));
     addCard(request.steps.size(),
             [steps = request.steps](std::size_t place) { return stepRow(steps[place]); });
-    addConfirmation(request.changes, &AppModel::confirmRestore);
+    if (request.again.empty())
+        addConfirmation(request.changes, &AppModel::confirmRestore);
+    else
+        addAnswers(tr("Apply Again"), [this] { this->model().confirmRestore(); });
 }
 
 RestoreSheet::RestoreSheet(AppModel& model, QWidget* window, const DriftRequest& request)

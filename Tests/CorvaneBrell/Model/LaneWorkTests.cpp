@@ -46,7 +46,7 @@ protected:
 }  // namespace
 
 TEST_F(LaneWorkTest, NoFurtherChangeIsBegunOnceBrellEnds) {
-    const Uuid earlier = made("dock.size");
+    const DriftedEntry earlier{dependencies.journal->entry(made("dock.size")).value(), {}};
     isEnding = true;
     EXPECT_TRUE(changes.applyPreset({{}, {{"dock.autohide", "", WouldChange{}}}, {}, {}}).made.empty());
     EXPECT_TRUE(changes.applyAgain({earlier}).made.empty());
