@@ -147,8 +147,16 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     expectLeavingChangesNothing("Relaunch Finder?", [&] { model->askRelaunch(); });
     expectLeavingChangesNothing("Read macOS's list of background items?", [&] { model->askTaskList(); });
     expectLeavingChangesNothing("Apply " + preset.name + "?", [&] { model->askPreset(preset); });
+    turnOnFromOutside("us.zoom.updater");
+    settled()->loadAgentDrift();
+    const Uuid drifted = settled()->state().driftedAgents.at(0).entry.id;
+    const auto applyAgain = [&] { settled()->applyAgain({drifted}); };
+    expectLeavingChangesNothing("Apply again what was changed outside Brell?", applyAgain);
     EXPECT_FALSE(model->state().errorMessage) << *model->state().errorMessage;
     EXPECT_TRUE(applications.requests.empty());
+    applyAgain();
+    press(*sheet(), "Apply Again");
+    EXPECT_TRUE(settled()->state().driftedAgents.empty());
 }
 
 TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
