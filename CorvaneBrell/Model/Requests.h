@@ -74,7 +74,8 @@ struct RestoreStep {
     bool operator==(const RestoreStep&) const = default;
 };
 
-// Everything that a restore, or applying again, would do, and which of it was changed by others since and is asked for.
+// Everything that a restore, or applying again, would do, and which of it was changed by others since and is
+// asked for.
 struct RestoreRequest {
     Uuid id;
     std::string title;
