@@ -151,8 +151,10 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
     if (afterCaptureHook_) afterCaptureHook_(entry);
 
     for (std::size_t i = 0; i < entry.writes.size(); ++i) {
-        const auto failure = writeVerified(entry.writes[i], store_);
-        if (failure) throw rollBack(entry, i + 1, *failure, held);
+        // The saving took its time, and others know nothing of the lock.
+        if (const auto why = whyNotOverwritten(entry.writes[i], store_)) throw rollBack(entry, i, *why, held);
+        if (const auto failure = writeVerified(entry.writes[i], store_))
+            throw rollBack(entry, i + 1, *failure, held);
     }
     entry.status = EntryStatus::applied;
     saveApplied(entry, held);

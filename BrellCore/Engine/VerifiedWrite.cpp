@@ -6,6 +6,15 @@
 
 namespace brell {
 
+std::optional<EngineFailure> whyNotOverwritten(const JournaledWrite& write, PreferenceStore& store) try {
+    const StoredValue now = store.exactValue(write.key);
+    if (now == write.original) return std::nullopt;
+    return Refused{write.key.rendered() + " was changed by another program just now, to " + now.rendered() +
+                   ", and is left as it is."};
+} catch (const StoreError& error) {
+    return error.failure();
+}
+
 std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store) try {
     store.put(write.written, write.key);
     store.synchronize(write.key.domain);

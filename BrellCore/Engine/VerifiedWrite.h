@@ -11,6 +11,9 @@ namespace brell {
 
 class PreferenceStore;
 
+// Nothing while the key holds its original; else why the change must not overwrite it.
+std::optional<EngineFailure> whyNotOverwritten(const JournaledWrite& write, PreferenceStore& store);
+
 // Makes the key hold what the change writes. Gives what went wrong; the key may then hold anything.
 std::optional<EngineFailure> writeVerified(const JournaledWrite& write, PreferenceStore& store);
 

@@ -1,6 +1,7 @@
 // A preference store in front of another one, that notes every call and goes wrong when it is told to.
 #pragma once
 
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -37,6 +38,8 @@ public:
     // The calls that change something, in their order: "write DOMAIN KEY = VALUE", "remove DOMAIN KEY". One
     // that is synchronized next ends in ", synchronized"; what else is, is a "synchronize DOMAIN" of its own.
     std::vector<std::string> changes;
+
+    std::function<void()> meanwhile;  // done by others while a change goes wrong
 
     static StoreFailure simulated(const std::string& call) {
         return StoreIo{"Simulated failure: " + call + "."};
@@ -91,6 +94,7 @@ private:
     template <class Change>
     void changing(const std::string& call, Change&& change) {
         const bool isWrong = goesWrong(call);
+        if (isWrong && meanwhile) meanwhile();
         if (!isWrong || fault_ == Fault::forgets) change();
         if (isWrong && fault_ != Fault::ignores) throw StoreError(simulated(call));
     }

@@ -101,6 +101,18 @@ TEST_F(TweakEngineTest, AWriteThatDoesNotStickIsRolledBackNewestFirst) {
     EXPECT_EQ(script(), RestoreScript::render({}, now));
 }
 
+// While the change is journaled.
+TEST_F(TweakEngineTest, AValueThatAnotherProgramWritesJustNowIsNotOverwritten) {
+    const Tweak& magnify = tweak("dock.magnify");
+    engine.setAfterCaptureHook([&](const JournalEntry&) { files.write(64, largeSize); });
+    EXPECT_EQ(
+        messageOf([&] { engine.apply(magnify); }),
+        "com.apple.dock largesize was changed by another program just now, to 64, and is left as it is.");
+    EXPECT_EQ(statuses(), std::vector{EntryStatus::failed});
+    EXPECT_EQ(files.exactValue(largeSize), StoredValue(64));
+    EXPECT_TRUE(files.exactValue(magnification).isAbsent()) << "it is put back";
+}
+
 TEST_F(TweakEngineTest, WhatWasNotPutBackIsNotSaidToBe) {
     files.write(false, magnification);
     store.goWrong(Fault::ignores, "write com.apple.dock", 2);

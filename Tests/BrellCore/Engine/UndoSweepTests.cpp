@@ -131,12 +131,10 @@ TEST_F(UserDefaultsUndoTest, AKindThatBrellNeverWritesGivesWayOnlyToAConfirmedUn
     const PrefKey tileSize{"com.apple.dock", "tilesize"};
     const std::string refusal = "com.apple.dock tilesize holds a dictionary, which Brell does not change.";
     const Tweak& size = tweak("dock.size");
-    const auto storeElsewhere = [&](const JournalEntry&) {
-        defaults->saveElsewhere(tileSize, PlistValue{PlistDictionary{}});
-    };
+    const auto storeElsewhere = [&] { defaults->saveElsewhere(tileSize, PlistValue{PlistDictionary{}}); };
     FaultyStore faulty{userDefaults};
     EngineRun other(faulty, catalog, folder.path / "real journal", clock);
-    other.engine.setAfterCaptureHook(storeElsewhere);
+    faulty.meanwhile = storeElsewhere;
     faulty.goWrong(Fault::refuses, "write");
     const StoreFailure reason = FaultyStore::simulated("write " + tileSize.rendered());
     EXPECT_EQ(engineFailure([&] { other.engine.apply(size); }), EngineFailure(reason));
@@ -164,7 +162,7 @@ TEST_F(UserDefaultsUndoTest, AKindThatBrellNeverWritesGivesWayOnlyToAConfirmedUn
     defaults->saved.clear();
     EXPECT_EQ(overDefaults.engine.recoverInterrupted().restored.size(), 1u);
     const JournalEntry applied = overDefaults.engine.apply(size);
-    storeElsewhere(applied);
+    storeElsewhere();
     EXPECT_EQ(engineFailure([&] { overDefaults.engine.restore(applied.id, false); }),
               EngineFailure(Drift{applied.id}));
     EXPECT_EQ(overDefaults.engine.restore(applied.id, true).status, EntryStatus::restored);
