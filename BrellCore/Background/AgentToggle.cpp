@@ -248,7 +248,8 @@ JournalEntry AgentToggle::toggle(const LaunchAgentRecord& record, AgentSwitch di
 // Refuses what may not be switched; otherwise what the change starts from.
 AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, AgentSwitch direction) const {
     const Validated agent = validate(record);
-    const AgentState before = stepsFor(agent.label).settledState();
+    AgentState before = stepsFor(agent.label).settledState();
+    before.override = LaunchAgentReader::inForce(before.override, LaunchAgentPlist::read(agent.plistPath));
     checkTurns(agent.label, before, direction);
     if (isLeaving(before.loaded)) throw refused(agent.label + " is about to end; try again when it has.");
     checkSource(before.loaded, agent.label, agent.plistPath);

@@ -98,6 +98,7 @@ LaunchAgentPlist LaunchAgentPlist::readOrRaise(const fs::path& file, LinksOut li
     plist.runAtLoad = valueOf<bool>(*job, "RunAtLoad").value_or(false);
     plist.keepAlive =
         valueOf<bool>(*job, "KeepAlive").value_or(valueOf<PlistDictionary>(*job, "KeepAlive").has_value());
+    plist.isDisabled = valueOf<bool>(*job, "Disabled").value_or(false);
     plist.startInterval = valueOf<std::int64_t>(*job, "StartInterval");
     plist.hasCalendarInterval = job->find("StartCalendarInterval") != nullptr;
     plist.associatedBundleIDs = textsOf(*job, "AssociatedBundleIdentifiers");

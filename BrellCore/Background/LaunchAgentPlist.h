@@ -20,6 +20,7 @@ struct LaunchAgentPlist {
     std::vector<std::string> arguments;
     bool runAtLoad = false;
     bool keepAlive = false;  // also under conditions
+    bool isDisabled = false;
     std::optional<std::int64_t> startInterval;
     bool hasCalendarInterval = false;
     std::vector<std::string> associatedBundleIDs;

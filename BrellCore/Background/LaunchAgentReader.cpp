@@ -15,7 +15,8 @@ namespace {
 
 AgentOverride overrideFor(const LaunchAgentPlist& plist, const AgentOverrides& overrides) {
     const auto found = plist.label ? overrides.find(*plist.label) : overrides.end();
-    return found == overrides.end() ? AgentOverride::absent : found->second;
+    return LaunchAgentReader::inForce(found == overrides.end() ? AgentOverride::absent : found->second,
+                                      plist);
 }
 
 }  // namespace
@@ -41,6 +42,10 @@ std::vector<LaunchAgentPlist> LaunchAgentReader::plists(const fs::path& folder, 
     for (const fs::path& file : jobFiles(folder, ignored))
         plists.push_back(LaunchAgentPlist::read(file, links));
     return plists;
+}
+
+AgentOverride LaunchAgentReader::inForce(AgentOverride held, const LaunchAgentPlist& plist) {
+    return held == AgentOverride::absent && plist.isDisabled ? AgentOverride::disabled : held;
 }
 
 AgentOverrides LaunchAgentReader::overrides() const {

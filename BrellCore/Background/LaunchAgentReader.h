@@ -68,6 +68,9 @@ struct LaunchAgentReader {
     static std::vector<LaunchAgentPlist> plists(const std::filesystem::path& folder,
                                                 LinksOut links = LinksOut::followed);
 
+    // The override that comes to the same as what launchd goes by: where it holds none, the file's own word.
+    static AgentOverride inForce(AgentOverride held, const LaunchAgentPlist& plist);
+
     // Raises LaunchctlError when launchctl refuses, and what the runner raises.
     AgentOverrides overrides() const;
 

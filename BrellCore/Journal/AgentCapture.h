@@ -7,7 +7,8 @@
 
 namespace brell {
 
-// launchd's per-user override for a label; absent when it holds none.
+// launchd's per-user override for a label; absent when it holds none. One that a job file makes up for by
+// saying "Disabled" itself counts as disabled.
 enum class AgentOverride { absent, enabled, disabled };
 template <>
 inline constexpr std::array<std::string_view, 3> enumTexts<AgentOverride>{"absent", "enabled", "disabled"};

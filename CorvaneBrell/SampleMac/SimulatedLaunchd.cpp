@@ -175,7 +175,8 @@ CommandResult SimulatedLaunchd::bootstrap(const fs::path& file, LaunchdState& st
     if (const auto known = state.jobs.find(*plist.label); known != state.jobs.end())
         return failed("Bootstrap", isLeaving(known->second) ? behaviour.bootstrapAnswer : fileExists);
     const auto override = state.overrides.find(*plist.label);
-    if (override != state.overrides.end() && override->second) return failed("Bootstrap", inputOutputError);
+    if (override == state.overrides.end() ? plist.isDisabled : override->second)
+        return failed("Bootstrap", inputOutputError);
 
     SimulatedJob job;
     job.file = inside->generic_string();

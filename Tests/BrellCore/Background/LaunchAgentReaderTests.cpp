@@ -44,7 +44,7 @@ TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJobAndCountsValuesOfAnotherTypeAsM
     LaunchAgentPlist whole = onlyPath(file, ::getuid()), odd = whole;
     whole.label = "com.example.a";
     whole.arguments = {"/bin/sh", "-c"};
-    whole.runAtLoad = whole.keepAlive = whole.hasCalendarInterval = true;
+    whole.runAtLoad = whole.keepAlive = whole.isDisabled = whole.hasCalendarInterval = true;
     whole.startInterval = 3600;
     whole.associatedBundleIDs = {"com.example.app"};
     odd.program = "/usr/bin/true";
