@@ -40,10 +40,17 @@ void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
                   file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
 }
 
-// True when launchd names a file that is gone; words in parentheses name none.
+// True when this names a file that is gone; launchd's words in parentheses name none.
 bool isGone(const std::string& path) {
     std::error_code failed;
     return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
+}
+
+// True for a file of a home that is gone: the user was renamed, or the home came from another Mac.
+bool isOfAFormerHome(const fs::path& jobFile) {
+    const fs::path folder = jobFile.parent_path(), library = folder.parent_path();
+    return folder.filename() == "LaunchAgents" && library.filename() == "Library" &&
+           isGone(library.parent_path().string());
 }
 
 std::string placeOf(const LoadedState& loaded) {
@@ -51,9 +58,10 @@ std::string placeOf(const LoadedState& loaded) {
 }
 
 // Two files may have the same label. A job loaded from another one could not be brought back from this
-// one, unless that was renamed.
+// one, unless that was renamed to this or this to that.
 void checkSource(const LoadedState& loaded, const std::string& label, const std::string& plistPath) {
-    if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath) && !isGone(loaded.path.value_or("")))
+    const bool isRenamed = isGone(loaded.path.value_or("")) || isGone(plistPath);
+    if (loaded.isLoaded() && !isLoadedFrom(loaded, plistPath) && !isRenamed)
         throw refused(label + " is loaded from " + placeOf(loaded) + ", not from " + plistPath +
                       "; it is not changed.");
 }
@@ -327,7 +335,7 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
 // Refuses a capture of what can't be the user's own agent.
 void AgentToggle::checkOwn(const AgentCapture& capture) const {
     checkLabel(capture.label);
-    if (!folder_.holds(capture.plistPath))
+    if (!folder_.holds(capture.plistPath) && !isOfAFormerHome(capture.plistPath))
         throw refused(capture.plistPath + " is outside your LaunchAgents folder.");
 }
 

@@ -202,7 +202,8 @@ TEST_F(AgentRestoreTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
         }
     claimed({absent, fileOf(absent).string(), false, AgentOverride::disabled});
     claimed({"com.apple.x", fileOf(absent).string(), false, AgentOverride::disabled});
-    claimed({"com.example.x", "/Library/LaunchAgents/x.plist", false, AgentOverride::disabled});
+    const fs::path others = mac.systemRoot() / "Library/LaunchAgents/x.plist";  // of a home that is there
+    claimed({"com.example.x", others.string(), false, AgentOverride::disabled});
     EXPECT_EQ(engine.restoreAll({}).failed.size(), 2u);
     EXPECT_EQ(launchdState(), launchdBefore);
 

@@ -108,12 +108,6 @@ TEST_F(AgentToggleTest, NeverTakesAnotherFileWithTheSameLabelForTheAgent) {
     EXPECT_EQ(journal.active(), std::vector{on});
 }
 
-TEST_F(AgentToggleTest, SwitchesAFileThatIsNamedBySuffixAlone) {
-    setContents(mac.launchAgents() / ".plist", jobFile("com.example.dot"));
-    toggle.turnOff(record(".plist"));
-    EXPECT_EQ(stateOf("com.example.dot"), "disabled, not loaded");
-}
-
 TEST_F(AgentToggleTest, ShowsTheCommandsBeforehand) {
     const std::string enable = "/bin/launchctl enable gui/501/" + plain;
     const std::string disable = "/bin/launchctl disable gui/501/" + plain;
