@@ -58,10 +58,14 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
         plan_.from = std::min(plan_.from.value_or(line.at), line.at);
         plan_.to = std::max(plan_.to.value_or(line.at), line.at);
         const auto [known, isNew] = places_.try_emplace(line.entry.id, plan_.entries.size());
-        if (isNew)
+        if (isNew) {
             plan_.entries.push_back(std::move(line.entry));
-        else
-            plan_.entries[known->second] = std::move(line.entry);
+            continue;
+        }
+        // A change that has ended begins no more: after a journey to the west, or with the clock set back,
+        // the file of its end may stand before that of its beginning.
+        JournalEntry& entry = plan_.entries[known->second];
+        if (entry.isActive() || !line.entry.isActive()) entry = std::move(line.entry);
     }
     lines.clear();
 }

@@ -11,7 +11,7 @@
 namespace brell {
 
 struct RebuildPlan {
-    std::vector<JournalEntry> entries;  // as their last line has them, in the order of their first
+    std::vector<JournalEntry> entries;  // as their end or else their last line has them, by their first
     // Of these, the ones that were still active in their last line although a later active one of the same
     // tweak followed: their end is missing from the history. The entries have them as restored, with a
     // failure text that says so.

@@ -68,11 +68,14 @@ TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
     EXPECT_EQ(whole.active(), (Entries{entries[1], entries[3]}));
 
     // The lines that ended the first two are missing.
-    Entries several{entryFor("a"), entryFor("b"), entryFor("a", EntryStatus::applied), entryFor("a")};
+    Entries several{entryFor("a"), entryFor("b"), entryFor("a", EntryStatus::applied), entryFor("a"),
+                    entryFor("c", EntryStatus::failed)};
     for (JournalEntry& entry : several) entry.appliedAt = noon + std::chrono::hours(&entry - &several[0]);
     HistoryReading history{{}, 2, 1, {"unread"}};
     for (const JournalEntry& entry : several) history.lines.push_back({entry.appliedAt, entry.status, entry});
     std::swap(history.lines[0].at, history.lines[1].at);
+    // The day of its end has the earlier name, as on a journey to the west.
+    history.lines.push_back({noon, EntryStatus::capturing, changed(several[4], EntryStatus::capturing)});
     const RebuildPlan made = planRebuild(history);
     for (const std::size_t i : {0u, 2u}) {
         several[i].status = EntryStatus::restored;
@@ -83,7 +86,7 @@ TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
     EXPECT_EQ(
         made,
         (RebuildPlan{
-            several, {several[0].id, several[2].id}, noon, noon + std::chrono::hours(3), 2, 1, {"unread"}}));
+            several, {several[0].id, several[2].id}, noon, noon + std::chrono::hours(4), 2, 1, {"unread"}}));
 }
 
 TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
