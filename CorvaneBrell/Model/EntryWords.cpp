@@ -286,6 +286,9 @@ std::vector<ToldLine> toldHistory(const std::vector<HistoryLine>& history, const
                 {line->at, line->event, titles.of(line->entry), eventWords(*line, titles.catalog())});
         later = &*line;
     }
+    // A day of travelling may have the name of the day before.
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const ToldLine& one, const ToldLine& other) { return one.at > other.at; });
     return lines;
 }
 
