@@ -121,18 +121,28 @@ RowUndo undoOf(const JournalEntry& active, const Tweak& tweak, const std::vector
         originWords(active, model.catalog().home(), model.macOSVersion())};
 }
 
-// Nothing where the keys were not read: what decides is not what the switch would write.
+// Also a value of another type, such as "YES" or 1 for true: some apps take it for the same.
+bool mayMean(const StoredValue& stored, const PrefValue& target) {
+    return stored == target || (stored.value && stored.value->typeName() != target.typeName());
+}
+
+// Nothing where the keys were not read, since what decides is not what the switch would write, and where a
+// switch may be either.
 std::optional<bool> positionOf(const TweakStatus& status) {
     if (std::holds_alternative<OnByDefault>(status.state)) return true;
     if (status.exact.empty()) return std::nullopt;
+    const std::vector<StoredValue>& exact = status.exact;
     const std::vector<PrefValue> targets = status.tweak.targets();
-    return std::equal(status.exact.begin(), status.exact.end(), targets.begin(), targets.end());
+    if (std::equal(exact.begin(), exact.end(), targets.begin(), targets.end())) return true;
+    const bool isSwitch = std::holds_alternative<ToggleKind>(status.tweak.kind);
+    const bool mayBeOn = std::equal(exact.begin(), exact.end(), targets.begin(), targets.end(), mayMean);
+    return isSwitch && mayBeOn ? std::nullopt : std::optional(false);
 }
 
 std::string nowWords(const Tweak& tweak, const TweakRowState& row, const TweakStatus& status,
                      std::string_view home) {
     if (status.exact.empty()) return unknownBadge.text;
-    if (std::holds_alternative<ToggleKind>(tweak.kind)) return row.isOn == true ? "On" : "Off";
+    if (std::holds_alternative<ToggleKind>(tweak.kind) && row.isOn) return *row.isOn ? "On" : "Off";
     if (const auto* kind = std::get_if<ChoiceKind>(&tweak.kind))
         for (const Choice& choice : kind->choices)
             if (choice.id == row.choiceID) return choice.title;
