@@ -1,5 +1,7 @@
 #include "BrellCore/Engine/RestoreScriptFile.h"
 
+#include <utility>
+
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/Failure.h"
@@ -54,6 +56,18 @@ bool RestoreScriptFile::keepLocked() {
     return true;
 }
 
+void RestoreScriptFile::keepEarlier() noexcept try {
+    const std::lock_guard lock(mutex_);
+    if (!file_ || identityOf(journal_.fileURL()) || !journal_.all().empty()) return;
+    const auto copy = RestoreScript::keepAside(*file_, clock_());
+    if (!copy) return;
+    const std::lock_guard troubleLock(troubleMutex_);
+    untoldCopy_ = "There was no journal, but the restore script of an earlier one. It is kept as " +
+                  copy->string() + ", and puts back what was changed when it was written.";
+} catch (const std::exception&) {
+    // A change that is to be made does not depend on it.
+}
+
 // A file that was removed or replaced is not the one that was written.
 bool RestoreScriptFile::isWritten(const std::vector<Uuid>& active) const {
     return written_ && written_->entries == active && identityIfKnown(*file_) == written_->identity;
@@ -61,6 +75,7 @@ bool RestoreScriptFile::isWritten(const std::vector<Uuid>& active) const {
 
 std::optional<std::string> RestoreScriptFile::untoldTrouble() {
     const std::lock_guard lock(troubleMutex_);
+    if (untoldCopy_) return std::exchange(untoldCopy_, std::nullopt);
     if (isTold_) return std::nullopt;
     isTold_ = trouble_.has_value();
     return trouble_;

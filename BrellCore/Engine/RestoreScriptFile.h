@@ -26,7 +26,12 @@ public:
     // failure of the change before it: the script stays as it was, and the next call tries again.
     bool keep() noexcept;
 
-    // In a whole sentence why the script is not as it should be; nothing when it is, or when that was told.
+    // To be called before an entry is saved. Where no journal is there and none is known, a script may be all
+    // that undoes what an earlier one held: a copy of it is kept.
+    void keepEarlier() noexcept;
+
+    // In whole sentences which copy was kept, or why the script is not as it should be; nothing when neither
+    // is so, or when that was told.
     std::optional<std::string> untoldTrouble();
 
 private:
@@ -45,7 +50,8 @@ private:
     std::mutex mutex_;  // guards written_ and every writing
     std::optional<Written> written_;
 
-    std::mutex troubleMutex_;  // guards the two below; never held while something is written
+    std::mutex troubleMutex_;  // guards all below; never held while something is written
+    std::optional<std::string> untoldCopy_;
     std::optional<std::string> trouble_;
     bool isTold_ = false;
 };

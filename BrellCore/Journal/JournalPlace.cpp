@@ -67,6 +67,17 @@ fs::path rebuildMark(const fs::path& journal) {
     return journal.string() + ".rebuilding";
 }
 
+fs::path freeName(const fs::path& file, const std::string& ending) {
+    for (int n = 1;; ++n) {
+        fs::path name = file;
+        name += ending + (n > 1 ? "-" + std::to_string(n) : "");
+        std::error_code failed;
+        const fs::file_type type = fs::symlink_status(name, failed).type();
+        if (type == fs::file_type::none) throw std::system_error(failed, name.string());
+        if (type == fs::file_type::not_found) return name;
+    }
+}
+
 std::optional<std::string> whyNoFreshStart(const fs::path& journal) {
     std::error_code failed;
     const fs::file_type mark = fs::symlink_status(rebuildMark(journal), failed).type();

@@ -74,15 +74,6 @@ bool isThere(const fs::path& file) {
     return type != fs::file_type::not_found;
 }
 
-// A name that nothing has: what is kept replaces nothing that was kept before.
-fs::path freeName(const fs::path& file, const std::string& ending) {
-    for (int n = 1;; ++n) {
-        fs::path name = file;
-        name += ending + (n > 1 ? "-" + std::to_string(n) : "");
-        if (!isThere(name)) return name;
-    }
-}
-
 void replace(const fs::path& file, const std::string& text) try {
     replaceFile(file, text, Durability::powerCut);
 } catch (const ReplaceError& error) {
@@ -110,7 +101,7 @@ std::error_code giveName(const fs::path& file, const fs::path& name) {
     return failed;
 }
 
-fs::path keepAside(const fs::path& file, const std::string& moment) {
+fs::path keepAside(const fs::path& file, const std::string& moment) try {
     for (;;) {
         const fs::path aside = freeName(file, std::string(damagedEnding) + moment);
         const std::error_code failed = giveName(file, aside);
@@ -119,16 +110,13 @@ fs::path keepAside(const fs::path& file, const std::string& moment) {
         flushFolder(file.parent_path());
         return aside;
     }
+} catch (const std::system_error& error) {
+    throw cannotRebuild(error.what());
 }
 
 // The script that stands there may know of a change whose history lines a power cut took: it is kept, too.
 void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& plan, TimeStamp now) try {
-    constexpr std::size_t mostBytes = 256 * 1024 * 1024;
-    if (const auto before = readFile(script, mostBytes)) {
-        const fs::path copy = freeName(script, std::string(scriptBeforeEnding) + localMoment(now));
-        replaceFile(copy, before->bytes, Durability::powerCut);
-        rebuilt.scriptBefore = copy;
-    }
+    rebuilt.scriptBefore = RestoreScript::keepAside(script, now);
     RestoreScript::save(script, RestoreScript::render(plan.entries, now));
 } catch (const std::exception& error) {
     rebuilt.scriptFailure = error.what();

@@ -5,13 +5,18 @@
 
 #include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/EntryOrder.h"
+#include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Support/DurableFile.h"
+#include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Numbers.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell::RestoreScript {
 
 namespace {
+
+constexpr std::string_view nothingToRestore =
+    "echo 'Nothing to restore: Brell has no active change on record.'";
 
 std::string domainArgument(const std::string& domain) {
     return domain == globalDomain ? "-g" : quote(domain);
@@ -68,7 +73,7 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
     const std::vector<JournalEntry> active = activeNewestFirst(entries);
     for (const JournalEntry& entry : active)
         for (std::string& line : entryLines(entry)) lines.push_back(std::move(line));
-    if (active.empty()) lines.push_back("echo 'Nothing to restore: Brell has no active change on record.'");
+    if (active.empty()) lines.emplace_back(nothingToRestore);
     lines.push_back("");
     lines.push_back(
         "echo 'Done. Relaunch Finder and the Dock, or log out and back in, for every change to take "
@@ -80,6 +85,15 @@ void save(const std::filesystem::path& file, std::string_view text) {
     // Run with sh and perhaps copied, so that others may read it; nobody else may write it.
     constexpr unsigned permissions = 0644;
     replaceFile(file, text, Durability::powerCut, permissions);
+}
+
+std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now) {
+    constexpr std::size_t mostBytes = 256 * 1024 * 1024;
+    const auto script = readFile(file, mostBytes);
+    if (!script || script->bytes.find(nothingToRestore) != std::string::npos) return std::nullopt;
+    const auto copy = freeName(file, std::string(scriptBeforeEnding) + localMoment(now));
+    replaceFile(copy, script->bytes, Durability::powerCut);
+    return copy;
 }
 
 std::string quote(std::string_view text) {

@@ -20,6 +20,10 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
 // Makes the text this file's contents, durably. Raises ReplaceError.
 void save(const std::filesystem::path& file, std::string_view text);
 
+// Copies a script that undoes something, durably, under the name of this moment, and gives that name; nothing
+// where there is no such script. Raises ReadError, ReplaceError and std::system_error.
+std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now);
+
 // One single-quoted shell word.
 std::string quote(std::string_view text);
 // The value as arguments of `defaults write`.
