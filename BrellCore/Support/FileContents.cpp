@@ -56,7 +56,7 @@ void checkNoLinkAt(const fs::path& path) {
 bool readAll(const UniqueFd& file, std::string& bytes, std::size_t most) {
     for (;;) {
         const std::size_t had = bytes.size();
-        const std::size_t room = std::max<std::size_t>(bytes.capacity() - had, 4096);
+        const std::size_t room = had < bytes.capacity() ? bytes.capacity() - had : 4096;
         bytes.resize(had + std::min(room, most + 1 - had));
         const ssize_t got = ::read(file.get(), bytes.data() + had, bytes.size() - had);
         bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
