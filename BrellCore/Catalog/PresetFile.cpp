@@ -15,7 +15,7 @@ namespace brell {
 namespace {
 
 constexpr std::string_view importSummary = "Imported from a .corvanepreset file.";
-constexpr std::array<std::string_view, 3> fileKeys{"format", "name", "tweaks"};
+constexpr std::array<KnownKey, 3> fileKeys{{{"format"}, {"name"}, {"tweaks"}}};
 
 struct Description {
     std::string operator()(const UnsupportedPresetFormat& failure) const {
@@ -55,14 +55,14 @@ DecodedPreset presetOf(const std::string& name, const std::vector<std::string>& 
 DecodedPreset decodeFormat1(const std::string& padded, const TweakCatalog& catalog) try {
     std::string name;
     std::vector<std::string> ids;
-    KnownKeys known(fileKeys, fileKeys.size());
+    KnownKeys known(fileKeys);
     simdjson::ondemand::parser parser;
     simdjson::ondemand::document document = startReading(parser, padded);
-    for (auto field : document.get_object()) {
-        const std::string_view key = field.unescaped_key();
-        if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "name") name = field.value().get_string().value();
-        if (key == "tweaks")
+    for (simdjson::ondemand::field field : document.get_object()) {
+        const KnownKey* key = known.met(field);
+        if (!key) checkWellFormed(field.value());
+        if (key && key->name == "name") name = field.value().get_string().value();
+        if (key && key->name == "tweaks")
             for (auto id : field.value().get_array()) ids.emplace_back(id.get_string().value());
     }
     known.checkAllMet();

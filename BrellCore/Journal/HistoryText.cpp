@@ -1,9 +1,9 @@
 #include "BrellCore/Journal/HistoryText.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
-#include <stdexcept>
 #include <vector>
 
 #include "BrellCore/Journal/JournalJson.h"
@@ -15,30 +15,20 @@ namespace json = simdjson::ondemand;
 
 namespace {
 
-// Reads into the line's place in the list: moving so large a record once more is dear.
-void readLine(json::object object, HistoryLine& line) {
-    bool hasAt = false, hasEvent = false, hasEntry = false;
-    for (auto field : object) {
-        const std::string_view key = field.unescaped_key();
-        if (key == "at") {
-            line.at = readTimeStamp(field.value());
-            hasAt = true;
-        } else if (key == "entry") {
-            line.entry = readJournalEntry(field.value().get_object());
-            hasEntry = true;
-        } else if (key == "event") {
-            line.event = readEnum<EntryStatus>(field.value(), key);
-            hasEvent = true;
-        } else {
-            checkWellFormed(field.value());
-        }
-    }
-    if (!hasAt || !hasEvent || !hasEntry) throw std::runtime_error("a key is missing");
-}
+constexpr std::array<Member<HistoryLine>, 3> lineMembers{
+    {{{"at"},
+      [](json::value& value, std::string_view, HistoryLine& line) { line.at = readTimeStamp(value); }},
+     {{"entry"},
+      [](json::value& value, std::string_view, HistoryLine& line) {
+          readJournalEntry(value.get_object(), line.entry);
+      }},
+     {{"event"}, [](json::value& value, std::string_view key, HistoryLine& line) {
+          line.event = readEnum<EntryStatus>(value, key);
+      }}}};
 
 bool tryReadLine(json::parser& parser, simdjson::padded_string_view text, HistoryLine& line) try {
     json::document document = parser.iterate(text);
-    readLine(document.get_object(), line);
+    readMembers(document.get_object(), lineMembers, line);
     return isAtEnd(document);
 } catch (const std::exception&) {
     return false;

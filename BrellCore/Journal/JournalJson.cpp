@@ -1,7 +1,10 @@
 #include "BrellCore/Journal/JournalJson.h"
 
 #include <array>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <type_traits>
 
 #include "BrellCore/Preferences/PrefValueJson.h"
 #include "BrellCore/Support/JsonReader.h"
@@ -12,60 +15,91 @@ namespace json = simdjson::ondemand;
 
 namespace {
 
-// The last four are optional.
-constexpr std::array<std::string_view, 12> entryKeys{"appliedAt",    "direction", "id",      "kind",
-                                                     "macOSVersion", "status",    "tweakID", "writes",
-                                                     "agent",        "choiceID",  "failure", "restoredAt"};
-constexpr std::size_t requiredEntryKeys = 8;
-constexpr std::array<std::string_view, 4> writeKeys{"domain", "key", "original", "written"};
-constexpr std::array<std::string_view, 4> agentKeys{"label", "override", "plistPath", "wasLoaded"};
-
-std::string readText(json::value value) {
-    return std::string(value.get_string().value());
+// Each reads a value into a field that holds nothing yet.
+void readInto(json::value& value, std::string_view, std::string& text) {
+    text = value.get_string().value();
 }
 
-Uuid readUuid(json::value value) {
-    const std::string_view text = value.get_string();
-    if (const auto id = Uuid::parse(text)) return *id;
-    throw std::runtime_error("\"" + excerpt(text) + "\" is not an entry's identifier");
+void readInto(json::value& value, std::string_view, bool& flag) {
+    flag = value.get_bool();
 }
+
+void readInto(json::value& value, std::string_view, TimeStamp& time) {
+    time = readTimeStamp(value);
+}
+
+void readInto(json::value& value, std::string_view, Uuid& id) {
+    const std::string_view text = value.get_string().value();
+    const auto read = Uuid::parse(text);
+    if (!read) throw std::runtime_error("\"" + excerpt(text) + "\" is not an entry's identifier");
+    id = *read;
+}
+
+template <class Enum>
+    requires std::is_enum_v<Enum>
+void readInto(json::value& value, std::string_view key, Enum& word) {
+    word = readEnum<Enum>(value, key);
+}
+
+void readInto(json::value& value, std::string_view, StoredValue& stored) {
+    stored = readStoredValue(value.get_object());
+}
+
+void readInto(json::value& value, std::string_view key, AgentCapture& agent);
 
 // Null is as good as no key at all.
-template <class Read>
-auto readOptional(json::value value, Read&& read) -> std::optional<decltype(read(value))> {
-    if (value.is_null()) return std::nullopt;
-    return read(value);
+template <class Value>
+void readInto(json::value& value, std::string_view key, std::optional<Value>& field) {
+    if (!value.is_null()) readInto(value, key, field.emplace());
 }
 
-AgentCapture readAgent(json::value value) {
-    AgentCapture agent{};
-    KnownKeys known(agentKeys, agentKeys.size());
-    for (auto field : value.get_object()) {
-        const std::string_view key = field.unescaped_key();
-        if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "label") agent.label = readText(field.value());
-        if (key == "override") agent.override = readEnum<AgentOverride>(field.value(), key);
-        if (key == "plistPath") agent.plistPath = readText(field.value());
-        if (key == "wasLoaded") agent.wasLoaded = field.value().get_bool();
-    }
-    known.checkAllMet();
-    return agent;
+template <auto field, class Record>
+void readField(json::value& value, std::string_view key, Record& record) {
+    readInto(value, key, record.*field);
 }
 
-JournaledWrite readWrite(json::object object) {
-    JournaledWrite write;
-    KnownKeys known(writeKeys, writeKeys.size());
-    for (auto field : object) {
-        const std::string_view key = field.unescaped_key();
-        if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "domain") write.key.domain = readText(field.value());
-        if (key == "key") write.key.name = readText(field.value());
-        if (key == "original") write.original = readStoredValue(field.value().get_object());
-        if (key == "written") write.written = readStoredValue(field.value().get_object());
-    }
-    known.checkAllMet();
-    return write;
+void readDomain(json::value& value, std::string_view key, JournaledWrite& write) {
+    readInto(value, key, write.key.domain);
 }
+
+void readKey(json::value& value, std::string_view key, JournaledWrite& write) {
+    readInto(value, key, write.key.name);
+}
+
+constexpr std::array<Member<JournaledWrite>, 4> writeMembers{
+    {{{"domain"}, readDomain},
+     {{"key"}, readKey},
+     {{"original"}, readField<&JournaledWrite::original>},
+     {{"written"}, readField<&JournaledWrite::written>}}};
+
+void readWrites(json::value& value, std::string_view, JournalEntry& entry) {
+    for (auto write : value.get_array())
+        readMembers(write.get_object(), writeMembers, entry.writes.emplace_back());
+}
+
+constexpr std::array<Member<AgentCapture>, 4> agentMembers{
+    {{{"label"}, readField<&AgentCapture::label>},
+     {{"override"}, readField<&AgentCapture::override>},
+     {{"plistPath"}, readField<&AgentCapture::plistPath>},
+     {{"wasLoaded"}, readField<&AgentCapture::wasLoaded>}}};
+
+void readInto(json::value& value, std::string_view, AgentCapture& agent) {
+    readMembers(value.get_object(), agentMembers, agent);
+}
+
+constexpr std::array<Member<JournalEntry>, 12> entryMembers{
+    {{{"agent", false}, readField<&JournalEntry::agent>},
+     {{"appliedAt"}, readField<&JournalEntry::appliedAt>},
+     {{"choiceID", false}, readField<&JournalEntry::choiceID>},
+     {{"direction"}, readField<&JournalEntry::direction>},
+     {{"failure", false}, readField<&JournalEntry::failure>},
+     {{"id"}, readField<&JournalEntry::id>},
+     {{"kind"}, readField<&JournalEntry::kind>},
+     {{"macOSVersion"}, readField<&JournalEntry::macOSVersion>},
+     {{"restoredAt", false}, readField<&JournalEntry::restoredAt>},
+     {{"status"}, readField<&JournalEntry::status>},
+     {{"tweakID"}, readField<&JournalEntry::tweakID>},
+     {{"writes"}, readWrites}}};
 
 void writeWrite(JsonWriter& json, const JournaledWrite& write) {
     json.beginObject();
@@ -130,33 +164,12 @@ void writeJson(JsonWriter& json, const JournalEntry& entry) {
     json.endObject();
 }
 
-JournalEntry readJournalEntry(json::object object) {
-    JournalEntry entry{};
-    KnownKeys known(entryKeys, requiredEntryKeys);
-    for (auto field : object) {
-        const std::string_view key = field.unescaped_key();
-        if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "agent") entry.agent = readOptional(field.value(), readAgent);
-        if (key == "appliedAt") entry.appliedAt = readTimeStamp(field.value());
-        if (key == "choiceID") entry.choiceID = readOptional(field.value(), readText);
-        if (key == "direction") entry.direction = readEnum<EntryDirection>(field.value(), key);
-        if (key == "failure") entry.failure = readOptional(field.value(), readText);
-        if (key == "id") entry.id = readUuid(field.value());
-        if (key == "kind") entry.kind = readEnum<EntryKind>(field.value(), key);
-        if (key == "macOSVersion") entry.macOSVersion = readText(field.value());
-        if (key == "restoredAt") entry.restoredAt = readOptional(field.value(), readTimeStamp);
-        if (key == "status") entry.status = readEnum<EntryStatus>(field.value(), key);
-        if (key == "tweakID") entry.tweakID = readText(field.value());
-        if (key == "writes")
-            for (auto write : field.value().get_array())
-                entry.writes.push_back(readWrite(write.get_object()));
-    }
-    known.checkAllMet();
-    return entry;
+void readJournalEntry(json::object object, JournalEntry& entry) {
+    readMembers(object, entryMembers, entry);
 }
 
-TimeStamp readTimeStamp(json::value value) {
-    const std::string_view text = value.get_string();
+TimeStamp readTimeStamp(json::value& value) {
+    const std::string_view text = value.get_string().value();
     if (const auto time = parseIso8601(text)) return *time;
     throw std::runtime_error("\"" + excerpt(text) + "\" is not a date");
 }

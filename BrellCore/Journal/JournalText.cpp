@@ -23,7 +23,7 @@ constexpr std::string_view beforeEntries = "{\n  \"entries\" : [\n    ";
 constexpr std::string_view betweenEntries = ",\n    ";
 constexpr std::string_view afterEntries = "\n  ],\n  \"format\" : 1\n}\n";
 constexpr int entryDepth = 2;
-constexpr std::array<std::string_view, 2> fileKeys{"entries", "format"};
+constexpr std::array<KnownKey, 2> fileKeys{{{"entries"}, {"format"}}};
 
 JournalError newerFormat(std::int64_t format) {
     return JournalError({JournalFailure::Kind::cannotRead,
@@ -80,11 +80,11 @@ std::string JournalText::of(const std::vector<JournalEntry>& entries) {
     JsonWriter json(JsonWriter::Layout::pretty);
     json.reserve(entries.size() * bytesOfMost);
     json.beginObject();
-    json.key(fileKeys[0]);
+    json.key(fileKeys[0].name);
     json.beginArray();
     for (const JournalEntry& entry : entries) writeJson(json, entry);
     json.endArray();
-    json.key(fileKeys[1]);
+    json.key(fileKeys[1].name);
     json.integer(formatVersion);
     json.endObject();
     return json.take() + "\n";
@@ -159,19 +159,19 @@ void JournalText::keepActiveOf(const JournalText& older) {
 
 void JournalText::parse() {
     std::int64_t format = 0;
-    KnownKeys known(fileKeys, fileKeys.size());
+    KnownKeys known(fileKeys);
     json::parser parser;
     json::document document = startReading(parser, text_);
-    for (auto field : document.get_object()) {
-        const std::string_view key = field.unescaped_key();
-        if (!known.met(key)) checkWellFormed(field.value());
-        if (key == "format") format = field.value().get_int64();
-        if (key == "entries")
+    for (json::field field : document.get_object()) {
+        const KnownKey* key = known.met(field);
+        if (!key) checkWellFormed(field.value());
+        if (key && key->name == "format") format = field.value().get_int64();
+        if (key && key->name == "entries")
             for (auto element : field.value().get_array()) {
                 json::object object = element.get_object();
                 const std::string_view raw = stripped(object.raw_json().value());
                 object.reset();
-                entries_.push_back(readJournalEntry(object));
+                readJournalEntry(object, entries_.emplace_back());
                 spans_.push_back({static_cast<std::size_t>(raw.data() - text_.data()), raw.size()});
             }
     }

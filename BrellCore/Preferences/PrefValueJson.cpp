@@ -13,8 +13,7 @@ namespace json = simdjson::ondemand;
 
 namespace {
 
-constexpr std::array<std::string_view, 3> storedKeys{"type", "value", "absent"};
-constexpr std::size_t valueKeys = 2;  // the first two
+constexpr std::array<KnownKey, 3> storedKeys{{{"absent", false}, {"type"}, {"value"}}};
 
 struct PayloadWriter {
     JsonWriter& json;
@@ -29,18 +28,18 @@ struct PayloadWriter {
     }
 };
 
-PrefValue readStrings(json::value value) {
+PrefValue readStrings(json::value& value) {
     PrefValue::StringArray strings;
     for (auto element : value.get_array()) strings.emplace_back(element.get_string().value());
     return PrefValue(std::move(strings));
 }
 
-using PayloadReader = PrefValue (*)(json::value);
+using PayloadReader = PrefValue (*)(json::value& value);
 constexpr std::pair<std::string_view, PayloadReader> payloadReaders[] = {
-    {"bool", [](json::value value) { return PrefValue(value.get_bool().value()); }},
-    {"int", [](json::value value) { return PrefValue(value.get_int64().value()); }},
-    {"double", [](json::value value) { return PrefValue(value.get_double().value()); }},
-    {"string", [](json::value value) { return PrefValue(std::string(value.get_string().value())); }},
+    {"bool", [](json::value& value) { return PrefValue(value.get_bool().value()); }},
+    {"int", [](json::value& value) { return PrefValue(value.get_int64().value()); }},
+    {"double", [](json::value& value) { return PrefValue(value.get_double().value()); }},
+    {"string", [](json::value& value) { return PrefValue(std::string(value.get_string().value())); }},
     {"stringArray", readStrings}};
 
 PayloadReader readerOf(std::string_view type) {
@@ -69,19 +68,19 @@ void writeJson(JsonWriter& json, const StoredValue& value) {
 }
 
 StoredValue readStoredValue(json::object object) {
-    KnownKeys known(storedKeys, valueKeys);
+    KnownKeys known(storedKeys);
     bool isAbsent = false;
     std::optional<std::string_view> type;
     int fields = 0, valueAt = -1;
-    for (auto field : object) {
-        const std::string_view key = field.unescaped_key();
-        known.met(key);
-        json::value value = field.value();
-        if (key == "absent")
+    for (auto each : object) {
+        json::field&& field = std::move(each);
+        const KnownKey* key = known.met(field);
+        json::value& value = field.value();
+        if (key && key->name == "absent")
             isAbsent = value.get_bool();
-        else if (key == "type" && value.type() == json::json_type::string)
-            type = value.get_string();
-        else if (key == "value")
+        else if (key && key->name == "type" && value.type() == json::json_type::string)
+            type = value.get_string().value();
+        else if (key && key->name == "value")
             valueAt = fields;  // as what it is to be read may stand behind it
         else
             checkWellFormed(value);
@@ -94,8 +93,9 @@ StoredValue readStoredValue(json::object object) {
     if (valueAt < 0) return {};
     // The second time around no text is read again: the parser has room for each once, and checks nothing.
     object.reset();
-    for (auto field : object) {
+    for (auto each : object) {
         if (valueAt-- > 0) continue;
+        json::field&& field = std::move(each);
         if (read) return read(field.value());
         checkWellFormed(field.value());
         break;

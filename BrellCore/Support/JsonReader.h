@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace brell {
 
@@ -29,36 +30,71 @@ void checkWellFormed(simdjson::ondemand::value value, int levels = 64);
 // as broken.
 std::optional<std::int64_t> formatOf(const std::string& padded);
 
-// The keys an object may have, each at most once, ticked off as they are met; at most 32. The first
-// `required` of them it must have.
-template <std::size_t count>
+struct KnownKey {
+    std::string_view name;
+    bool isRequired = true;
+};
+
+// The keys that an object may have, each at most once, ticked off as they are met; at most 32. They are
+// found soonest in the order in which they stand here.
+template <class Key, std::size_t count>
 class KnownKeys {
 public:
-    constexpr KnownKeys(const std::array<std::string_view, count>& keys, std::size_t required)
-        : keys_(keys), required_(required) {}
+    explicit constexpr KnownKeys(const std::array<Key, count>& keys) : keys_(keys) {}
 
-    // True for one of them.
-    bool met(std::string_view key) {
-        for (std::size_t i = 0; i < count; ++i) {
-            if (keys_[i] != key) continue;
-            if ((met_ & 1u << i) != 0)
-                throw std::runtime_error("the key \"" + std::string(key) + "\" stands twice");
-            met_ |= 1u << i;
-            return true;
-        }
-        return false;
+    // The one that the field has; nullptr for any other.
+    const Key* met(simdjson::ondemand::field& field) {
+        // As it is written, which takes no copy; only then by what escapes in it stand for.
+        if (const Key* key = find(field.key())) return key;
+        return find(field.unescaped_key().value());
     }
     void checkAllMet() const {
-        for (std::size_t i = 0; i < required_; ++i)
-            if ((met_ & 1u << i) == 0)
-                throw std::runtime_error("the key \"" + std::string(keys_[i]) + "\" is missing");
+        for (std::size_t i = 0; i < count; ++i)
+            if (keys_[i].isRequired && (met_ & 1u << i) == 0)
+                throw std::runtime_error("the key \"" + std::string(keys_[i].name) + "\" is missing");
     }
 
 private:
-    const std::array<std::string_view, count>& keys_;
-    const std::size_t required_;
+    template <class Text>
+    const Key* find(const Text& text) {
+        for (std::size_t looks = 0; looks < count; ++looks) {
+            const std::size_t place = next_;
+            next_ = place + 1 < count ? place + 1 : 0;
+            if (!(text == keys_[place].name)) continue;
+            if ((met_ & 1u << place) != 0)
+                throw std::runtime_error("the key \"" + std::string(keys_[place].name) + "\" stands twice");
+            met_ |= 1u << place;
+            return &keys_[place];
+        }
+        return nullptr;
+    }
+
+    const std::array<Key, count>& keys_;
+    std::size_t next_ = 0;
     unsigned met_ = 0;
 };
+
+// A key whose value goes into a record.
+template <class Record>
+struct Member : KnownKey {
+    void (*read)(simdjson::ondemand::value& value, std::string_view key, Record& record);
+};
+
+// Reads an object into a fresh record. Keys may come in any order; unknown ones are passed over. Raises what
+// the members' readers do, and std::runtime_error for a key that is missing or stands twice.
+template <class Record, std::size_t count>
+void readMembers(simdjson::ondemand::object object, const std::array<Member<Record>, count>& members,
+                 Record& record) {
+    KnownKeys known(members);
+    for (auto each : object) {
+        simdjson::ondemand::field&& field = std::move(each);  // raises what is wrong; each copy of a field is dear
+        if (const auto* member = known.met(field))
+            member->read(field.value(), member->name, record);
+        else
+            checkWellFormed(field.value());
+    }
+    known.checkAllMet();
+}
 
 // True when nothing but white space follows the value that was read to its end.
 inline bool isAtEnd(simdjson::ondemand::document& document) {
