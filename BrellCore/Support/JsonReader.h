@@ -87,7 +87,7 @@ void readMembers(simdjson::ondemand::object object, const std::array<Member<Reco
                  Record& record) {
     KnownKeys known(members);
     for (auto each : object) {
-        simdjson::ondemand::field&& field = std::move(each);  // raises what is wrong; each copy of a field is dear
+        simdjson::ondemand::field&& field = std::move(each);  // raises what is wrong; a copy would be dear
         if (const auto* member = known.met(field))
             member->read(field.value(), member->name, record);
         else

@@ -81,6 +81,8 @@ std::string repairedUtf8(std::string_view bytes) {
 }
 
 std::string oneLine(std::string_view text) {
+    const bool isPlain = std::all_of(text.begin(), text.end(), isPrintableAscii);
+    if (isPlain) return std::string(text);  // nearly everything is
     std::string line;
     line.reserve(text.size());
     while (!text.empty()) {
