@@ -180,8 +180,9 @@ void TweakEngine::tidyUp(const Journal::Exclusive&) noexcept try {
     const std::int64_t today =
         std::chrono::floor<std::chrono::days>(settings_.clock()).time_since_epoch().count();
     if (tidiedOn_.exchange(today) == today) return;
-    removeLeftovers(withoutLink(journal_.fileURL()));
-    if (settings_.restoreScriptURL) removeLeftovers(*settings_.restoreScriptURL);
+    std::vector<std::filesystem::path> files{withoutLink(journal_.fileURL())};
+    if (settings_.restoreScriptURL) files.push_back(*settings_.restoreScriptURL);
+    removeLeftovers(files);
     store_.removeLeftovers();
 } catch (const std::exception&) {
     // Tomorrow, then.

@@ -133,7 +133,9 @@ void PlistFileStore::synchronize(const std::string& domain) {
 }
 
 void PlistFileStore::removeLeftovers() noexcept {
-    for (const std::string& domain : allowedDomains_) brell::removeLeftovers(fileOf(directory_, domain));
+    std::vector<fs::path> files;
+    for (const std::string& domain : allowedDomains_) files.push_back(fileOf(directory_, domain));
+    brell::removeLeftovers(files);
 }
 
 std::unique_ptr<PreferenceReader> PlistFileStore::reader() {

@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <ctime>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -19,15 +21,26 @@ constexpr std::string_view ending = ".tmp";
 constexpr std::size_t lengthOfUuid = 36;
 constexpr std::time_t aDay = 24 * 60 * 60;
 
-bool isTemporaryFor(const fs::path& file, const std::string& target) {
+bool isTemporaryForOneOf(const fs::path& file, const std::vector<std::string>& targets) {
     const std::string name = targetOf(file).filename().string();
-    return name == target || name.starts_with(target + ".");
+    return !name.empty() && std::any_of(targets.begin(), targets.end(), [&](const std::string& target) {
+        return name == target || name.starts_with(target + ".");
+    });
 }
 
 bool isOld(const fs::path& file) {
     struct stat status;
     return ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
            status.st_mtime < std::time(nullptr) - aDay;
+}
+
+void removeLeftoversIn(const fs::path& folder, const std::vector<std::string>& targets) {
+    std::error_code failed;
+    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
+        const fs::path& file = entry->path();
+        if (isTemporaryForOneOf(file, targets) && isOld(file)) ::unlink(file.c_str());
+    }
 }
 
 }  // namespace
@@ -50,14 +63,11 @@ fs::path targetOf(const fs::path& temporary) {
     return temporary.parent_path() / name;
 }
 
-void removeLeftovers(const fs::path& target) noexcept try {
-    const std::string name = target.filename().string();
-    std::error_code failed;
-    for (fs::directory_iterator entry(target.parent_path(), failed), end; !failed && entry != end;
-         entry.increment(failed)) {
-        const fs::path& file = entry->path();
-        if (isTemporaryFor(file, name) && isOld(file)) ::unlink(file.c_str());
-    }
+void removeLeftovers(const std::vector<fs::path>& targets) noexcept try {
+    std::map<fs::path, std::vector<std::string>> namesIn;
+    for (const fs::path& target : targets)
+        namesIn[target.parent_path()].push_back(target.filename().string());
+    for (const auto& [folder, names] : namesIn) removeLeftoversIn(folder, names);
 } catch (const std::exception&) {
     // The next time, then.
 }

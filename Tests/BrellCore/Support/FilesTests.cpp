@@ -149,10 +149,10 @@ TEST_F(FilesTest, OnlyOldLeftoversOfReplacingAreRemoved) {
     make(temporaryFor(file).filename().string(), day + 100);
     make(".notes.json.before-now." + id + ".tmp", day + 100);
 
-    removeLeftovers(file);
+    removeLeftovers({file});
     left.insert(young);
     EXPECT_EQ(namesIn(folder.path), left);
-    removeLeftovers(folder.path / "missing" / "notes.json");
+    removeLeftovers({folder.path / "missing" / "notes.json"});
 }
 
 TEST_F(FilesTest, EveryByteThatIsWrittenIsReadWithTheIdentityAndRoomBehindThem) {
