@@ -91,16 +91,19 @@ StoredValue readStoredValue(json::object object) {
     if (!isAbsent) known.checkAllMet();
     if (!isAbsent && !read) throw simdjson::simdjson_error(simdjson::INCORRECT_TYPE);
     if (valueAt < 0) return {};
-    // The second time around no text is read again: the parser has room for each once, and checks nothing.
+    // The second time around no text is read again: the parser has room for each once. But up to the end, as
+    // only a value that was read shows what stands between it and the next.
+    StoredValue stored;
     object.reset();
     for (auto each : object) {
-        if (valueAt-- > 0) continue;
         json::field&& field = std::move(each);
-        if (read) return read(field.value());
-        checkWellFormed(field.value());
-        break;
+        if (valueAt-- != 0) continue;
+        if (read)
+            stored = read(field.value());
+        else
+            checkWellFormed(field.value());
     }
-    return {};
+    return stored;
 }
 
 }  // namespace brell
