@@ -144,7 +144,11 @@ void AppModel::undoLast() {
     if (!last || state_.changeActivity) return;
     if (!runsCommands(*last, state_.entries))
         return change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
-    const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
+    const auto done = [this, action = *last](JobResult<RestoreRequest> request) {
+        if (!request.value || !request.value->isEmpty()) return showRestore(std::move(request));
+        set(&AppState::undo, state_.undo.after({{}, action, {}}), Topic::journal);
+        fail(nothingLeft(action));
+    };
     questions_.run("", &ReadingWork::undoing, done, *last);
 }
 

@@ -160,6 +160,8 @@ ChangeOutcome ChangeWork::undoWith(const SessionChange& action, const std::vecto
             outcome.undo.remade.emplace_back(id, outcome.made.back().id);
         });
     if (outcome.failures.empty()) outcome.undo.undone = action;
+    if (outcome.failures.empty() && outcome.restored.empty() && outcome.made.empty())
+        outcome.failures.push_back(nothingLeft(action));
     return finished(std::move(outcome));
 }
 

@@ -260,8 +260,7 @@ RestoreRequest ReadingWork::restoring(const std::string& title, const std::vecto
     RestoreRequest request{Uuid::random(), title, {}, {}};
     request.changes.isEverything = changes.size() == deps_.journal->active().size();
     addRestores(request, changes);
-    if (request.steps.empty() && request.changes.entries.empty())
-        throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));
+    if (request.isEmpty()) throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));
     return request;
 }
 

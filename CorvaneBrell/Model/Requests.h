@@ -82,6 +82,8 @@ struct RestoreRequest {
     std::vector<RestoreStep> steps;  // of the changes that did not drift
     DriftRequest changes;
     std::vector<DriftedEntry> again = {};  // these are made again instead, and nothing else is done
+
+    bool isEmpty() const { return steps.empty() && changes.entries.empty(); }
     bool operator==(const RestoreRequest&) const = default;
 };
 

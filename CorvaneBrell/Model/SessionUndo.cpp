@@ -6,6 +6,11 @@
 
 namespace brell {
 
+std::string nothingLeft(const SessionChange& action) {
+    return "There is nothing left to undo of “" + action.name +
+           "”: all of it was undone or changed anew since.";
+}
+
 SessionUndo SessionUndo::after(const UndoNote& note) const {
     SessionUndo next = *this;
     std::vector<SessionChange>& actions = next.actions_;

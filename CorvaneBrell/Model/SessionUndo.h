@@ -17,6 +17,9 @@ struct SessionChange {
     bool operator==(const SessionChange&) const = default;
 };
 
+// Why undoing it does nothing: others undid all of it, or changed it anew.
+std::string nothingLeft(const SessionChange& action);
+
 // The meaning of a change for the undoing of actions.
 struct UndoNote {
     std::optional<SessionChange> done;          // an action that can be undone from now on
