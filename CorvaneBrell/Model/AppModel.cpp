@@ -136,6 +136,11 @@ void AppModel::show(Screen screen) {
     if (!isFirstTime) readShown({false, tasks_});
 }
 
+// As for a page that is shown again.
+void AppModel::showResults(bool areShown) {
+    if (put(&AppState::isSearching, areShown)) readShown({false, tasks_});
+}
+
 void AppModel::dismissUpdate() {
     set(&AppState::macOSUpdate, std::nullopt, Topic::notices);
 }

@@ -56,14 +56,14 @@ public:
     bool isChanging(const std::string& tweakID) const { return changing_.contains(tweakID); }
 
     void show(Screen screen);
+    void showResults(bool areShown);  // of a search, before the screen
     void refreshAll();
     void refreshShown();  // that, and what only the shown screen needs from the system's tools
     void lookAgain();     // likewise, but macOS is not asked for its list of background items
     void dismissError();
     void dismissUpdate();  // of macOS
 
-    // Tweaks. A tweak with an active change is restored first, and made again as it was when the new one
-    // fails. Values are one for each write.
+    // Tweaks. An active change is restored first, and made again when the new one fails. A value a write.
     void apply(const std::string& tweakID, std::optional<std::vector<PrefValue>> values = std::nullopt,
                std::optional<std::string> choiceID = std::nullopt);
     void applyChoice(const std::string& tweakID, const std::string& choiceID);

@@ -19,7 +19,12 @@ PresetSurroundings surroundings(const Dependencies& dependencies, const AppState
 
 }  // namespace
 
+// Of the results of a search login items are a part, once they were read.
 void AppModel::readShown(const TaskSource& tasks) {
+    if (state_.isSearching) {
+        if (state_.loginItemsLoaded) readLoginItems(tasks);
+        return;
+    }
     if (state_.screen == Screen::loginItems) readLoginItems(tasks);
     if (state_.screen == Screen::journal) loadAgentDrift();
     if (state_.screen == Screen::spotlight) loadVolumes();

@@ -70,6 +70,7 @@ struct AppState {
 
     // Topic::screen
     Screen screen = Screen::finder;
+    bool isSearching = false;  // the results of a search stand before it
 
     // Topic::settings
     TweakStatuses statuses;

@@ -75,14 +75,13 @@ TweakSearch::TweakSearch(const TweakCatalog& catalog, int macOSMajor)
     for (std::size_t i = 0; i < tweaks_.size(); ++i) indexTweak(i);
     for (const Screen screen : allCases<Screen>()) indexScreen(screen);
     for (const PrivacyCard& card : PrivacyChecklist::cards()) indexCard(card);
-    placesAtFirst_ = places_.size();
     sort(postings_);
 }
 
 void TweakSearch::setLoginItems(const std::vector<LoginItemRow>& items) {
-    places_.resize(placesAtFirst_);
+    itemCount_ = items.size();
     ofTheItems_.clear();
-    for (const LoginItemRow& item : items) indexItem(item);
+    for (std::size_t i = 0; i < items.size(); ++i) indexItem(tweaks_.size() + places_.size() + i, items[i]);
     sort(ofTheItems_);
 }
 
@@ -137,16 +136,15 @@ void TweakSearch::indexCard(const PrivacyCard& card) {
     index(postings_, subject, card.meaning, Weight::what);
 }
 
-void TweakSearch::indexItem(const LoginItemRow& item) {
-    const std::size_t subject = newPlace({Screen::loginItems, item.id, item.title, subtitleWords(item)});
+void TweakSearch::indexItem(std::size_t subject, const LoginItemRow& item) {
     index(ofTheItems_, subject, item.title, Weight::title);
     if (item.explanation.app != item.title) index(ofTheItems_, subject, item.explanation.app, Weight::title);
-    index(ofTheItems_, subject, places_.back().what, Weight::key);
+    index(ofTheItems_, subject, subtitleWords(item), Weight::key);
 }
 
 // For each subject how well it holds the word; 0 where it does not.
 std::vector<int> TweakSearch::scores(std::string_view word) const {
-    std::vector<int> scores(tweaks_.size() + places_.size());
+    std::vector<int> scores(count());
     for (const Postings* postings : {&postings_, &ofTheItems_}) {
         auto found = std::lower_bound(
             postings->begin(), postings->end(), word,
@@ -163,7 +161,7 @@ std::vector<int> TweakSearch::scores(std::string_view word) const {
 // Far less than for what was typed right.
 std::vector<int> TweakSearch::scoresOfMistyped(std::string_view word) const {
     constexpr int part = 10;
-    std::vector<int> scores(tweaks_.size() + places_.size());
+    std::vector<int> scores(count());
     for (const Postings* postings : {&postings_, &ofTheItems_})
         for (const Posting& posting : *postings)
             if (beginsNearly(posting.word, word))
@@ -174,7 +172,7 @@ std::vector<int> TweakSearch::scoresOfMistyped(std::string_view word) const {
 SearchResults TweakSearch::find(std::string_view query) const {
     const std::vector<std::string> words = wordsOf(query);
     const bool onlyFillers = std::all_of(words.begin(), words.end(), isFiller);
-    std::vector<std::int64_t> totals(tweaks_.size() + places_.size());
+    std::vector<std::int64_t> totals(count());
     std::vector<bool> misses(totals.size(), words.empty());
     for (const std::string& word : words) {
         const std::vector<int> found = scores(word);
@@ -194,8 +192,10 @@ SearchResults TweakSearch::find(std::string_view query) const {
     for (const std::size_t subject : order)
         if (subject < tweaks_.size())
             results.tweaks.push_back(tweaks_[subject]);
+        else if (const std::size_t place = subject - tweaks_.size(); place < places_.size())
+            results.places.push_back(&places_[place]);
         else
-            results.places.push_back(&places_[subject - tweaks_.size()]);
+            results.items.push_back(place - places_.size());
     return results;
 }
 

@@ -13,7 +13,7 @@
 
 namespace brell {
 
-// A page, or a privacy card or login item on it.
+// A page, or a privacy card on it.
 struct Place {
     Screen screen;
     std::string id;  // a page itself has none
@@ -24,7 +24,8 @@ struct Place {
 // Best first; what fits equally well is in the order of the catalog, of the sidebar and of the pages.
 struct SearchResults {
     std::vector<const Tweak*> tweaks;
-    std::vector<const Place*> places;  // until other login items are set
+    std::vector<const Place*> places;
+    std::vector<std::size_t> items;  // places in the list of login items that was set
     bool operator==(const SearchResults&) const = default;
 };
 
@@ -44,7 +45,7 @@ public:
 private:
     struct Posting {
         std::string word;
-        std::size_t subject;  // index of a tweak; after them, of a place
+        std::size_t subject;  // index of a tweak; after them, of a place; after those, of a login item
         int weight;
     };
     using Postings = std::vector<Posting>;
@@ -52,17 +53,18 @@ private:
     static void index(Postings& postings, std::size_t subject, std::string_view text, int weight);
     static void indexKey(Postings& postings, std::size_t subject, std::string_view key, int weight);
     static void sort(Postings& postings);
+    std::size_t count() const { return tweaks_.size() + places_.size() + itemCount_; }
     std::size_t newPlace(Place place);
     void indexTweak(std::size_t subject);
     void indexScreen(Screen screen);
     void indexCard(const PrivacyCard& card);
-    void indexItem(const LoginItemRow& item);
+    void indexItem(std::size_t subject, const LoginItemRow& item);
     std::vector<int> scores(std::string_view word) const;
     std::vector<int> scoresOfMistyped(std::string_view word) const;
 
     std::vector<const Tweak*> tweaks_;
-    std::vector<Place> places_;       // the login items last
-    std::size_t placesAtFirst_ = 0;   // without those
+    std::vector<Place> places_;
+    std::size_t itemCount_ = 0;
     Postings postings_, ofTheItems_;  // sorted by word
 };
 

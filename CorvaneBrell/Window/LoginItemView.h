@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/ShownLoginItem.h"
 #include "CorvaneBrell/Window/Row.h"
 
 class QVBoxLayout;
@@ -11,20 +12,6 @@ class QVBoxLayout;
 namespace brell {
 
 class Switch;
-
-struct ShownLoginItem {
-    LoginItemRow row;
-    std::optional<JournalEntry> change;  // ours, while it is active
-    std::optional<std::string> drift;    // what was done to it since, outside Brell
-    bool isInterrupted;                  // that change was never finished
-    std::optional<std::string> refusal;  // why it can't be switched
-    bool isLocked;                       // nothing can be changed at all
-    JobFacts facts;
-    bool isNew;  // since the last visit
-    // launchd has the agent as the change left it.
-    bool isInForce() const;
-    bool operator==(const ShownLoginItem&) const = default;
-};
 
 class LoginItemView final : public Row {
     Q_OBJECT

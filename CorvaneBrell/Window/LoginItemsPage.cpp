@@ -73,7 +73,7 @@ void LoginItemsPage::collectTexts() {
         const std::string label = row.record ? row.record->label().value_or("") : std::string();
         const QString text =
             qt(row.title + '\n' + subtitleWords(row) + '\n' + label + '\n' + row.explanation.app);
-        const JobFacts facts = factsOf(row);
+        const JobFacts facts = factsOf(model_.state(), row);
         const std::string more = join(conditionWords(row, facts), "\n") + '\n' + join(facts.apps, "\n");
         texts_.push_back((text + '\n' + qt(more)).toCaseFolded());
         areNew_.push_back(model_.state().seenItems.isNew(row));
@@ -91,22 +91,6 @@ void LoginItemsPage::showNew() {
     newOnly_->setToolTip(newOnly_->accessibleDescription());
 }
 
-JobFacts LoginItemsPage::factsOf(const LoginItemRow& row) const {
-    const auto& facts = model_.state().jobFacts;
-    const auto known = row.record ? facts.find(row.record->id()) : facts.end();
-    return known == facts.end() ? JobFacts() : known->second;
-}
-
-LoginItemsPage::OwnChanges LoginItemsPage::ownChanges() const {
-    OwnChanges changes;
-    for (const JournalEntry& entry : model_.state().entries)
-        if (entry.agent && entry.isActive()) changes.active.emplace(entry.tweakID, &entry);
-    for (const JournalEntry& entry : model_.state().interrupted) changes.interrupted.insert(entry.id);
-    for (const DriftedEntry& drift : model_.state().driftedAgents)
-        changes.drifted.emplace(drift.entry.id, &drift.lines.front());
-    return changes;
-}
-
 // For good; what only waits to be put back stays where it is.
 bool LoginItemsPage::isRefused(const LoginItemRow& row) const {
     return row.badge == LoginItemBadge::toggleable && row.record &&
@@ -116,7 +100,7 @@ bool LoginItemsPage::isRefused(const LoginItemRow& row) const {
 void LoginItemsPage::showItems() {
     const std::vector<LoginItemRow>& items = model_.state().loginItems;
     if (texts_.size() != items.size()) collectTexts();
-    const OwnChanges changes = ownChanges();
+    const ShownLoginItems shown(model_.state());
     const QString wanted = filter_->text().trimmed().toCaseFolded();
     matching_ = 0;
     for (const Section& section : sections_) {
@@ -126,37 +110,11 @@ void LoginItemsPage::showItems() {
             if (section.badge == items[i].badge && section.isRefused == isRefused(items[i]) &&
                 texts_[i].contains(wanted) && (areNew_[i] || !newOnly_->isChecked()) &&
                 all++ < section.group->limit())
-                first.push_back(shown(i, changes));
+                first.push_back(shown.of(items[i]));
         section.group->setRecords(first, all);
         matching_ += all;
     }
     showEmptyState();
-}
-
-ShownLoginItem LoginItemsPage::shown(std::size_t place, const OwnChanges& changes) const {
-    const AppState& state = model_.state();
-    const LoginItemRow& row = state.loginItems[place];
-    ShownLoginItem item{row,          std::nullopt,    std::nullopt, false,
-                        std::nullopt, isLocked(state), factsOf(row), areNew_[place]};
-    // An item that is not the user's own may have the same label.
-    if (!row.record || row.record->scope != AgentScope::user) return item;
-    if (!row.record->label() && !row.record->plist.leadsTo) return item;
-    if (const auto refusal = state.switchRefusals.find(row.record->id());
-        refusal != state.switchRefusals.end())
-        item.refusal = refusal->second;
-    const auto change = changes.active.find(agentTweakID(row.record->label().value_or("")));
-    if (change == changes.active.end()) return item;
-    item.change = *change->second;
-    if (const auto drift = changes.drifted.find(item.change->id); drift != changes.drifted.end())
-        item.drift = *drift->second;
-    item.isInterrupted = changes.interrupted.contains(item.change->id);
-    if (item.isInterrupted)
-        item.refusal = utf8(tr("It was interrupted. Put it back first; then it can be switched again."));
-    else if (item.change->status == EntryStatus::applied && !item.isInForce())
-        item.refusal =
-            utf8(tr("Somebody else switched it since Brell did. Put it back first; then it can be "
-                    "switched again."));
-    return item;
 }
 
 void LoginItemsPage::showEmptyState() {
@@ -177,17 +135,6 @@ void LoginItemsPage::showEmptyState() {
     } else {
         setEmptyState(tr("The login items are being read."));
     }
-}
-
-// To one that stands so far down that it is not shown with the first ones by the filter.
-bool LoginItemsPage::lead(const QString& id) {
-    filter_->clear();
-    newOnly_->setChecked(false);
-    if (Page::lead(id)) return true;
-    for (const LoginItemRow& row : model_.state().loginItems)
-        if (qt(row.id) == id)
-            filter_->setText(qt(excerpt(row.record ? row.record->label().value_or(row.title) : row.title)));
-    return Page::lead(id);
 }
 
 void LoginItemsPage::takeEmptyAction() {

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <QLineEdit>
-#include <map>
-#include <set>
 
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/LoginItemView.h"
@@ -21,7 +19,6 @@ public:
     // The model must outlive the page.
     explicit LoginItemsPage(AppModel& model, QWidget* parent = nullptr);
     void refresh(const Changes& changed) override;
-    bool lead(const QString& id) override;
 
 private:
     using Group = RecordList<LoginItemView>;
@@ -33,18 +30,9 @@ private:
 
     void addTools();
     void addGroups();
-    // Brell's changes of agents, by the journal's key, and what was done to them since, by the entry.
-    struct OwnChanges {
-        std::map<std::string_view, const JournalEntry*> active;
-        std::map<Uuid, const std::string*> drifted;
-        std::set<Uuid> interrupted;
-    };
-    OwnChanges ownChanges() const;
     bool isRefused(const LoginItemRow& row) const;
     void collectTexts();
     void showItems();
-    JobFacts factsOf(const LoginItemRow& row) const;
-    ShownLoginItem shown(std::size_t place, const OwnChanges& changes) const;
     void showNew();
     void showEmptyState();
     void takeEmptyAction();

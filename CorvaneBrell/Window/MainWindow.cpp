@@ -172,6 +172,7 @@ void MainWindow::showScreen(Screen screen) {
 void MainWindow::showPage(Page* page) {
     stack_->setCurrentWidget(page);
     sidebar_->setSearching(page == searchPage_);
+    model_.showResults(page == searchPage_);
 }
 
 Page* MainWindow::page(Screen screen) {
@@ -234,9 +235,9 @@ void MainWindow::search(const QString& query) {
         stack_->addWidget(searchPage_);
         connect(searchPage_, &SearchPage::placeAsked, this, &MainWindow::goTo);
     }
-    searchPage_->setQuery(query);
     showPage(searchPage_);
-    refreshNow();
+    refreshNow();  // first: what is found is among what the page knows
+    searchPage_->setQuery(query);
 }
 
 // The page that was chosen has the focus, as the one that is clicked in the sidebar leads to it with Return;

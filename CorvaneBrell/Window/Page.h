@@ -27,7 +27,7 @@ public:
     virtual void refresh(const Changes& changed) = 0;
 
     // Brings the row of this name into sight, opened and with the focus. False where there is none.
-    virtual bool lead(const QString& name);
+    bool lead(const QString& name);
 
     QScrollArea* scrollArea() const { return scroll_; }
 

@@ -1,6 +1,8 @@
-// The findings of a search: tweaks that can be changed right here, pages, and what stands on them.
+// The findings of a search: tweaks and login items that can be changed right here, pages, and the cards on
+// them.
 #pragma once
 
+#include "CorvaneBrell/Window/LoginItemView.h"
 #include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/PlaceRow.h"
 #include "CorvaneBrell/Window/RecordList.h"
@@ -15,6 +17,7 @@ class SearchPage final : public Page {
 public:
     explicit SearchPage(AppModel& model, QWidget* parent = nullptr);
 
+    // Of a page that is up to date.
     void setQuery(const QString& query);
     void refresh(const Changes& changed) override;
     TweakList& list() const { return *list_; }
@@ -24,19 +27,18 @@ signals:
     void placeAsked(Screen screen, const QString& id);
 
 private:
-    struct Section {
-        std::optional<Screen> page;  // of what stands on it; without one the pages themselves
-        RecordList<PlaceRow>* list;
-    };
-
-    void addSection(std::optional<Screen> page);
+    RecordList<PlaceRow>* placeList(const QString& heading);
     void find();
+    void showPlaces(const std::vector<const Place*>& found, const QStringList& words);
+    void showItems(const std::vector<std::size_t>& found, const QStringList& words);
 
     AppModel& model_;
     TweakSearch search_;
     QString query_;
     TweakList* list_;
-    std::vector<Section> sections_;
+    RecordList<PlaceRow>* pages_;
+    RecordList<PlaceRow>* cards_;
+    RecordList<LoginItemView>* items_;
 };
 
 }  // namespace brell

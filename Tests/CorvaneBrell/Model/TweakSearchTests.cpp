@@ -25,12 +25,14 @@ protected:
         return found.empty() ? "nothing" : found[0];
     }
 
-    // Each with the page and, where it stands on that, its id.
+    // Each with the page and, where it stands on that, its id; then the login items.
     Texts places(std::string_view query) const {
         Texts found;
         for (const Place* place : search.find(query).places)
             found.push_back(std::string(rawValue(place->screen)) +
                             (place->id.empty() ? "" : " " + place->id));
+        for (const std::size_t item : search.find(query).items)
+            found.push_back("item " + std::to_string(item));
         return found;
     }
 
@@ -100,8 +102,8 @@ TEST_F(TweakSearchTest, EquallyGoodOnesStandInTheOrderOfTheCatalogAndPagesAreFou
 }
 
 TEST_F(TweakSearchTest, LoginItemsAreFoundByNameAppAndSubtitleUntilOthersAreThere) {
-    const auto item = [](const std::string& id, const std::string& title, const std::string& subtitle) {
-        return LoginItemRow{id,
+    const auto item = [](const std::string& title, const std::string& subtitle) {
+        return LoginItemRow{title,
                             title,
                             subtitle,
                             LoginItemBadge::appManaged,
@@ -112,16 +114,16 @@ TEST_F(TweakSearchTest, LoginItemsAreFoundByNameAppAndSubtitleUntilOthersAreTher
                             {},
                             /*isOn*/ true};
     };
-    search.setLoginItems({item("1", "Dispatch", "com.kestrelworks.notes · "), item("2", "Notes", "acme · "),
-                          item("3", "Dock helper", "acme · ")});
-    EXPECT_EQ(places("dispatch"), Texts{"loginItems 1"});
-    EXPECT_EQ(places("notes"), (Texts{"loginItems 2", "loginItems 1"})) << "the title counts most";
+    search.setLoginItems({item("Dispatch", "com.kestrelworks.notes · "), item("Notes", "acme · "),
+                          item("Dock helper", "acme · ")});
+    EXPECT_EQ(places("dispatch"), Texts{"item 0"});
+    EXPECT_EQ(places("notes"), (Texts{"item 1", "item 0"})) << "the title counts most";
     EXPECT_EQ(places("kestrel suite").size(), 3u);
-    EXPECT_EQ(places("dispacth"), Texts{"loginItems 1"}) << "two letters are swapped";
-    EXPECT_EQ(places("dock"), (Texts{"dock", "loginItems 3"}));
-    search.setLoginItems({item("4", "Other", "")});
+    EXPECT_EQ(places("dispacth"), Texts{"item 0"}) << "two letters are swapped";
+    EXPECT_EQ(places("dock"), (Texts{"dock", "item 2"}));
+    search.setLoginItems({item("Other", "")});
     EXPECT_EQ(places("dispatch"), Texts());
-    EXPECT_EQ(places("other").front(), "loginItems 4");
+    EXPECT_EQ(places("other").back(), "item 0");
 }
 
 TEST_F(TweakSearchTest, AnEndlessQueryIsAnswered) {

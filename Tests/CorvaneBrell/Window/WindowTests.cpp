@@ -148,29 +148,51 @@ TEST_F(WindowTest, EscapeAndTheListOfPagesLeadOutOfASearchFromAnywhere) {
 TEST_F(WindowTest, WhatStandsOnAPageIsFoundAndLedTo) {
     openWindow();
     window->resize(820, 560);
+    search("record sound microphone");
+    ASSERT_EQ(visible<PlaceRow>().size(), 1);
+    EXPECT_EQ(visible<Paragraph>(*visible<PlaceRow>().front()).front()->marks().front(), "record");
+    press("Open Microphone on the page Privacy");
+    const QWidget* focus = window->focusWidget();
+    while (focus && !qobject_cast<const Row*>(focus)) focus = focus->parentWidget();
+    const auto* led = qobject_cast<const Row*>(focus);
+    ASSERT_TRUE(led && led->title() == "Microphone");
+    const QWidget* viewport = window->currentPage()->scrollArea()->viewport();
+    EXPECT_TRUE(viewport->rect().contains(led->mapTo(viewport, QPoint(0, 20))));
+    EXPECT_EQ(window->sidebar().search().text(), "");
+}
+
+TEST_F(WindowTest, ALoginItemThatIsFoundIsSwitchedInTheResultsAsOnItsPage) {
+    const std::string label = "com.lumenfold.sync";
+    openWindow();
     search("lumenfold");
-    EXPECT_TRUE(visible<PlaceRow>().empty());
     EXPECT_FALSE(model->state().loginItemsLoaded) << "nothing is read because somebody types";
     go(Screen::loginItems);
-    filter("spotify");
     go(Screen::finder);
-    for (const auto& [query, button, name] :
-         {std::tuple("sync lumenfold", "Open Lumenfold Sync on the page Login items", "Lumenfold Sync"),
-          std::tuple("record sound microphone", "Open Microphone on the page Privacy", "Microphone")}) {
-        search(query);
-        ASSERT_EQ(visible<PlaceRow>().size(), 1) << query;
-        EXPECT_EQ(visible<Paragraph>(*visible<PlaceRow>().front()).front()->marks().front(),
-                  QString(query).section(' ', 0, 0));
-        press(button);
-        const QWidget* focus = window->focusWidget();
-        while (focus && !qobject_cast<const Row*>(focus)) focus = focus->parentWidget();
-        const auto* led = qobject_cast<const Row*>(focus);
-        ASSERT_TRUE(led && led->title() == name) << name;
-        EXPECT_EQ(led->isOpen(), model->state().screen == Screen::loginItems);
-        const QWidget* viewport = window->currentPage()->scrollArea()->viewport();
-        EXPECT_TRUE(viewport->rect().contains(led->mapTo(viewport, QPoint(0, 20)))) << name;
-        EXPECT_EQ(window->sidebar().search().text(), "");
-    }
+    search("postgresql");
+    expectWords(*visible<LoginItemView>().at(0), {"contains characters Brell does not pass to launchctl."});
+    EXPECT_FALSE(visible<Switch>().at(0)->isEnabled());
+
+    turnOffFromOutside(label);
+    search("");
+    search("sync lumenfold");
+    ASSERT_EQ(visible<LoginItemView>().size(), 1);
+    LoginItemView& found = *visible<LoginItemView>().front();
+    Switch& toggle = *found.findChild<Switch*>();
+    EXPECT_EQ(visible<Paragraph>(found).front()->marks(), (QStringList{"sync", "lumenfold"}));
+    EXPECT_FALSE(toggle.isChecked()) << "the results show what is so now";
+    click(toggle);
+    expectWords(*sheet(), {"Turn on com.lumenfold.sync", "launchctl enable"});
+    press(*sheet(), "Turn On");
+    EXPECT_TRUE(toggle.isChecked());
+    expectWords(found, {"On by Brell"});
+
+    turnOffFromOutside(label);
+    emit qApp->applicationStateChanged(Qt::ApplicationActive);
+    QTRY_VERIFY(words(found).contains("Put it back first"));
+    click(*found.wayBack());
+    press(*sheet(), "Restore");
+    EXPECT_FALSE(words(found).contains("by Brell"));
+    EXPECT_EQ(visible<LoginItemView>(), std::vector<LoginItemView*>{&found}) << "the row is the same";
 }
 
 TEST_F(WindowClosingTest, ClosingTheWindowLosesNothingThatWasAskedFor) {
