@@ -37,13 +37,13 @@ std::string startWords(const LaunchAgentPlist& plist) {
 
 std::vector<std::string> conditionWords(const LoginItemRow& row, const JobFacts& facts) {
     std::vector<std::string> words;
-    if (row.isCrashLooping) words.emplace_back("keeps crashing and restarting");
-    if (row.allowedInSystemSettings == false) words.emplace_back("not allowed in System Settings");
+    if (row.isCrashLooping) words.emplace_back("It keeps crashing and restarting.");
+    if (row.allowedInSystemSettings == false) words.emplace_back("It is not allowed in System Settings.");
     if (facts.missingProgram)
-        words.push_back("its program is missing: " + excerpt(*facts.missingProgram, mostOfASentence));
+        words.push_back("Its program is missing: " + excerpt(*facts.missingProgram, mostOfASentence) + ".");
     if (facts.otherOwner)
-        words.emplace_back(*facts.otherOwner == 0 ? "its file belongs to the system's administrator, root"
-                                                  : "its file belongs to another account of this Mac");
+        words.emplace_back(*facts.otherOwner == 0 ? "Its file belongs to the system's administrator, root."
+                                                  : "Its file belongs to another account of this Mac.");
     return words;
 }
 

@@ -15,7 +15,7 @@ std::string intervalWords(std::int64_t seconds);
 
 std::string startWords(const LaunchAgentPlist& plist);
 
-// How it fares, where that is worth a word: "keeps crashing and restarting".
+// How it fares, where that is worth a sentence: "It keeps crashing and restarting."
 std::vector<std::string> conditionWords(const LoginItemRow& row, const JobFacts& facts);
 
 // The row's subtitle: its name, and when it runs.

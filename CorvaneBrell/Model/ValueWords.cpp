@@ -32,15 +32,6 @@ bool isSwitchedOff(const Tweak& tweak, const std::vector<StoredValue>& values) {
                        [](const StoredValue& value) { return value.value && value.value->as<bool>(); });
 }
 
-std::string riskWords(Risk risk) {
-    switch (risk) {
-        case Risk::low: return {};
-        case Risk::medium: return "Medium risk";
-        case Risk::experimental: return "Experimental";
-    }
-    return {};
-}
-
 std::string relaunchWords(EffectClass effect) {
     switch (effect) {
         case EffectClass::immediate:
@@ -73,6 +64,15 @@ std::string valueWords(const Tweak& tweak, const std::vector<StoredValue>& value
     const std::string last = parts.back();
     parts.pop_back();
     return parts.empty() ? last : join(parts, ", ") + " and " + last;
+}
+
+std::string riskWords(Risk risk) {
+    switch (risk) {
+        case Risk::low: return {};
+        case Risk::medium: return "Medium risk";
+        case Risk::experimental: return "Experimental";
+    }
+    return {};
 }
 
 std::string noteWords(const Tweak& tweak) {

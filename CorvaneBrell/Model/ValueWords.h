@@ -16,6 +16,9 @@ std::string pathWords(std::string_view path, std::string_view home);
 // came from outside is on one line and not longer than a message.
 std::string valueWords(const Tweak& tweak, const std::vector<StoredValue>& values, std::string_view home);
 
+// "Medium risk"; nothing of a low one.
+std::string riskWords(Risk risk);
+
 // The small words below the text of a row, where they are so: "Medium risk · Relaunches Finder".
 std::string noteWords(const Tweak& tweak);
 

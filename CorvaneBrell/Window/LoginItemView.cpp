@@ -7,6 +7,7 @@
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
 #include "CorvaneBrell/Model/LoginItemWords.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 #include "CorvaneBrell/Window/CopyButton.h"
 #include "CorvaneBrell/Window/FactList.h"
 #include "CorvaneBrell/Window/FileActions.h"
@@ -42,17 +43,15 @@ std::optional<RowBadge> badgeBeside(const ShownLoginItem& item) {
 std::vector<RowBadge> noticesOf(const ShownLoginItem& item) {
     const LoginItemRow& row = item.row;
     std::vector<RowBadge> notices;
-    const auto warn = [&](const QString& text) {
-        notices.push_back({text, "exclamationmark.triangle", Tone::caution, {}});
-    };
     if (item.isNew)
-        notices.push_back({QObject::tr("new since your last visit"), "sparkles", Tone::accent, {}});
-    for (const std::string& condition : conditionWords(row, item.facts)) warn(qt(condition));
-    if (row.explanation.risk != Risk::low)
-        warn(QObject::tr("Risk: %1").arg(qt(label(row.explanation.risk)).toLower()));
+        notices.push_back({QObject::tr("It is new since your last visit."), "sparkles", Tone::accent, {}});
+    for (const std::string& condition : conditionWords(row, item.facts))
+        notices.push_back({qt(condition), "exclamationmark.triangle", Tone::caution, {}});
     if (row.explanation.isUpdater)
-        notices.push_back(
-            {QObject::tr("Updates or security: turning it off costs protection"), "shield", Tone::plain, {}});
+        notices.push_back({QObject::tr("It brings updates or security: turning it off costs protection."),
+                           "shield",
+                           Tone::plain,
+                           {}});
     if (item.refusal) notices.push_back({qt(*item.refusal), "info.circle", Tone::plain, {}});
     return notices;
 }
@@ -68,6 +67,12 @@ QString loadedText(const LoadedState& loaded) {
                                     : QObject::tr("started %1 times").arg(*loaded.runs));
     if (loaded.lastExitCode) parts << QObject::tr("last exit code %1").arg(*loaded.lastExitCode);
     return parts.join(", ");
+}
+
+// As the other facts do.
+QString begunLarge(QString words) {
+    if (!words.isEmpty()) words[0] = words[0].toUpper();
+    return words;
 }
 
 FactList* factsOf(const ShownLoginItem& item) {
@@ -86,7 +91,7 @@ FactList* factsOf(const ShownLoginItem& item) {
         facts->add(QObject::tr("Label"), qt(row.record->label().value_or("None")));
         facts->add(QObject::tr("File"), qt(row.record->plist.path));
         facts->add(QObject::tr("Runs"), qt(row.record->plist.executable().value_or("")));
-        facts->add(QObject::tr("Starts"), qt(startWords(row.record->plist)));
+        facts->add(QObject::tr("Starts"), begunLarge(qt(startWords(row.record->plist))));
         facts->add(QObject::tr("In launchd"), loadedText(row.record->loaded));
     }
     if (item.drift) facts->add(QObject::tr("Changed outside Brell"), qt(*item.drift));
@@ -98,11 +103,6 @@ FactList* factsOf(const ShownLoginItem& item) {
 }
 
 }  // namespace
-
-bool ShownLoginItem::isInForce() const {
-    return change && change->status == EntryStatus::applied && !drift &&
-           row.isOn == change->agent->turnedOn();
-}
 
 LoginItemView::LoginItemView(AppModel& model, QWidget* parent)
     : Row({}, Columns::stateAndControl, parent), model_(model) {
@@ -119,6 +119,7 @@ void LoginItemView::setRecord(const Record& record) {
     setBadge(badgeBeside(record));
     const bool isOffered = record.row.badge == LoginItemBadge::toggleable;
     setNotices(noticesOf(record));
+    setNotes(qt(riskWords(record.row.explanation.risk)));
     showSwitch(isOffered, !record.refusal && !record.isLocked);
     showWayBack();
     if (detailsColumn_) fillDetails();

@@ -50,9 +50,10 @@ TEST(ValueWordsTest, ValuesAreSaidAsPeopleSayThemWithoutTheirKeys) {
     EXPECT_EQ(intervalWords(61), "every 61 seconds");
     LoginItemRow item{};
     item.isCrashLooping = true;
-    EXPECT_EQ(conditionWords(item, {"/opt/gone", {}, 0}),
-              (std::vector<std::string>{"keeps crashing and restarting", "its program is missing: /opt/gone",
-                                        "its file belongs to the system's administrator, root"}));
+    EXPECT_EQ(
+        conditionWords(item, {"/opt/gone", {}, 0}),
+        (std::vector<std::string>{"It keeps crashing and restarting.", "Its program is missing: /opt/gone.",
+                                  "Its file belongs to the system's administrator, root."}));
     EXPECT_EQ(noteWords(*catalog.tweak("finder.show_hidden")), "Medium risk · Relaunches Finder");
     EXPECT_EQ(noteWords(*catalog.tweak("anim.no_window_animation")), "Experimental");
     EXPECT_EQ(noteWords(*catalog.tweak("shot.jpg")), "");
