@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <functional>
 
-class QToolButton;
+class QAbstractButton;
 
 namespace brell {
 
@@ -20,7 +20,7 @@ public:
 
 private:
     std::function<QWidget*()> make_;
-    QToolButton* button_;
+    QAbstractButton* button_;
     QWidget* content_ = nullptr;
 };
 
