@@ -119,14 +119,25 @@ int RowLayout::placeWide(Places& places, int left, int columnsLeft) const {
     return padding.top() + height;
 }
 
+// From the words to the columns; a title that is too long for that goes on to a small control, and its way
+// back stands between the two, so that it wraps alike with and without one.
+int RowLayout::roomOfTitle(Places& places, int left, int columnsLeft) const {
+    const int usual = std::max(columnsLeft - left, 1);
+    const int most = at(places, Part::control).left() - gap - wayBackWidth - gap - left;
+    if (most <= usual || heightOf(Part::title, most) == heightOf(Part::title, usual)) return usual;
+    at(places, Part::wayBack).moveLeft(left + most + gap);
+    return most;
+}
+
 // The title beside the control, the words and the notes below both, and the badge at the right end of the
 // last of these lines; beside a control of several lines they all stay at the left.
 int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right) const {
     const int beside = std::max(columnsLeft - left, 1), whole = right - arrowWidth - gap - left;
-    const int title = heightOf(Part::title, beside), control = at(places, Part::control).height();
+    const int control = at(places, Part::control).height();
+    const int titleRoom = roomOfTitle(places, left, columnsLeft), title = heightOf(Part::title, titleRoom);
     const bool isHigh = control > highestLine;
     const int head = isHigh ? title : std::max({title, control, arrowWidth});
-    at(places, Part::title) = {left, inTheMiddle(padding.top(), head, title), beside, title};
+    at(places, Part::title) = {left, inTheMiddle(padding.top(), head, title), titleRoom, title};
     for (const Part part : {Part::wayBack, Part::control, Part::arrow})
         at(places, part)
             .moveTop(inTheMiddle(padding.top(), isHigh ? control : head, at(places, part).height()));

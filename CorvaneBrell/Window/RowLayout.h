@@ -48,6 +48,7 @@ private:
     int controlWidthNeeded() const;
     int placeColumns(Places& places, int right) const;
     int placeWide(Places& places, int left, int columnsLeft) const;
+    int roomOfTitle(Places& places, int left, int columnsLeft) const;
     int placeNarrow(Places& places, int left, int columnsLeft, int right) const;
     int placeFoot(Places& places, int left, int top, int lastLine, int whole) const;
     // Gives the height of them all.
