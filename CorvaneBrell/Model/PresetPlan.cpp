@@ -6,6 +6,7 @@
 
 #include "BrellCore/Preferences/NeverTouch.h"
 #include "BrellCore/Support/Text.h"
+#include "CorvaneBrell/Model/ValueWords.h"
 
 namespace brell {
 
@@ -60,8 +61,11 @@ std::string refusal(const Tweak& tweak, const TweakState& state, const JournalEn
     return std::visit(StateRefusal{tweak}, state);
 }
 
-Outcome changes(const Tweak& tweak, const std::vector<StoredValue>& exact) {
-    WouldChange changes;
+Outcome changes(const Tweak& tweak, const std::vector<StoredValue>& exact, std::string_view home) {
+    std::vector<StoredValue> targets;
+    for (const Write& write : tweak.writes) targets.emplace_back(write.target);
+    WouldChange changes{{},
+                        "from " + valueWords(tweak, exact, home) + " to " + valueWords(tweak, targets, home)};
     for (std::size_t i = 0; i < tweak.writes.size(); ++i)
         if (const Write& write = tweak.writes[i]; exact.at(i) != write.target)
             changes.keys.push_back({write.key, exact[i], write.target});
@@ -80,7 +84,7 @@ Outcome outcomeOf(const Tweak& tweak, const PresetSurroundings& now) {
     if (isSo(status->second, tweak, active)) return AlreadySo{};
     if (std::string reason = refusal(tweak, status->second.state, active); !reason.empty())
         return WouldBeRefused{std::move(reason)};
-    return changes(tweak, status->second.exact);
+    return changes(tweak, status->second.exact, now.catalog.home());
 }
 
 // Why a preset can't carry this active change, a sentence; empty when it can.

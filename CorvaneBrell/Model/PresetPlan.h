@@ -30,6 +30,7 @@ struct AlreadySo {  // nothing to do, and the engine is not to be asked
 };
 struct WouldChange {
     std::vector<KeyChange> keys;  // the ones that would get another value
+    std::string words;            // "from not set to On"
     bool operator==(const WouldChange&) const = default;
 };
 struct WouldBeRefused {

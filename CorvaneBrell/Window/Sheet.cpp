@@ -97,6 +97,12 @@ void Sheet::addButton(QPushButton* button) {
     buttons_->addWidget(button);
 }
 
+QPushButton* Sheet::addAside(const QString& text) {
+    auto* button = actionButton(text);
+    buttons_->insertWidget(0, button);
+    return button;
+}
+
 void Sheet::addFootnote(const QString& text, const QString& symbol, Tone tone) {
     footnotes_->addWidget(symbolLine(symbol, tone, text, this));
 }

@@ -21,6 +21,8 @@ public:
     QPushButton* addCancel(const QString& text = tr("Cancel"));
     QPushButton* addButton(const QString& text);
     void addButton(QPushButton* button);
+    // At the other end of the line: it neither goes on nor leaves.
+    QPushButton* addAside(const QString& text);
 
     // A sentence that stays in sight above the buttons while the content scrolls.
     void addFootnote(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);

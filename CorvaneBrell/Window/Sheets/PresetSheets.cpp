@@ -26,7 +26,8 @@ struct OutcomeOf {
         return {"checkmark.circle", Tone::positive, QObject::tr("Already so"), {}};
     }
     Outcome operator()(const WouldChange& change) const {
-        Outcome outcome{"chevron.right", Tone::accent, QObject::tr("Would change"), {}};
+        Outcome outcome{
+            "sparkles", Tone::accent, QObject::tr("Would change %1").arg(qt(change.words)), {}};
         for (const KeyChange& key : change.keys) outcome.keys.push_back(key.rendered());
         return outcome;
     }
@@ -40,8 +41,7 @@ QWidget* stepRow(const PresetStep& step) {
     const Outcome outcome = std::visit(OutcomeOf{}, step.outcome);
     std::vector<QWidget*> parts{new Paragraph(qt(step.title), Paragraph::Look::heading),
                                 symbolLine(outcome.symbol, outcome.tone, outcome.text, nullptr)};
-    if (!outcome.keys.empty())
-        parts.push_back(keyLines(QObject::tr("Keys of %1").arg(qt(step.title)), outcome.keys));
+    if (!outcome.keys.empty()) parts.push_back(forExperts(qt(step.title), outcome.keys));
     return sheetRow(parts);
 }
 
@@ -55,7 +55,7 @@ QString explanation(const PresetPlan& plan) {
 
 Sheet* sheetFor(AppModel& model, QWidget* window, const PresetRequest& request) {
     const PresetPlan& plan = request.plan;
-    auto* sheet = new RequestSheet(model, window, QObject::tr("Apply %1?").arg(qt(plan.preset.name)),
+    auto* sheet = new RequestSheet(model, window, QObject::tr("Apply “%1”?").arg(qt(plan.preset.name)),
                                    explanation(plan), &AppModel::cancelPreset);
     sheet->addCard(plan.steps.size(),
                    [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
@@ -67,7 +67,7 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const PresetRequest& request) 
         sheet->addNote("questionmark.circle", Tone::caution,
                        QObject::tr("Left out, because this version of Brell does not know them: %1.")
                            .arg(qt(firstNames(plan.unknown))));
-    QObject::connect(sheet->addButton(QObject::tr("Export...")), &QPushButton::clicked, sheet,
+    QObject::connect(sheet->addAside(QObject::tr("Export...")), &QPushButton::clicked, sheet,
                      [&model, sheet, preset = plan.preset] { exportPreset(model, sheet, preset); });
     QPushButton* apply = sheet->addAnswers(QObject::tr("Apply"), &AppModel::confirmPreset);
     if (plan.toApply().empty()) {

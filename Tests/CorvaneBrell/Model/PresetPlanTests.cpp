@@ -34,10 +34,11 @@ TEST_F(PresetPlanTest, TellsFromWhatToWhatEachKeyWouldChange) {
     const PresetPlan planned =
         plan({"dock.autohide_instant", "dock.foo", "mc.fast_animation", "dock.autohide"});
     EXPECT_EQ(planned.steps,
-              (std::vector<PresetStep>{{"dock.autohide_instant", "Show the hidden Dock instantly",
-                                        WouldChange{{{delay, PrefValue(0.5), PrefValue(0.0)}}}},
-                                       {"dock.autohide", "Hide the Dock automatically",
-                                        WouldChange{{{autohide, {}, PrefValue(true)}}}}}));
+              (std::vector<PresetStep>{
+                  {"dock.autohide_instant", "Show the hidden Dock instantly",
+                   WouldChange{{{delay, PrefValue(0.5), PrefValue(0.0)}}, "from 0.5 and 0.2 to On"}},
+                  {"dock.autohide", "Hide the Dock automatically",
+                   WouldChange{{{autohide, {}, PrefValue(true)}}, "from not set to On"}}}));
     EXPECT_EQ(planned.unknown, Texts{"dock.foo"});
     EXPECT_EQ(planned.experimental, Texts{"mc.fast_animation"});
     EXPECT_EQ((KeyChange{autohide, {}, PrefValue(true)}).rendered(),

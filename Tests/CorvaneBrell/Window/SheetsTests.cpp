@@ -146,7 +146,7 @@ TEST_F(SheetsTest, LeavingAnySheetChangesNoFile) {
     expectLeavingChangesNothing("Turn off " + agent, [&] { model->askAgents({itemOf(agent).id}, false); });
     expectLeavingChangesNothing("Relaunch Finder?", [&] { model->askRelaunch(); });
     expectLeavingChangesNothing("Read macOS's list of background items?", [&] { model->askTaskList(); });
-    expectLeavingChangesNothing("Apply " + preset.name + "?", [&] { model->askPreset(preset); });
+    expectLeavingChangesNothing("Apply “" + preset.name + "”?", [&] { model->askPreset(preset); });
     turnOnFromOutside("us.zoom.updater");
     settled()->loadAgentDrift();
     const Uuid drifted = settled()->state().driftedAgents.at(0).entry.id;
