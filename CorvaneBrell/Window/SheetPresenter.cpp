@@ -22,7 +22,9 @@ void SheetPresenter::refresh() {
     const AppState& state = model_.state();
     if (state.presetReport.empty()) readReport_.clear();
     std::optional<SheetRequest> wanted = sheetRequest(state, readReport_);
-    if (wanted == shown_) return;
+    // What can't be confirmed any more, or again, is asked anew.
+    if (wanted == shown_ && wasLocked_ == isLocked(state)) return;
+    wasLocked_ = isLocked(state);
     close();
     shown_ = std::move(wanted);
     if (shown_) open();

@@ -37,6 +37,7 @@ private:
     AppModel& model_;
     QWidget* window_;
     std::optional<SheetRequest> shown_;
+    bool wasLocked_ = false;
     QPointer<Sheet> sheet_;
     std::vector<std::string> readReport_;  // the preset's, until the next one
 };

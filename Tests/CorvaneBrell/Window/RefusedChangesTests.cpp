@@ -83,7 +83,10 @@ TEST_F(RefusedChangesTest, WithAnUnreadableJournalNothingCanBeChangedAndTheBarSt
 TEST_F(RefusedChangesTest, WithAJournalThatGoesBadNothingIsClaimedUntilItCanBeReadAgain) {
     openLivedIn();
     const auto changed = model->changedTweaks();
+    settled()->askRestoreAll();
     damageTheJournal();
+    EXPECT_FALSE(button(*sheet(), "Restore 9").isEnabled()) << "the sheet was open already";
+    settled()->cancelRestore();
     EXPECT_EQ(model->changedTweaks(), changed) << "the last that is known";
     onEveryPage([&] {
         expectNothingCanBeChanged();
