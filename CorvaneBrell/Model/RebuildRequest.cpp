@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "BrellCore/Engine/KeysHold.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/EntryWords.h"
@@ -48,6 +50,7 @@ RebuildRequest rebuildRequest(RebuildPlan plan, RebuiltFor use, const ChangeTitl
     RebuildRequest request{Uuid::random(), std::move(plan), {}, {}};
     for (const JournalEntry& entry : request.plan.active())
         request.active.push_back({titles.of(entry), std::string(stateOf(keysHold(entry, preferences)))});
+    std::reverse(request.active.begin(), request.active.end());  // the latest first, as in the journal
     request.facts = factsOf(request.plan, request.active.size());
     request.facts.emplace_back(use == RebuiltFor::thisRun
                                    ? "Brell goes on with the rebuilt journal at once."
