@@ -84,8 +84,8 @@ QWidget* JournalPage::fileActions() {
         connect(button, &QPushButton::clicked, this, [this, action] { action(model_, this); });
         add(place, button);
     };
-    addAction(0, tr("Save Report…"), FileActions::saveReport);
-    addAction(1, tr("Save Restore Script…"), FileActions::saveRestoreScript);
+    addAction(0, tr("Save Report..."), FileActions::saveReport);
+    addAction(1, tr("Save Restore Script..."), FileActions::saveRestoreScript);
     copyCommands_ = copyButton(tr("Copy as Terminal Command"), tr("all active changes"),
                                [this] { return terminalCommands(); });
     copyCommands_->setToolTip(tr("For zsh and bash."));

@@ -37,8 +37,8 @@ QWidget* filesToKeep(RequestSheet& sheet) {
                          [&sheet, act] { act(sheet.model(), &sheet); });
         line->addWidget(button);
     };
-    add(QObject::tr("Save Report…"), FileActions::saveReport);
-    add(QObject::tr("Save Restore Script…"), FileActions::saveRestoreScript);
+    add(QObject::tr("Save Report..."), FileActions::saveReport);
+    add(QObject::tr("Save Restore Script..."), FileActions::saveRestoreScript);
     line->addStretch(1);
     return row;
 }

@@ -117,8 +117,8 @@ TEST_F(JournalPageTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) 
         settle();
         return contentsOf(file);
     };
-    EXPECT_TRUE(saveAs("Save Report…", "corvane-brell-report.md").starts_with("# What changed on this Mac"));
-    EXPECT_TRUE(saveAs("Save Restore Script…", "corvane-brell-restore.sh").starts_with("#!"));
+    EXPECT_TRUE(saveAs("Save Report...", "corvane-brell-report.md").starts_with("# What changed on this Mac"));
+    EXPECT_TRUE(saveAs("Save Restore Script...", "corvane-brell-restore.sh").starts_with("#!"));
 
     press("Show Restore Script");
     auto& script = opened<QDialog>();

@@ -90,7 +90,7 @@ TEST_F(SheetsTest, BrellIsLeftStepByStepAndTheLastOneClosesTheWindow) {
     press(*sheet(), "Restore 2...");
     press(*sheet(), "Restore 2");
     expectWords(*sheet(), {"Leaving Brell", "2 of 2 keys are exactly as before."});
-    EXPECT_TRUE(button(*sheet(), "Save Report…").isEnabled());
+    EXPECT_TRUE(button(*sheet(), "Save Report...").isEnabled());
     EXPECT_EQ(defaultButton(), "Done");
 
     setContents(*options.journalDirectory / "notes.txt", "mine");
