@@ -5,6 +5,7 @@
 #include <set>
 
 #include "CorvaneBrell/Window/PresetMenu.h"
+#include "CorvaneBrell/Window/Page.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Sheets/RequestSheet.h"
 #include "CorvaneBrell/Window/Sheets/Sheets.h"
@@ -40,7 +41,8 @@ ExportSheet::ExportSheet(AppModel& model, QWidget* window, const ExportRequest& 
         if (record.whyNot.empty()) chosen_.insert(record.tweakID);
     addCard(request.rows.size(), [this, rows = request.rows](std::size_t place) { return row(rows[place]); });
     export_ = addAnswers({}, [this, window, rows = request.rows] { goOn(window, rows); });
-    export_->setDefault(true);  // nothing is changed by it
+    setActionText(export_, tr("Export %1...").arg(request.rows.size()));  // room for the most
+    export_->setDefault(true);                                            // nothing is changed by it
     name_->setFocus();
     name_->selectAll();
     choose({}, false);

@@ -26,8 +26,7 @@ struct OutcomeOf {
         return {"checkmark.circle", Tone::positive, QObject::tr("Already so"), {}};
     }
     Outcome operator()(const WouldChange& change) const {
-        Outcome outcome{
-            "sparkles", Tone::accent, QObject::tr("Would change %1").arg(qt(change.words)), {}};
+        Outcome outcome{"sparkles", Tone::accent, QObject::tr("Would change %1").arg(qt(change.words)), {}};
         for (const KeyChange& key : change.keys) outcome.keys.push_back(key.rendered());
         return outcome;
     }
@@ -57,8 +56,6 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const PresetRequest& request) 
     const PresetPlan& plan = request.plan;
     auto* sheet = new RequestSheet(model, window, QObject::tr("Apply “%1”?").arg(qt(plan.preset.name)),
                                    explanation(plan), &AppModel::cancelPreset);
-    sheet->addCard(plan.steps.size(),
-                   [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
     if (!plan.experimental.empty())
         sheet->addNote("minus.circle", Tone::caution,
                        QObject::tr("Left out, because experimental tweaks are never applied by a preset: %1.")
@@ -67,6 +64,8 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const PresetRequest& request) 
         sheet->addNote("questionmark.circle", Tone::caution,
                        QObject::tr("Left out, because this version of Brell does not know them: %1.")
                            .arg(qt(firstNames(plan.unknown))));
+    sheet->addCard(plan.steps.size(),
+                   [steps = plan.steps](std::size_t place) { return stepRow(steps[place]); });
     QObject::connect(sheet->addAside(QObject::tr("Export...")), &QPushButton::clicked, sheet,
                      [&model, sheet, preset = plan.preset] { exportPreset(model, sheet, preset); });
     QPushButton* apply = sheet->addAnswers(QObject::tr("Apply"), &AppModel::confirmPreset);
