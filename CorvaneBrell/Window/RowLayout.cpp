@@ -10,6 +10,7 @@ namespace {
 constexpr QMargins padding(16, 11, 10, 11);
 constexpr int badgeWidth = 156, badgeHeight = 18, wayBackWidth = 28, arrowWidth = 28;
 constexpr int gap = 6, wordsGap = 14, lineGap = 2;
+constexpr int notesGap = 4;      // where a badge stands beside the notes, and is higher than they are
 constexpr int highestLine = 40;  // of a control that is one line of its row
 constexpr int narrow = 700;      // in a row that is less wide the words would wrap too often beside the badge
 
@@ -155,9 +156,9 @@ int RowLayout::placeFoot(Places& places, int left, int top, int lastLine, int wh
     const int notes = heightOf(Part::notes, lastLine), width = notes > 0 ? whole : lastLine;
     const int words = heightOf(Part::words, width);
     at(places, Part::words) = {left, top, width, words};
-    if (notes > 0) at(places, Part::notes) = {left, top + words + lineGap, lastLine, notes};
+    if (notes > 0) at(places, Part::notes) = {left, top + words + notesGap, lastLine, notes};
     constexpr int line = 14;  // the last one, in the middle of which the badge has its own
-    const int bottom = top + std::max(words + (notes > 0 ? lineGap + notes : 0), line);
+    const int bottom = top + std::max(words + (notes > 0 ? notesGap + notes : 0), line);
     const int badgeTop = inTheMiddle(bottom - line, line, badgeHeight);
     if (const QLayoutItem* badge = item(Part::badge)) {
         const int own = std::min(badge->sizeHint().width(), badgeWidth);
