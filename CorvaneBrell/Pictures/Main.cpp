@@ -40,7 +40,8 @@ void showAsOnAMac(const std::string& root) {
             for (QTextCursor found; !(found = text->document()->find(folder)).isNull();)
                 found.removeSelectedText();
     }
-    for (int turn = 0; turn < 3; ++turn) QApplication::processEvents();  // layouts within layouts
+    for (int turn = 0; turn < 3; ++turn)  // layouts within layouts
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
 // Every picture of the scene that is set, or false when one can't be written.

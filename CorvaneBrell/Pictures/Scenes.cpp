@@ -31,8 +31,8 @@ Scene page(Screen screen) {
             nothing};
 }
 
-Scene search(const QString& query) {
-    return {"search", [query](MainWindow& window) { window.sidebar().search().setText(query); },
+Scene search(const std::string& name, const QString& query) {
+    return {name, [query](MainWindow& window) { window.sidebar().search().setText(query); },
             [](MainWindow& window) {
                 window.sidebar().search().clear();
                 waitForFading();
@@ -200,8 +200,9 @@ std::vector<Scene> everydayScenes() {
     std::vector<Scene> all;
     for (std::size_t i = 0; i < enumTexts<Screen>.size(); ++i) all.push_back(page(static_cast<Screen>(i)));
     for (const Scene& scene :
-         {search("hidden"), details(Screen::dock), details(Screen::loginItems), history(), restore(), drift(),
-          taskList(), listedItems(), agents(), relaunch(), preset(), presetResult(), exporting()})
+         {search("search", "hidden"), search("search-item", "google"), details(Screen::dock),
+          details(Screen::loginItems), history(), restore(), drift(), taskList(), listedItems(), agents(),
+          relaunch(), preset(), presetResult(), exporting()})
         all.push_back(scene);
     return all;
 }
