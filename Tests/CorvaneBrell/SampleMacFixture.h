@@ -31,9 +31,6 @@ protected:
     void turnOnFromOutside(const std::string& label) const {
         EXPECT_TRUE(launchd(AllowedCommand::launchctlEnable("gui/501", label)).succeeded());
     }
-    void turnOffFromOutside(const std::string& label) const {
-        EXPECT_TRUE(launchd(AllowedCommand::launchctlDisable("gui/501", label)).succeeded());
-    }
     std::filesystem::path fileOf(const std::string& label) const {
         return sample.launchAgents() / (label + ".plist");
     }

@@ -98,6 +98,8 @@ TEST_F(WindowTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) 
                 EXPECT_TRUE(isWhole(text)) << nameOf(text) << utf8(text->property("text").toString());
             }
         }
+        for (const TweakRow* row : visible<TweakRow>())
+            EXPECT_LT(visible<Paragraph>(*row).front()->height(), 30) << utf8(row->title()) << " wraps";
         for (const QPushButton* button : visible<QPushButton>(*window))
             EXPECT_GE(button->width(), button->sizeHint().width()) << utf8(button->text());
     });

@@ -162,35 +162,36 @@ TEST_F(WindowTest, WhatStandsOnAPageIsFoundAndLedTo) {
 }
 
 TEST_F(WindowTest, ALoginItemThatIsFoundIsSwitchedInTheResultsAsOnItsPage) {
-    const std::string label = "com.lumenfold.sync";
+    const std::string label = "com.spotify.client.startuphelper";
     openWindow();
-    search("lumenfold");
+    search("spotify");
     EXPECT_FALSE(model->state().loginItemsLoaded) << "nothing is read because somebody types";
     go(Screen::loginItems);
     go(Screen::finder);
-    search("postgresql");
-    expectWords(*visible<LoginItemView>().at(0), {"contains characters Brell does not pass to launchctl."});
-    EXPECT_FALSE(visible<Switch>().at(0)->isEnabled());
-
-    turnOffFromOutside(label);
-    search("");
-    search("sync lumenfold");
+    turnOnFromOutside(label);
+    search("startuphelper spotify");
     ASSERT_EQ(visible<LoginItemView>().size(), 1);
     LoginItemView& found = *visible<LoginItemView>().front();
     Switch& toggle = *found.findChild<Switch*>();
-    EXPECT_EQ(visible<Paragraph>(found).front()->marks(), (QStringList{"sync", "lumenfold"}));
-    EXPECT_FALSE(toggle.isChecked()) << "the results show what is so now";
+    EXPECT_EQ(visible<Paragraph>(found).front()->marks(), (QStringList{"startuphelper", "spotify"}));
+    EXPECT_TRUE(toggle.isChecked()) << "the results show what is so now";
     click(toggle);
-    expectWords(*sheet(), {"Turn on com.lumenfold.sync", "launchctl enable"});
-    press(*sheet(), "Turn On");
-    EXPECT_TRUE(toggle.isChecked());
-    expectWords(found, {"On by Brell"});
+    expectWords(*sheet(), {qt("Turn off " + label), "launchctl disable"});
+    press(*sheet(), "Turn Off");
+    EXPECT_FALSE(toggle.isChecked());
+    expectWords(found, {"Off by Brell"});
 
-    turnOffFromOutside(label);
+    turnOnFromOutside(label);  // by its app
     emit qApp->applicationStateChanged(Qt::ApplicationActive);
     QTRY_VERIFY(words(found).contains("Put it back first"));
+    expectWords(found, {"Changed outside Brell"});
+    EXPECT_FALSE(words(found).contains("n by Brell"));
+    EXPECT_TRUE(toggle.isChecked());
+    EXPECT_FALSE(toggle.isEnabled()) << "the switch would be refused";
     click(*found.wayBack());
     press(*sheet(), "Restore");
+    EXPECT_TRUE(toggle.isEnabled());
+    EXPECT_TRUE(toggle.isChecked());
     EXPECT_FALSE(words(found).contains("by Brell"));
     EXPECT_EQ(visible<LoginItemView>(), std::vector<LoginItemView*>{&found}) << "the row is the same";
 }
