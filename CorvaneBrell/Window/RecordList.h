@@ -63,8 +63,8 @@ class RecordList final : public RowColumn {
 public:
     using Record = typename RowType::Record;
 
-    RecordList(const QString& heading, std::function<RowType*()> makeRow, QWidget* parent = nullptr)
-        : RowColumn(heading, usualBatch, parent), makeRow_(std::move(makeRow)) {}
+    RecordList(const QString& heading, std::function<RowType*()> makeRow, std::size_t batch = usualBatch)
+        : RowColumn(heading, batch), makeRow_(std::move(makeRow)) {}
 
     // Shows these, the first limit() of so many; without any the list hides.
     void setRecords(const std::vector<Record>& records, std::size_t all) {

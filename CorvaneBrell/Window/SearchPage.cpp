@@ -8,6 +8,8 @@ namespace brell {
 
 namespace {
 
+constexpr std::size_t batch = 25;  // of login items: they are made while the user types
+
 QString headingOf(Screen page) {
     return SearchPage::tr("On the page %1").arg(qt(title(page)));
 }
@@ -22,8 +24,8 @@ SearchPage::SearchPage(AppModel& model, QWidget* parent)
       list_(new TweakList(model)),
       pages_(placeList(tr("Pages"))),
       cards_(placeList(headingOf(Screen::privacy))),
-      items_(new RecordList<LoginItemView>(headingOf(Screen::loginItems),
-                                           [this] { return new LoginItemView(model_); })) {
+      items_(new RecordList<LoginItemView>(
+          headingOf(Screen::loginItems), [this] { return new LoginItemView(model_); }, batch)) {
     connect(items_, &RowColumn::moreWanted, this, &SearchPage::find);
     for (QWidget* part : std::initializer_list<QWidget*>{list_, pages_, cards_, items_})
         content()->addWidget(part);

