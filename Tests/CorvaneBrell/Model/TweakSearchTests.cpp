@@ -103,16 +103,11 @@ TEST_F(TweakSearchTest, EquallyGoodOnesStandInTheOrderOfTheCatalogAndPagesAreFou
 
 TEST_F(TweakSearchTest, LoginItemsAreFoundByNameAppAndSubtitleUntilOthersAreThere) {
     const auto item = [](const std::string& title, const std::string& subtitle) {
-        return LoginItemRow{title,
-                            title,
-                            subtitle,
-                            LoginItemBadge::appManaged,
-                            {},
-                            {},
-                            {"Kestrel Suite", "", "", Risk::low, false},
-                            false,
-                            {},
-                            /*isOn*/ true};
+        LoginItemRow row{};
+        row.title = title;
+        row.subtitle = subtitle;
+        row.explanation.app = "Kestrel Suite";
+        return row;
     };
     search.setLoginItems({item("Dispatch", "com.kestrelworks.notes · "), item("Notes", "acme · "),
                           item("Dock helper", "acme · ")});

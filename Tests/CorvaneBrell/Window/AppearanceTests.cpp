@@ -5,14 +5,6 @@
 
 namespace brell::testing {
 
-namespace {
-
-bool isWhole(const QWidget* text) {
-    return !text->hasHeightForWidth() || text->heightForWidth(text->width()) <= text->height();
-}
-
-}  // namespace
-
 TEST(AppearanceTest, EverythingThatIsReadHasContrastInLightAndDark) {
     const auto expect = [](const QColor& seen, const QColor& ground, double least = 4.5) {
         EXPECT_GE(Appearance::contrast(seen, ground), least) << utf8(seen.name() + " on " + ground.name());
@@ -94,9 +86,11 @@ TEST_F(WindowTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) 
         QScrollArea* scroll = window->currentPage()->scrollArea();
         EXPECT_LE(scroll->widget()->width(), scroll->viewport()->width());
         for (const QWidget* text : visible<QWidget>(*window)) {
-            if (qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text)) {
-                EXPECT_TRUE(isWhole(text)) << nameOf(text) << utf8(text->property("text").toString());
-            }
+            const bool isText =
+                qobject_cast<const Paragraph*>(text) || qobject_cast<const SelectableText*>(text);
+            const bool isWhole =
+                !text->hasHeightForWidth() || text->heightForWidth(text->width()) <= text->height();
+            EXPECT_TRUE(!isText || isWhole) << nameOf(text) << utf8(text->property("text").toString());
         }
         for (const TweakRow* row : visible<TweakRow>())
             EXPECT_LT(visible<Paragraph>(*row).front()->height(), 30) << utf8(row->title()) << " wraps";

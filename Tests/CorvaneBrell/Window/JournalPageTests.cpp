@@ -7,11 +7,7 @@
 
 namespace brell::testing {
 
-namespace {
-
 using JournalPageTest = WindowTest;
-
-}  // namespace
 
 TEST_F(JournalPageTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
     openOn(Screen::journal);
@@ -117,7 +113,8 @@ TEST_F(JournalPageTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) 
         settle();
         return contentsOf(file);
     };
-    EXPECT_TRUE(saveAs("Save Report...", "corvane-brell-report.md").starts_with("# What changed on this Mac"));
+    EXPECT_TRUE(
+        saveAs("Save Report...", "corvane-brell-report.md").starts_with("# What changed on this Mac"));
     EXPECT_TRUE(saveAs("Save Restore Script...", "corvane-brell-restore.sh").starts_with("#!"));
 
     press("Show Restore Script");

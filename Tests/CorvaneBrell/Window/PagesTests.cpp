@@ -65,7 +65,6 @@ TEST_F(PagesTest, TheWayBackIsOneClickAndTheListsOwnDefaultIsNotIt) {
 
 TEST_F(PagesTest, PrivacyCardsTellEverythingAndRememberTheDayOfTheReview) {
     openOn(Screen::privacy);
-    EXPECT_EQ(visible<TweakRow>().size(), 1);
     const auto cards = inOrder<PrivacyCardRow>();
     ASSERT_EQ(cards.size(), PrivacyChecklist::cards().size());
     for (std::size_t i = 0; i < cards.size(); ++i) {
@@ -86,7 +85,6 @@ TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
     openOn(Screen::spotlight);
     const auto rows = inOrder<VolumeRow>();
     ASSERT_EQ(rows.size(), model->state().volumes.size());
-    ASSERT_GT(rows.size(), 2);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const VolumeIndexStatus& volume = model->state().volumes[i];
         const QString state = !volume.indexing   ? "Not known"
