@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Window/LoginItemsPage.h"
 
 #include <QPushButton>
+#include <algorithm>
 
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Model/LoginItemWords.h"

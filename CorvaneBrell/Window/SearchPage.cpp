@@ -1,5 +1,8 @@
 #include "CorvaneBrell/Window/SearchPage.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "CorvaneBrell/Model/AppModel.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/TweakList.h"

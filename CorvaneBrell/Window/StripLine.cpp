@@ -17,7 +17,7 @@ namespace brell {
 namespace {
 
 constexpr int buttonHeight = 24;
-constexpr int leastWords = 140;  // or, where there is more room, three tenths of it
+constexpr int leastWords = 140;         // or, where there is more room, three tenths of it
 constexpr qsizetype longestLine = 400;  // more than any window shows
 
 }  // namespace
@@ -107,7 +107,8 @@ void StripLine::resizeEvent(QResizeEvent* event) {
 void StripLine::fit() {
     const int symbol = layout()->itemAt(0)->sizeHint().width() + layout()->spacing();
     const int all = width() - symbol - layout()->spacing();
-    const int least = std::max(leastWords, width() * 3 / 10) + details_->sizeHint().width() + actions_->spacing();
+    const int least =
+        std::max(leastWords, width() * 3 / 10) + details_->sizeHint().width() + actions_->spacing();
     std::size_t count = buttons_.size();
     while (count > 0 && all - taken(count) < least) --count;
     for (std::size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->setVisible(i < count);

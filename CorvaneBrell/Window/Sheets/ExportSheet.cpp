@@ -4,8 +4,8 @@
 #include <QLineEdit>
 #include <set>
 
-#include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/Page.h"
+#include "CorvaneBrell/Window/PresetMenu.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Sheets/RequestSheet.h"
 #include "CorvaneBrell/Window/Sheets/Sheets.h"
