@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Support/DiskFlush.h"
@@ -78,11 +79,16 @@ HistoryReading readFiles(const fs::path& directory, const BetweenFiles& goOn, Re
                                  " could not be read: " + failed.message() + ".");
     const std::uintmax_t total = bytesOf(files);
     std::uintmax_t done = 0;
+    std::string room;  // the same for each day: making it anew costs more than reading into it
     for (const HistoryFile& file : files) {
         if (!goOn(reading.lines, done, total)) return reading;
         try {
-            const auto contents = readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING);
-            if (contents) readText(contents->bytes, reading);
+            auto contents =
+                readFile(file.path, mostBytes, simdjson::SIMDJSON_PADDING, std::exchange(room, {}));
+            if (contents) {
+                readText(contents->bytes, reading);
+                room = std::move(contents->bytes);
+            }
         } catch (const ReadError& error) {
             reading.unread.emplace_back(error.what());  // the other days are still told
         }

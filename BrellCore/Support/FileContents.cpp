@@ -52,11 +52,12 @@ void checkNoLinkAt(const fs::path& path) {
     }
 }
 
-// Appends what the file holds, stopping one byte beyond most: enough to see that it is too much.
-bool readAll(const UniqueFd& file, std::string& bytes, std::size_t most) {
+// Appends what the file holds, stopping one byte beyond most: enough to see that it is too much. One byte
+// more than it is expected to hold shows its end.
+bool readAll(const UniqueFd& file, std::string& bytes, std::size_t expected, std::size_t most) {
     for (;;) {
         const std::size_t had = bytes.size();
-        const std::size_t room = had < bytes.capacity() ? bytes.capacity() - had : 4096;
+        const std::size_t room = had <= expected ? expected + 1 - had : 4096;
         bytes.resize(had + std::min(room, most + 1 - had));
         const ssize_t got = ::read(file.get(), bytes.data() + had, bytes.size() - had);
         bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
@@ -82,7 +83,8 @@ std::optional<FileIdentity> identityOf(const fs::path& path) {
     return std::nullopt;
 }
 
-std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding) {
+std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes, std::size_t padding,
+                                     std::string room) {
     // Without waiting: opening a named pipe would otherwise last until a program writes to it.
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file && saysThatNothingIsThere(errno)) {
@@ -97,11 +99,13 @@ std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes
     if (::fstat(file.get(), &status) != 0) throw systemError(path);
     if (!S_ISREG(status.st_mode)) throw notOrdinary(path);
     const ReadError tooLarge({path, "it holds more than " + std::to_string(mostBytes) + " bytes", 0});
-    FileContents contents{{}, identityFrom(status)};
+    FileContents contents{std::move(room), identityFrom(status)};
     if (contents.identity.size > mostBytes) throw tooLarge;
 
-    contents.bytes.reserve(static_cast<std::size_t>(contents.identity.size) + 1 + padding);
-    if (!readAll(file, contents.bytes, mostBytes)) throw systemError(path);
+    const auto expected = static_cast<std::size_t>(contents.identity.size);
+    contents.bytes.clear();
+    contents.bytes.reserve(expected + 1 + padding);
+    if (!readAll(file, contents.bytes, expected, mostBytes)) throw systemError(path);
     if (contents.bytes.size() > mostBytes) throw tooLarge;
     contents.bytes.reserve(contents.bytes.size() + padding);
     return contents;

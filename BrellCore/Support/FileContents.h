@@ -48,8 +48,9 @@ std::optional<FileIdentity> identityOf(const std::filesystem::path& path);
 
 // The whole file, or nothing when there is no such file. Never waits on a named pipe or a device: what is not
 // an ordinary file, can't be read, holds more than mostBytes or is a link to nowhere raises ReadError. The
-// returned string has `padding` spare bytes of capacity, as simdjson wants behind its input.
+// returned string has `padding` spare bytes of capacity, as simdjson wants behind its input. It is read into
+// `room`, where that is given from one file to the next.
 std::optional<FileContents> readFile(const std::filesystem::path& path, std::size_t mostBytes,
-                                     std::size_t padding = 0);
+                                     std::size_t padding = 0, std::string room = {});
 
 }  // namespace brell
