@@ -52,18 +52,19 @@ void checkNoLinkAt(const fs::path& path) {
     }
 }
 
-// Appends what the file holds, stopping one byte beyond most: enough to see that it is too much. One byte
-// more than it is expected to hold shows its end.
+// Fills these bytes with what the file holds, stopping one byte beyond most: enough to see that it is too
+// much. One byte more than it is expected to hold shows its end.
 bool readAll(const UniqueFd& file, std::string& bytes, std::size_t expected, std::size_t most) {
-    for (;;) {
-        const std::size_t had = bytes.size();
+    for (std::size_t had = 0;;) {
         const std::size_t room = had <= expected ? expected + 1 - had : 4096;
         bytes.resize(had + std::min(room, most + 1 - had));
         const ssize_t got = ::read(file.get(), bytes.data() + had, bytes.size() - had);
-        bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return false;
-        if (got == 0 || bytes.size() > most) return true;
+        had += static_cast<std::size_t>(got);
+        if (got > 0 && had <= most) continue;
+        bytes.resize(had);
+        return true;
     }
 }
 
@@ -103,7 +104,6 @@ std::optional<FileContents> readFile(const fs::path& path, std::size_t mostBytes
     if (contents.identity.size > mostBytes) throw tooLarge;
 
     const auto expected = static_cast<std::size_t>(contents.identity.size);
-    contents.bytes.clear();
     contents.bytes.reserve(expected + 1 + padding);
     if (!readAll(file, contents.bytes, expected, mostBytes)) throw systemError(path);
     if (contents.bytes.size() > mostBytes) throw tooLarge;

@@ -167,7 +167,7 @@ TEST_F(FilesTest, EveryByteThatIsWrittenIsReadWithTheIdentityAndRoomBehindThem) 
         const std::string bytes(size, '\0');
         replaceFile(deep, bytes, Durability::readersOnly);
         EXPECT_EQ(namesIn(deep.parent_path()), Names{"notes.json"});
-        const auto contents = readFile(deep, size, 64);
+        const auto contents = readFile(deep, size, 64, std::string(5000, 'x'));
         ASSERT_TRUE(contents) << size;
         EXPECT_EQ(contents->bytes, bytes);
         EXPECT_EQ(contents->identity, identityOf(deep));
