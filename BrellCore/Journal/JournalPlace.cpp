@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "BrellCore/Journal/JournalError.h"
+#include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Ownership.h"
 
 namespace fs = std::filesystem;
@@ -73,7 +74,7 @@ fs::path freeName(const fs::path& file, const std::string& ending) {
         name += ending + (n > 1 ? "-" + std::to_string(n) : "");
         std::error_code failed;
         const fs::file_type type = fs::symlink_status(name, failed).type();
-        if (type == fs::file_type::none) throw std::system_error(failed, name.string());
+        if (type == fs::file_type::none) throw ReadError({name, failed.message(), failed.value()});
         if (type == fs::file_type::not_found) return name;
     }
 }

@@ -40,7 +40,7 @@ std::filesystem::path rebuildMark(const std::filesystem::path& journal);
 inline constexpr std::string_view damagedEnding = ".damaged-", scriptBeforeEnding = ".before-";
 
 // The file's name with this ending, and a number where something has that name: what is kept replaces nothing
-// that was kept before. Raises std::system_error when the system can't say what is there.
+// that was kept before. Raises ReadError when the system can't say what is there.
 std::filesystem::path freeName(const std::filesystem::path& file, const std::string& ending);
 
 // Of a file that is not there: why it is no journal that was never written, without a final stop; nothing

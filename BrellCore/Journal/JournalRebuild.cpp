@@ -110,8 +110,8 @@ fs::path keepAside(const fs::path& file, const std::string& moment) try {
         flushFolder(file.parent_path());
         return aside;
     }
-} catch (const std::system_error& error) {
-    throw cannotRebuild(error.what());
+} catch (const ReadError& error) {
+    throw cannotRebuild(error.failure().path, error.failure().code);
 }
 
 // The script that stands there may know of a change whose history lines a power cut took: it is kept, too.

@@ -21,7 +21,7 @@ std::string render(const std::vector<JournalEntry>& entries, TimeStamp writtenAt
 void save(const std::filesystem::path& file, std::string_view text);
 
 // Copies a script that undoes something, durably, under the name of this moment, and gives that name; nothing
-// where there is no such script. Raises ReadError, ReplaceError and std::system_error.
+// where there is no such script. Raises ReadError and ReplaceError.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now);
 
 // One single-quoted shell word.

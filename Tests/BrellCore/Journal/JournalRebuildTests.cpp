@@ -225,6 +225,13 @@ TEST_F(JournalRebuildTest, AScriptThatCannotBeKeptIsLeftAlone) {
               "The file " + script.string() + " could not be read: it is not an ordinary file.");
     EXPECT_TRUE(fs::is_directory(script));
     EXPECT_EQ(Journal::open(directory)->all(), entries);
+    if (!systemCallsAreWatched()) return;
+    fs::remove_all(script);
+    setContents(script, "as it was");
+    setContents(file, "");
+    const std::string copy = script.string() + ".before-" + moment;
+    const FailingCall failing(copy, SystemCall::lstat, EIO);
+    EXPECT_EQ(rebuild().scriptFailure, "The file " + copy + " could not be read: Input/output error.");
 }
 
 }  // namespace brell
