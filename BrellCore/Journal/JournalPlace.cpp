@@ -68,14 +68,18 @@ fs::path rebuildMark(const fs::path& journal) {
     return journal.string() + ".rebuilding";
 }
 
+bool isTaken(const fs::path& path) {
+    std::error_code failed;
+    const fs::file_type type = fs::symlink_status(path, failed).type();
+    if (type == fs::file_type::none) throw ReadError({path, failed.message(), failed.value()});
+    return type != fs::file_type::not_found;
+}
+
 fs::path freeName(const fs::path& file, const std::string& ending) {
     for (int n = 1;; ++n) {
         fs::path name = file;
         name += ending + (n > 1 ? "-" + std::to_string(n) : "");
-        std::error_code failed;
-        const fs::file_type type = fs::symlink_status(name, failed).type();
-        if (type == fs::file_type::none) throw ReadError({name, failed.message(), failed.value()});
-        if (type == fs::file_type::not_found) return name;
+        if (!isTaken(name)) return name;
     }
 }
 

@@ -39,8 +39,11 @@ std::filesystem::path rebuildMark(const std::filesystem::path& journal);
 // before.
 inline constexpr std::string_view damagedEnding = ".damaged-", scriptBeforeEnding = ".before-";
 
+// True when anything has this name, also a link to nothing. Raises ReadError when the system can't say.
+bool isTaken(const std::filesystem::path& path);
+
 // The file's name with this ending, and a number where something has that name: what is kept replaces nothing
-// that was kept before. Raises ReadError when the system can't say what is there.
+// that was kept before. Raises what isTaken does.
 std::filesystem::path freeName(const std::filesystem::path& file, const std::string& ending);
 
 // Of a file that is not there: why it is no journal that was never written, without a final stop; nothing

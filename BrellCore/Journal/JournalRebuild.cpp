@@ -67,13 +67,6 @@ std::optional<std::string> damageOf(std::string text) try {
     return error.what();
 }
 
-bool isThere(const fs::path& file) {
-    std::error_code failed;
-    const fs::file_type type = fs::symlink_status(file, failed).type();
-    if (type == fs::file_type::none) throw cannotRebuild(file, failed.value());
-    return type != fs::file_type::not_found;
-}
-
 void replace(const fs::path& file, const std::string& text) try {
     replaceFile(file, text, Durability::powerCut);
 } catch (const ReplaceError& error) {
@@ -101,7 +94,9 @@ std::error_code giveName(const fs::path& file, const fs::path& name) {
     return failed;
 }
 
-fs::path keepAside(const fs::path& file, const std::string& moment) try {
+// Gives its new name; nothing where there is no journal.
+std::optional<fs::path> keepAside(const fs::path& file, const std::string& moment) try {
+    if (!isTaken(file)) return std::nullopt;
     for (;;) {
         const fs::path aside = freeName(file, std::string(damagedEnding) + moment);
         const std::error_code failed = giveName(file, aside);
@@ -176,7 +171,7 @@ std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPl
     const TimeStamp now = clock();
     const std::string text = JournalText::of(plan->entries);
     Rebuilt rebuilt;
-    if (isThere(file)) rebuilt.damaged = keepAside(file, localMoment(now));
+    rebuilt.damaged = keepAside(file, localMoment(now));
     replace(file, text);
     ::unlink(rebuildMark(file).c_str());
     renewScript(rebuilt, directory / RestoreScript::fileName, *plan, now);
