@@ -9,8 +9,9 @@
 
 namespace brell::testing {
 
+// A name such as people may give their folders: scripts that take it unquoted fail.
 TemporaryFolder::TemporaryFolder()
-    : path(fs::canonical(fs::temp_directory_path()) / ("brell-test-" + Uuid::random().text())) {
+    : path(fs::canonical(fs::temp_directory_path()) / ("brell's \"test\" $folder-" + Uuid::random().text())) {
     fs::create_directories(path);
 }
 

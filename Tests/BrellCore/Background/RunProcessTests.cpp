@@ -8,6 +8,7 @@
 #include "BrellCore/Background/ProcessCommandRunner.h"
 #include "BrellCore/Background/RunProcess.h"
 #include "BrellCore/Support/UniqueFd.h"
+#include "Tests/Support/Shell.h"
 #include "Tests/Support/Testing.h"
 
 namespace brell {
@@ -21,7 +22,8 @@ using Ending = std::variant<CommandResult, CommandProblem>;
 
 // A script that takes a moment to end when it is asked to, and leaves a file in the folder then.
 std::string tidying(const TemporaryFolder& folder, const std::string& work) {
-    return "trap 'sleep 0.3; : >" + (folder.path / "tidied").string() + "; exit 0' TERM; " + work;
+    return "tidy() { sleep 0.3; : >" + shellWord(folder.path / "tidied") + "; exit 0; }; trap tidy TERM; " +
+           work;
 }
 const std::string idle = "exec >&- 2>&-; while :; do sleep 0.05; done";
 

@@ -4,6 +4,7 @@
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
+#include "Tests/Support/Shell.h"
 
 namespace brell::testing {
 
@@ -123,7 +124,7 @@ TEST_F(JournalPageTest, ReportAndScriptLeaveAsFilesToReadOrThroughTheClipboard) 
     EXPECT_TRUE(script.findChild<QPlainTextEdit*>()->toPlainText().contains("_FXSortFoldersFirst"));
     press(script, "Copy Command: restore script");
     EXPECT_EQ(QApplication::clipboard()->text(),
-              qt("sh '" + (*options.journalDirectory / "restore.sh").string() + "'"));
+              qt("sh " + shellWord(*options.journalDirectory / "restore.sh")));
     script.close();
 
     press("Copy as Terminal Command: all active changes");

@@ -12,8 +12,9 @@ namespace {
 class WindowProgramTest : public ::testing::Test {
 protected:
     Finished run(const fs::path& sampleMac, const std::string& picture) const {
-        return runLine("'" BRELL_WINDOW_PROGRAM "' --sample-mac '" + sampleMac.string() + "' --snapshot '" +
-                       picture + "' --snapshot-delay 0 --quit-after-snapshot 2>&1");
+        return runLine(shellWord(BRELL_WINDOW_PROGRAM) + " --sample-mac " + shellWord(sampleMac) +
+                       " --snapshot " + shellWord(picture) +
+                       " --snapshot-delay 0 --quit-after-snapshot 2>&1");
     }
 
     const TemporaryFolder folder;
