@@ -117,6 +117,23 @@ std::string relaunchText(const AppState& state, const TweakCatalog& catalog) {
     return fmt::format("{} for a relaunch: {}", apps, changes(waiting));
 }
 
+std::set<std::string> newsToStayFor(const AppState& state) {
+    std::set<std::string> news(state.recoveryFailures.begin(), state.recoveryFailures.end());
+    const auto addLines = [&](const std::vector<std::string>& lines) {
+        news.insert(lines.begin(), lines.end());
+    };
+    for (const auto* error : {&state.errorMessage, &state.journalError})
+        if (*error) news.insert(**error);
+    if (state.driftRequest) news.insert(state.driftRequest->id.text());
+    // Its first line tells how many changes were made.
+    if (state.presetReport.size() > 1) addLines(state.presetReport);
+    if (state.undoProof && !state.undoProof->isComplete) news.insert(state.undoProof->words);
+    if (state.rebuildReport) addLines(state.rebuildReport->lines);
+    if (state.leavingReport) addLines(state.leavingReport->lines);
+    if (state.relaunchReport && !state.relaunchReport->isComplete) news.insert(state.relaunchReport->words);
+    return news;
+}
+
 std::string activityText(const Activity& activity) {
     const std::string what = excerpt(activity.what, mostOfASentence);  // it may name a file
     if (activity.total == 0) return what + "…";

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,9 @@ std::optional<Activity> activityOf(const AppState& state);
 
 // The outcome of the last undo and the last relaunch, where everything went well.
 std::vector<Notice> doneNotices(const AppState& state);
+
+// Questions, and news of something that went wrong: a window that is about to close stays open for new ones.
+std::set<std::string> newsToStayFor(const AppState& state);
 
 // The titles of the tweaks that wait for this effect.
 std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog& catalog,

@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "CorvaneBrell/Model/AppModel.h"
+#include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Window/Appearance.h"
 #include "CorvaneBrell/Window/FileActions.h"
 #include "CorvaneBrell/Window/JournalPage.h"
@@ -40,21 +41,6 @@ Changes everything() {
     Changes all;
     for (const Topic topic : allCases<Topic>()) all.insert(topic);
     return all;
-}
-
-// Questions, and news of something that went wrong: a window that is about to close stays open for new ones.
-std::set<std::string> keepsWindowOpen(const AppState& state) {
-    std::set<std::string> news(state.recoveryFailures.begin(), state.recoveryFailures.end());
-    for (const auto* error : {&state.errorMessage, &state.journalError})
-        if (*error) news.insert(**error);
-    if (state.driftRequest) news.insert(state.driftRequest->id.text());
-    // Its first line tells how many changes were made.
-    if (state.presetReport.size() > 1) news.insert(state.presetReport.begin(), state.presetReport.end());
-    if (state.undoProof && !state.undoProof->isComplete) news.insert(state.undoProof->words);
-    if (state.leavingReport)
-        news.insert(state.leavingReport->lines.begin(), state.leavingReport->lines.end());
-    if (state.relaunchReport && !state.relaunchReport->isComplete) news.insert(state.relaunchReport->words);
-    return news;
 }
 
 QString windowTitle(const AppModel& model) {
@@ -141,7 +127,7 @@ Page* MainWindow::currentPage() const {
 
 void MainWindow::modelChanged(Topic topic) {
     if (closesWhenDone_) {
-        const std::set<std::string> news = keepsWindowOpen(model_.state());
+        const std::set<std::string> news = newsToStayFor(model_.state());
         closesWhenDone_ = std::includes(seen_.begin(), seen_.end(), news.begin(), news.end());
     }
     for (auto& [page, changes] : stale_) changes.insert(topic);
@@ -258,7 +244,7 @@ void MainWindow::enterPage() {
 void MainWindow::closeEvent(QCloseEvent* event) {
     const bool isAskedAgain = closesWhenDone_;
     closesWhenDone_ = model_.isWorking() || (model_.state().relaunchActivity && !isAskedAgain);
-    seen_ = keepsWindowOpen(model_.state());
+    seen_ = newsToStayFor(model_.state());
     if (closesWhenDone_) return event->ignore();
     model_.ownPreferences().keepWindowPlace({width(), height(), model_.state().screen});
     model_.keepMacOS();

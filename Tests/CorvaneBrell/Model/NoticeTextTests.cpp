@@ -19,6 +19,7 @@ protected:
             said += "  " + std::to_string(static_cast<int>(notice.kind)) + " " + notice.words + "\n";
         for (const Notice& notice : doneNotices(state)) said += "  done: " + notice.words + "\n";
         if (const auto activity = activityOf(state)) said += "  " + activityText(*activity) + "\n";
+        for (const std::string& news : newsToStayFor(state)) said += "  stays open for: " + news + "\n";
     }
 
     const TweakCatalog catalog{"/Users/sam"};
@@ -54,6 +55,7 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
     state.pendingRelaunches.emplace("dock.autohide", PendingRelaunch{"absent", 1});
     state.undoProof = UndoProof{"1 of 1 key is exactly as before.", true};
     state.relaunchReport = RelaunchReport{"Finder did not quit.", false};
+    state.presetReport = {"1 change was made."};
     tell("another app waits, too");
     state.undoProof->isComplete = false;
     state.errorMessage = "It\nfailed.";
@@ -61,6 +63,10 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
     state.recoveryFailures = {"Not put back.", "Nor this."};
     state.safetyWarnings = {"It is locked."};
     tell("everything went wrong", "This is a dry run.");
+    state.driftRequest.emplace();
+    state.presetReport.push_back("No room.");
+    state.rebuildReport.emplace().lines = {"Rebuilt."};
+    state.leavingReport.emplace().lines = {"All gone."};
     state.relaunchActivity = Activity{"Saving a\n\u202Eb"};
     state.fileActivity = Activity{"Restoring changes", 3, 12};
     tell("the relaunch is under way");
