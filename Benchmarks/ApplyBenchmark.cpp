@@ -79,10 +79,13 @@ void applyBare(const JournalFiles& files, const Stages& stages) {
     bare::stat(preference);
     bare::saveEntry(files, stages.journalCaptured, stages.historyCaptured);
     bare::writeScript(files, stages.scriptCaptured);
+    bare::stat(preference);
     bare::replaceAndReadBack(preference, stages.preferenceAfter);
     bare::saveEntry(files, stages.journalAfter, stages.historyAfter);
     bare::stat(files.journal);
     bare::stat(files.script);
+    bare::look(files.journal);
+    for (const auto& folder : {std::filesystem::path(files.folder), files.preferences}) bare::list(folder);
     ::close(lock);
 }
 

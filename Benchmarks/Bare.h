@@ -97,4 +97,9 @@ inline std::string read(const std::string& file) {
     return bytes;
 }
 
+// Every name in the folder, which finding the leftovers of a crash takes.
+inline void list(const std::filesystem::path& folder) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) static_cast<void>(entry);
+}
+
 }  // namespace brell::bare
