@@ -1,6 +1,7 @@
 #include "CorvaneBrell/Headless/StartUp.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -19,10 +20,17 @@ void occupyStandardDescriptors() {
         if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) != descriptor) return;
 }
 
+// A journal or a lock that its own user may not read and write would stop every later run.
+void keepOwnPermissions() {
+    const mode_t others = ::umask(0777) & 0077;
+    ::umask(others);
+}
+
 }  // namespace
 
 StartUp startUp(int argc, const char* const* argv) {
     occupyStandardDescriptors();
+    keepOwnPermissions();
     std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away must not end a change half way
     const CommandLine commandLine = readCommandLine(argc, argv);
     if (const auto& end = commandLine.earlyEnd) {
