@@ -33,4 +33,20 @@ bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences) try {
     return true;
 }
 
+bool holdsOtherType(const JournalEntry& entry, PreferenceReader& preferences) {
+    return std::any_of(entry.writes.begin(), entry.writes.end(), [&](const JournaledWrite& write) {
+        try {
+            preferences.exactValue(write.key);
+            return false;
+        } catch (const StoreError& error) {
+            return std::holds_alternative<UnsupportedType>(error.failure());
+        }
+    });
+}
+
+bool needsConsent(const JournalEntry& entry, PreferenceReader& preferences) {
+    return entry.status == EntryStatus::applied ? hasDrifted(entry, preferences)
+                                                : holdsOtherType(entry, preferences);
+}
+
 }  // namespace brell

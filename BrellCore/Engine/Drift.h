@@ -21,4 +21,11 @@ bool holdsSomebodyElses(const JournalEntry& entry, PreferenceReader& preferences
 // The same for a look at it: a key that can't be read counts as changed.
 bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences);
 
+// Some key of the entry holds a value of a kind that Brell never writes.
+bool holdsOtherType(const JournalEntry& entry, PreferenceReader& preferences);
+
+// Undoing the entry, which is active, would overwrite what others stored, and needs the user's word. Of an
+// interrupted change any other value may be half of it.
+bool needsConsent(const JournalEntry& entry, PreferenceReader& preferences);
+
 }  // namespace brell

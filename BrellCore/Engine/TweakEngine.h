@@ -86,9 +86,10 @@ public:
     // Removes the tweak's keys, so that the system's defaults take effect.
     JournalEntry resetToDefault(const Tweak& tweak);
     // Undoes one active entry and gives it as saved. A key that was changed since by others stops it with
-    // Drift, unless that is overridden. After any other error the keys that came back stay back, the entry is
-    // active, and the next undo finishes it. check is called with the lock held, before anything is put back;
-    // what it raises leaves everything as it is.
+    // Drift, or when the change was interrupted and it holds a kind that Brell never writes with a
+    // StoreError's failure, unless that is overridden. After any other error the keys that came back stay
+    // back, the entry is active, and the next undo finishes it. check is called with the lock held, before
+    // anything is put back; what it raises leaves everything as it is.
     JournalEntry restore(const Uuid& entryID, bool overridingDrift, const std::function<void()>& check);
     JournalEntry restore(const Uuid& entryID, bool overridingDrift) {
         return restore(entryID, overridingDrift, [] {});
@@ -97,7 +98,9 @@ public:
     JournalEntry turnOff(const Tweak& tweak, bool overridingDrift);
 
     // Closes an applied entry that others changed since, without writing: what is there now stays. Refused
-    // when nobody did. Gives the entry as saved: restored, with a failure text that says what was kept.
+    // when nobody did; also one that could not be undone as it is: an interrupted one, of which a key holds a
+    // kind that Brell never writes, and an agent's that does not say how it was. Gives the entry as saved:
+    // restored, with a failure text that says what was kept.
     JournalEntry keepTheirs(const Uuid& entryID);
 
     // Undo every active entry, newest first, those that drifted only when their id is confirmed. Failures of

@@ -41,20 +41,22 @@ JournalEntry TweakEngine::keepTheirs(const Uuid& entryID) {
     });
 }
 
-// The failure text of an entry that is closed like this. Refuses one that nobody changed.
+// The failure text of an entry that is closed like this. Refuses one that can be undone as it is.
 std::string TweakEngine::whatIsKept(const JournalEntry& entry) {
     const auto refuse = [&](const char* why) {
         return EngineError(Refused{entryTitle(entry, catalog_) + why});
     };
-    if (entry.status != EntryStatus::applied) throw refuse(" was interrupted; restore it first.");
+    if (entry.kind == EntryKind::launchAgent && !entry.agent)
+        return "Nothing was switched back, because the journal does not say how it was.";
+    const auto preferences = store_.reader();
+    if (entry.status != EntryStatus::applied && !holdsOtherType(entry, *preferences))
+        throw refuse(" was interrupted; restore it first.");
     const char* const unchanged = " was not changed outside Brell; there is nothing else to keep.";
     if (entry.kind == EntryKind::preference) {
-        const auto preferences = store_.reader();
         std::string values = valuesNow(entry, *preferences);
         if (!holdsSomebodyElses(entry, *preferences)) throw refuse(unchanged);
         return "Nothing was put back, because another value was kept: " + values + ".";
     }
-    if (!entry.agent) throw refuse(" has no agent capture.");
     if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
     const auto state = agentRestorer_->otherState(*entry.agent);
     if (!state) throw refuse(unchanged);

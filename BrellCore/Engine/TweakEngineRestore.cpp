@@ -115,7 +115,8 @@ JournalEntry TweakEngine::restorePreferences(JournalEntry entry, bool overriding
     if (isApplied && !overridingDrift && holdsSomebodyElses(entry, store_))
         throw EngineError(Drift{entry.id});
     // Of an applied one the user has confirmed every drift, or there is none.
-    putBack(entry.writes, isApplied ? OtherType::replace : OtherType::keep, store_);
+    const bool mayReplace = isApplied || overridingDrift;
+    putBack(entry.writes, mayReplace ? OtherType::replace : OtherType::keep, store_);
     return saveRestored(entry, held);
 }
 

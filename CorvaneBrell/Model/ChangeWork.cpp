@@ -356,8 +356,7 @@ bool ChangeWork::isAsShown(const DriftedEntry& shown) {
 }
 
 bool ChangeWork::asksForDrift(const JournalEntry& entry) {
-    return entry.status == EntryStatus::applied && entry.kind == EntryKind::preference &&
-           hasDrifted(entry, deps_.store);
+    return entry.isActive() && entry.kind == EntryKind::preference && needsConsent(entry, deps_.store);
 }
 
 // Reads what a change came to, while nothing else changes.

@@ -177,6 +177,8 @@ std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog) 
     if (entry.agent)
         return std::string(entry.agent->turnedOn() ? "Turned on" : "Turned off") + ", back to " +
                wayBack(entry);
+    if (entry.kind == EntryKind::launchAgent)
+        return "The journal does not say how it was, so that it can only be kept as it is";
     const Tweak* tweak = catalog.tweak(entry.tweakID);
     if (!tweak) return keyCount(entry.writes.size());
     return madeWords(entry, *tweak, catalog) + ", back to " + originalWords(entry, *tweak, catalog);

@@ -45,9 +45,11 @@ std::optional<std::uint32_t> ownerOf(const fs::path& file) {
     return static_cast<std::uint32_t>(status.st_uid);
 }
 
+// Or can't be undone as it is, so that the user has to say what becomes of it.
 bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences) {
-    return entry.kind == EntryKind::preference && entry.status == EntryStatus::applied &&
-           !isInForce(entry, preferences);
+    if (entry.kind == EntryKind::launchAgent) return entry.isActive() && !entry.agent;
+    if (entry.status == EntryStatus::capturing) return holdsOtherType(entry, preferences);
+    return entry.status == EntryStatus::applied && !isInForce(entry, preferences);
 }
 
 // Also one that is not there; not one that leads to a disk that is not attached.
@@ -301,8 +303,7 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
         if (const auto elsewhere =
                 cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
             now.words += "\n" + *elsewhere;
-        const bool isApplied = entry.status == EntryStatus::applied && !entry.agent;
-        if (isApplied && hasDrifted(entry, *preferences)) {
+        if (entry.kind == EntryKind::preference && needsConsent(entry, *preferences)) {
             request.changes.entries.push_back(std::move(now));
             continue;
         }

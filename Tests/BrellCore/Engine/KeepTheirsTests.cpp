@@ -78,6 +78,11 @@ TEST_F(KeepTheirsTest, OnlyADriftedChangeIsClosedAndNothingIsWritten) {
     expectKept(
         last,
         "com.apple.dock magnification is true, com.apple.dock largesize is a value of the type dictionary");
+
+    // Nor could an interrupted one be undone as it is.
+    const JournalEntry interrupted = interrupt("dock.size");
+    files.markUnsupported(interrupted.writes[0].key);
+    expectKept(interrupted, "com.apple.dock tilesize is a value of the type dictionary");
 }
 
 TEST_F(KeepTheirsTest, WhatCannotBeReadOrWasInterruptedStaysOpen) {

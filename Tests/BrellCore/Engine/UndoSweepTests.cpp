@@ -145,12 +145,12 @@ TEST_F(UserDefaultsUndoTest, AKindThatBrellNeverWritesGivesWayOnlyToAConfirmedUn
     EXPECT_EQ(entry.failure, describe(reason) + " " + refusal);
     EXPECT_EQ(overDefaults.engine.recoverInterrupted(),
               (RestoreAllOutcome{{}, {}, {{entry.id, refusal}}, {}}));
-    EXPECT_EQ(messageOf([&] { overDefaults.engine.restore(entry.id, true); }), refusal);
+    EXPECT_EQ(messageOf([&] { overDefaults.engine.restore(entry.id, false); }), refusal);
     EXPECT_EQ(defaults->saved, foreign);
     EXPECT_EQ(overDefaults.journal->activeEntry(size.id), entry);
 
-    defaults->saved.clear();
-    EXPECT_EQ(overDefaults.engine.recoverInterrupted().restored, std::vector{entry.id});
+    EXPECT_EQ(overDefaults.engine.restore(entry.id, true).status, EntryStatus::restored);
+    EXPECT_EQ(defaults->saved, StandInDefaults::Values());
 
     // The other keys of an interrupted change come back all the same.
     const Tweak& instant = tweak("dock.autohide_instant");

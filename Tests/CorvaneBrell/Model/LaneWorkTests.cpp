@@ -110,6 +110,17 @@ TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
     EXPECT_EQ(stored(showHidden), StoredValue::absent());
 }
 
+TEST_F(LaneWorkTest, AnInterruptedChangeUnderAKindThatBrellNeverWritesIsAskedForAndCanBeClosed) {
+    breakOff(dependencies.engine, *dependencies.catalog.tweak("dock.size"));
+    const Uuid id = dependencies.journal->activeIDs().at(0);
+    setContents(sample.preferences() / "com.apple.dock.plist",
+                "<plist version=\"1.0\"><dict><key>tilesize</key><dict/></dict></plist>");
+    EXPECT_EQ(readings.everything({}).drifted.at(0).entry.id, id);
+    EXPECT_EQ(readings.restoring("", {id}).changes.entries.at(0).entry.id, id);
+    EXPECT_EQ(changes.keepTheirs({id}).failures, Texts());
+    EXPECT_EQ(dependencies.journal->activeIDs(), std::vector<Uuid>());
+}
+
 TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
     JournalEntry entry = dependencies.journal->entry(made("dock.size")).value();
     entry.writes[0].written = PrefValue("a\n\u202Eb");
