@@ -45,7 +45,10 @@ bool RestoreScriptFile::keep() noexcept try {
 }
 
 bool RestoreScriptFile::keepLocked() {
-    if (isWritten(journal_.activeIDs())) return false;
+    // A file that was removed or replaced is not the one that was written.
+    const bool isOurs = written_ && identityIfKnown(*file_) == written_->identity;
+    if (isOurs && written_->entries == journal_.activeIDs()) return false;
+    if (!isOurs) keepUnknown();
     written_ = std::nullopt;
     const std::vector<JournalEntry> active = journal_.active();
     RestoreScript::save(*file_, RestoreScript::render(active, clock_()));
@@ -56,21 +59,13 @@ bool RestoreScriptFile::keepLocked() {
     return true;
 }
 
-void RestoreScriptFile::keepEarlier() noexcept try {
-    const std::lock_guard lock(mutex_);
-    if (!file_ || identityOf(journal_.fileURL()) || !journal_.all().empty()) return;
+void RestoreScriptFile::keepUnknown() {
+    if (!RestoreScript::undoesUnknown(*file_, journal_)) return;
     const auto copy = RestoreScript::keepAside(*file_, clock_());
     if (!copy) return;
-    const std::lock_guard troubleLock(troubleMutex_);
-    untoldCopy_ = "There was no journal, but the restore script of an earlier one. It is kept as " +
+    const std::lock_guard lock(troubleMutex_);
+    untoldCopy_ = "The restore script undid changes that the journal does not know. It is kept as " +
                   copy->string() + ", and puts back what was changed when it was written.";
-} catch (const std::exception&) {
-    // A change that is to be made does not depend on it.
-}
-
-// A file that was removed or replaced is not the one that was written.
-bool RestoreScriptFile::isWritten(const std::vector<Uuid>& active) const {
-    return written_ && written_->entries == active && identityIfKnown(*file_) == written_->identity;
 }
 
 std::optional<std::string> RestoreScriptFile::untoldTrouble() {

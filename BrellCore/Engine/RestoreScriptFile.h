@@ -22,13 +22,10 @@ public:
     std::string text();
 
     // Makes the file say what undoes the active changes: writes it, unless it is the one written last, for
-    // the same entries; what it says of an entry never changes. True when it was written. A failure is no
-    // failure of the change before it: the script stays as it was, and the next call tries again.
+    // the same entries; what it says of an entry never changes. One that undoes what the journal does not
+    // know may be all that does: a copy of it is kept. True when it was written. A failure is no failure of
+    // the change before it: the script stays as it was, and the next call tries again.
     bool keep() noexcept;
-
-    // To be called before an entry is saved. Where no journal is there and none is known, a script may be all
-    // that undoes what an earlier one held: a copy of it is kept.
-    void keepEarlier() noexcept;
 
     // In whole sentences which copy was kept, or why the script is not as it should be; nothing when neither
     // is so, or when that was told.
@@ -40,7 +37,7 @@ private:
         FileIdentity identity;
     };
     bool keepLocked();
-    bool isWritten(const std::vector<Uuid>& active) const;
+    void keepUnknown();
     void note(std::optional<std::string> trouble);
 
     Journal& journal_;

@@ -102,7 +102,6 @@ AgentChange TweakEngine::beginAgentChange(const std::string& label,
         AgentCapture captured = capture();
         JournalEntry entry = newEntry(agentTweakID(label), EntryKind::launchAgent, EntryDirection::on);
         entry.agent = std::move(captured);
-        script_.keepEarlier();
         journal_.upsert(entry, held);
         script_.keep();
         return AgentChange{std::move(entry), std::move(held)};
@@ -146,7 +145,6 @@ JournalEntry TweakEngine::changeLocked(const Tweak& tweak, EntryDirection direct
     JournalEntry entry = newEntry(tweak.id, EntryKind::preference, direction);
     entry.writes = captureOriginals(tweak, values);  // again: only now can nobody else change the answer
     entry.choiceID = std::move(choiceID);
-    script_.keepEarlier();
     journal_.upsert(entry, held);
     // Before the first write: from here on the script undoes the change, wherever the process ends.
     script_.keep();

@@ -86,10 +86,10 @@ public:
     // Removes the tweak's keys, so that the system's defaults take effect.
     JournalEntry resetToDefault(const Tweak& tweak);
     // Undoes one active entry and gives it as saved. A key that was changed since by others stops it with
-    // Drift, or when the change was interrupted and it holds a kind that Brell never writes with a
-    // StoreError's failure, unless that is overridden. After any other error the keys that came back stay
-    // back, the entry is active, and the next undo finishes it. check is called with the lock held, before
-    // anything is put back; what it raises leaves everything as it is.
+    // Drift, and one of an interrupted change that holds a kind that Brell never writes with the store's
+    // failure, unless that is overridden. After any other error the keys that came back stay back, the entry
+    // is active, and the next undo finishes it. check is called with the lock held, before anything is put
+    // back; what it raises leaves everything as it is.
     JournalEntry restore(const Uuid& entryID, bool overridingDrift, const std::function<void()>& check);
     JournalEntry restore(const Uuid& entryID, bool overridingDrift) {
         return restore(entryID, overridingDrift, [] {});

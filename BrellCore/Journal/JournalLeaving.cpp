@@ -2,7 +2,9 @@
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalPlace.h"
+#include "BrellCore/Journal/JournalRebuild.h"
 #include "BrellCore/Journal/OwnFiles.h"
+#include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
@@ -33,10 +35,12 @@ std::optional<std::string> whyNotToLeave(Journal& journal) try {
     for (const fs::path& place : {folder, file})
         if (fs::is_symlink(place)) return place.string() + " is a link, so that the journal lies elsewhere";
     if (!fs::exists(folder)) return std::nullopt;
+    if (auto lack = lackOfChanges(journal)) return lack;
     if (const auto other = notOfTheJournal(folder))
         return other->string() + " is not Brell's, and lies in Brell's folder";
     return std::nullopt;
 } catch (const fs::filesystem_error& error) {
+    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;  // gone meanwhile
     return error.path1().string() + ": " + error.code().message();
 }
 

@@ -35,9 +35,8 @@ inline constexpr const char* relaunchLockName = ".relaunches.lock";
 
 // Stands beside the file from before a damaged one leaves its place until the new one has taken it.
 std::filesystem::path rebuildMark(const std::filesystem::path& journal);
-// The word that a rebuilding adds, before the moment, to the names of the damaged journal and of the script
-// before.
-inline constexpr std::string_view damagedEnding = ".damaged-", scriptBeforeEnding = ".before-";
+// The word that is added, before the moment, to the name of a journal or of a script that is kept.
+inline constexpr std::string_view damagedEnding = ".damaged-", beforeEnding = ".before-";
 
 // True when anything has this name, also a link to nothing. Raises ReadError when the system can't say.
 bool isTaken(const std::filesystem::path& path);

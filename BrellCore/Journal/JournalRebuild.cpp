@@ -95,10 +95,10 @@ std::error_code giveName(const fs::path& file, const fs::path& name) {
 }
 
 // Gives its new name; nothing where there is no journal.
-std::optional<fs::path> keepAside(const fs::path& file, const std::string& moment) try {
+std::optional<fs::path> keepAside(const fs::path& file, const std::string& ending) try {
     if (!isTaken(file)) return std::nullopt;
     for (;;) {
-        const fs::path aside = freeName(file, std::string(damagedEnding) + moment);
+        const fs::path aside = freeName(file, ending);
         const std::error_code failed = giveName(file, aside);
         if (failed == std::errc::file_exists) continue;
         if (failed) moveAside(file, aside);
@@ -117,12 +117,17 @@ void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& pl
     rebuilt.scriptFailure = error.what();
 }
 
-void checkDamaged(const fs::path& directory) {
-    if (!journalDamage(directory)) throw cannotRebuild("it is not damaged");
+// Gives the word for what is kept of it.
+std::string_view checkToBeRebuilt(const fs::path& directory) {
+    if (journalDamage(directory)) return damagedEnding;
+    if (lackOfChanges(*Journal::open(directory))) return beforeEnding;
+    throw cannotRebuild("it is not damaged");
 }
 
-FileLock lockOf(const fs::path& directory) try {
-    return takeLock(lockIn(directory));
+// The one that a Brell which can read the journal takes; a damaged one is replaced where it stands.
+FileLock lockOf(const fs::path& directory, std::string_view ending) try {
+    const fs::path journal = directory / Journal::fileName;
+    return takeLock(lockIn(ending == damagedEnding ? directory : withoutLink(journal).parent_path()));
 } catch (const JournalError&) {
     throw;
 } catch (const std::runtime_error& error) {
@@ -144,9 +149,16 @@ std::optional<std::string> journalDamage(const fs::path& directory) try {
     throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
 }
 
+std::optional<std::string> lackOfChanges(Journal& journal) {
+    const fs::path script = journal.fileURL().parent_path() / RestoreScript::fileName;
+    if (!RestoreScript::undoesUnknown(script, journal)) return std::nullopt;
+    return script.string() + " undoes changes that the journal does not know";
+}
+
 std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildProgress& goOn) {
     checkHistoryTrusted(directory);
     RebuildPlanner planner;
+    if (!journalDamage(directory)) planner.know(Journal::open(directory)->all());
     bool goesOn = true;
     HistoryReading rest =
         readLastOfHistory(historyFolder(directory), [&](auto& lines, auto done, auto total) {
@@ -159,9 +171,9 @@ std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildP
 
 std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPlan& confirmed,
                                       const RebuildProgress& goOn, const Clock& clock) {
-    checkDamaged(directory);  // before the lock's file is made, so that a refusal leaves nothing behind
-    const FileLock lock = lockOf(directory);
-    checkDamaged(directory);  // again: another program may have rebuilt it meanwhile
+    std::string_view ending = checkToBeRebuilt(directory);  // first, so that a refusal makes no lock's file
+    const FileLock lock = lockOf(directory, ending);
+    ending = checkToBeRebuilt(directory);  // again: another program may have rebuilt it meanwhile
     const auto plan = planRebuild(directory, goOn);
     if (!plan) return std::nullopt;
     if (*plan != confirmed) throw cannotRebuild("its history tells something else than before");
@@ -171,7 +183,7 @@ std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPl
     const TimeStamp now = clock();
     const std::string text = JournalText::of(plan->entries);
     Rebuilt rebuilt;
-    rebuilt.damaged = keepAside(file, localMoment(now));
+    rebuilt.before = keepAside(file, std::string(ending) + localMoment(now));
     replace(file, text);
     ::unlink(rebuildMark(file).c_str());
     renewScript(rebuilt, directory / RestoreScript::fileName, *plan, now);

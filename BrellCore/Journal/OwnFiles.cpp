@@ -27,7 +27,8 @@ bool isOwnName(const fs::path& file) {
           fs::path(Journal::dryRunMarkerName), fs::path(relaunchLockName)})
         if (name == own.string()) return true;
     return name.starts_with(journal + std::string(damagedEnding)) ||
-           name.starts_with(script + std::string(scriptBeforeEnding));
+           name.starts_with(journal + std::string(beforeEnding)) ||
+           name.starts_with(script + std::string(beforeEnding));
 }
 
 bool isUsualIn(const fs::path& file) {

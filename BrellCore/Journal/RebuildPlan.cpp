@@ -10,6 +10,17 @@ namespace brell {
 
 namespace {
 
+// In the life of a change, which never goes back.
+int stageOf(EntryStatus status) {
+    switch (status) {
+        case EntryStatus::capturing: return 0;
+        case EntryStatus::applied: return 1;
+        case EntryStatus::failed:
+        case EntryStatus::restored: break;
+    }
+    return 2;
+}
+
 // A tweak is changed only when it has no active change: when the later one was made this one had ended, and
 // its keys were back.
 void overtake(JournalEntry& entry, const JournalEntry& later) {
@@ -53,6 +64,12 @@ std::size_t RebuildPlanner::HashOfId::operator()(const Uuid& id) const noexcept 
     return hash;
 }
 
+void RebuildPlanner::know(std::vector<JournalEntry> entries) {
+    known_ = entries.size();
+    for (std::size_t i = 0; i < known_; ++i) places_.emplace(entries[i].id, i);
+    plan_.entries = std::move(entries);
+}
+
 void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
     for (HistoryLine& line : lines) {
         plan_.from = std::min(plan_.from.value_or(line.at), line.at);
@@ -62,16 +79,22 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
             plan_.entries.push_back(std::move(line.entry));
             continue;
         }
-        // A change that has ended begins no more: after a journey to the west, or with the clock set back,
-        // the file of its end may stand before that of its beginning.
+        // After a journey to the west, or with the clock set back, the file of its end may stand before that
+        // of its beginning; and the journal may know what the history lost.
         JournalEntry& entry = plan_.entries[known->second];
-        if (entry.isActive() || !line.entry.isActive()) entry = std::move(line.entry);
+        if (stageOf(line.entry.status) >= stageOf(entry.status)) entry = std::move(line.entry);
     }
     lines.clear();
 }
 
 RebuildPlan RebuildPlanner::finish(HistoryReading rest) && {
     take(rest.lines);
+    // A journal that was begun anew knows later changes than the history before it.
+    if (known_ > 0 && known_ < plan_.entries.size())
+        std::stable_sort(plan_.entries.begin(), plan_.entries.end(),
+                         [](const JournalEntry& one, const JournalEntry& other) {
+                             return one.appliedAt < other.appliedAt;
+                         });
     plan_.overtaken = overtakeAllButTheLast(plan_.entries);
     plan_.torn = rest.torn;
     plan_.foreign = rest.foreign;

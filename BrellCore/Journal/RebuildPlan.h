@@ -30,6 +30,8 @@ RebuildPlan planRebuild(HistoryReading history);
 // The same from a history that comes in pieces: most of its lines are not kept.
 class RebuildPlanner {
 public:
+    // What the journal holds, if it can be read. Before any line, and at most once.
+    void know(std::vector<JournalEntry> entries);
     void take(std::vector<HistoryLine>& lines);  // leaves it empty
     RebuildPlan finish(HistoryReading rest) &&;
 
@@ -39,6 +41,7 @@ private:
     };
     RebuildPlan plan_;
     std::unordered_map<Uuid, std::size_t, HashOfId> places_;  // in the plan's entries
+    std::size_t known_ = 0;
 };
 
 }  // namespace brell

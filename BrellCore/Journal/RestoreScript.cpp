@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "BrellCore/Journal/AgentCommands.h"
 #include "BrellCore/Journal/EntryOrder.h"
+#include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
@@ -29,10 +31,26 @@ std::string putBackCommand(const JournaledWrite& write) {
     return "defaults write " + place + " " + std::string(original.defaultsFlag()) + " " + valueArgs(original);
 }
 
+constexpr std::string_view applied = " (applied ", reset = " (reset to default ";
+
 std::string commentLine(const JournalEntry& entry) {
-    const std::string what =
-        entry.direction == EntryDirection::resetToDefault ? "reset to default" : "applied";
-    return oneLine("# " + entry.tweakID + " (" + what + " " + iso8601(entry.appliedAt) + ")");
+    const std::string_view what = entry.direction == EntryDirection::resetToDefault ? reset : applied;
+    return oneLine("# " + entry.tweakID + std::string(what) + iso8601(entry.appliedAt) + ")");
+}
+
+// A line that names a change; or one of a value, which may be any text.
+bool isCommentLine(std::string_view line) {
+    return line.starts_with("# ") && (line.find(applied) != line.npos || line.find(reset) != line.npos);
+}
+
+template <class Take>
+void forEachLine(std::string_view text, Take take) {
+    for (;;) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        take(text.substr(0, end));
+        if (end == text.size()) return;
+        text.remove_prefix(end + 1);
+    }
 }
 
 std::vector<std::string> entryLines(const JournalEntry& entry) {
@@ -54,6 +72,12 @@ std::vector<JournalEntry> activeNewestFirst(const std::vector<JournalEntry>& ent
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(active),
                  [](const JournalEntry& entry) { return entry.isActive(); });
     return newestFirst(std::move(active));
+}
+
+std::optional<std::string> textOf(const std::filesystem::path& file) {
+    constexpr std::size_t mostBytes = 256 * 1024 * 1024;
+    auto script = readFile(file, mostBytes);
+    return script ? std::optional(std::move(script->bytes)) : std::nullopt;
 }
 
 }  // namespace
@@ -88,12 +112,30 @@ void save(const std::filesystem::path& file, std::string_view text) {
 }
 
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now) {
-    constexpr std::size_t mostBytes = 256 * 1024 * 1024;
-    const auto script = readFile(file, mostBytes);
-    if (!script || script->bytes.find(nothingToRestore) != std::string::npos) return std::nullopt;
-    const auto copy = freeName(file, std::string(scriptBeforeEnding) + localMoment(now));
-    replaceFile(copy, script->bytes, Durability::powerCut);
+    const auto script = textOf(file);
+    if (!script || script->find(nothingToRestore) != std::string::npos) return std::nullopt;
+    const auto copy = freeName(file, std::string(beforeEnding) + localMoment(now));
+    replaceFile(copy, *script, Durability::powerCut);
     return copy;
+}
+
+bool undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
+    // Before the journal: of what others add to both meanwhile, it knows what the script says.
+    const std::string script = textOf(file).value_or("");
+    std::set<std::string_view> unknown;
+    forEachLine(script, [&](std::string_view line) {
+        if (isCommentLine(line)) unknown.insert(line);
+    });
+    const auto know = [&](const std::vector<JournalEntry>& entries) {
+        for (const JournalEntry& entry : entries)
+            for (const std::string& line : entryLines(entry))
+                forEachLine(line, [&](std::string_view part) { unknown.erase(part); });
+    };
+    if (!unknown.empty()) know(journal.active());  // which nearly always are all that it undoes
+    if (!unknown.empty()) know(journal.all());
+    return !unknown.empty();
+} catch (const ReadError&) {
+    return false;
 }
 
 std::string quote(std::string_view text) {

@@ -9,6 +9,10 @@
 
 #include "BrellCore/Journal/JournalEntry.h"
 
+namespace brell {
+class Journal;
+}
+
 namespace brell::RestoreScript {
 
 inline constexpr std::string_view fileName = "restore.sh";
@@ -23,6 +27,11 @@ void save(const std::filesystem::path& file, std::string_view text);
 // Copies a script that undoes something, durably, under the name of this moment, and gives that name; nothing
 // where there is no such script. Raises ReadError and ReplaceError.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now);
+
+// True when this script names a change that is none of the journal's: an older journal took the place of the
+// one that the script was written for, or that one was removed. False where there is no script that can be
+// read. Raises JournalError (cannotRead).
+bool undoesUnknown(const std::filesystem::path& file, Journal& journal);
 
 // One single-quoted shell word.
 std::string quote(std::string_view text);

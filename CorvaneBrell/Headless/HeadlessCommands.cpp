@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <set>
 
+#include "BrellCore/Journal/JournalRebuild.h"
 #include "BrellCore/Support/DiskFlush.h"
 #include "BrellCore/Support/JsonWriter.h"
 #include "CorvaneBrell/Console.h"
@@ -164,6 +165,7 @@ int run(Dependencies& deps, std::ostream& out, std::ostream& warnings) {
     if (options.toggleAgent) allWell &= toggleAgent(deps, *options.toggleAgent, out);
     if (options.restoreAll) allWell &= restoreAll(deps, out);
     if (const auto trouble = deps.engine.untoldScriptTrouble()) printLine(warnings, "warning: " + *trouble);
+    if (const auto lack = lackOfChanges(*deps.journal)) printLine(warnings, "warning: " + *lack + ".");
     return allWell ? ExitStatus::success : ExitStatus::failure;
 }
 

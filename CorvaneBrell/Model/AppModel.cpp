@@ -186,6 +186,7 @@ void AppModel::showEverything(Everything everything) {
         announce(Topic::settings);
     // Of one that could not be opened at the start a throw-away journal is read.
     if (!state_.startupError) put(&AppState::isJournalDamaged, everything.isDamaged);
+    set(&AppState::journalLack, std::move(everything.lack), Topic::journal);
     set(&AppState::journalError, everything.error, Topic::journal);
     if (everything.error) return;
 
@@ -237,7 +238,7 @@ void AppModel::loadHistory(std::optional<int> days) {
 }
 
 void AppModel::askRebuild() {
-    if (!state_.isJournalDamaged) return;
+    if (!state_.isJournalDamaged && !state_.journalLack) return;
     const auto done = [this](JobResult<RebuildRequest> request) {
         if (!request.value) return fail(request.error);
         set(&AppState::rebuildRequest, std::move(*request.value), Topic::question);

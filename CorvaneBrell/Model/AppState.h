@@ -78,6 +78,7 @@ struct AppState {
 
     // Topic::journal
     std::optional<std::string> journalError;  // of the last look at the journal; stays until one succeeds
+    std::optional<std::string> journalLack;   // of changes that its restore script undoes; no final stop
     std::vector<JournalEntry> entries;        // newest first
     std::vector<DriftedEntry> drifted;        // active changes that are no longer in force
     std::vector<DriftedEntry> driftedAgents;  // and agents that others switched since

@@ -75,6 +75,8 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
     };
     add(state.isJournalDamaged ? NoticeKind::damagedJournal : NoticeKind::journal,
         state.journalError.value_or(""));
+    if (state.journalLack)
+        add(NoticeKind::olderJournal, *state.journalLack + ". The history may tell of them.");
     add(NoticeKind::error, state.errorMessage.value_or(""));
     add(NoticeKind::failedRecovery, firstOf(state.recoveryFailures, " "));
     if (state.undoProof && !state.undoProof->isComplete)

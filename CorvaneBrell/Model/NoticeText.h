@@ -15,6 +15,7 @@ namespace brell {
 enum class NoticeKind {
     journal,         // it can't be read any more
     damagedJournal,  // that is why
+    olderJournal,    // it lacks changes that its restore script undoes
     error,           // of the last action
     failedRecovery,  // of interrupted changes
     incompleteUndo,

@@ -104,13 +104,13 @@ Everything ReadingWork::everything(const Posted<>& begun) {
 
 // A change that is not finished was interrupted, unless another program is making it.
 void ReadingWork::readEntries(Everything& everything) {
-    const auto isUnfinished = [](const JournalEntry& entry) {
-        return entry.status == EntryStatus::capturing;
-    };
+    everything.lack = lackOfChanges(*deps_.journal);
     everything.entries = latestOnTop(deps_.journal->all());
     for (const JournalEntry& entry : everything.entries)
         if (entry.isActive()) deps_.titles.learn(entry);
-    if (std::none_of(everything.entries.begin(), everything.entries.end(), isUnfinished)) return;
+    if (std::none_of(everything.entries.begin(), everything.entries.end(),
+                     [](const auto& entry) { return entry.status == EntryStatus::capturing; }))
+        return;
     const auto atRest = deps_.journal->allAtRest();
     everything.isChangedElsewhere = !atRest;
     if (atRest) everything.entries = latestOnTop(*atRest);  // it may be finished by now
@@ -267,6 +267,8 @@ RestoreRequest ReadingWork::restoring(const std::string& title, const std::vecto
 }
 
 LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
+    if (const auto lack = lackOfChanges(*deps_.journal))
+        throw std::runtime_error(*lack + ". Rebuild the journal first, or run that script and remove it.");
     const auto preferences = deps_.store.reader();
     LeavingRequest request =
         leavingRequest(latestOnTop(deps_.journal->all()), concerned, deps_.titles, *preferences);

@@ -26,6 +26,7 @@ struct Everything {
     bool isChangedElsewhere = false;   // another run is just making the change that is not finished
     std::optional<std::string> error;  // why the journal can't be read; there are no entries then
     bool isDamaged = false;            // that is why
+    std::optional<std::string> lack;   // of changes in the journal
 };
 
 struct LoginItems {

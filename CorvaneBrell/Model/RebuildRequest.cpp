@@ -32,7 +32,7 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
                         ? fmt::format(" from {} to {}", localDayWords(*plan.from), localDayWords(*plan.to))
                         : "",
                     counted(active, "is", "are"))};
-    facts.push_back("What happened in the last moments before the damage may be missing from it.");
+    facts.push_back("What happened last may be missing from it.");
     if (!plan.overtaken.empty())
         facts.push_back(counted(plan.overtaken.size(), "change counts", "changes count") +
                         " as restored, because a later one of the same setting is active.");
@@ -60,8 +60,8 @@ RebuildRequest rebuildRequest(RebuildPlan plan, RebuiltFor use, const ChangeTitl
 
 RebuildReport rebuildReport(const Rebuilt& rebuilt, RebuiltFor use) {
     RebuildReport report{{}, use};
-    if (rebuilt.damaged)
-        report.lines.push_back("The damaged journal is kept as " + rebuilt.damaged->string() + ".");
+    if (rebuilt.before)
+        report.lines.push_back("The journal as it was is kept as " + rebuilt.before->string() + ".");
     if (rebuilt.scriptBefore)
         report.lines.push_back("The restore script as it was is kept as " + rebuilt.scriptBefore->string() +
                                ".");

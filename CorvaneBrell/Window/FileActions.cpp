@@ -73,8 +73,8 @@ void showScript(const QString& script, const std::filesystem::path& file, QWidge
     window->show();
 }
 
-// The one that the last change left: without its journal no other can be made. Where others may write, it may
-// be theirs.
+// The one that the last change left: without its journal, or of an older one, no other can be made. Where
+// others may write, it may be theirs.
 void showKeptScript(const AppModel& model, QWidget* over) try {
     constexpr std::size_t most = 64 * 1024 * 1024;
     const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
@@ -116,7 +116,7 @@ void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
 }
 
 void FileActions::showRestoreScript(AppModel& model, QWidget* over) {
-    if (isLocked(model.state())) return showKeptScript(model, over);
+    if (isLocked(model.state()) || model.state().journalLack) return showKeptScript(model, over);
     const QPointer<QWidget> window = over->window();
     const std::filesystem::path file = model.journalDirectory() / RestoreScript::fileName;
     model.makeRestoreScript([window, file](const std::string& script) {

@@ -32,6 +32,9 @@ Look lookOf(NoticeKind kind) {
         case NoticeKind::journal:
         case NoticeKind::damagedJournal:
             return {Strip::tr("The change journal"), "xmark.circle", Tone::critical};
+        case NoticeKind::olderJournal:
+            return {Strip::tr("Changes are missing from the journal"), "exclamationmark.triangle",
+                    Tone::caution};
         case NoticeKind::error:
             return {Strip::tr("Brell could not do that"), "exclamationmark.triangle", Tone::critical};
         case NoticeKind::failedRecovery:
@@ -103,6 +106,7 @@ StripLine* Strip::line(NoticeKind kind) {
 void Strip::addActions(StripLine& line, NoticeKind kind) {
     switch (kind) {
         case NoticeKind::damagedJournal:
+        case NoticeKind::olderJournal:
             line.addAction(tr("Rebuild from History..."), [this] { model_.askRebuild(); });
             [[fallthrough]];
         case NoticeKind::journal:

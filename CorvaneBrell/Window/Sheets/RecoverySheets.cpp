@@ -49,8 +49,9 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const RecoveryRequest& request
 Sheet* sheetFor(AppModel& model, QWidget* window, const RebuildRequest& request) {
     auto* sheet = new RequestSheet(
         model, window, QObject::tr("Rebuild the journal from its history?"),
-        QObject::tr("Every line of the history holds a whole change. The last line of each becomes the new "
-                    "journal. No setting is changed, and the damaged file is kept beside the new one."),
+        QObject::tr(
+            "Every line of the history holds a whole change. The last line of each becomes the new "
+            "journal. No setting is changed, and the journal as it is now is kept beside the new one."),
         &AppModel::cancelRebuild);
     for (const std::string& fact : request.facts) sheet->addNote("info.circle", Tone::plain, qt(fact));
     sheet->addCard(request.active.size(), [active = request.active](std::size_t place) {

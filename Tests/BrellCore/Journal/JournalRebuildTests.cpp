@@ -89,6 +89,21 @@ TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
             several, {several[0].id, several[2].id}, noon, noon + std::chrono::hours(4), 2, 1, {"unread"}}));
 }
 
+TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHistoryLost) {
+    const JournalEntry known = entryFor("a", EntryStatus::applied);
+    JournalEntry older = entryFor("a");
+    older.appliedAt = known.appliedAt - std::chrono::hours(1);
+    std::vector<HistoryLine> lines;
+    for (const JournalEntry& entry : {older, changed(known, EntryStatus::capturing)})
+        lines.push_back({noon, entry.status, entry});
+    RebuildPlanner planner;
+    planner.know({known});
+    planner.take(lines);
+    const RebuildPlan made = std::move(planner).finish({});
+    EXPECT_EQ(made.active(), Entries{known});
+    EXPECT_EQ(made.overtaken, std::vector{older.id});
+}
+
 TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
     const auto check = [&](const std::string& name) {
         SCOPED_TRACE(name);
@@ -212,7 +227,7 @@ TEST_F(JournalRebuildTest, AFolderThatLeftItsPlaceIsNoFirstStart) {
                               "restore.sh"}));
     EXPECT_EQ(messageOf([&] { Journal::open(directory); }),
               "The change journal could not be read: " + file.string() + ": its rebuilding was interrupted.");
-    EXPECT_EQ(rebuild().damaged, std::nullopt);
+    EXPECT_EQ(rebuild().before, std::nullopt);
     EXPECT_EQ(Journal::open(directory)->all(), entries);
     EXPECT_FALSE(names().contains("journal.json.rebuilding"));
 }

@@ -46,12 +46,21 @@ TEST_F(SheetsTest, ADamagedJournalIsRebuiltForTheNextWindow) {
     press(*window, "Rebuild from History...");
     expectWords(*sheet(), {"The history tells of", "It holds what Brell wrote."});
     press(*sheet(), "Rebuild");
-    expectWords(*sheet(), {"The journal is rebuilt", "The damaged journal is kept as "});
+    expectWords(*sheet(), {"The journal is rebuilt", "The journal as it was is kept as "});
     press(*sheet(), "Later");
     EXPECT_FALSE(sheet());
     EXPECT_FALSE(button(*window, "Rebuild from History...").isEnabled()) << "it is done";
     openWindow();
     EXPECT_FALSE(model->state().startupError);
+    EXPECT_FALSE(model->state().entries.empty());
+
+    fs::remove(*options.journalDirectory / "journal.json");
+    openWindow();
+    press(window->strip(), "Show Restore Script");
+    EXPECT_TRUE(opened<QDialog>().findChild<QPlainTextEdit*>()->toPlainText().contains("(applied "));
+    opened<QDialog>().close();
+    press(window->strip(), "Rebuild from History...");
+    press(*sheet(), "Rebuild");
     EXPECT_FALSE(model->state().entries.empty());
 }
 
