@@ -62,8 +62,8 @@ bool isListed(const fs::path& folder) {
 fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
     if (isOfTheJournal(file, journal))
         throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
-    const fs::file_status found = fs::symlink_status(file);
-    if (fs::exists(found) && !fs::is_regular_file(found))
+    std::error_code unknown;  // replacing it will say why
+    if (const auto found = fs::symlink_status(file, unknown); exists(found) && !is_regular_file(found))
         throw std::runtime_error(file.string() + " is not an ordinary file; choose another name.");
     constexpr unsigned permissions = 0644;  // a script that others may write is a trap, whatever the umask
     replaceFile(file, contents, Durability::powerCut, permissions);

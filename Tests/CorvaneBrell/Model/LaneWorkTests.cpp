@@ -115,7 +115,11 @@ TEST_F(LaneWorkTest, AnInterruptedChangeUnderAKindThatBrellNeverWritesIsAskedFor
     const Uuid id = dependencies.journal->activeIDs().at(0);
     setContents(sample.preferences() / "com.apple.dock.plist",
                 "<plist version=\"1.0\"><dict><key>tilesize</key><dict/></dict></plist>");
+    const fs::path lock = dependencies.journalDirectory() / ".journal.lock";
+    fs::remove(lock);
+    fs::create_symlink(lock, lock);  // which keeps no look from it
     EXPECT_EQ(readings.everything({}).drifted.at(0).entry.id, id);
+    fs::remove(lock);
     EXPECT_EQ(readings.restoring("", {id}).changes.entries.at(0).entry.id, id);
     EXPECT_EQ(changes.keepTheirs({id}).failures, Texts());
     EXPECT_EQ(dependencies.journal->activeIDs(), std::vector<Uuid>());
@@ -244,6 +248,8 @@ TEST_F(LaneWorkTest, AFileIsSavedOnlyWhereAnOrdinaryOneMayStand) {
         EXPECT_EQ(namesIn(folder.path), (Names{"elsewhere", "mac", "mine.corvanepreset"}));
     }
     EXPECT_EQ(contentsOf(file), PresetFile::encode(preset)) << "in place of the huge one";
+    const fs::path unnamed = folder.path / std::string(300, 'x');
+    EXPECT_TRUE(messageOf([&] { readings.savePreset(unnamed, preset); }).starts_with("The file "));
 }
 
 TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
@@ -254,7 +260,8 @@ TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
     for (const char* name :
          {"../../../../../../link/journal.json", "history/report.md", "../Corvane Brell/.relaunches.lock",
           "journal.json", "Restore.sh", "history", ".journal.lock", "dry-run.txt", "journal.json.rebuilding",
-          "journal.json.damaged-2026-01-02-030405", "restore.sh.before-2026-01-02-030405-2"}) {
+          "journal.json.damaged-2026-01-02-030405", "journal.json.before-2026-01-02-030405",
+          "restore.sh.before-2026-01-02-030405-2"}) {
         const fs::path file = journal / name;
         EXPECT_EQ(messageOf([&] { readings.saveReport(file); }),
                   file.string() + " belongs to Brell's journal; choose another name.");
