@@ -24,12 +24,16 @@ void checkLabel(const std::string& label) {
         throw refused(label + " is an Apple or Brell item; it is never changed.");
 }
 
-// Catches a file that was replaced since the agent was listed or captured.
-void checkStillLabelled(const fs::path& file, const std::string& label) {
-    const auto found = LaunchAgentPlist::read(file).label;
-    if (found != label)
-        throw refused("The plist's Label (" + excerpt(found.value_or("none")) + ") does not match " + label +
-                      ".");
+// Catches a file that was replaced since the agent was listed or captured; and an agent that would go on
+// running where nothing here sees it.
+void checkContents(const LaunchAgentPlist& plist, const std::string& label) {
+    if (plist.label != label)
+        throw refused("The plist's Label (" + excerpt(plist.label.value_or("none")) + ") does not match " +
+                      label + ".");
+    if (plist.isForOtherSessions)
+        throw refused(label +
+                      " is for sessions without a desktop, where Brell can't see whether it runs: its "
+                      "LimitLoadToSessionType does not name Aqua. It is not changed.");
 }
 
 // launchctl is given a path without links, and only one in a folder of this name.
@@ -130,7 +134,7 @@ AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) co
     const fs::path file = resolvedPath(record.plist.path);
     if (!folder_.isDirectlyInside(file))
         throw refused(file.string() + " is not a file directly inside your LaunchAgents folder.");
-    checkStillLabelled(file, label);
+    checkContents(LaunchAgentPlist::read(file), label);
     checkLoadablePlace(domain(), file);
     return {label, file.string()};
 }

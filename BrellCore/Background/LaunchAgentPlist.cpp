@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <exception>
 
 #include "BrellCore/Support/FileContents.h"
@@ -73,6 +74,17 @@ std::vector<std::string> textsOf(const PlistDictionary& job, std::string_view ke
     return texts;
 }
 
+// Where one text may stand for a list of one.
+std::vector<std::string> textOrTextsOf(const PlistDictionary& job, std::string_view key) {
+    if (auto one = valueOf<std::string>(job, key)) return {*std::move(one)};
+    return textsOf(job, key);
+}
+
+// Without the key launchd takes a job for one of the desktop, which it calls Aqua.
+bool leavesOutTheDesktop(const std::vector<std::string>& sessions) {
+    return !sessions.empty() && std::find(sessions.begin(), sessions.end(), "Aqua") == sessions.end();
+}
+
 }  // namespace
 
 LaunchAgentPlist LaunchAgentPlist::read(const fs::path& file, LinksOut links) try {
@@ -101,9 +113,8 @@ LaunchAgentPlist LaunchAgentPlist::readOrRaise(const fs::path& file, LinksOut li
     plist.isDisabled = valueOf<bool>(*job, "Disabled").value_or(false);
     plist.startInterval = valueOf<std::int64_t>(*job, "StartInterval");
     plist.hasCalendarInterval = job->find("StartCalendarInterval") != nullptr;
-    plist.associatedBundleIDs = textsOf(*job, "AssociatedBundleIdentifiers");
-    if (auto one = valueOf<std::string>(*job, "AssociatedBundleIdentifiers"))
-        plist.associatedBundleIDs = {*std::move(one)};
+    plist.isForOtherSessions = leavesOutTheDesktop(textOrTextsOf(*job, "LimitLoadToSessionType"));
+    plist.associatedBundleIDs = textOrTextsOf(*job, "AssociatedBundleIdentifiers");
     return plist;
 }
 

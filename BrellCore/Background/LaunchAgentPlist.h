@@ -21,6 +21,7 @@ struct LaunchAgentPlist {
     bool runAtLoad = false;
     bool keepAlive = false;  // also under conditions
     bool isDisabled = false;
+    bool isForOtherSessions = false;  // none with a desktop: such a job is in another domain of launchd's
     std::optional<std::int64_t> startInterval;
     bool hasCalendarInterval = false;
     std::vector<std::string> associatedBundleIDs;

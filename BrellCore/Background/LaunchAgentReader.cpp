@@ -54,11 +54,11 @@ AgentOverrides LaunchAgentReader::overrides() const {
     return LaunchctlParser::parsePrintDisabled(result.stdoutText);
 }
 
-LoadedState LaunchAgentReader::loadedState(const std::string& label) const {
+LoadedState LaunchAgentReader::loadedState(const LaunchAgentPlist& plist) const {
     // Without a label the target would be the domain itself, which is always there.
-    if (label.empty()) return LoadedState::unknown();
+    if (plist.label.value_or("").empty() || plist.isForOtherSessions) return LoadedState::unknown();
     try {
-        const auto command = AllowedCommand::launchctlPrint(domain() + "/" + label);
+        const auto command = AllowedCommand::launchctlPrint(domain() + "/" + *plist.label);
         command.validate();
         return LaunchctlParser::parsePrint(runner.run(command));
     } catch (const std::exception&) {
@@ -78,8 +78,7 @@ std::vector<LaunchAgentRecord> LaunchAgentReader::listUserAgents() const {
 
 std::vector<LaunchAgentRecord> LaunchAgentReader::userAgents() const {
     std::vector<LaunchAgentRecord> records = listUserAgents();
-    for (LaunchAgentRecord& record : records)
-        if (record.label()) record.loaded = loadedState(*record.label());
+    for (LaunchAgentRecord& record : records) record.loaded = loadedState(record.plist);
     return records;
 }
 

@@ -74,8 +74,8 @@ struct LaunchAgentReader {
     // Raises LaunchctlError when launchctl refuses, and what the runner raises.
     AgentOverrides overrides() const;
 
-    // Never raises: unknown when launchd can't be asked.
-    LoadedState loadedState(const std::string& label) const;
+    // Never raises: unknown when launchd can't be asked, or not in the domain of the desktop.
+    LoadedState loadedState(const LaunchAgentPlist& plist) const;
 
     // The user's job files, each with its override but with loaded unknown: launchd is asked once for all of
     // them. Links to elsewhere are not followed. Raises what overrides() raises; nothing else that goes wrong

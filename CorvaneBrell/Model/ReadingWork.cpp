@@ -152,9 +152,7 @@ LoginItems ReadingWork::loginItems(const Posted<LoginItems>& soFar, const TaskSo
     showSoFar();
     for (std::size_t i = 0; i < user.size() && !progress_.isEnding(); ++i) {
         progress_.tell("Asking launchd about each LaunchAgent", i, user.size());
-        const auto& label = user[i].label();
-        if (!label) continue;
-        user[i].loaded = deps_.reader.loadedState(*label);
+        user[i].loaded = deps_.reader.loadedState(user[i].plist);
         noteRefusal(user[i], items);  // it may be loaded from another file
     }
     showSoFar();

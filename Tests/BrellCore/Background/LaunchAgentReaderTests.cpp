@@ -48,6 +48,7 @@ TEST_F(LaunchAgentReaderTest, ReadsEveryKeyOfAJobAndCountsValuesOfAnotherTypeAsM
     whole.startInterval = 3600;
     whole.associatedBundleIDs = {"com.example.app"};
     odd.program = "/usr/bin/true";
+    odd.isForOtherSessions = true;
     odd.associatedBundleIDs = {"a", "b"};
     const std::tuple<const char*, LaunchAgentPlist, const char*, const char*> rows[] = {
         {"agent-every-key", whole, "/bin/sh", "at login, every 3600 s, on a schedule, kept running"},
@@ -106,6 +107,8 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
     labelled(agents / "d.plist", "");
     labelled(agents / "e.plist", "com.example.slow");
     job(agents / "f.plist", "");
+    job(agents / "g.plist", R"(<key>Label</key><string>com.example.unseen</string>
+                               <key>LimitLoadToSessionType</key><array><string>Background</string></array>)");
     overridesAre("\"com.example.off\" => disabled\n\"com.example.running\" => enabled\n");
     runner.answer(Command::launchctlPrint("gui/501/com.example.off"),
                   CommandResult{113, "", "Could not find service"});
@@ -124,6 +127,7 @@ TEST_F(LaunchAgentReaderTest, AsksLaunchdAboutEachOfTheUsersAgents) {
     const std::pair nothing(AgentOverride::absent, LoadedState::unknown());
     EXPECT_EQ(found, (decltype(found){{AgentOverride::disabled, LoadedState::notLoaded()},
                                       {AgentOverride::enabled, running},
+                                      nothing,
                                       nothing,
                                       nothing,
                                       nothing,
