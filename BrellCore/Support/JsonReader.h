@@ -46,7 +46,9 @@ public:
     const Key* met(simdjson::ondemand::field& field) {
         // As it is written, which takes no copy; only then by what escapes in it stand for.
         if (const Key* key = find(field.key())) return key;
-        return find(field.unescaped_key().value());
+        // By way of a result: of a field itself newer libraries want another argument.
+        using Result = simdjson::simdjson_result<simdjson::ondemand::field>;
+        return find(Result(simdjson::ondemand::field(field)).unescaped_key().value());
     }
     void checkAllMet() const {
         for (std::size_t i = 0; i < count; ++i)
