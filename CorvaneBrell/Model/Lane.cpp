@@ -1,5 +1,7 @@
 #include "CorvaneBrell/Model/Lane.h"
 
+#include "CorvaneBrell/Platform/ThreadWork.h"
+
 namespace brell {
 
 LaneThread::LaneThread(MainLoop& loop) : loop_(loop), thread_([this] { work(); }) {}
@@ -41,7 +43,7 @@ void LaneThread::work() {
         std::function<void()> job = std::move(jobs_.front());
         jobs_.pop_front();
         lock.unlock();
-        job();
+        runOnThread(job);
     }
 }
 
