@@ -4,6 +4,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "BrellCore/Support/Failure.h"
 #include "BrellCore/Support/Leftovers.h"
 #include "Tests/Support/EngineFixture.h"

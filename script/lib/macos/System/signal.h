@@ -1,4 +1,4 @@
-// sigaddset(3) and its neighbours: macros too, so that no :: can stand before them.
+// sigaddset(3) and its neighbours: macros too, so that no :: can stand before them. And what macOS lacks.
 #pragma once
 
 #include_next <signal.h>
@@ -8,3 +8,5 @@
 #define sigemptyset(set) (sigemptyset)(set)
 #define sigfillset(set) (sigfillset)(set)
 #define sigismember(set, signal) (sigismember)(set, signal)
+
+#pragma GCC poison sigqueue sigtimedwait sigwaitinfo SIGPOLL SIGRTMAX SIGRTMIN

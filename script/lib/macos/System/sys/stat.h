@@ -1,10 +1,8 @@
-// stat(2) and chflags(2): the record's field for flags, and the other names of its times.
+// chflags(2): the field for flags in the record of stat(2).
 #pragma once
 
 #include_next <sys/stat.h>
 
-#define st_mtimespec st_mtim
-#define st_ctimespec st_ctim
-#define st_flags st_mode  // any field that is unsigned too
+#define st_flags st_uid  // any field that is as wide
 #define UF_IMMUTABLE 0x2
 #define SF_IMMUTABLE 0x20000
