@@ -106,13 +106,13 @@ TEST_F(HistoryTest, DamagedLinesAreSkippedAndTheOthersKept) {
         return text.replace(text.find(from), from.size(), to) + "\n";
     };
     setContents(day, "\n\r\n" + with("restored\"}", "undone\"}") + with("\"event\"", "\"evens\"") +
-                         with("\"entry\"", "\"entri\"") + good + "x\n" + good + good + "\n" +
-                         with("launchd", "\xFF") + with("Z\",\"entry", "\",\"entry") + std::string(300, '{') +
-                         "\n" + std::string(5000, '\0') + "\n" + with("{\"at\"", "{\"later\":[1,,2],\"at\"") +
-                         good + "\r\n" + good);
+                         with("\"entry\"", "\"entri\"") + with("\"at\"", "\"ad\"") + good + "x\n" + good +
+                         good + "\n" + with("launchd", "\xFF") + with("Z\",\"entry", "\",\"entry") +
+                         std::string(300, '{') + "\n" + std::string(5000, '\0') + "\n" +
+                         with("{\"at\"", "{\"later\":[1,,2],\"at\"") + good + "\r\n" + good);
     EXPECT_EQ(all(), (Lines{line, line}));
     // Two damaged ones stand before a good one about the entry that they name, and are not looked at.
-    EXPECT_EQ(lastOfAll(), (HistoryReading{{line, line}, 5, 2, {}}));
+    EXPECT_EQ(lastOfAll(), (HistoryReading{{line, line}, 5, 3, {}}));
 }
 
 TEST_F(HistoryTest, OfLinesThatFollowEachOtherOnlyTheLastThatCanBeReadIsTaken) {

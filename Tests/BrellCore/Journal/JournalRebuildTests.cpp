@@ -158,6 +158,12 @@ TEST_F(JournalRebuildTest, WhatWasKeptBeforeIsNeverReplaced) {
         EXPECT_EQ(contentsOf(file.string() + ".damaged-" + moment + ending), ending);
         fs::remove(script);
     }
+    if (!systemCallsAreWatched()) return;
+    const std::string next = file.string() + ".damaged-" + moment + "-4";
+    const EachCall meanwhile(next, before(SystemCall::link, [&] { setContents(next, "somebody else's"); }));
+    setContents(file, "");
+    EXPECT_EQ(rebuild().before, file.string() + ".damaged-" + moment + "-5");
+    EXPECT_EQ(contentsOf(next), "somebody else's");
 }
 
 TEST_F(JournalRebuildTest, OnlyADamagedOneIsRebuiltAndOnlyAsConfirmed) {
