@@ -27,6 +27,10 @@ protected:
         return {tweak, tweak.targets(), std::nullopt, false};
     }
     Uuid made(const std::string& id) { return changes.apply(wishFor(id)).made.at(0).id; }
+    Progress inTheTest() {
+        return {Posted<Activity>([this](Activity activity) { told.push_back(std::move(activity)); }),
+                [this] { return isEnding; }};
+    }
     LaunchAgentRecord agent(const std::string& label) const {
         for (const LaunchAgentRecord& one : dependencies.reader.listUserAgents())
             if (one.label() == label) return one;
@@ -37,19 +41,36 @@ protected:
     Dependencies dependencies{options, out};
     std::vector<Activity> told;
     bool isEnding = false;
-    Progress progress{Posted<Activity>([this](Activity activity) { told.push_back(std::move(activity)); }),
-                      [this] { return isEnding; }};
+    Progress progress = inTheTest();
     ChangeWork changes{dependencies, progress};
     ReadingWork readings{dependencies, progress};
 };
 
 }  // namespace
 
-TEST_F(LaneWorkTest, NoFurtherChangeIsBegunOnceBrellEnds) {
+TEST_F(LaneWorkTest, AJobTellsItsStepsAndBeginsNoneOnceBrellEnds) {
     const DriftedEntry earlier{dependencies.journal->entry(made("dock.size")).value(), {}};
-    isEnding = true;
-    EXPECT_TRUE(changes.applyPreset({{}, {{"dock.autohide", "", WouldChange{}}}, {}, {}}).made.empty());
-    EXPECT_TRUE(changes.applyAgain({earlier}).made.empty());
+    const Uuid jpeg = made("shot.jpg");
+    const AgentConfirmRequest switching = readings.agentConfirm({agent(duskwatch)}, false);
+    const std::function<void()> jobs[] = {
+        [&] {
+            changes.applyPreset({{}, {{"dock.autohide", "", WouldChange{}}}, {}, {}});
+        },
+        [&] { changes.applyAgain({earlier}); }, [&] { changes.keepTheirs({earlier.entry.id}); },
+        [&] { changes.switchAgents(switching); },
+        [&] { changes.restoreConfirmed({.others = {jpeg}}, {}); }};
+    for (const auto& job : jobs) {
+        SCOPED_TRACE(&job - jobs);
+        progress = inTheTest();
+        told.clear();
+        const auto before = dependencies.journal->all();
+        isEnding = true;
+        job();
+        EXPECT_EQ(dependencies.journal->all(), before);
+        isEnding = false;
+        job();
+        EXPECT_EQ(told.at(0), (Activity{"", 0, 1}));
+    }
 }
 
 TEST_F(LaneWorkTest, APartlyTickedDriftLeavesTheRestForAnotherUndo) {
