@@ -11,6 +11,7 @@
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Model/SheetRequest.h"
+#include "CorvaneBrell/Model/ShownLoginItem.h"
 #include "CorvaneBrell/Model/TweakRowState.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
@@ -143,8 +144,11 @@ protected:
                            std::string(model->ownPreferences().readsTaskList() ? ", allowed" : "");
         Texts off, arrived;
         std::size_t listed = 0;
+        const ShownLoginItems shown(state());
         for (const LoginItemRow& row : state().loginItems) {
             const std::string name = row.record ? row.record->label().value_or(row.id) : row.id;
+            const ShownLoginItem item = shown.of(row);
+            if (item.change) all["item " + row.id] = item.isInForce() ? "in force" : item.refusal.value_or("");
             if (!row.isOn) off.push_back(name);
             if (state().seenItems.isNew(row)) arrived.push_back(name);
             listed += row.btm.has_value();
