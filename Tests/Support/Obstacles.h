@@ -93,7 +93,7 @@ inline void place(Obstacle obstacle, const std::filesystem::path& at,
             return;
         case Obstacle::huge:
             UniqueFd(::open(at.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-            fs::resize_file(at, std::uintmax_t{8} << 30);
+            fs::resize_file(at, std::uintmax_t{1} << 40);
             return;
     }
 }
