@@ -54,12 +54,10 @@ public:
     explicit OneLook(PlistFileStore& store) : store_(store) {}
 
     StoredValue exactValue(const PrefKey& key) override {
-        store_.checkAllowed(key.domain);
         const std::lock_guard lock(store_.mutex_);
         return store_.exactValueLocked(key, &seen_);
     }
     StoredValue effectiveValue(const PrefKey& key) override {
-        store_.checkAllowed(key.domain);
         const std::lock_guard lock(store_.mutex_);
         return store_.effectiveValueLocked(key, &seen_);
     }
@@ -77,7 +75,6 @@ PlistFileStore::PlistFileStore(fs::path directory, DomainSet allowedDomains, Fol
 }
 
 std::vector<std::string> PlistFileStore::keys(const std::string& domain) {
-    checkAllowed(domain);
     const std::lock_guard lock(mutex_);
     std::vector<std::string> keys;
     for (const auto& [key, value] : valuesLocked(domain)) keys.push_back(key);
@@ -85,13 +82,11 @@ std::vector<std::string> PlistFileStore::keys(const std::string& domain) {
 }
 
 StoredValue PlistFileStore::exactValue(const PrefKey& key) {
-    checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);
     return exactValueLocked(key);
 }
 
 StoredValue PlistFileStore::effectiveValue(const PrefKey& key) {
-    checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);
     return effectiveValueLocked(key);
 }
@@ -120,7 +115,6 @@ void PlistFileStore::write(const PrefValue& value, const PrefKey& key) {
 }
 
 void PlistFileStore::remove(const PrefKey& key) {
-    checkAllowed(key.domain);
     const std::lock_guard lock(mutex_);
     if (!valuesLocked(key.domain).contains(key.name)) return;
     Values values = takenValuesLocked(key.domain);
@@ -181,8 +175,8 @@ void PlistFileStore::ignoreWrites(const PrefKey& key) {
 }
 
 StoredValue PlistFileStore::exactValueLocked(const PrefKey& key, Seen* seen) {
-    if (unsupportedKeys_.contains(key)) throw StoreError(UnsupportedType{key, "dictionary"});
     const Values& values = valuesLocked(key.domain, seen);
+    if (unsupportedKeys_.contains(key)) throw StoreError(UnsupportedType{key, "dictionary"});
     const auto found = values.find(key.name);
     return found == values.end() ? StoredValue() : StoredValue(found->second);
 }
@@ -196,6 +190,7 @@ StoredValue PlistFileStore::effectiveValueLocked(const PrefKey& key, Seen* seen)
 
 // The contents of the domain's file; parsed again only when the file is no longer the one that was parsed.
 const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain, Seen* seen) try {
+    checkAllowed(domain);
     const bool isSeen = seen && seen->contains(domain);
     auto known = domains_.find(domain);
     if (known == domains_.end() || (!isSeen && known->second.identity != identityOf(known->second.file))) {
