@@ -173,18 +173,14 @@ int run(Dependencies& deps, std::ostream& out, std::ostream& warnings) {
 
 std::optional<int> runIfRequested(const LaunchOptions& options, std::ostream& out, std::ostream& warnings) {
     if (!options.isHeadlessRequest()) return std::nullopt;
-    std::optional<Dependencies> deps;
+    int failed = ExitStatus::cannotStart;
     try {
-        deps.emplace(options, out, warnings);
+        Dependencies deps(options, out, warnings);
+        failed = ExitStatus::failure;
+        return run(deps, out, warnings);
     } catch (const std::exception& error) {
         printLine(out, std::string("error: ") + error.what());
-        return ExitStatus::cannotStart;
-    }
-    try {
-        return run(*deps, out, warnings);
-    } catch (const std::exception& error) {
-        printLine(out, std::string("error: ") + error.what());
-        return ExitStatus::failure;
+        return failed;
     }
 }
 

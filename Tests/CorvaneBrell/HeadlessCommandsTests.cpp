@@ -11,18 +11,27 @@ using HeadlessCommandsTest = HeadlessTest;
 
 TEST_F(HeadlessCommandsTest, EachLineIsThereWhenItsEventHappened) {
     struct Reader : std::stringbuf {
-        std::string seen;
+        std::string seen, last;
+        std::function<void()> afterIt;
         int sync() override {
             seen += str() + "|";
+            if (str() == last) afterIt();
             str("");
             return 0;
         }
     } reader;
-    std::ostream out(&reader);
-    options.applyAll = true;
-    HeadlessCommands::runIfRequested(options, out);
+    const fs::path journal = journalDirectory / "journal.json";
+    reader.afterIt = [&] { setContents(journal, "damaged"); };
     std::string expected;
-    for (const Tweak& tweak : catalog.all()) expected += "applied " + tweak.id + "\n|";
+    for (const Tweak& tweak : catalog.all()) {
+        reader.last = "applied " + tweak.id + "\n";
+        expected += reader.last + "|";
+    }
+    expected += "error: The change journal could not be read: " + journal.string() +
+                ": it is damaged, or something else than Brell wrote it.\n|";
+    std::ostream out(&reader);
+    options.applyAll = options.restoreAll = true;
+    EXPECT_EQ(HeadlessCommands::runIfRequested(options, out), 1);
     EXPECT_EQ(reader.seen, expected);
 }
 
