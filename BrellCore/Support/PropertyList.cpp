@@ -13,10 +13,9 @@ std::vector<const PlistEntry*> sortedByKey(const PlistDictionary& dictionary) {
     std::vector<const PlistEntry*> sorted;
     sorted.reserve(dictionary.entries.size());
     for (const PlistEntry& entry : dictionary.entries) sorted.push_back(&entry);
-    const auto before = [](const PlistEntry* one, const PlistEntry* other) { return one->key < other->key; };
     // A text of our own writing is in order.
-    if (!std::is_sorted(sorted.begin(), sorted.end(), before))
-        std::sort(sorted.begin(), sorted.end(), before);
+    if (!std::ranges::is_sorted(sorted, {}, &PlistEntry::key))
+        std::ranges::sort(sorted, {}, &PlistEntry::key);
     return sorted;
 }
 
