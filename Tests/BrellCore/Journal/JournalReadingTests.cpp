@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "BrellCore/Journal/Journal.h"
+#include "BrellCore/Support/Ownership.h"
 #include "Tests/Support/Entries.h"
 #include "Tests/Support/SystemCalls.h"
 #include "Tests/Support/Testing.h"
@@ -172,6 +173,7 @@ TEST_F(JournalReadingTest, WhatOthersCouldHaveWrittenIsRefused) {
         isRefused(path, " belongs to another user");
         ASSERT_EQ(::chown(path.c_str(), 0, 20), 0);
         isRefused(path, " can be written by a group of users");
+        EXPECT_EQ(whyNotOnlyOurs(path, 20), std::nullopt) << "which has that user's number";
         ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
     }
     journal->upsert(sampleEntries()[1]);  // its own group may write it
