@@ -1,4 +1,4 @@
-// Updates of macOS, rows that can't be changed, files that are saved.
+// Rows that can't be changed, files that are saved.
 
 #include <sys/stat.h>
 
@@ -7,18 +7,6 @@
 #include "Tests/CorvaneBrell/Model/AppModelFixture.h"
 
 namespace brell::testing {
-
-TEST_F(AppModelTest, AnUpdateOfMacOSIsNoticedByTheVersionThatWasKept) {
-    EXPECT_FALSE(open().state().macOSUpdate) << "it never ran before";
-    model->keepMacOS();
-    EXPECT_FALSE(open().state().macOSUpdate);
-    model->ownPreferences().keepMacOS({99, 0, 0});
-    EXPECT_FALSE(open().state().macOSUpdate) << "an older one holds what it held";
-    model->ownPreferences().keepMacOS({15, 7, 0});
-    EXPECT_EQ(open().state().macOSUpdate, (MacOSUpdate{{15, 7, 0}, SampleMac::osVersion}));
-    model->dismissUpdate();
-    EXPECT_FALSE(state().macOSUpdate);
-}
 
 TEST_F(AppModelTest, ARowThatCannotBeChangedSaysWhy) {
     writePreferenceMarks(sample.systemRoot(),

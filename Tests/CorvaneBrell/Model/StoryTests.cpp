@@ -148,7 +148,8 @@ protected:
         for (const LoginItemRow& row : state().loginItems) {
             const std::string name = row.record ? row.record->label().value_or(row.id) : row.id;
             const ShownLoginItem item = shown.of(row);
-            if (item.change) all["item " + row.id] = item.isInForce() ? "in force" : item.refusal.value_or("");
+            if (item.change)
+                all["item " + row.id] = item.isInForce() ? "in force" : item.refusal.value_or("");
             if (!row.isOn) off.push_back(name);
             if (state().seenItems.isNew(row)) arrived.push_back(name);
             listed += row.btm.has_value();
@@ -220,6 +221,7 @@ protected:
                                                         {"confirmTaskList", &AppModel::confirmTaskList},
                                                         {"cancelTaskList", &AppModel::cancelTaskList},
                                                         {"confirmPreset", &AppModel::confirmPreset},
+                                                        {"dismissUpdate", &AppModel::dismissUpdate},
                                                         {"keepMacOS", &AppModel::keepMacOS}};
         if (const auto found = plain.find(verb); found != plain.end()) return (model.get()->*found->second)();
         const std::string first = given.empty() ? "" : given[0], second = given.size() < 2 ? "" : given[1];
@@ -314,10 +316,10 @@ TEST_P(StoryTest, GoesAsItWasWrittenDown) {
 INSTANTIATE_TEST_SUITE_P(Model, StoryTest,
                          ::testing::Values("agents-again.txt", "agents.txt", "already-back.txt",
                                            "another-mac.txt", "changes.txt", "choices.txt", "crash.txt",
-                                           "leaving.txt", "login-items.txt", "nothing-to-leave.txt",
-                                           "other-pages.txt", "presets.txt", "rebuilding.txt",
-                                           "relaunching.txt", "restoring.txt", "task-list.txt",
-                                           "their-values.txt", "undoing-choices.txt", "undoing.txt",
-                                           "unreadable-journal.txt"));
+                                           "leaving.txt", "login-items.txt", "new-macos.txt",
+                                           "nothing-to-leave.txt", "other-pages.txt", "presets.txt",
+                                           "rebuilding.txt", "relaunching.txt", "restoring.txt",
+                                           "task-list.txt", "their-values.txt", "undoing-choices.txt",
+                                           "undoing.txt", "unreadable-journal.txt"));
 
 }  // namespace brell::testing
