@@ -57,8 +57,7 @@ TEST_F(LaneWorkTest, AJobTellsItsStepsAndBeginsNoneOnceBrellEnds) {
             changes.applyPreset({{}, {{"dock.autohide", "", WouldChange{}}}, {}, {}});
         },
         [&] { changes.applyAgain({earlier}); }, [&] { changes.keepTheirs({earlier.entry.id}); },
-        [&] { changes.switchAgents(switching); },
-        [&] { changes.restoreConfirmed({.others = {jpeg}}, {}); }};
+        [&] { changes.switchAgents(switching); }, [&] { changes.restoreConfirmed({.others = {jpeg}}, {}); }};
     for (const auto& job : jobs) {
         SCOPED_TRACE(&job - jobs);
         progress = inTheTest();
