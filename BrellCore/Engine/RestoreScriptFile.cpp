@@ -60,9 +60,12 @@ bool RestoreScriptFile::keepLocked() {
 }
 
 void RestoreScriptFile::keepUnknown() {
+    const auto found = identityIfKnown(*file_);
+    if (found && found == kept_) return;  // it could not be replaced since
     if (!RestoreScript::undoesUnknown(*file_, journal_)) return;
     const auto copy = RestoreScript::keepAside(*file_, clock_());
     if (!copy) return;
+    kept_ = found;
     const std::lock_guard lock(troubleMutex_);
     untoldCopy_ = "The restore script undid changes that the journal does not know. It is kept as " +
                   copy->string() + ", and puts back what was changed when it was written.";

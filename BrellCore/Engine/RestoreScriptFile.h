@@ -44,8 +44,9 @@ private:
     const std::optional<std::filesystem::path> file_;
     const Clock clock_;
 
-    std::mutex mutex_;  // guards written_ and every writing
+    std::mutex mutex_;  // guards written_, kept_ and every writing
     std::optional<Written> written_;
+    std::optional<FileIdentity> kept_;  // of the script that was copied last
 
     std::mutex troubleMutex_;  // guards all below; never held while something is written
     std::optional<std::string> untoldCopy_;

@@ -352,6 +352,16 @@ TEST_F(TweakEngineTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhenItCanB
         EXPECT_EQ(script(), engine.restoreScriptText());
         EXPECT_EQ(fs::status(file).permissions() & fs::perms(0777), fs::perms(0644));
     }
+    if (!systemCallsAreWatched()) return;
+    // Of one that undoes what the journal does not know one copy is enough, however often it stays.
+    setContents(file, "# dock.gone (applied 2026-01-02T03:04:05Z)\n");
+    const std::size_t names = namesIn(journalDirectory).size();
+    const auto locked = [](SystemCall call, const std::string&) {
+        return call == SystemCall::rename ? EPERM : 0;
+    };
+    const EachCall failing(file, locked);
+    for (const char* id : {"finder.path_bar", "finder.show_hidden"}) engine.apply(tweak(id));
+    EXPECT_EQ(namesIn(journalDirectory).size(), names + 1);
 }
 
 TEST_F(TweakEngineTest, AnOutcomeThatCannotBeSavedIsToldAsItIs) {
