@@ -2,7 +2,6 @@
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalPlace.h"
-#include "BrellCore/Journal/JournalRebuild.h"
 #include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Journal/RestoreScript.h"
 #include "BrellCore/Support/Text.h"
@@ -22,6 +21,15 @@ bool isThere(const fs::path& folder) {
     return fs::symlink_status(folder, unknown).type() != fs::file_type::not_found;
 }
 
+// The script, or a copy of one that was kept: it may be all that undoes what an earlier journal held.
+std::optional<std::string> scriptOfUnknown(Journal& journal, const fs::path& folder) {
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (entry.path().filename().string().starts_with(RestoreScript::fileName) &&
+            RestoreScript::undoesUnknown(entry.path(), journal))
+            return entry.path().string() + " undoes changes that the journal does not know";
+    return std::nullopt;
+}
+
 void checkMayLeave(Journal& journal) {
     if (auto reason = whyNotToLeave(journal)) throw cannotLeave(*std::move(reason));
 }
@@ -35,7 +43,7 @@ std::optional<std::string> whyNotToLeave(Journal& journal) try {
     for (const fs::path& place : {folder, file})
         if (fs::is_symlink(place)) return place.string() + " is a link, so that the journal lies elsewhere";
     if (!fs::exists(folder)) return std::nullopt;
-    if (auto lack = lackOfChanges(journal)) return lack;
+    if (auto script = scriptOfUnknown(journal, folder)) return script;
     if (const auto other = notOfTheJournal(folder))
         return other->string() + " is not Brell's, and lies in Brell's folder";
     return std::nullopt;

@@ -59,6 +59,11 @@ TEST_F(JournalLeavingTest, NothingIsTakenAwayThatIsStillOfUseOrNotBrells) {
         active.status = EntryStatus::restored;
         journal->upsert(active);
     }
+    for (const char* script : {"restore.sh", "restore.sh.before-2026-01-02-030405"}) {
+        setContents(directory / script, "# lost (applied 2026-01-02T03:04:05Z)\n");
+        expectRefused((directory / script).string() + " undoes changes that the journal does not know");
+        fs::remove(directory / script);
+    }
     for (const char* other : {"Preferences", ".notes.tmp"}) {
         fs::create_directory(directory / other);
         expectRefused((directory / other).string() + " is not Brell's, and lies in Brell's folder");
