@@ -36,6 +36,7 @@ struct Rebuilt {
     std::optional<std::filesystem::path> before;        // where it is now; nothing if there was none
     std::optional<std::filesystem::path> scriptBefore;  // a copy of the restore script as it was
     std::optional<std::string> scriptFailure;           // why the script is as it was: a whole sentence
+    bool isLacking = false;  // even now, of changes that the script as it was undoes
     bool operator==(const Rebuilt&) const = default;
 };
 

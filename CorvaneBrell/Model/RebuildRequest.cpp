@@ -65,6 +65,8 @@ RebuildReport rebuildReport(const Rebuilt& rebuilt, RebuiltFor use) {
     if (rebuilt.scriptBefore)
         report.lines.push_back("The restore script as it was is kept as " + rebuilt.scriptBefore->string() +
                                ".");
+    if (rebuilt.isLacking)
+        report.lines.emplace_back("It undoes changes that the rebuilt journal does not know either.");
     if (rebuilt.scriptFailure) report.lines.push_back(*rebuilt.scriptFailure);
     report.lines.emplace_back(use == RebuiltFor::thisRun
                                   ? "Brell goes on with the rebuilt journal."
