@@ -26,7 +26,8 @@ std::optional<std::string> scriptOfUnknown(Journal& journal, const fs::path& fol
     for (const auto& entry : fs::directory_iterator(folder))
         if (entry.path().filename().string().starts_with(RestoreScript::fileName) &&
             RestoreScript::undoesUnknown(entry.path(), journal))
-            return entry.path().string() + " undoes changes that the journal does not know";
+            return entry.path().string() +
+                   " undoes changes that the journal does not know; run it or move it elsewhere first";
     return std::nullopt;
 }
 

@@ -61,7 +61,8 @@ TEST_F(JournalLeavingTest, NothingIsTakenAwayThatIsStillOfUseOrNotBrells) {
     }
     for (const char* script : {"restore.sh", "restore.sh.before-2026-01-02-030405"}) {
         setContents(directory / script, "# lost (applied 2026-01-02T03:04:05Z)\n");
-        expectRefused((directory / script).string() + " undoes changes that the journal does not know");
+        expectRefused((directory / script).string() +
+                      " undoes changes that the journal does not know; run it or move it elsewhere first");
         fs::remove(directory / script);
     }
     for (const char* other : {"Preferences", ".notes.tmp"}) {
