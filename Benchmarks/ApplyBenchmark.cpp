@@ -78,6 +78,8 @@ void applyBare(const JournalFiles& files, const Stages& stages) {
     bare::stat(files.journal);
     bare::stat(preference);
     bare::saveEntry(files, stages.journalCaptured, stages.historyCaptured);
+    bare::stat(files.script);
+    bare::read(files.script);
     bare::writeScript(files, stages.scriptCaptured);
     bare::stat(preference);
     bare::replaceAndReadBack(preference, stages.preferenceAfter);
