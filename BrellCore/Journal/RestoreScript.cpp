@@ -40,7 +40,8 @@ std::string commentLine(const JournalEntry& entry) {
 
 // A line that names a change; or one of a value, which may be any text.
 bool isCommentLine(std::string_view line) {
-    return line.starts_with("# ") && (line.find(applied) != line.npos || line.find(reset) != line.npos);
+    return line.starts_with("# ") &&
+           (line.find(applied) != std::string_view::npos || line.find(reset) != std::string_view::npos);
 }
 
 template <class Take>
