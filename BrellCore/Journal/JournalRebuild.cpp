@@ -112,7 +112,8 @@ std::optional<fs::path> keepAside(const fs::path& file, const std::string& endin
 // The script that stands there may know of a change whose history lines a power cut took: it is kept, too.
 void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& plan, TimeStamp now) try {
     rebuilt.scriptBefore = RestoreScript::keepAside(script, now);
-    rebuilt.isLacking = RestoreScript::undoesUnknown(script, *Journal::open(script.parent_path()));
+    rebuilt.isLacking =
+        rebuilt.scriptBefore && RestoreScript::undoesUnknown(script, *Journal::open(script.parent_path()));
     RestoreScript::save(script, RestoreScript::render(plan.entries, now));
 } catch (const std::exception& error) {
     rebuilt.scriptFailure = error.what();
