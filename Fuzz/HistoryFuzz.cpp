@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "BrellCore/Background/Lines.h"
 #include "BrellCore/Journal/HistoryText.h"
 #include "BrellCore/Journal/RebuildPlan.h"
+#include "BrellCore/Support/Lines.h"
 #include "Fuzz/Checks.h"
 
 namespace {

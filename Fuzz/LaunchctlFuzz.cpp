@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "BrellCore/Background/LaunchctlParser.h"
-#include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Lines.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "BrellCore/Background/JobPath.h"
-#include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Lines.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Lines.h"
 #include "BrellCore/Support/Numbers.h"
 
 namespace brell {

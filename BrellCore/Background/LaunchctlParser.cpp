@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Lines.h"
 #include "BrellCore/Support/Numbers.h"
 
 namespace brell {

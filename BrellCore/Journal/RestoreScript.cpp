@@ -10,6 +10,7 @@
 #include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/Lines.h"
 #include "BrellCore/Support/Numbers.h"
 #include "BrellCore/Support/Text.h"
 
@@ -42,16 +43,6 @@ std::string commentLine(const JournalEntry& entry) {
 bool isCommentLine(std::string_view line) {
     return line.starts_with("# ") &&
            (line.find(applied) != std::string_view::npos || line.find(reset) != std::string_view::npos);
-}
-
-template <class Take>
-void forEachLine(std::string_view text, Take take) {
-    for (;;) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        take(text.substr(0, end));
-        if (end == text.size()) return;
-        text.remove_prefix(end + 1);
-    }
 }
 
 std::vector<std::string> entryLines(const JournalEntry& entry) {

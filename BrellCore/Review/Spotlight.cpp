@@ -4,7 +4,7 @@
 #include <exception>
 #include <system_error>
 
-#include "BrellCore/Background/Lines.h"
+#include "BrellCore/Support/Lines.h"
 #include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
