@@ -23,11 +23,11 @@ bool isThere(const fs::path& folder) {
 
 // The script, or a copy of one that was kept: it may be all that undoes what an earlier journal held.
 std::optional<std::string> scriptOfUnknown(Journal& journal, const fs::path& folder) {
-    for (const auto& entry : fs::directory_iterator(folder))
-        if (entry.path().filename().string().starts_with(RestoreScript::fileName) &&
-            RestoreScript::undoesUnknown(entry.path(), journal))
-            return entry.path().string() +
-                   " undoes changes that the journal does not know; run it or move it elsewhere first";
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (!entry.path().filename().string().starts_with(RestoreScript::fileName)) continue;
+        if (const auto lack = RestoreScript::undoesUnknown(entry.path(), journal))
+            return *lack + "; run it or move it elsewhere first";
+    }
     return std::nullopt;
 }
 

@@ -152,9 +152,7 @@ std::optional<std::string> journalDamage(const fs::path& directory) try {
 }
 
 std::optional<std::string> lackOfChanges(Journal& journal) {
-    const fs::path script = journal.fileURL().parent_path() / RestoreScript::fileName;
-    if (!RestoreScript::undoesUnknown(script, journal)) return std::nullopt;
-    return script.string() + " undoes changes that the journal does not know";
+    return RestoreScript::undoesUnknown(journal.fileURL().parent_path() / RestoreScript::fileName, journal);
 }
 
 std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildProgress& goOn) {

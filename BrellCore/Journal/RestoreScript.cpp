@@ -111,7 +111,7 @@ std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file
     return copy;
 }
 
-bool undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
+std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
     // Before the journal: of what others add to both meanwhile, it knows what the script says.
     const std::string script = textOf(file).value_or("");
     std::set<std::string_view> unknown;
@@ -125,9 +125,10 @@ bool undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
     };
     if (!unknown.empty()) know(journal.active());  // which nearly always are all that it undoes
     if (!unknown.empty()) know(journal.all());
-    return !unknown.empty();
+    if (unknown.empty()) return std::nullopt;
+    return file.string() + " undoes changes that the journal does not know";
 } catch (const ReadError&) {
-    return false;
+    return std::nullopt;
 }
 
 std::string quote(std::string_view text) {

@@ -28,10 +28,10 @@ void save(const std::filesystem::path& file, std::string_view text);
 // where there is no such script. Raises ReadError and ReplaceError.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now);
 
-// True when this script names a change that is none of the journal's: an older journal took the place of the
-// one that the script was written for, or that one was removed. False where there is no script that can be
-// read. Raises JournalError (cannotRead).
-bool undoesUnknown(const std::filesystem::path& file, Journal& journal);
+// That this script names a change which is none of the journal's, without a final stop: an older journal took
+// the place of the one that the script was written for, or that one was removed. Nothing when it does not,
+// nor where there is no script that can be read. Raises JournalError (cannotRead).
+std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal);
 
 // One single-quoted shell word.
 std::string quote(std::string_view text);
