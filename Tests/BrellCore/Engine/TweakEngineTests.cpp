@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "BrellCore/Support/Failure.h"
 #include "BrellCore/Support/Leftovers.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Entries.h"
