@@ -10,6 +10,7 @@
 #include "BrellCore/Preferences/PrefKey.h"
 #include "BrellCore/Preferences/PrefValue.h"
 #include "BrellCore/Support/EnumText.h"
+#include "BrellCore/Support/Rare.h"
 #include "BrellCore/Support/TimeStamp.h"
 #include "BrellCore/Support/Uuid.h"
 
@@ -55,9 +56,9 @@ struct JournalEntry {
     TimeStamp appliedAt;
     std::optional<TimeStamp> restoredAt;
     std::string macOSVersion;  // "15.1.0"
-    std::optional<AgentCapture> agent;
+    Rare<AgentCapture> agent;
     std::optional<std::string> choiceID;
-    std::optional<std::string> failure;
+    Rare<std::string> failure;
 
     // The change may be in force and must be undone by a restore; an interrupted one counts on purpose.
     bool isActive() const { return status == EntryStatus::capturing || status == EntryStatus::applied; }

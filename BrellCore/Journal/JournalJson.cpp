@@ -48,8 +48,8 @@ void readInto(json::value& value, std::string_view, StoredValue& stored) {
 void readInto(json::value& value, std::string_view key, AgentCapture& agent);
 
 // Null is as good as no key at all.
-template <class Value>
-void readInto(json::value& value, std::string_view key, std::optional<Value>& field) {
+template <template <class> class Optional, class Value>
+void readInto(json::value& value, std::string_view key, Optional<Value>& field) {
     if (!value.is_null()) readInto(value, key, field.emplace());
 }
 
