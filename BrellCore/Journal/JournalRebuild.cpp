@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -94,14 +95,19 @@ std::error_code giveName(const fs::path& file, const fs::path& name) {
     return failed;
 }
 
+// Where there are no second names: what only this one holds must not be out of its place if this is stopped.
+void copyAside(const fs::path& file, const fs::path& aside) {
+    if (const auto read = readFile(file, JournalText::mostBytes)) replace(aside, read->bytes);
+}
+
 // Gives its new name; nothing where there is no journal.
-std::optional<fs::path> keepAside(const fs::path& file, const std::string& ending) try {
+std::optional<fs::path> keepAside(const fs::path& file, std::string_view ending, TimeStamp now) try {
     if (!isTaken(file)) return std::nullopt;
     for (;;) {
-        const fs::path aside = freeName(file, ending);
+        const fs::path aside = freeName(file, std::string(ending) + localMoment(now));
         const std::error_code failed = giveName(file, aside);
         if (failed == std::errc::file_exists) continue;
-        if (failed) moveAside(file, aside);
+        if (failed) (ending == damagedEnding ? moveAside : copyAside)(file, aside);
         flushFolder(file.parent_path());
         return aside;
     }
@@ -136,6 +142,29 @@ FileLock lockOf(const fs::path& directory, std::string_view ending) try {
     throw cannotRebuild(error.what());
 }
 
+std::vector<fs::path> keptScripts(const fs::path& folder) try {
+    return RestoreScript::allIn(folder);
+} catch (const fs::filesystem_error&) {
+    return {};  // none that could be read
+}
+
+// That one of these changes, by the names that scripts give them, has no end in the history.
+bool tellsOfActive(const fs::path& history, const std::vector<std::string>& changes) {
+    RebuildPlanner planner;
+    const auto take = [&](std::vector<HistoryLine>& lines, std::uintmax_t, std::uintmax_t) {
+        planner.take(lines);
+        return true;
+    };
+    HistoryReading rest = readLastOfHistory(history, take);
+    const RebuildPlan plan = std::move(planner).finish(std::move(rest));
+    return std::any_of(plan.entries.begin(), plan.entries.end(), [&](const JournalEntry& entry) {
+        const auto& overtaken = plan.overtaken;
+        const bool hasNoEnd =
+            entry.isActive() || std::count(overtaken.begin(), overtaken.end(), entry.id) > 0;
+        return hasNoEnd && std::count(changes.begin(), changes.end(), RestoreScript::nameOf(entry)) > 0;
+    });
+}
+
 }  // namespace
 
 std::optional<std::string> journalDamage(const fs::path& directory) try {
@@ -151,8 +180,17 @@ std::optional<std::string> journalDamage(const fs::path& directory) try {
     throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
 }
 
-std::optional<std::string> lackOfChanges(Journal& journal) {
-    return RestoreScript::undoesUnknown(journal.fileURL().parent_path() / RestoreScript::fileName, journal);
+std::optional<std::string> lackOfChanges(Journal& journal) try {
+    const fs::path folder = journal.fileURL().parent_path(), script = folder / RestoreScript::fileName;
+    if (auto lack = RestoreScript::undoesUnknown(script, journal)) return lack;
+    for (const fs::path& kept : keptScripts(folder)) {
+        auto lack = kept == script ? std::nullopt : RestoreScript::undoesUnknown(kept, journal);
+        if (lack && tellsOfActive(journal.historyDirectory(), RestoreScript::unknownChanges(kept, journal)))
+            return lack;
+    }
+    return std::nullopt;
+} catch (const ReadError&) {
+    return std::nullopt;  // gone, or made unreadable, a moment ago
 }
 
 std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildProgress& goOn) {
@@ -183,7 +221,7 @@ std::optional<Rebuilt> rebuildJournal(const fs::path& directory, const RebuildPl
     const TimeStamp now = clock();
     const std::string text = JournalText::of(plan->entries);
     Rebuilt rebuilt;
-    rebuilt.before = keepAside(file, std::string(ending) + localMoment(now));
+    rebuilt.before = keepAside(file, ending, now);
     replace(file, text);
     ::unlink(rebuildMark(file).c_str());
     renewScript(rebuilt, directory / RestoreScript::fileName, *plan, now);

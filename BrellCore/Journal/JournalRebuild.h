@@ -21,7 +21,8 @@ class Journal;
 std::optional<std::string> journalDamage(const std::filesystem::path& directory);
 
 // That a journal which can be read, or was never written, lacks changes that the restore script beside it
-// undoes, without a final stop: an older one was put back, or it was removed. Nothing when it does not.
+// undoes, without a final stop: an older one was put back, or it was removed. Likewise of a copy that was
+// kept of such a script, as long as one of these changes has no end in the history. Nothing when it does not.
 // Raises JournalError (cannotRead).
 std::optional<std::string> lackOfChanges(Journal& journal);
 

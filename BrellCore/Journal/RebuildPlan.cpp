@@ -21,28 +21,67 @@ int stageOf(EntryStatus status) {
     return 2;
 }
 
-// A tweak is changed only when it has no active change: when the later one was made this one had ended, and
-// its keys were back.
-void overtake(JournalEntry& entry, const JournalEntry& later) {
+bool isFoundBy(const JournaledWrite& later, const JournaledWrite& earlier) {
+    return later.key == earlier.key && later.original == earlier.written;
+}
+
+// An agent that was turned off is disabled and not loaded; one that was turned on is neither.
+bool isFoundBy(const AgentCapture& later, const AgentCapture& earlier) {
+    return later.turnedOn() != earlier.turnedOn() && later.wasLoaded == earlier.turnedOn();
+}
+
+// Lets the later change put back what was before the earlier one, wherever it found that in force: its
+// journal knew nothing of the earlier one and took what that had written for the user's own. True when it
+// did.
+bool handOn(const JournalEntry& earlier, JournalEntry& later) {
+    bool handsOn = false;
+    for (JournaledWrite& write : later.writes)
+        for (const JournaledWrite& before : earlier.writes)
+            if (isFoundBy(write, before)) {
+                write.original = before.original;
+                handsOn = true;
+            }
+    if (later.agent && earlier.agent && isFoundBy(*later.agent, *earlier.agent)) {
+        later.agent->wasLoaded = earlier.agent->wasLoaded;
+        later.agent->override = earlier.agent->override;
+        handsOn = true;
+    }
+    return handsOn;
+}
+
+// A tweak is changed only when its journal knows of no active change. Of an earlier one it follows either
+// that this had ended, and its keys were back, or that it was still in force, and that journal had lost it.
+bool overtake(JournalEntry& entry, JournalEntry& later) {
+    const bool handsOn = handOn(entry, later);
     entry.status = EntryStatus::restored;
     entry.restoredAt = later.appliedAt;
     entry.failure =
         "The history from which the journal was rebuilt does not tell how this change ended. A later one "
-        "followed it.";
+        "followed it";
+    *entry.failure += handsOn ? ", and puts back what was before this one." : ".";
+    return handsOn;
 }
 
-std::vector<Uuid> overtakeAllButTheLast(std::vector<JournalEntry>& entries) {
-    std::vector<Uuid> overtaken;
+// Two of one second, or with the clock set back in between: the one that found what the other left is later.
+bool isTheEarlier(const JournalEntry& entry, const JournalEntry& other) {
+    JournalEntry trial = entry;
+    if (handOn(other, trial)) return false;
+    trial = other;
+    return handOn(entry, trial);
+}
+
+void overtakeAllButTheLast(RebuildPlan& plan) {
     std::unordered_map<std::string_view, JournalEntry*> activeOf;
-    for (JournalEntry& entry : entries) {
+    for (JournalEntry& entry : plan.entries) {
         if (!entry.isActive()) continue;
-        const auto [earlier, isFirst] = activeOf.try_emplace(entry.tweakID, &entry);
+        const auto [place, isFirst] = activeOf.try_emplace(entry.tweakID, &entry);
         if (isFirst) continue;
-        overtake(*earlier->second, entry);
-        overtaken.push_back(earlier->second->id);
-        earlier->second = &entry;
+        JournalEntry *earlier = place->second, *later = &entry;
+        if (isTheEarlier(*later, *earlier)) std::swap(earlier, later);
+        plan.handedOn += overtake(*earlier, *later);
+        plan.overtaken.push_back(earlier->id);
+        place->second = later;
     }
-    return overtaken;
 }
 
 }  // namespace
@@ -65,8 +104,8 @@ std::size_t RebuildPlanner::HashOfId::operator()(const Uuid& id) const noexcept 
 }
 
 void RebuildPlanner::know(std::vector<JournalEntry> entries) {
-    known_ = entries.size();
-    for (std::size_t i = 0; i < known_; ++i) places_.emplace(entries[i].id, i);
+    plan_.known = entries.size();
+    for (std::size_t i = 0; i < plan_.known; ++i) places_.emplace(entries[i].id, i);
     plan_.entries = std::move(entries);
 }
 
@@ -80,9 +119,10 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
             continue;
         }
         // After a journey to the west, or with the clock set back, the file of its end may stand before that
-        // of its beginning; and the journal may know what the history lost.
+        // of its beginning; and the journal may know what the history lost, or was handed on.
         JournalEntry& entry = plan_.entries[known->second];
-        if (stageOf(line.entry.status) >= stageOf(entry.status)) entry = std::move(line.entry);
+        const int stages = stageOf(line.entry.status) - stageOf(entry.status);
+        if (stages > 0 || (stages == 0 && known->second >= plan_.known)) entry = std::move(line.entry);
     }
     lines.clear();
 }
@@ -90,12 +130,12 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
 RebuildPlan RebuildPlanner::finish(HistoryReading rest) && {
     take(rest.lines);
     // A journal that was begun anew knows later changes than the history before it.
-    if (known_ > 0 && known_ < plan_.entries.size())
+    if (plan_.known > 0 && plan_.known < plan_.entries.size())
         std::stable_sort(plan_.entries.begin(), plan_.entries.end(),
                          [](const JournalEntry& one, const JournalEntry& other) {
                              return one.appliedAt < other.appliedAt;
                          });
-    plan_.overtaken = overtakeAllButTheLast(plan_.entries);
+    overtakeAllButTheLast(plan_);
     plan_.torn = rest.torn;
     plan_.foreign = rest.foreign;
     plan_.unread = std::move(rest.unread);

@@ -13,13 +13,16 @@ namespace brell {
 struct RebuildPlan {
     std::vector<JournalEntry> entries;  // as their end or else their last line has them, by their first
     // Of these, the ones that were still active in their last line although a later active one of the same
-    // tweak followed: their end is missing from the history. The entries have them as restored, with a
-    // failure text that says so.
+    // tweak followed: their end is missing from the history, or a journal that was lost held them. The
+    // entries have them as restored, with a failure text that says so.
     std::vector<Uuid> overtaken;
     std::optional<TimeStamp> from, to;  // on the days of the first and of the last line; nothing without one
     std::size_t torn = 0;               // as in HistoryReading
     std::size_t foreign = 0;
     std::vector<std::string> unread;
+    // Of the overtaken, those that the later one found in force: it puts back now what was before them.
+    std::size_t handedOn = 0;
+    std::size_t known = 0;  // of the entries, those that the journal holds
 
     std::vector<JournalEntry> active() const;
     bool operator==(const RebuildPlan&) const = default;
@@ -41,7 +44,6 @@ private:
     };
     RebuildPlan plan_;
     std::unordered_map<Uuid, std::size_t, HashOfId> places_;  // in the plan's entries
-    std::size_t known_ = 0;
 };
 
 }  // namespace brell

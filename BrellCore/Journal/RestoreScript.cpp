@@ -1,7 +1,9 @@
 #include "BrellCore/Journal/RestoreScript.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <set>
 
 #include "BrellCore/Journal/AgentCommands.h"
@@ -34,11 +36,6 @@ std::string putBackCommand(const JournaledWrite& write) {
 
 constexpr std::string_view applied = " (applied ", reset = " (reset to default ";
 
-std::string commentLine(const JournalEntry& entry) {
-    const std::string_view what = entry.direction == EntryDirection::resetToDefault ? reset : applied;
-    return oneLine("# " + entry.tweakID + std::string(what) + iso8601(entry.appliedAt) + ")");
-}
-
 // A line that names a change; or one of a value, which may be any text.
 bool isCommentLine(std::string_view line) {
     return line.starts_with("# ") &&
@@ -46,7 +43,7 @@ bool isCommentLine(std::string_view line) {
 }
 
 std::vector<std::string> entryLines(const JournalEntry& entry) {
-    std::vector<std::string> lines{commentLine(entry)};
+    std::vector<std::string> lines{nameOf(entry)};
     switch (entry.kind) {
         case EntryKind::preference:
             for (const JournaledWrite& write : entry.writes) lines.push_back(preferenceLine(write));
@@ -70,6 +67,10 @@ std::optional<std::string> textOf(const std::filesystem::path& file) {
     constexpr std::size_t mostBytes = 256 * 1024 * 1024;
     auto script = readFile(file, mostBytes);
     return script ? std::optional(std::move(script->bytes)) : std::nullopt;
+}
+
+std::filesystem::path nameAside(const std::filesystem::path& file, TimeStamp now) {
+    return freeName(file, std::string(beforeEnding) + localMoment(now));
 }
 
 }  // namespace
@@ -106,12 +107,34 @@ void save(const std::filesystem::path& file, std::string_view text) {
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now) {
     const auto script = textOf(file);
     if (!script || script->find(nothingToRestore) != std::string::npos) return std::nullopt;
-    const auto copy = freeName(file, std::string(beforeEnding) + localMoment(now));
+    const auto copy = nameAside(file, now);
     replaceFile(copy, *script, Durability::powerCut);
     return copy;
 }
 
-std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
+std::optional<std::filesystem::path> keepUnread(const std::filesystem::path& file, TimeStamp now) {
+    std::error_code failed;
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(file, failed))) return std::nullopt;
+    const auto aside = nameAside(file, now);
+    std::filesystem::create_hard_link(file, aside, failed);
+    if (failed && ::rename(file.c_str(), aside.c_str()) != 0)
+        throw ReplaceError({ReplaceStep::rename, aside, errno});
+    return aside;
+}
+
+std::vector<std::filesystem::path> allIn(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> scripts;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().filename().string().starts_with(fileName)) scripts.push_back(entry.path());
+    return scripts;
+}
+
+std::string nameOf(const JournalEntry& entry) {
+    const std::string_view what = entry.direction == EntryDirection::resetToDefault ? reset : applied;
+    return oneLine("# " + entry.tweakID + std::string(what) + iso8601(entry.appliedAt) + ")");
+}
+
+std::vector<std::string> unknownChanges(const std::filesystem::path& file, Journal& journal) {
     // Before the journal: of what others add to both meanwhile, it knows what the script says.
     const std::string script = textOf(file).value_or("");
     std::set<std::string_view> unknown;
@@ -125,7 +148,11 @@ std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Jour
     };
     if (!unknown.empty()) know(journal.active());  // which nearly always are all that it undoes
     if (!unknown.empty()) know(journal.all());
-    if (unknown.empty()) return std::nullopt;
+    return {unknown.begin(), unknown.end()};
+}
+
+std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal) try {
+    if (unknownChanges(file, journal).empty()) return std::nullopt;
     return file.string() + " undoes changes that the journal does not know";
 } catch (const ReadError&) {
     return std::nullopt;

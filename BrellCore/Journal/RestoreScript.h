@@ -27,10 +27,20 @@ void save(const std::filesystem::path& file, std::string_view text);
 // Copies a script that undoes something, durably, under the name of this moment, and gives that name; nothing
 // where there is no such script. Raises ReadError and ReplaceError.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now);
+// The same for one that can't be read: it gets this name as a second one, or instead of its own where there
+// are no second names. Nothing for a folder, which no script replaces.
+std::optional<std::filesystem::path> keepUnread(const std::filesystem::path& file, TimeStamp now);
 
-// That this script names a change which is none of the journal's, without a final stop: an older journal took
-// the place of the one that the script was written for, or that one was removed. Nothing when it does not,
-// nor where there is no script that can be read. Raises JournalError (cannotRead).
+// The script of this folder, and every copy that was kept of an earlier one. Raises fs::filesystem_error.
+std::vector<std::filesystem::path> allIn(const std::filesystem::path& folder);
+
+// The line by which a script names a change.
+std::string nameOf(const JournalEntry& entry);
+// The names in this script of changes that are none of the journal's: an older journal took the place of the
+// one that the script was written for, or that one was removed. None where there is no script. Raises
+// ReadError and JournalError (cannotRead).
+std::vector<std::string> unknownChanges(const std::filesystem::path& file, Journal& journal);
+// That there are any, without a final stop; nothing where the script can't be read.
 std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal);
 
 // One single-quoted shell word.

@@ -26,7 +26,8 @@ std::string_view stateOf(std::optional<KeysHold> keys) {
 
 std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
     std::vector<std::string> facts{
-        fmt::format("The history tells of {}{}. Of these {} still active.",
+        fmt::format("{} of {}{}. Of these {} still active.",
+                    plan.known > 0 ? "The journal and its history tell" : "The history tells",
                     counted(plan.entries.size(), "change", "changes"),
                     plan.from && plan.to
                         ? fmt::format(" from {} to {}", localDayWords(*plan.from), localDayWords(*plan.to))
@@ -35,7 +36,8 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
     facts.push_back("What happened last may be missing from it.");
     if (!plan.overtaken.empty())
         facts.push_back(counted(plan.overtaken.size(), "change counts", "changes count") +
-                        " as restored, because a later one of the same setting is active.");
+                        " as restored, because a later one of the same setting is active" +
+                        (plan.handedOn > 0 ? ", which puts back what was before both." : "."));
     if (const std::size_t lines = plan.torn + plan.foreign)
         facts.push_back(counted(lines, "line", "lines") +
                         " that can't be read or are not Brell's are left out.");

@@ -14,6 +14,7 @@ namespace brell {
 namespace {
 
 using namespace testing;
+using namespace std::chrono_literals;
 
 bool toTheEnd(std::uintmax_t, std::uintmax_t) {
     return true;
@@ -64,7 +65,7 @@ protected:
 
 TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
     const RebuildPlan whole = plan();
-    EXPECT_EQ(whole, (RebuildPlan{entries, {}, clock(), clock(), 0, 0, {}}));
+    EXPECT_EQ(whole, (RebuildPlan{entries, {}, clock(), clock(), 0, 0, {}, 0, entries.size()}));
     EXPECT_EQ(whole.active(), (Entries{entries[1], entries[3]}));
 
     // The lines that ended the first two are missing.
@@ -90,18 +91,31 @@ TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
 }
 
 TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHistoryLost) {
-    const JournalEntry known = entryFor("a", EntryStatus::applied);
-    JournalEntry older = entryFor("a");
-    older.appliedAt = known.appliedAt - std::chrono::hours(1);
-    std::vector<HistoryLine> lines;
-    for (const JournalEntry& entry : {older, changed(known, EntryStatus::capturing)})
-        lines.push_back({noon, entry.status, entry});
-    RebuildPlanner planner;
-    planner.know({known});
-    planner.take(lines);
-    const RebuildPlan made = std::move(planner).finish({});
-    EXPECT_EQ(made.active(), Entries{known});
-    EXPECT_EQ(made.overtaken, std::vector{older.id});
+    const auto write = [](const char* key, int original, int written) {
+        return JournaledWrite{{"com.apple.dock", key}, PrefValue(original), PrefValue(written)};
+    };
+    // Of one second, so that what each found tells which was first; of the second key the user has chosen.
+    const JournalEntry older = entryOf("a", {write("one", 1, 2), write("two", 1, 2)});
+    JournalEntry later = entryOf("a", {write("one", 2, 3), write("two", 7, 3)});
+    const JournalEntry off = agentEntry({"b", "/b.plist", true, AgentOverride::absent}, noon);
+    JournalEntry on = agentEntry({"b", "/b.plist", false, AgentOverride::disabled}, noon + 1h);
+    Entries known{changed(later, EntryStatus::capturing), on};
+    const auto made = [&] {
+        std::vector<HistoryLine> lines;
+        for (const JournalEntry& entry : {older, later, off}) lines.push_back({noon, entry.status, entry});
+        RebuildPlanner planner;
+        planner.know(known);
+        planner.take(lines);
+        return std::move(planner).finish({});
+    };
+    const RebuildPlan first = made();
+    EXPECT_EQ(first.overtaken, (std::vector{older.id, off.id}));
+    EXPECT_EQ(first.handedOn, 2u);
+    later.writes[0].original = PrefValue(1);
+    on.agent = off.agent;
+    EXPECT_EQ(first.active(), (Entries{later, on}));
+    known = first.entries;  // the history still tells what the later one found
+    EXPECT_EQ(made().entries, known);
 }
 
 TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
@@ -236,6 +250,16 @@ TEST_F(JournalRebuildTest, AFolderThatLeftItsPlaceIsNoFirstStart) {
     EXPECT_EQ(rebuild().before, std::nullopt);
     EXPECT_EQ(Journal::open(directory)->all(), entries);
     EXPECT_FALSE(names().contains("journal.json.rebuilding"));
+
+    // One that can be read never leaves it: it may hold what the history has lost.
+    fs::remove_all(directory / "history");
+    setContents(script, "# lost (applied 2026-01-02T03:04:05Z)\n");
+    const FailingCall noLinks(directory, SystemCall::link, EPERM);
+    const FailingCall failing(file, SystemCall::rename, ENOSPC);
+    EXPECT_NE(refusal(), "");
+    EXPECT_TRUE(noLinks.hasFailed() && failing.hasFailed());
+    EXPECT_EQ(contentsOf(file.string() + ".before-" + moment), contentsOf(file));
+    EXPECT_EQ(journalDamage(directory), std::nullopt);
 }
 
 TEST_F(JournalRebuildTest, AScriptThatCannotBeKeptIsLeftAlone) {

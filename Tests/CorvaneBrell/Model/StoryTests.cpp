@@ -316,10 +316,10 @@ TEST_P(StoryTest, GoesAsItWasWrittenDown) {
 INSTANTIATE_TEST_SUITE_P(Model, StoryTest,
                          ::testing::Values("agents-again.txt", "agents.txt", "already-back.txt",
                                            "another-mac.txt", "changes.txt", "choices.txt", "crash.txt",
-                                           "leaving.txt", "login-items.txt", "new-macos.txt",
-                                           "nothing-to-leave.txt", "other-pages.txt", "presets.txt",
-                                           "rebuilding.txt", "relaunching.txt", "restoring.txt",
-                                           "task-list.txt", "their-values.txt", "undoing-choices.txt",
-                                           "undoing.txt", "unreadable-journal.txt"));
+                                           "leaving.txt", "login-items.txt", "lost-journal.txt",
+                                           "new-macos.txt", "nothing-to-leave.txt", "other-pages.txt",
+                                           "presets.txt", "rebuilding.txt", "relaunching.txt",
+                                           "restoring.txt", "task-list.txt", "their-values.txt",
+                                           "undoing-choices.txt", "undoing.txt", "unreadable-journal.txt"));
 
 }  // namespace brell::testing
