@@ -62,13 +62,20 @@ bool RestoreScriptFile::keepLocked() {
 void RestoreScriptFile::keepUnknown() {
     const auto found = identityIfKnown(*file_);
     if (found && found == kept_) return;  // it could not be replaced since
-    if (!RestoreScript::undoesUnknown(*file_, journal_)) return;
-    const auto copy = RestoreScript::keepAside(*file_, clock_());
+    std::optional<fs::path> copy;
+    std::string why = "The restore script undid changes that the journal does not know.", use;
+    try {
+        if (RestoreScript::unknownChanges(*file_, journal_).empty()) return;
+        copy = RestoreScript::keepAside(*file_, clock_());
+        use = ", and puts back what was changed when it was written";
+    } catch (const ReadError& error) {
+        copy = RestoreScript::keepUnread(*file_, clock_());
+        why = error.what();
+    }
     if (!copy) return;
-    kept_ = found;
+    kept_ = identityIfKnown(*file_);  // a second name makes it another one
     const std::lock_guard lock(troubleMutex_);
-    untoldCopy_ = "The restore script undid changes that the journal does not know. It is kept as " +
-                  copy->string() + ", and puts back what was changed when it was written.";
+    untoldCopy_ = why + " It is kept as " + copy->string() + use + ".";
 }
 
 std::optional<std::string> RestoreScriptFile::untoldTrouble() {

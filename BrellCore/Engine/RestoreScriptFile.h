@@ -23,8 +23,8 @@ public:
 
     // Makes the file say what undoes the active changes: writes it, unless it is the one written last, for
     // the same entries; what it says of an entry never changes. One that undoes what the journal does not
-    // know may be all that does: a copy of it is kept. True when it was written. A failure is no failure of
-    // the change before it: the script stays as it was, and the next call tries again.
+    // know, or can't be read, may be all that does: a copy of it is kept. True when it was written. A failure
+    // is no failure of the change before it: the script stays as it was, and the next call tries again.
     bool keep() noexcept;
 
     // In whole sentences which copy was kept, or why the script is not as it should be; nothing when neither

@@ -4,6 +4,7 @@
 #include "BrellCore/Journal/JournalPlace.h"
 #include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Journal/RestoreScript.h"
+#include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
@@ -23,11 +24,14 @@ bool isThere(const fs::path& folder) {
 
 // The script, or a copy of one that was kept: it may be all that undoes what an earlier journal held.
 std::optional<std::string> scriptOfUnknown(Journal& journal, const fs::path& folder) {
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        if (!entry.path().filename().string().starts_with(RestoreScript::fileName)) continue;
-        if (const auto lack = RestoreScript::undoesUnknown(entry.path(), journal))
-            return *lack + "; run it or move it elsewhere first";
-    }
+    for (const fs::path& script : RestoreScript::allIn(folder)) try {
+            if (!RestoreScript::unknownChanges(script, journal).empty())
+                return script.string() +
+                       " undoes changes that the journal does not know; run it or move it elsewhere first";
+        } catch (const ReadError& error) {
+            return script.string() + " may undo changes that the journal does not know, and can't be read (" +
+                   error.failure().reason + "); move it elsewhere first";
+        }
     return std::nullopt;
 }
 

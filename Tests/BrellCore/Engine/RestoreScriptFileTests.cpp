@@ -78,4 +78,23 @@ TEST_F(RestoreScriptFileTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhen
     EXPECT_EQ(namesIn(journalDirectory).size(), names + 1);
 }
 
+TEST_F(RestoreScriptFileTest, OneThatCannotBeReadIsKeptUnread) {
+    if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
+    const fs::path file = journalDirectory / RestoreScript::fileName;
+    for (const int noLinks : {0, EPERM}) {
+        setContents(file, "# dock.gone (applied 2026-01-02T03:04:05Z)\n");
+        const EachCall failing(journalDirectory, [&](SystemCall call, const std::string& path) {
+            if (call == SystemCall::open && path == file) return EACCES;
+            return call == SystemCall::link ? noLinks : 0;
+        });
+        const Uuid entry = engine.apply(tweak("dock.size")).id;
+        const fs::path kept = file.string() + ".before-" + localMoment(now) + (noLinks == 0 ? "" : "-2");
+        EXPECT_EQ(engine.untoldScriptTrouble(), "The file " + file.string() +
+                                                    " could not be read: Permission denied. It is kept as " +
+                                                    kept.string() + ".");
+        EXPECT_TRUE(contentsOf(kept).starts_with("# dock.gone"));
+        engine.restore(entry, false);
+    }
+}
+
 }  // namespace

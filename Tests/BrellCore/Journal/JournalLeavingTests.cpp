@@ -64,6 +64,11 @@ TEST_F(JournalLeavingTest, NothingIsTakenAwayThatIsStillOfUseOrNotBrells) {
         expectRefused((directory / script).string() +
                       " undoes changes that the journal does not know; run it or move it elsewhere first");
         fs::remove(directory / script);
+        fs::create_directory(directory / script);
+        expectRefused((directory / script).string() +
+                      " may undo changes that the journal does not know, and can't be read (it is not an "
+                      "ordinary file); move it elsewhere first");
+        fs::remove(directory / script);
     }
     for (const char* other : {"Preferences", ".notes.tmp"}) {
         fs::create_directory(directory / other);
