@@ -16,12 +16,16 @@ AgentToggleError refused(std::string text) {
     return AgentToggleError({AgentToggleProblem::refused, std::move(text)});
 }
 
-void checkLabel(const std::string& label) {
+std::optional<std::string> whyNotLabel(const std::string& label) {
     if (!AgentCommands::isPlainLabel(label))
-        throw refused("The label \"" + excerpt(label) +
-                      "\" contains characters Brell does not pass to launchctl.");
+        return "The label \"" + excerpt(label) + "\" contains characters Brell does not pass to launchctl.";
     if (NeverTouch::isForbiddenLabel(label))
-        throw refused(label + " is an Apple or Brell item; it is never changed.");
+        return label + " is an Apple or Brell item; it is never changed.";
+    return std::nullopt;
+}
+
+void checkLabel(const std::string& label) {
+    if (auto why = whyNotLabel(label)) throw refused(*std::move(why));
 }
 
 // Catches a file that was replaced since the agent was listed or captured; and an agent that would go on
@@ -214,9 +218,20 @@ JournalEntry AgentToggle::turnOn(const LaunchAgentRecord& record) {
 }
 
 std::optional<std::string> AgentToggle::restore(const AgentCapture& capture) {
-    checkOwn(capture);
+    if (auto why = whyNotOwn(capture)) throw refused(*std::move(why));
     AgentSteps steps = stepsFor(capture.label);
     return putBack(steps, capture);
+}
+
+std::optional<std::string> AgentToggle::whyNotRestored(const AgentCapture& capture) {
+    if (auto why = whyNotOwn(capture)) return why;
+    return whyNotRestored(capture, stepsFor(capture.label).settledState());
+}
+
+std::optional<std::string> AgentToggle::whyNotRestored(const AgentCapture& capture,
+                                                       const AgentState& now) const {
+    if (auto why = whyNotOwn(capture)) return why;
+    return whyNotPutBack(now, capture, folder_.jobFile(capture.label, capture.plistPath).has_value());
 }
 
 std::optional<std::string> AgentToggle::otherState(const AgentCapture& capture) {
@@ -269,17 +284,24 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, AgentSwitch 
 }
 
 // The journal is a file like any other, and its label may be that of another user's job: so a job that is
-// loaded from elsewhere is never ended, and otherwise a file of the folder has to have the label. Gives a
-// sentence when it is as far back as it goes.
+// loaded from elsewhere is never ended, and otherwise a file of the folder has to have the label.
+std::optional<std::string> AgentToggle::whyNotPutBack(const AgentState& now, const AgentCapture& capture,
+                                                      bool hasFile) const {
+    if (!now.loaded.isLoaded() || isOwn(now.loaded, hasFile) || isAsCaptured(now, capture))
+        return std::nullopt;
+    if (capture.wasLoaded && hasFile) return std::nullopt;
+    return capture.label + " is loaded from " + placeOf(now.loaded) +
+           ", which is not in your LaunchAgents folder; it is not changed.";
+}
+
+// Gives a sentence when it is as far back as it goes.
 std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
     const AgentState now = steps.settledState();
     const auto file = folder_.jobFile(capture.label, capture.plistPath);
+    if (auto why = whyNotPutBack(now, capture, file.has_value())) throw refused(*std::move(why));
     if (!isOwn(now.loaded, file.has_value())) {
         if (isAsCaptured(now, capture)) return std::nullopt;
         if (!now.loaded.isLoaded()) return putBackWithoutFile(steps, capture);
-        if (!capture.wasLoaded || !file)
-            throw refused(capture.label + " is loaded from " + placeOf(now.loaded) +
-                          ", which is not in your LaunchAgents folder; it is not changed.");
     }
     steps.carryOut(AgentCommands::undoing(capture), now.loaded.isLoaded(),
                    file ? file->string() : capture.plistPath);
@@ -336,11 +358,11 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
     return entry;
 }
 
-// Refuses a capture of what can't be the user's own agent.
-void AgentToggle::checkOwn(const AgentCapture& capture) const {
-    checkLabel(capture.label);
-    if (!folder_.holds(capture.plistPath) && !isOfAFormerHome(capture.plistPath))
-        throw refused(capture.plistPath + " is outside your LaunchAgents folder.");
+// Of a capture of what can't be the user's own agent.
+std::optional<std::string> AgentToggle::whyNotOwn(const AgentCapture& capture) const {
+    if (auto why = whyNotLabel(capture.label)) return why;
+    if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture.plistPath)) return std::nullopt;
+    return capture.plistPath + " is outside your LaunchAgents folder.";
 }
 
 }  // namespace brell

@@ -79,6 +79,8 @@ public:
     // Loads the file of the folder that has the label now; gives a sentence where none has it any more.
     std::optional<std::string> restore(const AgentCapture& capture) override;
     std::optional<std::string> otherState(const AgentCapture& capture) override;
+    std::optional<std::string> whyNotRestored(const AgentCapture& capture) override;
+    std::optional<std::string> whyNotRestored(const AgentCapture& capture, const AgentState& now) const;
 
     // The recorded change was a turning on.
     static bool brellTurnedOn(const AgentCapture& capture) { return capture.turnedOn(); }
@@ -100,7 +102,9 @@ private:
     std::optional<std::string> putBackWithoutFile(AgentSteps& steps, const AgentCapture& capture) const;
     Ending undone(AgentSteps& steps, const AgentCapture& capture, std::string reason) const;
     std::optional<JournalEntry> restorableEntry(const std::string& label, AgentSwitch direction) const;
-    void checkOwn(const AgentCapture& capture) const;
+    std::optional<std::string> whyNotOwn(const AgentCapture& capture) const;
+    std::optional<std::string> whyNotPutBack(const AgentState& now, const AgentCapture& capture,
+                                             bool hasFile) const;
     bool isOwn(const LoadedState& loaded, bool hasFile) const;
 
     CommandRunning& runner_;

@@ -32,6 +32,9 @@ public:
     // In which state it is, in words, when that is not the one that the change of this capture left; else
     // nothing. Any such exception means that it can't be told.
     virtual std::optional<std::string> otherState(const AgentCapture& capture) = 0;
+    // Why restoring it is refused, however often it is tried: a sentence; nothing when it is not. Any such
+    // exception means that it can't be told.
+    virtual std::optional<std::string> whyNotRestored(const AgentCapture& capture) = 0;
 };
 
 // The outcome of restoring several entries.
@@ -99,7 +102,8 @@ public:
 
     // Closes an applied entry that others changed since, without writing: what is there now stays. Refused
     // when nobody did; also one that could not be undone as it is: an interrupted one, of which a key holds a
-    // kind that Brell never writes, and an agent's that does not say how it was. Gives the entry as saved:
+    // kind that Brell never writes, and an agent's that does not say how it was or whose undo is refused for
+    // what it says, interrupted or not. Gives the entry as saved:
     // restored, with a failure text that says what was kept.
     JournalEntry keepTheirs(const Uuid& entryID);
 

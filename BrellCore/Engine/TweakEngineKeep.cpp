@@ -46,8 +46,12 @@ std::string TweakEngine::whatIsKept(const JournalEntry& entry) {
     const auto refuse = [&](const char* why) {
         return EngineError(Refused{entryTitle(entry, catalog_) + why});
     };
-    if (entry.kind == EntryKind::launchAgent && !entry.agent)
-        return "Nothing was switched back, because the journal does not say how it was.";
+    if (entry.kind == EntryKind::launchAgent) {
+        if (!entry.agent) return "Nothing was switched back, because the journal does not say how it was.";
+        if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
+        if (const auto why = agentRestorer_->whyNotRestored(*entry.agent))
+            return "Nothing was switched back. " + *why;
+    }
     const auto preferences = store_.reader();
     if (entry.status != EntryStatus::applied && !holdsOtherType(entry, *preferences))
         throw refuse(" was interrupted; restore it first.");
@@ -57,7 +61,6 @@ std::string TweakEngine::whatIsKept(const JournalEntry& entry) {
         if (!holdsSomebodyElses(entry, *preferences)) throw refuse(unchanged);
         return "Nothing was put back, because another value was kept: " + values + ".";
     }
-    if (!agentRestorer_) throw EngineError(NoAgentRestorer{});
     const auto state = agentRestorer_->otherState(*entry.agent);
     if (!state) throw refuse(unchanged);
     return "Nothing was switched back, because another state was kept: " + *state + ".";

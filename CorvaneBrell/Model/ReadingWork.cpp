@@ -200,7 +200,7 @@ void ReadingWork::noteRefusal(const LaunchAgentRecord& agent, LoginItems& items)
 // The overrides are asked for once: each answer tells those of every agent.
 std::vector<DriftedEntry> ReadingWork::driftedAgents() {
     std::vector<DriftedEntry> drifted;
-    std::vector<JournalEntry> switched = deps_.journal->entries(EntryStatus::applied);
+    std::vector<JournalEntry> switched = deps_.journal->active();
     std::erase_if(switched, [](const JournalEntry& entry) { return !entry.agent; });
     if (switched.empty()) return drifted;
     AgentOverrides overrides;
@@ -213,7 +213,10 @@ std::vector<DriftedEntry> ReadingWork::driftedAgents() {
         progress_.tell("Asking launchd about what Brell switched", i, switched.size());
         try {
             const AgentState now = deps_.toggle.currentState(switched[i].agent->label, overrides);
-            if (auto drift = driftedAgent(switched[i], now)) drifted.push_back(std::move(*drift));
+            if (auto drift = driftedAgent(switched[i], now))
+                drifted.push_back(std::move(*drift));
+            else if (auto why = deps_.toggle.whyNotRestored(*switched[i].agent, now))
+                drifted.push_back({switched[i], {*std::move(why)}});
         } catch (const std::exception&) {
             // Not known to have drifted; the page shows what launchd says of the others.
         }

@@ -193,19 +193,24 @@ TEST_F(AgentRestoreTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
         for (const AgentOverride override : {AgentOverride::disabled, AgentOverride::enabled}) {
             const Uuid id = claimed({admins, fileOf(admins).string(), wasLoaded, override});
             const bool isSo = wasLoaded && override == AgentOverride::enabled;  // nothing is to be done
+            const std::string why = admins + " is loaded from " + adminsFile +
+                                    ", which is not in your LaunchAgents folder; it is not changed.";
             EXPECT_EQ(messageOf([&] { EXPECT_TRUE(engine.restore(id, false).restoredAt && isSo); }),
-                      isSo ? ""
-                           : admins + " is loaded from " + adminsFile +
-                                 ", which is not in your LaunchAgents folder; it is not changed.");
+                      isSo ? "" : why);
+            if (isSo) continue;
             JournalEntry entry = *journal.entry(id);
-            entry.status = EntryStatus::restored;
+            if (wasLoaded) entry.status = EntryStatus::capturing;
             journal.upsert(entry);
+            EXPECT_EQ(engine.keepTheirs(id).failure, "Nothing was switched back. " + why);
         }
     claimed({absent, fileOf(absent).string(), false, AgentOverride::disabled});
     claimed({"com.apple.x", fileOf(absent).string(), false, AgentOverride::disabled});
     const fs::path others = mac.systemRoot() / "Library/LaunchAgents/x.plist";  // of a home that is there
     claimed({"com.example.x", others.string(), false, AgentOverride::disabled});
-    EXPECT_EQ(engine.restoreAll({}).failed.size(), 2u);
+    const auto refused = engine.restoreAll({}).failed;
+    EXPECT_EQ(refused.size(), 2u);
+    for (const auto& [id, why] : refused)
+        EXPECT_EQ(engine.keepTheirs(id).failure, "Nothing was switched back. " + why);
     EXPECT_EQ(launchdState(), launchdBefore);
 
     // With a twin of the user's the override may be changed; the job of others is not ended all the same.

@@ -248,6 +248,7 @@ public:
         return "The file is gone.";
     }
     std::optional<std::string> otherState(const AgentCapture&) override { return state; }
+    std::optional<std::string> whyNotRestored(const AgentCapture&) override { return std::nullopt; }
     std::string trouble;
     std::optional<std::string> state;
     std::vector<AgentCapture> restored;
