@@ -318,8 +318,9 @@ INSTANTIATE_TEST_SUITE_P(Model, StoryTest,
                                            "another-mac.txt", "changes.txt", "choices.txt", "crash.txt",
                                            "leaving.txt", "login-items.txt", "lost-journal.txt",
                                            "new-macos.txt", "nothing-to-leave.txt", "other-pages.txt",
-                                           "presets.txt", "rebuilding.txt", "relaunching.txt",
-                                           "restoring.txt", "task-list.txt", "their-values.txt",
-                                           "undoing-choices.txt", "undoing.txt", "unreadable-journal.txt"));
+                                           "presets.txt", "rebuilding.txt", "refused-agent.txt",
+                                           "relaunching.txt", "restoring.txt", "task-list.txt",
+                                           "their-values.txt", "undoing-choices.txt", "undoing.txt",
+                                           "unreadable-journal.txt"));
 
 }  // namespace brell::testing
