@@ -82,6 +82,10 @@ void replaceByAFolder(const std::filesystem::path& journal) {
     testing::setContents(journal / "inside", "somebody else's");
 }
 
+void replaceByAnEmptyOne(const std::filesystem::path& journal) {
+    testing::setContents(journal, R"({"entries": [], "format": 1})");
+}
+
 auto turningOff(const char* label) {
     return raising([label](Rig& rig) { rig.toggle.turnOff(rig.agent(label)); });
 }
@@ -143,6 +147,7 @@ const std::vector<Scene>& scenes() {
          recover},
         {"rebuild a journal that was cut", some, rebuild, cutInHalf},
         {"rebuild a journal in whose place a folder stands", some, rebuild, replaceByAFolder},
+        {"rebuild a journal that lacks changes", some, rebuild, replaceByAnEmptyOne},
         {"leave", some, leave},
         {"leave with an agent off", turningOff(plain), leave},
     };

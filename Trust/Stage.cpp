@@ -1,5 +1,6 @@
 #include "Trust/Stage.h"
 
+#include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalRebuild.h"
 
 namespace brell::trust {
@@ -60,7 +61,8 @@ bool Stage::hasLeft() const {
 }
 
 bool Stage::isDamagedNow() const {
-    return setting_.damaged && journalDamage(journalDirectory());
+    if (!setting_.damaged) return false;
+    return journalDamage(journalDirectory()) || lackOfChanges(*Journal::open(journalDirectory()));
 }
 
 void Stage::keep(const std::string& name) const {

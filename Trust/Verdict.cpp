@@ -69,7 +69,7 @@ Faults rebuildIfDamaged(const Stage& stage) {
     Faults faults;
     if (stage.isDamagedNow()) append(faults, rebuildFromHistory(stage.journalDirectory()), "rebuilding: ");
     for (const std::string& name : testing::namesIn(stage.journalDirectory()))
-        if (name.starts_with("journal.json.damaged-") &&
+        if (name.starts_with("journal.json.") &&
             below(stage.journalDirectory(), name) == stage.setting().damaged)
             return faults;
     faults.push_back("the damaged journal is lost");
