@@ -44,6 +44,15 @@ bool holdsOtherType(const JournalEntry& entry, PreferenceReader& preferences) {
     });
 }
 
+std::optional<std::string> whyNeverPutBack(const JournalEntry& entry, PreferenceReader& preferences) {
+    for (const JournaledWrite& write : entry.writes) try {
+            preferences.exactValue(write.key);
+        } catch (const StoreError& error) {
+            if (std::holds_alternative<DomainNotAllowed>(error.failure())) return error.what();
+        }
+    return std::nullopt;
+}
+
 bool needsConsent(const JournalEntry& entry, PreferenceReader& preferences) {
     return entry.status == EntryStatus::applied ? hasDrifted(entry, preferences)
                                                 : holdsOtherType(entry, preferences);

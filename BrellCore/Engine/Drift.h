@@ -1,6 +1,9 @@
 // The question whether a change's values are still there or were changed by others.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "BrellCore/Journal/JournalEntry.h"
 
 namespace brell {
@@ -23,6 +26,10 @@ bool hasDrifted(const JournalEntry& entry, PreferenceReader& preferences);
 
 // Some key of the entry holds a value of a kind that Brell never writes.
 bool holdsOtherType(const JournalEntry& entry, PreferenceReader& preferences);
+
+// Why some key of the entry can't be put back, whatever it holds: a sentence. It is in a domain that Brell
+// may not change, as one from a Brell with other tweaks may be.
+std::optional<std::string> whyNeverPutBack(const JournalEntry& entry, PreferenceReader& preferences);
 
 // Undoing the entry, which is active, would overwrite what others stored, and needs the user's word. Of an
 // interrupted change any other value may be half of it.

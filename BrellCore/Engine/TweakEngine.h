@@ -102,8 +102,8 @@ public:
 
     // Closes an applied entry that others changed since, without writing: what is there now stays. Refused
     // when nobody did; also one that could not be undone as it is: an interrupted one, of which a key holds a
-    // kind that Brell never writes, and an agent's that does not say how it was or whose undo is refused for
-    // what it says, interrupted or not. Gives the entry as saved:
+    // kind that Brell never writes; one of a domain that Brell may not change; and an agent's that does not
+    // say how it was or whose undo is refused, interrupted or not. Gives the entry as saved:
     // restored, with a failure text that says what was kept.
     JournalEntry keepTheirs(const Uuid& entryID);
 

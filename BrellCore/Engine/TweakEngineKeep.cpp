@@ -53,6 +53,7 @@ std::string TweakEngine::whatIsKept(const JournalEntry& entry) {
             return "Nothing was switched back. " + *why;
     }
     const auto preferences = store_.reader();
+    if (const auto why = whyNeverPutBack(entry, *preferences)) return "Nothing was put back. " + *why;
     if (entry.status != EntryStatus::applied && !holdsOtherType(entry, *preferences))
         throw refuse(" was interrupted; restore it first.");
     const char* const unchanged = " was not changed outside Brell; there is nothing else to keep.";

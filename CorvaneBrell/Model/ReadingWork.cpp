@@ -48,7 +48,8 @@ std::optional<std::uint32_t> ownerOf(const fs::path& file) {
 // Or can't be undone as it is, so that the user has to say what becomes of it.
 bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences) {
     if (entry.kind == EntryKind::launchAgent) return entry.isActive() && !entry.agent;
-    if (entry.status == EntryStatus::capturing) return holdsOtherType(entry, preferences);
+    if (entry.status == EntryStatus::capturing)
+        return holdsOtherType(entry, preferences) || whyNeverPutBack(entry, preferences);
     return entry.status == EntryStatus::applied && !isInForce(entry, preferences);
 }
 

@@ -83,6 +83,12 @@ TEST_F(KeepTheirsTest, OnlyADriftedChangeIsClosedAndNothingIsWritten) {
     const JournalEntry interrupted = interrupt("dock.size");
     files.markUnsupported(interrupted.writes[0].key);
     expectKept(interrupted, "com.apple.dock tilesize is a value of the type dictionary");
+
+    JournalEntry foreign = interrupt("dock.autohide");
+    foreign.writes[0].key.domain = "org.example.editor";
+    journal.upsert(foreign);
+    EXPECT_EQ(engine.keepTheirs(foreign.id).failure,
+              "Nothing was put back. The domain org.example.editor is not one Brell may change.");
 }
 
 TEST_F(KeepTheirsTest, WhatCannotBeReadOrWasInterruptedStaysOpen) {
