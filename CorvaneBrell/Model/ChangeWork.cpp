@@ -270,6 +270,8 @@ void ChangeWork::noteBefore(ChangeOutcome& outcome, const JournalEntry& entry) {
 // False when it drifted, and not to what was confirmed: then it is left as it is.
 bool ChangeWork::restoreUnlessDrifted(ChangeOutcome& outcome, const JournalEntry& active,
                                       const DriftedEntry* confirmed) try {
+    // Of an interrupted change the engine would raise an error, and put back the other keys.
+    if (!confirmed && holdsOtherType(active, deps_.store)) return false;
     noteBefore(outcome, active);
     const auto check = [&] {
         if (confirmed && !isAsShown(*confirmed)) throw EngineError(Drift{active.id});

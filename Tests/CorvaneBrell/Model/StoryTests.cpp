@@ -103,10 +103,7 @@ class StoryTest : public AppModelTest, public ::testing::WithParamInterface<cons
 protected:
     // Everything in force, by what it is called.
     Facts facts() const {
-        Facts all;
-        for (const auto& [domain, values] : preferences())
-            for (const auto& [key, value] : values) all[domain + " " + key] = value.rendered();
-        if (preferences() != original) all["preferences"] = "changed";
+        Facts all = preferenceFacts();
         for (const Tweak& tweak : model->catalog().all()) {
             const TweakRowState row = tweakRowState(*model, tweak);
             all["row " + tweak.id] = lines({{row.now + (row.badge ? ", " + row.badge->text : "")},
@@ -137,6 +134,16 @@ protected:
         addLoginItems(all);
         std::erase_if(all, [](const auto& fact) { return fact.second.empty(); });
         return all;
+    }
+    Facts preferenceFacts() const try {
+        Facts all;
+        const Preferences now = preferences();
+        for (const auto& [domain, values] : now)
+            for (const auto& [key, value] : values) all[domain + " " + key] = value.rendered();
+        if (now != original) all["preferences"] = "changed";
+        return all;
+    } catch (const StoreError& error) {
+        return {{"preferences", error.what()}};
     }
     void addLoginItems(Facts& all) const {
         const std::array names{"unknown", "hidden", "offered", "read"};
@@ -247,6 +254,7 @@ protected:
             {"keepWindowPlace", [&] { model->ownPreferences().keepWindowPlace(WindowPlace()); }},
             {"confirmLeaving", [&] { confirmLeaving(sample.home() / first); }},
             {"keepTheirs", [&] { model->keepTheirs(idsOf(given)); }},
+            {"saveRestoreScript", [&] { model->saveRestoreScript(sample.home() / first); }},
             {"wait", [&] { loop.advance(std::chrono::seconds(std::stoi(first))); }},
             {"neverQuits", [&] { applications.setBehaviour(first, never); }},
             {"crashes", [&] { applications.endAll(first); }},
