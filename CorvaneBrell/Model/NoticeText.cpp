@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
@@ -40,18 +42,24 @@ std::string briefly(const OperatingSystemVersion& version) {
     return version.patch == 0 ? text : fmt::format("{}.{}", text, version.patch);
 }
 
+// An interrupted change, or one of which the journal does not say enough, is told of elsewhere.
+bool isFinished(const JournalEntry& entry) {
+    return entry.status == EntryStatus::applied && (entry.agent || entry.kind == EntryKind::preference);
+}
+
 // Only where something is to be looked at.
 std::string updateText(const AppState& state, const TweakCatalog& catalog) {
     if (!state.macOSUpdate) return {};
     const auto& [from, to] = *state.macOSUpdate;
     std::size_t active = 0, unconfirmed = 0;
     for (const JournalEntry& entry : state.entries) {
-        if (!entry.isActive()) continue;
+        if (!isFinished(entry)) continue;
         ++active;
         const Tweak* tweak = from.major == to.major ? nullptr : catalog.tweak(entry.tweakID);
         if (tweak && tweak->isConfirmed(from.major) && !tweak->isConfirmed(to.major)) ++unconfirmed;
     }
-    const std::size_t drifted = state.drifted.size();
+    const auto drifted = std::count_if(state.drifted.begin(), state.drifted.end(),
+                                       [](const DriftedEntry& one) { return isFinished(one.entry); });
     if (drifted + unconfirmed == 0) return {};
     std::string words =
         fmt::format("macOS was updated from {} to {} since Brell last ran", briefly(from), briefly(to));
