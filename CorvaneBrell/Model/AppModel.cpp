@@ -280,7 +280,12 @@ void AppModel::makeRestoreScript(std::function<void(const std::string&)> show) {
     questions_.run("", &ReadingWork::restoreScript, done);
 }
 
+// A copy outlives the notice that says what it lacks.
 void AppModel::saveRestoreScript(const fs::path& file) {
+    if (const auto& lack = state_.journalLack)
+        return fail(*lack +
+                    ", and a script that is saved now would not undo them. Copy that script, or rebuild the "
+                    "journal first.");
     save(&ReadingWork::saveRestoreScript, file);
 }
 

@@ -111,6 +111,7 @@ void FileActions::saveReport(AppModel& model, QWidget* over) {
 }
 
 void FileActions::saveRestoreScript(AppModel& model, QWidget* over) {
+    if (model.state().journalLack) return model.saveRestoreScript({});  // it says why not
     askWhere(model, over, QObject::tr("Save Restore Script"), RestoreScript::exportName,
              &AppModel::saveRestoreScript);
 }
