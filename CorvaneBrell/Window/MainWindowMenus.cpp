@@ -36,6 +36,8 @@ void MainWindow::makeMenus() {
     makeEditMenu();
     makeViewMenu();
     makeOtherMenus();
+    // A key that is held asks once: for one undo, and for one look at everything.
+    for (QAction* action : findChildren<QAction*>()) action->setAutoRepeat(false);
 }
 
 void MainWindow::makeFileMenu() {
