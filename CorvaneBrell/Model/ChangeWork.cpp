@@ -173,6 +173,9 @@ ChangeOutcome ChangeWork::applyAgain(const std::vector<DriftedEntry>& shown) {
         tryStep(outcome.failures, [&] {
             const auto entry = deps_.journal->entry(one.entry.id);
             if (!entry || !entry->isActive()) return;
+            // Before it is restored, which would leave neither their value nor Brell's.
+            if (const auto why = whyNotAgain(*entry, deps_.catalog, deps_.macOSMajor()))
+                throw EngineError(Refused{deps_.titles.of(*entry) + ": " + *why});
             if (restoreUnlessDrifted(outcome, *entry, &one)) return makeAgain(outcome, *entry);
             outcome.failures.push_back(deps_.titles.of(*entry) +
                                        " was changed once more and is left as it is. Look at it again.");

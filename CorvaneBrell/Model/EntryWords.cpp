@@ -229,6 +229,16 @@ std::optional<std::string> originWords(const JournalEntry& entry, const std::fil
                        runningVersion);
 }
 
+std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
+                                       int macOSMajor) {
+    if (entry.agent) return std::nullopt;
+    if (entry.kind == EntryKind::launchAgent) return changeWords(entry, catalog) + ".";
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    if (tweak && tweak->isAvailable(macOSMajor)) return std::nullopt;
+    return "Brell does not offer this setting on this macOS, so that it can be restored or kept, but not "
+           "applied again.";
+}
+
 std::optional<std::string> failureWords(const JournalEntry& entry) {
     return entry.failure ? std::optional(excerpt(*entry.failure, mostOfASentence)) : std::nullopt;
 }

@@ -45,6 +45,10 @@ std::optional<std::string> cameFromElsewhere(const JournalEntry& entry, const st
 std::optional<std::string> originWords(const JournalEntry& entry, const std::filesystem::path& home,
                                        std::string_view runningVersion);
 
+// Why what it made can't be made again; nothing where it can.
+std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
+                                       int macOSMajor);
+
 // Why it did not go well, or what its undo left.
 std::optional<std::string> failureWords(const JournalEntry& entry);
 

@@ -34,6 +34,9 @@ std::vector<RowBadge> noticesOf(const ActiveChange& change) {
              {}});
     if (const auto failure = failureWords(change.entry))
         notices.push_back({qt(*failure), "exclamationmark.triangle", Tone::caution, {}});
+    // Of an agent its words say so.
+    if (change.whyNotAgain && change.entry.kind == EntryKind::preference)
+        notices.push_back({qt(*change.whyNotAgain), "info.circle", Tone::plain, {}});
     if (change.otherMacOS) notices.push_back({qt(*change.otherMacOS), "info.circle", Tone::plain, {}});
     return notices;
 }
@@ -95,7 +98,8 @@ QWidget* ChangeRow::makeDetails() {
 void ChangeRow::showButtons() {
     restore_->setAccessibleName(tr("Restore %1").arg(title()));
     restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(brell::wayBack(record_->entry))));
-    restore_->setEnabled(!record_->isLocked);
+    const bool isKnownHow = record_->entry.agent || record_->entry.kind == EntryKind::preference;
+    restore_->setEnabled(!record_->isLocked && isKnownHow);
     more_->setAccessibleName(tr("More for %1").arg(title()));
     more_->setToolTip(tr("More"));
     more_->setEnabled(!record_->isLocked);

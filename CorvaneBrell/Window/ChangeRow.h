@@ -22,8 +22,9 @@ struct ActiveChange {
     std::vector<std::string> lines;         // of a key each: what was done, or what others did to it since
     std::optional<std::string> otherMacOS;  // a sentence when it was made on another version
     bool isInterrupted;
-    bool isNewest;  // there are no later ones
-    bool isLocked;  // nothing can be changed at all
+    bool isNewest;                           // there are no later ones
+    bool isLocked;                           // nothing can be changed at all
+    std::optional<std::string> whyNotAgain;  // it can't be applied again; nothing where it can
     bool operator==(const ActiveChange&) const = default;
 };
 
@@ -39,8 +40,9 @@ public:
     void setRecord(const Record& record);
 
     const Uuid& entryID() const { return record_->entry.id; }
-    // To be applied again, or closed.
+    // To be closed, or applied again where that can be done.
     bool isTicked() const;
+    bool canBeMadeAgain() const { return !record_->whyNotAgain; }
 
 signals:
     void ticked();

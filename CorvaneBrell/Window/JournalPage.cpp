@@ -61,7 +61,7 @@ QWidget* JournalPage::driftSection() {
     buttons->addWidget(keepTheirs_);
     buttons->addStretch();
     column->addLayout(buttons);
-    connect(applyAgain_, &QPushButton::clicked, this, [this] { model_.applyAgain(ticked()); });
+    connect(applyAgain_, &QPushButton::clicked, this, [this] { model_.applyAgain(tickedAgain()); });
     connect(keepTheirs_, &QPushButton::clicked, this, [this] { model_.keepTheirs(ticked()); });
     return section;
 }
@@ -171,7 +171,8 @@ ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::string wo
             originWords(entry, model_.catalog().home(), model_.macOSVersion()),
             isInterrupted,
             isNewest,
-            isLocked()};
+            isLocked(),
+            whyNotAgain(entry, model_.catalog(), model_.macOSMajor())};
 }
 
 std::string JournalPage::driftedWords(const JournalEntry& entry) const {
@@ -217,14 +218,21 @@ std::vector<Uuid> JournalPage::ticked() const {
     return ids;
 }
 
+std::vector<Uuid> JournalPage::tickedAgain() const {
+    std::vector<Uuid> ids;
+    for (const auto& [key, row] : drifted_->rows())
+        if (row->isTicked() && row->canBeMadeAgain()) ids.push_back(row->entryID());
+    return ids;
+}
+
 void JournalPage::showTicks() {
-    const std::size_t count = ticked().size();
-    applyAgain_->setEnabled(count > 0);
-    applyAgain_->setText(count == 0 ? tr("Apply Again") : tr("Apply %1 Again").arg(count));
-    keepTheirs_->setEnabled(count > 0);
-    keepTheirs_->setText(count == 0 ? tr("Keep Theirs") : tr("Keep Theirs for %1").arg(count));
-    for (QPushButton* button : {applyAgain_, keepTheirs_})
+    const auto show = [](QPushButton* button, std::size_t count, const QString& none, const QString& some) {
+        button->setEnabled(count > 0);
+        button->setText(count == 0 ? none : some.arg(count));
         button->setAccessibleDescription(count == 0 ? tr("Tick a change first.") : QString());
+    };
+    show(applyAgain_, tickedAgain().size(), tr("Apply Again"), tr("Apply %1 Again"));
+    show(keepTheirs_, ticked().size(), tr("Keep Theirs"), tr("Keep Theirs for %1"));
 }
 
 QString JournalPage::terminalCommands() const {

@@ -35,6 +35,7 @@ private:
     std::size_t foreignCount() const;
     bool isLocked() const { return brell::isLocked(model_.state()); }
     std::vector<Uuid> ticked() const;
+    std::vector<Uuid> tickedAgain() const;  // those of them that can be
     QString terminalCommands() const;
 
     AppModel& model_;

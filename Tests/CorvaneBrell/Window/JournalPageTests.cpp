@@ -68,6 +68,24 @@ TEST_F(JournalPageTest, WhatOthersSetIsKeptOrAppliedAgainAndLeavesTheList) {
     expectWords(page(), {"because another value was kept"});
 }
 
+TEST_F(JournalPageTest, WhatCannotBeAppliedAgainOrRestoredIsNotOffered) {
+    openWindow();
+    settled()->apply("dock.autohide");
+    settled()->applyChoice("dock.size", "large");
+    runLine(R"(sed -i '0,/"preference"/s//"launchAgent"/; s/"dock.autohide"/"agent:org.example.sync"/; )"
+            R"(s/"dock.size"/"dock.gone"/' )" +
+            shellWord(*options.journalDirectory / "journal.json"));
+    writeFromOutside({"com.apple.dock", "tilesize"}, 50);
+    openWindow();
+    go(Screen::journal);
+    for (QCheckBox* box : visible<QCheckBox>()) box->click();
+    EXPECT_TRUE(button(page(), "Keep Theirs for 2").isEnabled());
+    EXPECT_FALSE(button(page(), "Apply Again").isEnabled());
+    EXPECT_TRUE(button(page(), "Restore dock.gone").isEnabled());
+    EXPECT_FALSE(button(page(), "Restore agent:org.example.sync").isEnabled());
+    expectWords(page(), {"but not applied again", "it can only be kept as it is"});
+}
+
 TEST_F(JournalPageTest, AnUpdateOfMacOSLeadsToWhatNoLongerHolds) {
     openLivedIn();
     window.reset();
