@@ -311,7 +311,8 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
             request.changes.entries.push_back(std::move(now));
             continue;
         }
-        request.changes.others.push_back(entry.id);
+        // Of an agent without its capture the step only says that it stays.
+        if (entry.agent || entry.kind == EntryKind::preference) request.changes.others.push_back(entry.id);
         request.steps.push_back(
             {deps_.titles.of(entry), std::move(now.words),
              entry.agent ? deps_.toggle.previewRestore(*entry.agent) : putBackLines(entry),
