@@ -83,6 +83,15 @@ fs::path freeName(const fs::path& file, const std::string& ending) {
     }
 }
 
+std::error_code giveName(const fs::path& file, const fs::path& name) {
+    std::error_code failed;
+    if (fs::is_symlink(file, failed))
+        fs::copy_symlink(file, name, failed);
+    else
+        fs::create_hard_link(file, name, failed);
+    return failed;
+}
+
 std::optional<std::string> whyNoFreshStart(const fs::path& journal) {
     std::error_code failed;
     const fs::file_type mark = fs::symlink_status(rebuildMark(journal), failed).type();

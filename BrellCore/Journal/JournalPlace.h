@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "BrellCore/Support/FileLock.h"
@@ -44,6 +45,9 @@ bool isTaken(const std::filesystem::path& path);
 // The file's name with this ending, and a number where something has that name: what is kept replaces nothing
 // that was kept before. Raises what isTaken does.
 std::filesystem::path freeName(const std::filesystem::path& file, const std::string& ending);
+
+// A second name for a file, so that its place is never empty. Of a link: what it leads to stays where it is.
+std::error_code giveName(const std::filesystem::path& file, const std::filesystem::path& name);
 
 // Of a file that is not there: why it is no journal that was never written, without a final stop; nothing
 // when it is.

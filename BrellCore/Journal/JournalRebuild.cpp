@@ -85,16 +85,6 @@ void moveAside(const fs::path& file, const fs::path& aside) {
     }
 }
 
-// A second name, so that the place is never empty. Of a link: what it leads to stays where it is.
-std::error_code giveName(const fs::path& file, const fs::path& name) {
-    std::error_code failed;
-    if (fs::is_symlink(file, failed))
-        fs::copy_symlink(file, name, failed);
-    else
-        fs::create_hard_link(file, name, failed);
-    return failed;
-}
-
 // Where there are no second names: what only this one holds must not be out of its place if this is stopped.
 void copyAside(const fs::path& file, const fs::path& aside) {
     if (const auto read = readFile(file, JournalText::mostBytes)) replace(aside, read->bytes);

@@ -25,7 +25,7 @@ bool isFoundBy(const JournaledWrite& later, const JournaledWrite& earlier) {
     return later.key == earlier.key && later.original == earlier.written;
 }
 
-// An agent that was turned off is disabled and not loaded; one that was turned on is neither.
+// An agent that was turned off is left disabled and not loaded; one that was turned on, enabled and loaded.
 bool isFoundBy(const AgentCapture& later, const AgentCapture& earlier) {
     return later.turnedOn() != earlier.turnedOn() && later.wasLoaded == earlier.turnedOn();
 }

@@ -116,8 +116,7 @@ std::optional<std::filesystem::path> keepUnread(const std::filesystem::path& fil
     std::error_code failed;
     if (std::filesystem::is_directory(std::filesystem::symlink_status(file, failed))) return std::nullopt;
     const auto aside = nameAside(file, now);
-    std::filesystem::create_hard_link(file, aside, failed);
-    if (failed && ::rename(file.c_str(), aside.c_str()) != 0)
+    if (giveName(file, aside) && ::rename(file.c_str(), aside.c_str()) != 0)
         throw ReplaceError({ReplaceStep::rename, aside, errno});
     return aside;
 }
