@@ -100,9 +100,9 @@ TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHi
     const JournalEntry off = agentEntry({"b", "/b.plist", true, AgentOverride::absent}, noon);
     JournalEntry on = agentEntry({"b", "/b.plist", false, AgentOverride::disabled}, noon + 1h);
     Entries known{changed(later, EntryStatus::capturing), on};
-    const auto made = [&] {
+    const auto made = [&known, told = Entries{older, later, off}] {
         std::vector<HistoryLine> lines;
-        for (const JournalEntry& entry : {older, later, off}) lines.push_back({noon, entry.status, entry});
+        for (const JournalEntry& entry : told) lines.push_back({noon, entry.status, entry});
         RebuildPlanner planner;
         planner.know(known);
         planner.take(lines);
