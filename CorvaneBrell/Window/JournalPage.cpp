@@ -145,11 +145,11 @@ std::vector<const DriftedEntry*> JournalPage::driftedAgents() const {
     const AppState& state = model_.state();
     std::vector<const DriftedEntry*> drifted;
     if (state.driftedAgents.empty()) return drifted;
-    std::set<Uuid> applied;
+    std::set<Uuid> active;
     for (const JournalEntry& entry : state.entries)
-        if (entry.status == EntryStatus::applied) applied.insert(entry.id);
+        if (entry.isActive()) active.insert(entry.id);
     for (const DriftedEntry& agent : state.driftedAgents)
-        if (applied.contains(agent.entry.id)) drifted.push_back(&agent);
+        if (active.contains(agent.entry.id)) drifted.push_back(&agent);
     return drifted;
 }
 

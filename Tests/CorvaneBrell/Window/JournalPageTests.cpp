@@ -86,6 +86,24 @@ TEST_F(JournalPageTest, WhatCannotBeAppliedAgainOrRestoredIsNotOffered) {
     expectWords(page(), {"but not applied again", "it can only be kept as it is"});
 }
 
+TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
+    openWindow();
+    go(Screen::loginItems);
+    settled()->askAgents({itemOf("com.lumenfold.sync").id}, false);
+    settled()->confirmAgents();
+    closeWindow();
+    runLine(R"(sed -i -e 's/"applied"/"capturing"/' -e 's|"plistPath" : ".*/|"plistPath" : "/elsewhere/|' )" +
+            shellWord(*options.journalDirectory / "journal.json"));
+    openWindow();
+    settled()->deferRecovery();
+    go(Screen::journal);
+    settled()->loadAgentDrift();
+    settle();
+    visible<QCheckBox>().at(0)->click();
+    press(page(), "Keep Theirs for 1");
+    EXPECT_EQ(settled()->changedCount(Screen::journal), 0u);
+}
+
 TEST_F(JournalPageTest, AnUpdateOfMacOSLeadsToWhatNoLongerHolds) {
     openLivedIn();
     window.reset();
