@@ -27,6 +27,11 @@ QString nameOf(const QWidget* control) {
     return button ? button->text() : QString();
 }
 
+// It would answer what it led to: a list that it opened, or a sheet.
+bool isHeldReturn(const QKeyEvent& key) {
+    return key.isAutoRepeat() && (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter);
+}
+
 QPoint pointerOf(const QEvent& event) {
     return static_cast<const QMouseEvent&>(event).globalPosition().toPoint();
 }
@@ -52,6 +57,8 @@ bool Stillness::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseMove: follow(pointerOf(*event)); return false;
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick: return isTooSoon(pointerOf(*event));
+        case QEvent::ShortcutOverride:  // with which a list is answered
+        case QEvent::KeyPress: return isHeldReturn(static_cast<const QKeyEvent&>(*event));
         case QEvent::Move:
         case QEvent::Resize:
         case QEvent::Show:

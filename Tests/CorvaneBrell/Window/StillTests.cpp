@@ -1,5 +1,6 @@
 // Nothing moves that the user did not move, and no click reaches what came under the pointer meanwhile.
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -170,6 +171,33 @@ TEST_F(StillTest, ADoubleClickOnAnyControlChangesNothingBesideWhatItStandsFor) {
         }
     EXPECT_GT(clicked, 150);
     EXPECT_GT(model->state().undo.size(), 0) << "the first clicks do something";
+}
+
+// Qt makes the first choice of a list current where none is picked.
+TEST_F(StillTest, AKeyThatIsHeldOpensAListOrAsksOnceAndAnswersNothing) {
+    const PrefKey size{"com.apple.dock", "tilesize"};
+    writeFromOutside(size, 50);
+    openWindow().activateWindow();
+    go(Screen::dock);
+    const auto press = [&](QWidget* at, Qt::Key key, Qt::KeyboardModifiers modifiers, bool isRepeated) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, {}, isRepeated);
+        QApplication::sendEvent(at, &event);
+        settle();
+    };
+    auto* sizes = row("dock.size").findChild<ChoiceBox*>();
+    sizes->setFocus();
+    press(sizes, Qt::Key_Return, {}, false);
+    ASSERT_TRUE(sizes->view()->currentIndex().isValid());
+    press(sizes->view(), Qt::Key_Return, {}, true);
+    EXPECT_EQ(stored(size), StoredValue(50));
+    sizes->hidePopup();
+
+    settled()->apply("dock.autohide");
+    settled()->apply("dock.no_recents");
+    const std::size_t changes = model->state().undo.size();
+    for (const bool isRepeated : {false, true, true})
+        press(window.get(), Qt::Key_Z, Qt::ControlModifier, isRepeated);
+    EXPECT_EQ(model->state().undo.size(), changes - 1);
 }
 
 TEST_F(StillTest, TheWheelAndAClickOnTextChangeNothingAndTargetsAreLargeEnough) {
