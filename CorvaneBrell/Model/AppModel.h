@@ -68,6 +68,8 @@ public:
                std::optional<std::string> choiceID = std::nullopt);
     void applyChoice(const std::string& tweakID, const std::string& choiceID);
     void turnOff(const std::string& tweakID);
+    void restore(
+        const std::string& tweakID);  // the change that is shown; what is back already stays as it is
     // Removes the tweak's keys, so that macOS's own values take effect; what they held can be undone.
     void useSystemDefault(const std::string& tweakID);
 

@@ -73,6 +73,13 @@ void AppModel::turnOff(const std::string& tweakID) {
     change("Turning off " + tweak->title, {tweakID}, &ChangeWork::turnOff, tweakID);
 }
 
+void AppModel::restore(const std::string& tweakID) {
+    if (isChanging(tweakID)) return;
+    for (const JournalEntry& entry : state_.entries)
+        if (entry.tweakID == tweakID && entry.isActive())
+            return change(restoringText(1), {tweakID}, &ChangeWork::restore, entry.id);
+}
+
 void AppModel::askRestore(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries)
         if (entry.id == entryID && entry.isActive())

@@ -93,15 +93,21 @@ ChangeOutcome ChangeWork::apply(const PendingApply& wish) {
 }
 
 ChangeOutcome ChangeWork::turnOff(const std::string& tweakID) {
+    if (const auto active = deps_.journal->activeEntry(tweakID)) return restore(active->id);
     ChangeOutcome outcome;
     const Tweak& tweak = *deps_.catalog.tweak(tweakID);
-    const auto active = deps_.journal->activeEntry(tweakID);
     noteKeys(outcome, tweakID);
-    if (!active)
-        outcome.made.push_back(deps_.engine.turnOff(tweak, false));
-    else if (!restoreUnlessDrifted(outcome, *active))
-        ask(outcome, {active->id}, {});
+    outcome.made.push_back(deps_.engine.turnOff(tweak, false));
     outcome.undo.done = actionOf(outcome, tweak.title);
+    return finished(std::move(outcome));
+}
+
+ChangeOutcome ChangeWork::restore(const Uuid& entryID) {
+    ChangeOutcome outcome;
+    const auto entry = deps_.journal->entry(entryID);
+    if (!entry || !entry->isActive()) return outcome;
+    if (!restoreUnlessDrifted(outcome, *entry)) ask(outcome, {entryID}, {});
+    outcome.undo.done = actionOf(outcome, deps_.titles.of(*entry));
     return finished(std::move(outcome));
 }
 

@@ -27,6 +27,8 @@ public:
     // A tweak with an active change is restored first, and made again as it was when the new one fails.
     ChangeOutcome apply(const PendingApply& wish);
     ChangeOutcome turnOff(const std::string& tweakID);
+    // One change, unless it is back already: what is there then is nobody's but the user's.
+    ChangeOutcome restore(const Uuid& entryID);
 
     // Restores the others of the request and those of its drifted ones that are ticked. While a ticked one
     // holds something else than the request shows nothing is restored, and it is asked for again; one of the

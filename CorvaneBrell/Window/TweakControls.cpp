@@ -73,7 +73,7 @@ private:
         if (index == systemDefault_)
             model_.useSystemDefault(tweak_.id);
         else if (index > systemDefault_)
-            model_.turnOff(tweak_.id);
+            model_.restore(tweak_.id);
         else
             model_.applyChoice(tweak_.id, utf8(itemData(index).toString()));
     }
@@ -125,7 +125,7 @@ TweakControl makeFolder(AppModel& model, const Tweak& tweak) {
         const QString now = qt(tweakRowState(model, tweak).folder.value_or(""));
         chooseFolder(model, tweak, QFileInfo(now).isDir() ? now : qt(model.catalog().home()), control);
     });
-    QObject::connect(previous, &QPushButton::clicked, control, [&model, &tweak] { model.turnOff(tweak.id); });
+    QObject::connect(previous, &QPushButton::clicked, control, [&model, &tweak] { model.restore(tweak.id); });
     return {control, [choose, previous](const TweakRowState& state) {
                 choose->setEnabled(state.canChange);
                 if (!state.undo && previous->hasFocus()) choose->setFocus();

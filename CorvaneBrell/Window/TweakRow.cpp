@@ -49,7 +49,7 @@ TweakRow::TweakRow(AppModel& model, const Tweak& tweak, QWidget* parent)
         return opened_;
     });
     setControl(control_.widget);
-    connect(this, &Row::wayBackAsked, this, [this] { model_.turnOff(tweak_.id); });
+    connect(this, &Row::wayBackAsked, this, [this] { model_.restore(tweak_.id); });
     showState();
 }
 

@@ -239,6 +239,7 @@ protected:
             {"apply", [&] { model->apply(first); }},
             {"applyValue", [&] { model->apply(first, std::vector<PrefValue>{second}); }},
             {"applyChoice", [&] { model->applyChoice(first, second); }},
+            {"restore", [&] { model->restore(first); }},
             {"turnOff", [&] { model->turnOff(first); }},
             {"useSystemDefault", [&] { model->useSystemDefault(first); }},
             {"askRestore", [&] { model->askRestore(idOf(first)); }},
