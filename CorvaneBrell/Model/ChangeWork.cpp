@@ -219,7 +219,13 @@ ChangeOutcome ChangeWork::recover() {
     }
     const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn(progress_));
     outcome.restored = deps_.journal->entries(recovered.restored);
-    for (const auto& [id, message] : recovered.failed) outcome.recoveryFailures->push_back(message);
+    std::vector<Uuid> drifted;
+    for (const auto& [id, message] : recovered.failed) {
+        outcome.recoveryFailures->push_back(message);
+        const auto entry = deps_.journal->entry(id);
+        if (entry && asksForDrift(*entry)) drifted.push_back(id);
+    }
+    if (!drifted.empty()) ask(outcome, drifted, {});
     return finished(std::move(outcome));
 }
 
