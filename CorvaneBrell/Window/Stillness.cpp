@@ -27,9 +27,11 @@ QString nameOf(const QWidget* control) {
     return button ? button->text() : QString();
 }
 
-// It would answer what it led to: a list that it opened, or a sheet.
-bool isHeldReturn(const QKeyEvent& key) {
-    return key.isAutoRepeat() && (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter);
+// It would answer what the first press led to: a list that it opened, or the next sheet.
+bool isHeldAnswer(const QKeyEvent& key) {
+    const bool answers =
+        key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter || key.key() == Qt::Key_Escape;
+    return answers && key.isAutoRepeat();
 }
 
 QPoint pointerOf(const QEvent& event) {
@@ -58,7 +60,7 @@ bool Stillness::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick: return isTooSoon(pointerOf(*event));
         case QEvent::ShortcutOverride:  // with which a list is answered
-        case QEvent::KeyPress: return isHeldReturn(static_cast<const QKeyEvent&>(*event));
+        case QEvent::KeyPress: return isHeldAnswer(static_cast<const QKeyEvent&>(*event));
         case QEvent::Move:
         case QEvent::Resize:
         case QEvent::Show:

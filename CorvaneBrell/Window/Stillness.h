@@ -1,5 +1,5 @@
 // Clicks and keys reach only what the user can have meant: a control that has just come under a resting
-// pointer takes none, and what a held Return opened does not take its repetitions.
+// pointer takes none, and what a held Return or Escape led to does not take its repetitions.
 #pragma once
 
 #include <QElapsedTimer>

@@ -198,6 +198,12 @@ TEST_F(StillTest, AKeyThatIsHeldOpensAListOrAsksOnceAndAnswersNothing) {
     for (const bool isRepeated : {false, true, true})
         press(window.get(), Qt::Key_Z, Qt::ControlModifier, isRepeated);
     EXPECT_EQ(model->state().undo.size(), changes - 1);
+
+    settled()->askRestoreAll();
+    press(sheet(), Qt::Key_Escape, {}, true);
+    EXPECT_TRUE(sheet());
+    press(sheet(), Qt::Key_Escape, {}, false);
+    EXPECT_FALSE(sheet());
 }
 
 TEST_F(StillTest, TheWheelAndAClickOnTextChangeNothingAndTargetsAreLargeEnough) {
