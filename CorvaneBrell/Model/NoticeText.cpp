@@ -58,8 +58,9 @@ std::string updateText(const AppState& state, const TweakCatalog& catalog) {
         const Tweak* tweak = from.major == to.major ? nullptr : catalog.tweak(entry.tweakID);
         if (tweak && tweak->isConfirmed(from.major) && !tweak->isConfirmed(to.major)) ++unconfirmed;
     }
-    const auto drifted = std::count_if(state.drifted.begin(), state.drifted.end(),
-                                       [](const DriftedEntry& one) { return isFinished(one.entry); });
+    const auto drifted = static_cast<std::size_t>(
+        std::count_if(state.drifted.begin(), state.drifted.end(),
+                      [](const DriftedEntry& one) { return isFinished(one.entry); }));
     if (drifted + unconfirmed == 0) return {};
     std::string words =
         fmt::format("macOS was updated from {} to {} since Brell last ran", briefly(from), briefly(to));
