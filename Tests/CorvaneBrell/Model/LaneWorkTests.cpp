@@ -130,21 +130,6 @@ TEST_F(LaneWorkTest, WhatWaitsIsLeftWhenTheRestoreBeforeItFails) {
     EXPECT_EQ(stored(showHidden), StoredValue::absent());
 }
 
-TEST_F(LaneWorkTest, AnInterruptedChangeUnderAKindThatBrellNeverWritesIsAskedForAndCanBeClosed) {
-    breakOff(dependencies.engine, *dependencies.catalog.tweak("dock.size"));
-    const Uuid id = dependencies.journal->activeIDs().at(0);
-    setContents(sample.preferences() / "com.apple.dock.plist",
-                "<plist version=\"1.0\"><dict><key>tilesize</key><dict/></dict></plist>");
-    const fs::path lock = dependencies.journalDirectory() / ".journal.lock";
-    fs::remove(lock);
-    fs::create_symlink(lock, lock);  // which keeps no look from it
-    EXPECT_EQ(readings.everything({}).drifted.at(0).entry.id, id);
-    fs::remove(lock);
-    EXPECT_EQ(readings.restoring("", {id}).changes.entries.at(0).entry.id, id);
-    EXPECT_EQ(changes.keepTheirs({id}).failures, Texts());
-    EXPECT_EQ(dependencies.journal->activeIDs(), std::vector<Uuid>());
-}
-
 TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
     JournalEntry entry = dependencies.journal->entry(made("dock.size")).value();
     entry.writes[0].written = PrefValue("a\n\u202Eb");

@@ -81,14 +81,12 @@ TEST_F(JournalPageTest, WhatCannotBeAppliedAgainOrRestoredIsNotOffered) {
     for (QCheckBox* box : visible<QCheckBox>()) box->click();
     EXPECT_TRUE(button(page(), "Keep Theirs for 2").isEnabled());
     EXPECT_FALSE(button(page(), "Apply Again").isEnabled());
-    EXPECT_TRUE(button(page(), "Restore dock.gone").isEnabled());
     EXPECT_FALSE(button(page(), "Restore agent:org.example.sync").isEnabled());
     expectWords(page(), {"but not applied again", "it can only be kept as it is"});
 
     settled()->keepTheirs({model->state().drifted.front().entry.id});
     settled()->askRestoreAll();
     expectWords(*sheet(), {"None of this can be put back."});
-    EXPECT_FALSE(button(*sheet(), "Restore 0").isEnabled());
 }
 
 TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
