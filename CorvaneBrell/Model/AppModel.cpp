@@ -145,8 +145,8 @@ void AppModel::dismissUpdate() {
     set(&AppState::macOSUpdate, std::nullopt, Topic::notices);
 }
 
-void AppModel::dismissError() {
-    set(&AppState::errorMessage, std::nullopt, Topic::notices);
+void AppModel::dismiss(std::optional<std::string> AppState::* message) {
+    set(message, std::nullopt, Topic::notices);
 }
 
 void AppModel::refreshAll() {

@@ -60,7 +60,7 @@ public:
     void refreshAll();
     void refreshShown();  // that, and what only the shown screen needs from the system's tools
     void lookAgain();     // likewise, but macOS is not asked for its list of background items
-    void dismissError();
+    void dismiss(std::optional<std::string> AppState::* message);  // one that stays until then
     void dismissUpdate();  // of macOS
 
     // Tweaks. An active change is restored first, and made again when the new one fails. A value a write.
@@ -68,8 +68,7 @@ public:
                std::optional<std::string> choiceID = std::nullopt);
     void applyChoice(const std::string& tweakID, const std::string& choiceID);
     void turnOff(const std::string& tweakID);
-    void restore(
-        const std::string& tweakID);  // the change that is shown; what is back already stays as it is
+    void restore(const std::string& tweakID);  // the change that is shown; one that is back stays as it is
     // Removes the tweak's keys, so that macOS's own values take effect; what they held can be undone.
     void useSystemDefault(const std::string& tweakID);
 

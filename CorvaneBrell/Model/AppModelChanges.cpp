@@ -206,9 +206,10 @@ void AppModel::finishChange(const ChangeOutcome& outcome) {
     if (outcome.recoveryFailures) set(&AppState::recoveryFailures, *outcome.recoveryFailures, Topic::notices);
     // Several, where what follows a failure fails, too.
     std::vector<std::string> failures = outcome.failures;
-    if (const auto trouble = deps_->engine.untoldScriptTrouble()) failures.push_back(*trouble);
     if (const std::string whyNot = noteRelaunches(outcome); !whyNot.empty()) failures.push_back(whyNot);
     if (!failures.empty()) fail(firstOf(failures, " "));
+    if (const auto trouble = deps_->engine.untoldScriptTrouble())
+        set(&AppState::scriptNews, trouble, Topic::notices);
     set(&AppState::undo, state_.undo.after(outcome.undo), Topic::journal);
     // The proof of an earlier undo says nothing about this change.
     set(&AppState::undoProof, outcome.proof, Topic::notices);

@@ -120,6 +120,7 @@ struct AppState {
 
     // Topic::notices
     std::optional<std::string> errorMessage;  // the last action's; stays until dismissed
+    std::optional<std::string> scriptNews;    // of the restore script, after a change that was made; likewise
     std::vector<std::string> recoveryFailures;
     std::optional<MacOSUpdate> macOSUpdate;  // until dismissed
     PendingRelaunches pendingRelaunches;

@@ -87,6 +87,7 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
     if (state.journalLack)
         add(NoticeKind::olderJournal, *state.journalLack + ". The history may tell of them.");
     add(NoticeKind::error, state.errorMessage.value_or(""));
+    add(NoticeKind::script, state.scriptNews.value_or(""));
     add(NoticeKind::failedRecovery, firstOf(state.recoveryFailures, " "));
     if (state.undoProof && !state.undoProof->isComplete)
         add(NoticeKind::incompleteUndo, state.undoProof->words);
@@ -133,7 +134,7 @@ std::set<std::string> newsToStayFor(const AppState& state) {
     const auto addLines = [&](const std::vector<std::string>& lines) {
         news.insert(lines.begin(), lines.end());
     };
-    for (const auto* error : {&state.errorMessage, &state.journalError})
+    for (const auto* error : {&state.errorMessage, &state.scriptNews, &state.journalError})
         if (*error) news.insert(**error);
     if (state.driftRequest) news.insert(state.driftRequest->id.text());
     // Its first line tells how many changes were made.

@@ -17,6 +17,7 @@ enum class NoticeKind {
     damagedJournal,  // that is why
     olderJournal,    // it lacks changes that its restore script undoes
     error,           // of the last action
+    script,          // could not be written, or a copy was kept; the change was made
     failedRecovery,  // of interrupted changes
     incompleteUndo,
     failedRelaunch,

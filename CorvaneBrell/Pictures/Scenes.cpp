@@ -77,7 +77,7 @@ Scene bars() {
                 window.model().applyChoice("dock.size", "enormous");
             },
             [](MainWindow& window) {
-                window.model().dismissError();
+                window.model().dismiss(&AppState::errorMessage);
                 window.model().undoLast();
                 settle(window);
                 window.model().recover();

@@ -37,6 +37,8 @@ Look lookOf(NoticeKind kind) {
                     Tone::caution};
         case NoticeKind::error:
             return {Strip::tr("Brell could not do that"), "exclamationmark.triangle", Tone::critical};
+        case NoticeKind::script:
+            return {Strip::tr("The restore script"), "exclamationmark.triangle", Tone::caution};
         case NoticeKind::failedRecovery:
             return {Strip::tr("Brell could not put everything back"), "exclamationmark.triangle",
                     Tone::critical};
@@ -114,7 +116,10 @@ void Strip::addActions(StripLine& line, NoticeKind kind) {
             line.addAction(tr("Show Restore Script"),
                            [this] { FileActions::showRestoreScript(model_, this); });
             return;
-        case NoticeKind::error: return line.addDismissal([this] { model_.dismissError(); });
+        case NoticeKind::error:
+            return line.addDismissal([this] { model_.dismiss(&AppState::errorMessage); });
+        case NoticeKind::script:
+            return line.addDismissal([this] { model_.dismiss(&AppState::scriptNews); });
         case NoticeKind::incompleteUndo:
         case NoticeKind::failedRelaunch: return line.addDismissal([this] { dismiss(); });
         case NoticeKind::failedRecovery:

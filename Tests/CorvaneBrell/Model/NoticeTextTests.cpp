@@ -59,6 +59,7 @@ TEST_F(NoticeTextTest, RelaunchesAreCountedAndWhatWentWrongStaysWithTheMostUrgen
     tell("another app waits, too");
     state.undoProof->isComplete = false;
     state.errorMessage = "It\nfailed.";
+    state.scriptNews = "It is kept.";
     state.journalError = "It is damaged.";
     state.recoveryFailures = {"Not put back.", "Nor this."};
     state.safetyWarnings = {"It is locked."};
