@@ -58,30 +58,35 @@ bool overtake(JournalEntry& entry, JournalEntry& later) {
     entry.failure =
         "The history from which the journal was rebuilt does not tell how this change ended. A later one "
         "followed it";
-    *entry.failure += handsOn ? ", and puts back what was before this one." : ".";
+    *entry.failure +=
+        handsOn ? ", and puts back what was before this one wherever it found it in force." : ".";
     return handsOn;
 }
 
-// Two of one second, or with the clock set back in between: the one that found what the other left is later.
+// Of two of one second the one that found what the other left is the later one. Otherwise the later one may
+// well write what the other had found, by chance or because the user wanted that back.
 bool isTheEarlier(const JournalEntry& entry, const JournalEntry& other) {
+    if (entry.appliedAt != other.appliedAt) return false;
     JournalEntry trial = entry;
     if (handOn(other, trial)) return false;
     trial = other;
     return handOn(entry, trial);
 }
 
+// From the last one back: one in between may have been in force when the next was made, or have ended.
 void overtakeAllButTheLast(RebuildPlan& plan) {
-    std::unordered_map<std::string_view, JournalEntry*> activeOf;
-    for (JournalEntry& entry : plan.entries) {
-        if (!entry.isActive()) continue;
-        const auto [place, isFirst] = activeOf.try_emplace(entry.tweakID, &entry);
-        if (isFirst) continue;
-        JournalEntry *earlier = place->second, *later = &entry;
+    std::unordered_map<std::string_view, JournalEntry*> lastOf;
+    for (auto entry = plan.entries.rbegin(); entry != plan.entries.rend(); ++entry) {
+        if (!entry->isActive()) continue;
+        const auto [place, isLast] = lastOf.try_emplace(entry->tweakID, &*entry);
+        if (isLast) continue;
+        JournalEntry *earlier = &*entry, *later = place->second;
         if (isTheEarlier(*later, *earlier)) std::swap(earlier, later);
-        plan.handedOn += overtake(*earlier, *later);
+        if (overtake(*earlier, *later)) ++plan.handedOn;
         plan.overtaken.push_back(earlier->id);
         place->second = later;
     }
+    std::reverse(plan.overtaken.begin(), plan.overtaken.end());
 }
 
 }  // namespace

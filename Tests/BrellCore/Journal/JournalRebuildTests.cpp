@@ -80,7 +80,7 @@ TEST_F(JournalRebuildTest, TheLastLineOfEachEntryIsThePlan) {
     const RebuildPlan made = planRebuild(history);
     for (const std::size_t i : {0u, 2u}) {
         several[i].status = EntryStatus::restored;
-        several[i].restoredAt = several[i == 0 ? 2 : 3].appliedAt;
+        several[i].restoredAt = several[3].appliedAt;
         several[i].failure = made.entries[i].failure;
         EXPECT_TRUE(several[i].failure);
     }
@@ -116,6 +116,24 @@ TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHi
     EXPECT_EQ(first.active(), (Entries{later, on}));
     known = first.entries;  // the history still tells what the later one found
     EXPECT_EQ(made().entries, known);
+}
+
+TEST_F(JournalRebuildTest, TheLastOfSeveralLeadsBackOverThoseThatWereInForce) {
+    const auto originalOfTheLast = [](std::vector<std::pair<int, int>> changes) {
+        HistoryReading history;
+        for (const auto& [original, written] : changes) {
+            JournalEntry entry =
+                entryOf("a", {{{"com.apple.dock", "one"}, PrefValue(original), PrefValue(written)}});
+            entry.appliedAt += std::chrono::hours(history.lines.size());
+            history.lines.push_back({entry.appliedAt, entry.status, entry});
+        }
+        const RebuildPlan made = planRebuild(history);
+        EXPECT_EQ(made.active(), Entries{made.entries.back()});
+        return made.active().at(0).writes[0].original;
+    };
+    EXPECT_EQ(originalOfTheLast({{1, 2}, {2, 3}, {3, 4}}), PrefValue(1));
+    EXPECT_EQ(originalOfTheLast({{1, 2}, {2, 3}, {2, 4}}), PrefValue(1)) << "the second had ended";
+    EXPECT_EQ(originalOfTheLast({{1, 2}, {7, 1}}), PrefValue(7)) << "the user wanted that back";
 }
 
 TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
