@@ -49,17 +49,35 @@ bool handOn(const JournalEntry& earlier, JournalEntry& later) {
     return handsOn;
 }
 
+// The later switch of an agent left what the earlier one had found: nothing is left to put back.
+bool takesBack(const JournalEntry& later, const JournalEntry& earlier) {
+    return later.status == EntryStatus::applied && earlier.status == EntryStatus::applied && later.agent &&
+           earlier.agent && isFoundBy(*later.agent, *earlier.agent) &&
+           isFoundBy(*earlier.agent, *later.agent);
+}
+
+void end(JournalEntry& entry, TimeStamp when, std::string how) {
+    entry.status = EntryStatus::restored;
+    entry.restoredAt = when;
+    entry.failure = std::move(how);
+}
+
 // A tweak is changed only when its journal knows of no active change. Of an earlier one it follows either
 // that this had ended, and its keys were back, or that it was still in force, and that journal had lost it.
+// True in the second case.
 bool overtake(JournalEntry& entry, JournalEntry& later) {
-    const bool handsOn = handOn(entry, later);
-    entry.status = EntryStatus::restored;
-    entry.restoredAt = later.appliedAt;
-    entry.failure =
+    const std::string followed =
         "The history from which the journal was rebuilt does not tell how this change ended. A later one "
         "followed it";
-    *entry.failure +=
-        handsOn ? ", and puts back what was before this one wherever it found it in force." : ".";
+    if (takesBack(later, entry)) {
+        end(entry, later.appliedAt, followed + ", and took it back.");
+        end(later, later.appliedAt, "It took back an earlier change that its journal did not know.");
+        return true;
+    }
+    const bool handsOn = handOn(entry, later);
+    end(entry, later.appliedAt,
+        followed +
+            (handsOn ? ", and puts back what was before this one wherever it found it in force." : "."));
     return handsOn;
 }
 
@@ -84,7 +102,10 @@ void overtakeAllButTheLast(RebuildPlan& plan) {
         if (isTheEarlier(*later, *earlier)) std::swap(earlier, later);
         if (overtake(*earlier, *later)) ++plan.handedOn;
         plan.overtaken.push_back(earlier->id);
-        place->second = later;
+        if (later->isActive())
+            place->second = later;
+        else
+            lastOf.erase(place);
     }
     std::reverse(plan.overtaken.begin(), plan.overtaken.end());
 }

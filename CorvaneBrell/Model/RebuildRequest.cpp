@@ -37,7 +37,7 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
     if (!plan.overtaken.empty())
         facts.push_back(
             counted(plan.overtaken.size(), "change counts", "changes count") +
-            " as restored, because a later one of the same setting is active" +
+            " as restored, because a later one of the same setting followed" +
             (plan.handedOn > 0
                  ? ", which puts back what was before both wherever it found the earlier one in force."
                  : "."));

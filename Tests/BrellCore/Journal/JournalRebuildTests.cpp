@@ -97,10 +97,12 @@ TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHi
     // Of one second, so that what each found tells which was first; of the second key the user has chosen.
     const JournalEntry older = entryOf("a", {write("one", 1, 2), write("two", 1, 2)});
     JournalEntry later = entryOf("a", {write("one", 2, 3), write("two", 7, 3)});
-    const JournalEntry off = agentEntry({"b", "/b.plist", true, AgentOverride::absent}, noon);
+    const JournalEntry off = agentEntry({"b", "/b.plist", false, AgentOverride::absent}, noon);
     JournalEntry on = agentEntry({"b", "/b.plist", false, AgentOverride::disabled}, noon + 1h);
-    Entries known{changed(later, EntryStatus::capturing), on};
-    const auto made = [&known, told = Entries{older, later, off}] {
+    const JournalEntry ended = agentEntry({"c", "/c.plist", true, AgentOverride::absent}, noon);
+    const JournalEntry back = agentEntry({"c", "/c.plist", false, AgentOverride::disabled}, noon + 1h);
+    Entries known{changed(later, EntryStatus::capturing), on, back};
+    const auto made = [&known, told = Entries{older, later, off, ended}] {
         std::vector<HistoryLine> lines;
         for (const JournalEntry& entry : told) lines.push_back({noon, entry.status, entry});
         RebuildPlanner planner;
@@ -109,8 +111,8 @@ TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHi
         return std::move(planner).finish({});
     };
     const RebuildPlan first = made();
-    EXPECT_EQ(first.overtaken, (std::vector{older.id, off.id}));
-    EXPECT_EQ(first.handedOn, 2u);
+    EXPECT_EQ(first.overtaken, (std::vector{older.id, off.id, ended.id}));
+    EXPECT_EQ(first.handedOn, 3u);
     later.writes[0].original = PrefValue(1);
     on.agent = off.agent;
     EXPECT_EQ(first.active(), (Entries{later, on}));
