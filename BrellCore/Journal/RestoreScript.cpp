@@ -69,6 +69,15 @@ std::optional<std::string> textOf(const std::filesystem::path& file) {
     return script ? std::optional(std::move(script->bytes)) : std::nullopt;
 }
 
+// In the order of the lines; one may stand there twice.
+std::vector<std::string_view> namesIn(std::string_view script) {
+    std::vector<std::string_view> names;
+    forEachLine(script, [&](std::string_view line) {
+        if (isCommentLine(line)) names.push_back(line);
+    });
+    return names;
+}
+
 std::filesystem::path nameAside(const std::filesystem::path& file, TimeStamp now) {
     return freeName(file, std::string(beforeEnding) + localMoment(now));
 }
@@ -106,7 +115,9 @@ void save(const std::filesystem::path& file, std::string_view text) {
 
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, TimeStamp now) {
     const auto script = textOf(file);
-    if (!script || script->find(nothingToRestore) != std::string::npos) return std::nullopt;
+    if (!script) return std::nullopt;
+    // One that was edited by hand may say that there is nothing, and undo something.
+    if (namesIn(*script).empty() && script->find(nothingToRestore) != std::string::npos) return std::nullopt;
     const auto copy = nameAside(file, now);
     replaceFile(copy, *script, Durability::powerCut);
     return copy;
@@ -136,10 +147,8 @@ std::string nameOf(const JournalEntry& entry) {
 std::vector<std::string> unknownChanges(const std::filesystem::path& file, Journal& journal) {
     // Before the journal: of what others add to both meanwhile, it knows what the script says.
     const std::string script = textOf(file).value_or("");
-    std::set<std::string_view> unknown;
-    forEachLine(script, [&](std::string_view line) {
-        if (isCommentLine(line)) unknown.insert(line);
-    });
+    const std::vector<std::string_view> names = namesIn(script);
+    std::set<std::string_view> unknown(names.begin(), names.end());
     const auto know = [&](const std::vector<JournalEntry>& entries) {
         for (const JournalEntry& entry : entries)
             for (const std::string& line : entryLines(entry))

@@ -95,6 +95,10 @@ TEST_F(RestoreScriptFileTest, OneThatCannotBeReadIsKeptUnread) {
         EXPECT_TRUE(contentsOf(kept).starts_with("# dock.gone"));
         engine.restore(entry, false);
     }
+    setContents(file,
+                "# dock.gone (applied 2026-01-02T03:04:05Z)\n" + engine.restoreScriptText());  // by hand
+    engine.apply(tweak("dock.size"));
+    EXPECT_TRUE(engine.untoldScriptTrouble().value_or("").ends_with("when it was written."));
 }
 
 }  // namespace
