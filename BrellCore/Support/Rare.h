@@ -15,8 +15,9 @@ class Rare {
 public:
     Rare() = default;
     Rare(std::nullopt_t) {}
+    Rare(T value) : value_(std::make_unique<T>(std::move(value))) {}
     template <std::convertible_to<T> Value>
-    Rare(Value&& value) : value_(std::make_unique<T>(std::forward<Value>(value))) {}
+    Rare(const Value& value) : Rare(T(value)) {}
     Rare(std::optional<T> value) : value_(value ? std::make_unique<T>(*std::move(value)) : nullptr) {}
     Rare(const Rare& other) : value_(other ? std::make_unique<T>(*other) : nullptr) {}
     Rare(Rare&&) noexcept = default;
