@@ -76,6 +76,8 @@ void restoreBare(const JournalFiles& files, const std::vector<JournalEntry>& ent
         }
         bare::saveEntry(files, bytes.journal, bytes.historyLine);
     }
+    bare::stat(files.script);
+    bare::read(files.script);
     bare::writeScript(files, bytes.script);
     ::close(lock);
 }
