@@ -116,10 +116,8 @@ void Strip::addActions(StripLine& line, NoticeKind kind) {
             line.addAction(tr("Show Restore Script"),
                            [this] { FileActions::showRestoreScript(model_, this); });
             return;
-        case NoticeKind::error:
-            return line.addDismissal([this] { model_.dismiss(&AppState::errorMessage); });
-        case NoticeKind::script:
-            return line.addDismissal([this] { model_.dismiss(&AppState::scriptNews); });
+        case NoticeKind::error: return line.addDismissal([this] { model_.dismiss(&AppState::errorMessage); });
+        case NoticeKind::script: return line.addDismissal([this] { model_.dismiss(&AppState::scriptNews); });
         case NoticeKind::incompleteUndo:
         case NoticeKind::failedRelaunch: return line.addDismissal([this] { dismiss(); });
         case NoticeKind::failedRecovery:
