@@ -145,7 +145,7 @@ void AppModel::dismissUpdate() {
     set(&AppState::macOSUpdate, std::nullopt, Topic::notices);
 }
 
-void AppModel::dismiss(std::optional<std::string> AppState::* message) {
+void AppModel::dismiss(std::optional<std::string> AppState::*message) {
     set(message, std::nullopt, Topic::notices);
 }
 

@@ -60,8 +60,8 @@ public:
     void refreshAll();
     void refreshShown();  // that, and what only the shown screen needs from the system's tools
     void lookAgain();     // likewise, but macOS is not asked for its list of background items
-    void dismiss(std::optional<std::string> AppState::* message);  // one that stays until then
-    void dismissUpdate();  // of macOS
+    void dismiss(std::optional<std::string> AppState::*message);  // one that stays until then
+    void dismissUpdate();                                         // of macOS
 
     // Tweaks. An active change is restored first, and made again when the new one fails. A value a write.
     void apply(const std::string& tweakID, std::optional<std::vector<PrefValue>> values = std::nullopt,
