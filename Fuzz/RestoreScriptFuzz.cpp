@@ -164,8 +164,8 @@ JournalEntry entryOf(Fields& fields) {
         return entry;
     }
     entry.kind = EntryKind::launchAgent;
-    entry.agent = {fields.next(), fields.next(), kind.size() % 2 == 0,
-                   kind.size() % 4 < 2 ? AgentOverride::disabled : AgentOverride::absent};
+    entry.agent = AgentCapture{fields.next(), fields.next(), kind.size() % 2 == 0,
+                               kind.size() % 4 < 2 ? AgentOverride::disabled : AgentOverride::absent};
     return entry;
 }
 
