@@ -26,8 +26,7 @@ bool isThere(const fs::path& folder) {
 std::optional<std::string> scriptOfUnknown(Journal& journal, const fs::path& folder) {
     for (const fs::path& script : RestoreScript::allIn(folder)) try {
             if (!RestoreScript::unknownChanges(script, journal).empty())
-                return script.string() +
-                       " undoes changes that the journal does not know; run it or move it elsewhere first";
+                return RestoreScript::undoesUnknown(script) + "; run it or move it elsewhere first";
         } catch (const ReadError& error) {
             return script.string() + " may undo changes that the journal does not know, and can't be read (" +
                    error.failure().reason + "); move it elsewhere first";

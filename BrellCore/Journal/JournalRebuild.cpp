@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <set>
 
 #include "BrellCore/Journal/Journal.h"
 #include "BrellCore/Journal/JournalPlace.h"
@@ -105,11 +106,18 @@ std::optional<fs::path> keepAside(const fs::path& file, std::string_view ending,
     throw cannotRebuild(error.failure().path, error.failure().code);
 }
 
+// None where the script can't be read.
+std::vector<std::string> unknownChangesIn(const fs::path& script, Journal& journal) try {
+    return RestoreScript::unknownChanges(script, journal);
+} catch (const ReadError&) {
+    return {};
+}
+
 // The script that stands there may know of a change whose history lines a power cut took: it is kept, too.
 void renewScript(Rebuilt& rebuilt, const fs::path& script, const RebuildPlan& plan, TimeStamp now) try {
     rebuilt.scriptBefore = RestoreScript::keepAside(script, now);
     rebuilt.isLacking =
-        rebuilt.scriptBefore && RestoreScript::undoesUnknown(script, *Journal::open(script.parent_path()));
+        rebuilt.scriptBefore && !unknownChangesIn(script, *Journal::open(script.parent_path())).empty();
     RestoreScript::save(script, RestoreScript::render(plan.entries, now));
 } catch (const std::exception& error) {
     rebuilt.scriptFailure = error.what();
@@ -138,8 +146,8 @@ std::vector<fs::path> keptScripts(const fs::path& folder) try {
     return {};  // none that could be read
 }
 
-// That one of these changes, by the names that scripts give them, has no end in the history.
-bool tellsOfActive(const fs::path& history, const std::vector<std::string>& changes) {
+// Those that have no end in the history, by the names that scripts give them.
+std::set<std::string> changesWithoutEnd(const fs::path& history) {
     RebuildPlanner planner;
     const auto take = [&](std::vector<HistoryLine>& lines, std::uintmax_t, std::uintmax_t) {
         planner.take(lines);
@@ -147,12 +155,11 @@ bool tellsOfActive(const fs::path& history, const std::vector<std::string>& chan
     };
     HistoryReading rest = readLastOfHistory(history, take);
     const RebuildPlan plan = std::move(planner).finish(std::move(rest));
-    return std::any_of(plan.entries.begin(), plan.entries.end(), [&](const JournalEntry& entry) {
-        const auto& overtaken = plan.overtaken;
-        const bool hasNoEnd =
-            entry.isActive() || std::count(overtaken.begin(), overtaken.end(), entry.id) > 0;
-        return hasNoEnd && std::count(changes.begin(), changes.end(), RestoreScript::nameOf(entry)) > 0;
-    });
+    const std::set<Uuid> overtaken(plan.overtaken.begin(), plan.overtaken.end());
+    std::set<std::string> names;
+    for (const JournalEntry& entry : plan.entries)
+        if (entry.isActive() || overtaken.contains(entry.id)) names.insert(RestoreScript::nameOf(entry));
+    return names;
 }
 
 }  // namespace
@@ -170,17 +177,19 @@ std::optional<std::string> journalDamage(const fs::path& directory) try {
     throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
 }
 
-std::optional<std::string> lackOfChanges(Journal& journal) try {
+std::optional<std::string> lackOfChanges(Journal& journal) {
     const fs::path folder = journal.fileURL().parent_path(), script = folder / RestoreScript::fileName;
-    if (auto lack = RestoreScript::undoesUnknown(script, journal)) return lack;
+    if (!unknownChangesIn(script, journal).empty()) return RestoreScript::undoesUnknown(script);
+    std::optional<std::set<std::string>> endless;  // the whole history is read for it: once, if at all
     for (const fs::path& kept : keptScripts(folder)) {
-        auto lack = kept == script ? std::nullopt : RestoreScript::undoesUnknown(kept, journal);
-        if (lack && tellsOfActive(journal.historyDirectory(), RestoreScript::unknownChanges(kept, journal)))
-            return lack;
+        const auto changes = kept == script ? std::vector<std::string>() : unknownChangesIn(kept, journal);
+        if (changes.empty()) continue;
+        if (!endless) endless = changesWithoutEnd(journal.historyDirectory());
+        if (std::any_of(changes.begin(), changes.end(),
+                        [&](const std::string& change) { return endless->contains(change); }))
+            return RestoreScript::undoesUnknown(kept);
     }
     return std::nullopt;
-} catch (const ReadError&) {
-    return std::nullopt;  // gone, or made unreadable, a moment ago
 }
 
 std::optional<RebuildPlan> planRebuild(const fs::path& directory, const RebuildProgress& goOn) {

@@ -40,8 +40,8 @@ std::string nameOf(const JournalEntry& entry);
 // one that the script was written for, or that one was removed. None where there is no script. Raises
 // ReadError and JournalError (cannotRead).
 std::vector<std::string> unknownChanges(const std::filesystem::path& file, Journal& journal);
-// That there are any, without a final stop; nothing where the script can't be read.
-std::optional<std::string> undoesUnknown(const std::filesystem::path& file, Journal& journal);
+// That there are any, without a final stop.
+std::string undoesUnknown(const std::filesystem::path& file);
 
 // One single-quoted shell word.
 std::string quote(std::string_view text);
