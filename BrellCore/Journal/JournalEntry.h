@@ -62,6 +62,9 @@ struct JournalEntry {
 
     // The change may be in force and must be undone by a restore; an interrupted one counts on purpose.
     bool isActive() const { return status == EntryStatus::capturing || status == EntryStatus::applied; }
+    // A LaunchAgent's that does not say how the agent was, as one edited by hand may be: it can only be
+    // closed.
+    bool lacksCapture() const { return kind == EntryKind::launchAgent && !agent; }
     bool operator==(const JournalEntry&) const = default;
 };
 

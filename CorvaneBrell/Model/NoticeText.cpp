@@ -44,7 +44,7 @@ std::string briefly(const OperatingSystemVersion& version) {
 
 // An interrupted change, or one of which the journal does not say enough, is told of elsewhere.
 bool isFinished(const JournalEntry& entry) {
-    return entry.status == EntryStatus::applied && (entry.agent || entry.kind == EntryKind::preference);
+    return entry.status == EntryStatus::applied && !entry.lacksCapture();
 }
 
 // Only where something is to be looked at.

@@ -312,7 +312,7 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
             continue;
         }
         // Of an agent without its capture the step only says that it stays.
-        if (entry.agent || entry.kind == EntryKind::preference) request.changes.others.push_back(entry.id);
+        if (!entry.lacksCapture()) request.changes.others.push_back(entry.id);
         request.steps.push_back(
             {deps_.titles.of(entry), std::move(now.words),
              entry.agent ? deps_.toggle.previewRestore(*entry.agent) : putBackLines(entry),

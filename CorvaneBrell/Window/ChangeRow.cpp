@@ -98,8 +98,7 @@ QWidget* ChangeRow::makeDetails() {
 void ChangeRow::showButtons() {
     restore_->setAccessibleName(tr("Restore %1").arg(title()));
     restore_->setAccessibleDescription(tr("Back to: %1").arg(qt(brell::wayBack(record_->entry))));
-    const bool isKnownHow = record_->entry.agent || record_->entry.kind == EntryKind::preference;
-    restore_->setEnabled(!record_->isLocked && isKnownHow);
+    restore_->setEnabled(!record_->isLocked && !record_->entry.lacksCapture());
     more_->setAccessibleName(tr("More for %1").arg(title()));
     more_->setToolTip(tr("More"));
     more_->setEnabled(!record_->isLocked);
