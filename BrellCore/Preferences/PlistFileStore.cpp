@@ -31,8 +31,9 @@ std::string textOf(const PlistFileStore::Values& values) {
     return writeXmlPropertyList({std::move(dictionary)});
 }
 
-std::variant<PlistFileStore::Values, StoreFailure> parse(const std::string& domain, const fs::path& file,
-                                                         std::string_view bytes) try {
+using Parsed = std::variant<std::monostate, PlistFileStore::Values, StoreFailure>;
+
+Parsed parse(const std::string& domain, const fs::path& file, std::string_view bytes) try {
     const PlistValue root = readPropertyList(bytes);
     const auto* dictionary = root.as<PlistDictionary>();
     if (!dictionary) return unreadable(file, "it does not hold a dictionary");
@@ -40,7 +41,7 @@ std::variant<PlistFileStore::Values, StoreFailure> parse(const std::string& doma
     for (const auto& [key, object] : dictionary->entries) {
         auto value = PrefValue::fromPropertyList(object);
         if (!value) return UnsupportedType{{domain, key}, propertyListTypeName(object)};
-        values.emplace(key, std::move(*value));
+        values.emplace_hint(values.end(), key, std::move(*value));  // a text of our own writing is in order
     }
     return values;
 } catch (const PlistError& error) {
@@ -191,18 +192,16 @@ StoredValue PlistFileStore::effectiveValueLocked(const PrefKey& key, Seen* seen)
 // The contents of the domain's file; parsed again only when the file is no longer the one that was parsed.
 const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& domain, Seen* seen) try {
     checkAllowed(domain);
+    auto& [file, identity, contents] = domainLocked(domain);
     const bool isSeen = seen && seen->contains(domain);
-    auto known = domains_.find(domain);
-    if (known == domains_.end() || (!isSeen && known->second.identity != identityOf(known->second.file))) {
-        Domain fresh{fileOf(directory_, domain), std::nullopt, Values()};
-        if (const auto contents = readFile(fresh.file, mostBytes)) {
-            fresh.identity = contents->identity;
-            fresh.contents = parse(domain, fresh.file, contents->bytes);
-        }
-        known = domains_.insert_or_assign(domain, std::move(fresh)).first;
+    const bool isRead = !std::holds_alternative<std::monostate>(contents);
+    if (!isRead || (!isSeen && identity != identityOf(file))) {
+        contents = std::monostate();  // until the reading went well
+        const auto read = readFile(file, mostBytes);
+        identity = read ? std::optional(read->identity) : std::nullopt;
+        contents = read ? parse(domain, file, read->bytes) : Values();
     }
     if (seen && !isSeen) seen->insert(domain);  // only now: a look that failed is no look
-    const auto& contents = known->second.contents;
     if (const auto* failure = std::get_if<StoreFailure>(&contents)) throw StoreError(*failure);
     return std::get<Values>(contents);
 } catch (const ReadError& error) {
@@ -212,14 +211,14 @@ const PlistFileStore::Values& PlistFileStore::valuesLocked(const std::string& do
 // To be changed and saved. The next reading looks at the file, which proves what really arrived in it.
 PlistFileStore::Values PlistFileStore::takenValuesLocked(const std::string& domain) {
     valuesLocked(domain);
-    const auto known = domains_.find(domain);
-    Values values = std::get<Values>(std::move(known->second.contents));
-    domains_.erase(known);
+    auto& contents = domainLocked(domain).contents;
+    Values values = std::get<Values>(std::move(contents));
+    contents = std::monostate();
     return values;
 }
 
 void PlistFileStore::saveLocked(const std::string& domain, const Values& values) {
-    const fs::path file = fileOf(directory_, domain);
+    const fs::path& file = domainLocked(domain).file;
     try {
         const std::string text = textOf(values);
         // A file that could not be read again could not be put back either. A small binary file can be a
@@ -232,6 +231,12 @@ void PlistFileStore::saveLocked(const std::string& domain, const Values& values)
     } catch (const ReplaceError& error) {
         throw unwritable(file, systemMessage(error.failure().code));
     }
+}
+
+PlistFileStore::Domain& PlistFileStore::domainLocked(const std::string& domain) {
+    const auto known = domains_.find(domain);
+    if (known != domains_.end()) return known->second;
+    return domains_.emplace(domain, Domain{fileOf(directory_, domain), std::nullopt, {}}).first->second;
 }
 
 fs::path PlistFileStore::fileOf(const fs::path& directory, const std::string& domain) {

@@ -58,7 +58,7 @@ private:
     struct Domain {
         std::filesystem::path file;  // put together once: a status asks for the same few again and again
         std::optional<FileIdentity> identity;  // of the file when it was read; nothing when there was none
-        std::variant<Values, StoreFailure> contents;
+        std::variant<std::monostate, Values, StoreFailure> contents;  // nothing: the file is to be read
     };
 
     class OneLook;
@@ -69,6 +69,7 @@ private:
     const Values& valuesLocked(const std::string& domain, Seen* seen = nullptr);
     Values takenValuesLocked(const std::string& domain);
     void saveLocked(const std::string& domain, const Values& values);
+    Domain& domainLocked(const std::string& domain);
 
     const std::filesystem::path directory_;
     const DomainSet allowedDomains_;

@@ -80,9 +80,9 @@ bool isXmlCharacter(std::int32_t codePoint) {
 }
 
 std::size_t firstNonXml(std::string_view text) {
+    constexpr auto isPlain = [](char c) { return isPrintableAscii(c) || c == '\t' || c == '\n'; };
     for (std::string_view rest = text;;) {
-        const auto look =
-            std::find_if_not(rest.begin(), rest.end(), isPrintableAscii);  // nearly everything is
+        const auto look = std::find_if_not(rest.begin(), rest.end(), isPlain);  // nearly everything is
         if (look == rest.end()) return std::string_view::npos;
         rest.remove_prefix(static_cast<std::size_t>(look - rest.begin()));
         const std::size_t at = text.size() - rest.size();

@@ -10,7 +10,9 @@ namespace brell::plist {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
 
 // The text that an entity stands for, given what is between "&" and ";".
 std::optional<std::int32_t> entityCharacter(std::string_view name) {
@@ -41,7 +43,8 @@ std::optional<unsigned> base64Value(char c) {
 }  // namespace
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
+    const auto written = std::find_if_not(text.begin(), text.end(), isBlank);
+    return text.substr(static_cast<std::size_t>(written - text.begin()));
 }
 
 void appendDecoded(std::string& text, std::string_view written) {
@@ -55,7 +58,8 @@ void appendDecoded(std::string& text, std::string_view written) {
             end == std::string_view::npos ? written.substr(1) : written.substr(1, end - 1);
         const auto character = entityCharacter(name);
         if (end == std::string_view::npos || !character)
-            refuse("&{} stands for no character", excerpt(name.substr(0, name.find_first_of(blanks))));
+            refuse("&{} stands for no character",
+                   excerpt({name.begin(), std::find_if(name.begin(), name.end(), isBlank)}));
         appendUtf8(text, *character);
         written.remove_prefix(end + 1);
     }
@@ -103,7 +107,7 @@ std::optional<std::string> decodedBase64(std::string_view text) {
     std::uint32_t group = 0;
     int digits = 0, fill = 0;
     for (const char c : text) {
-        if (blanks.find(c) != std::string_view::npos) continue;
+        if (isBlank(c)) continue;
         const bool filling = c == '=' && digits >= 2;
         const auto value = filling ? 0u : base64Value(c);
         if (!value || (fill > 0 && !filling)) return std::nullopt;

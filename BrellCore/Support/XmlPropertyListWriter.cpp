@@ -34,6 +34,17 @@ std::array<char, 4> base64Group(std::string_view bytes) {
     return characters;
 }
 
+// What stands for a character that is markup; empty for any other.
+std::string_view entityOf(char c) {
+    switch (c) {
+        case '&': return "&amp;";
+        case '<': return "&lt;";
+        case '>': return "&gt;";
+        case '\r': return "&#13;";  // by the rules of XML a bare one may be read as a line feed
+        default: return {};
+    }
+}
+
 // Appends one value after the other; visited with what a PlistValue holds.
 class XmlWriter {
 public:
@@ -125,13 +136,14 @@ void XmlWriter::element(std::string_view name, std::string_view contents, int ex
 void XmlWriter::escaped(std::string_view contents) {
     if (!isXmlText(contents))
         refuse("the text \"{}\" holds something that is no character of XML text", excerpt(contents));
-    for (const char c : contents) switch (c) {
-            case '&': xml += "&amp;"; break;
-            case '<': xml += "&lt;"; break;
-            case '>': xml += "&gt;"; break;
-            case '\r': xml += "&#13;"; break;  // by the rules of XML a bare one may be read as a line feed
-            default: xml += c;
-        }
+    const auto isMarkup = [](char c) { return !entityOf(c).empty(); };
+    for (auto at = contents.begin();;) {
+        const auto markup = std::find_if(at, contents.end(), isMarkup);
+        xml.append(at, markup);
+        if (markup == contents.end()) return;
+        xml += entityOf(*markup);
+        at = markup + 1;
+    }
 }
 
 }  // namespace
