@@ -17,7 +17,7 @@ namespace {
 
 class RemoveOnExit {
 public:
-    explicit RemoveOnExit(fs::path file) : file_(std::move(file)) {}
+    explicit RemoveOnExit(const fs::path& file) : file_(file) {}
     RemoveOnExit(const RemoveOnExit&) = delete;
     RemoveOnExit& operator=(const RemoveOnExit&) = delete;
     ~RemoveOnExit() {
@@ -26,7 +26,7 @@ public:
     void dismiss() { dismissed_ = true; }
 
 private:
-    fs::path file_;
+    const fs::path& file_;
     bool dismissed_ = false;
 };
 
@@ -63,7 +63,6 @@ ReplaceError::~ReplaceError() = default;
 
 void replaceFile(const fs::path& target, std::string_view contents, Durability durability,
                  unsigned permissions) {
-    const fs::path folder = target.parent_path();
     const fs::path temporary = temporaryFor(target);  // in the same folder, so the rename is atomic
     const auto failedAt = [&](ReplaceStep step, const fs::path& path) {
         const int code = errno;  // first: copying the path may change it
@@ -72,7 +71,7 @@ void replaceFile(const fs::path& target, std::string_view contents, Durability d
 
     std::error_code noFolder;
     UniqueFd file = openInFolder(temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions, noFolder);
-    if (noFolder) throw ReplaceError({ReplaceStep::createFolder, folder, noFolder.value()});
+    if (noFolder) throw ReplaceError({ReplaceStep::createFolder, target.parent_path(), noFolder.value()});
     if (!file) throw failedAt(ReplaceStep::create, temporary);
     RemoveOnExit leftover(temporary);
 
@@ -85,7 +84,7 @@ void replaceFile(const fs::path& target, std::string_view contents, Durability d
     if (::rename(temporary.c_str(), target.c_str()) != 0) throw failedAt(ReplaceStep::rename, target);
     leftover.dismiss();
     // Best effort: the new file is already in place when its folder's entry is flushed.
-    if (durability == Durability::powerCut) flushFolder(folder);
+    if (durability == Durability::powerCut) flushFolder(target.parent_path());
 }
 
 }  // namespace brell

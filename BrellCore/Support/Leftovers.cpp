@@ -46,8 +46,11 @@ void removeLeftoversIn(const fs::path& folder, const std::vector<std::string>& t
 }  // namespace
 
 fs::path temporaryFor(const fs::path& target) {
-    return target.parent_path() /
-           ("." + target.filename().string() + "." + Uuid::random().text() + std::string(ending));
+    std::string file = target.string();
+    file.insert(file.rfind('/') + 1, ".");  // npos + 1 is the begin of a name without a folder
+    file += "." + Uuid::random().text();
+    file += ending;
+    return file;
 }
 
 fs::path targetOf(const fs::path& temporary) {
