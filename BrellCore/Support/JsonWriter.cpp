@@ -33,7 +33,6 @@ void JsonWriter::key(std::string_view name) {
 }
 
 void JsonWriter::string(std::string_view text) {
-    if (!isUtf8(text)) throw JsonWriteError("text that is not UTF-8 can't be saved");
     beforeValue();
     quoted(text);
 }
@@ -100,6 +99,7 @@ void JsonWriter::quoted(std::string_view text) {
         if (text.empty()) break;
         const std::string_view before = text;
         const std::int32_t codePoint = nextCodePoint(text);
+        if (codePoint < 0) throw JsonWriteError("text that is not UTF-8 can't be saved");
         switch (codePoint) {
             case '"': text_ += "\\\""; break;
             case '\\': text_ += "\\\\"; break;
@@ -107,7 +107,7 @@ void JsonWriter::quoted(std::string_view text) {
             case '\r': text_ += "\\r"; break;
             case '\t': text_ += "\\t"; break;
             default:
-                if (codePoint >= 0 && steersATerminal(codePoint))
+                if (steersATerminal(codePoint))
                     text_ += escaped(codePoint);
                 else
                     text_ += before.substr(0, before.size() - text.size());

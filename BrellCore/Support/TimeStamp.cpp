@@ -24,6 +24,11 @@ unsigned digits(std::string_view text, std::size_t at) {
     return number;
 }
 
+void setTwoDigits(std::string& text, std::size_t at, std::int64_t number) {
+    text[at] = static_cast<char>('0' + number / 10);
+    text[at + 1] = static_cast<char>('0' + number % 10);
+}
+
 bool hasTheMarks(std::string_view text) {
     return text.size() == 20 && text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' &&
            text[16] == ':' && text[19] == 'Z';
@@ -46,9 +51,14 @@ std::string iso8601(TimeStamp time) {
     const auto day = chr::floor<chr::days>(time);
     const chr::year_month_day date(day);
     const chr::hh_mm_ss clock(time - day);
-    return fmt::format(FMT_COMPILE("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z"), static_cast<int>(date.year()),
-                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                       clock.hours().count(), clock.minutes().count(), clock.seconds().count());
+    std::string text = fmt::format(FMT_COMPILE("{:04}-00-00T00:00:00Z"), static_cast<int>(date.year()));
+    const std::size_t behindYear = text.size() - std::string_view("00-00T00:00:00Z").size();
+    setTwoDigits(text, behindYear, unsigned{date.month()});
+    setTwoDigits(text, behindYear + 3, unsigned{date.day()});
+    setTwoDigits(text, behindYear + 6, clock.hours().count());
+    setTwoDigits(text, behindYear + 9, clock.minutes().count());
+    setTwoDigits(text, behindYear + 12, clock.seconds().count());
+    return text;
 }
 
 std::optional<TimeStamp> parseIso8601(std::string_view text) {
