@@ -116,12 +116,12 @@ private:
 
     void openItem() {
         finishItem();
-        item_.emplace();
+        item_ = section_ ? &section_->emplace_back() : &(nobodys_ = {});
     }
 
     void finishItem() {
-        if (item_ && section_ && !item_->id.empty()) section_->push_back(*std::move(item_));
-        item_.reset();
+        if (item_ && section_ && item_->id.empty()) section_->pop_back();
+        item_ = nullptr;
         inEmbedded_ = false;
     }
 
@@ -172,7 +172,8 @@ private:
     BTMDump dump_;
     bool seenSection_ = false;
     std::vector<BTMItem>* section_ = nullptr;  // of dump_; nullptr: what follows belongs to nobody
-    std::optional<BTMItem> item_;
+    BTMItem* item_ = nullptr;  // the last of section_, or nobodys_
+    BTMItem nobodys_;
     bool inEmbedded_ = false;
 };
 
