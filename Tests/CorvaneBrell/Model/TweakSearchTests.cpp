@@ -52,9 +52,10 @@ TEST_F(TweakSearchTest, TheRightRowComesFirst) {
         for (std::size_t i = 1; i < row.size(); ++i) EXPECT_EQ(first(row[i]), row[0]) << row[i];
 }
 
-TEST_F(TweakSearchTest, EveryTweakIsFoundFirstByItsTitleAndItsKeys) {
+TEST_F(TweakSearchTest, EveryTweakIsFoundFirstByItsTitleItsKeysAndWhatItDoes) {
     for (const Tweak& tweak : catalog.all()) {
-        EXPECT_EQ(first(tweak.title), tweak.id);
+        for (const std::string_view own : {tweak.title, tweak.id, tweak.explanation.what})
+            EXPECT_EQ(first(own), tweak.id) << own;
         for (const Write& write : tweak.writes) EXPECT_EQ(first(write.key.rendered()), tweak.id);
         EXPECT_FALSE(tweak.searchWords.empty()) << tweak.id;
     }
