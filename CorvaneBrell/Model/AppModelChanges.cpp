@@ -13,15 +13,6 @@ namespace {
 
 constexpr const char* applyingAgain = "Applying again what was reset";
 
-// The user sees them first, as before the change itself.
-bool runsCommands(const SessionChange& action, const std::vector<JournalEntry>& entries) {
-    std::set<Uuid> concerned(action.made.begin(), action.made.end());
-    concerned.insert(action.restored.begin(), action.restored.end());
-    return std::any_of(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
-        return entry.agent && concerned.contains(entry.id);
-    });
-}
-
 std::string restoringText(std::size_t changes) {
     return changes == 1 ? "Restoring a change" : "Restoring changes";
 }
@@ -149,8 +140,7 @@ void AppModel::restoreAnswered(const DriftRequest& changes, const std::set<Uuid>
 void AppModel::undoLast() {
     const SessionChange* last = state_.undo.next();
     if (!last || state_.changeActivity) return;
-    if (!runsCommands(*last, state_.entries))
-        return change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
+    if (!last->runsCommands) return change("Undoing " + last->name, {}, &ChangeWork::undoAction, *last);
     const auto done = [this, action = *last](JobResult<RestoreRequest> request) {
         if (!request.value || !request.value->isEmpty()) return showRestore(std::move(request));
         set(&AppState::undo, state_.undo.after({{}, action, {}}), Topic::journal);

@@ -1,14 +1,26 @@
 #include "CorvaneBrell/Model/ChangeOutcome.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 
 namespace brell {
 
+namespace {
+
+bool hasAgent(const std::vector<JournalEntry>& entries) {
+    return std::any_of(entries.begin(), entries.end(),
+                       [](const JournalEntry& entry) { return entry.agent.has_value(); });
+}
+
+}  // namespace
+
 std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name, LeadsTo leadsTo) {
     if (outcome.made.empty() && outcome.restored.empty()) return std::nullopt;
-    SessionChange action{std::move(name), idsOf(outcome.made), {}};
-    if (leadsTo == LeadsTo::whatItRestored) action.restored = idsOf(outcome.restored);
+    SessionChange action{std::move(name), idsOf(outcome.made), {}, hasAgent(outcome.made)};
+    if (leadsTo == LeadsTo::theOriginals) return action;
+    action.restored = idsOf(outcome.restored);
+    action.runsCommands |= hasAgent(outcome.restored);
     return action;
 }
 

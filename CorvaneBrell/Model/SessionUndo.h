@@ -14,6 +14,7 @@ struct SessionChange {
     std::string name;  // of the tweak or agent
     std::vector<Uuid> made;
     std::vector<Uuid> restored;
+    bool runsCommands = false;  // undoing it does, which shows them first
     bool operator==(const SessionChange&) const = default;
 };
 

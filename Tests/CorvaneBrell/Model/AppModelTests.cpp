@@ -72,6 +72,21 @@ TEST_F(AppModelTest, WhileAnAgentIsSwitchedItIsToldWhatIsWaitedFor) {
               (Texts{"Turning off " + duskwatch, "Waiting up to 10 seconds for " + duskwatch + " to end"}));
 }
 
+// Before everything is read again the entries do not tell.
+TEST_F(AppModelTest, AnUndoThatRunsCommandsShowsThemHoweverSoonItIsAskedFor) {
+    open();
+    settled()->loadLoginItems();
+    settled()->askAgents({"user:" + fileOf("com.lumenfold.sync").string()}, false);
+    bool isAsked = false;
+    model->setObserver([&](Topic) {
+        if (state().undo.next() && !state().changeActivity && !std::exchange(isAsked, true))
+            model->undoLast();
+    });
+    settled()->confirmAgents();
+    EXPECT_TRUE(isAsked && state().restoreRequest);
+    EXPECT_TRUE(state().entries.front().isActive());
+}
+
 TEST(AgentConfirmRequest, SaysWhereItLeads) {
     for (const Texts& row : sampleRows("Words/agent-targets.txt")) {
         AgentConfirmRequest request{};
