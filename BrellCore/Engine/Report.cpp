@@ -107,19 +107,17 @@ void appendHistory(Lines& lines, const TweakCatalog& catalog, const std::vector<
 }  // namespace
 
 std::string markdown(Journal& journal, const TweakCatalog& catalog, std::string_view osVersion,
-                     TimeStamp date, const std::vector<JournalEntry>& drifted) {
+                     TimeStamp date, const std::vector<JournalEntry>& drifted,
+                     const std::optional<std::string>& lack) {
     std::vector<JournalEntry> preferences, agents;
     for (JournalEntry& entry : journal.active())
         (entry.kind == EntryKind::preference ? preferences : agents).push_back(std::move(entry));
 
-    Lines lines{"# What changed on this Mac",
-                "",
-                iso8601(date) + " · macOS " + std::string(osVersion),
-                "",
-                "## Summary",
-                "",
-                "- Active changes: " + std::to_string(preferences.size()),
-                "- Login items changed by Brell: " + std::to_string(agents.size())};
+    Lines lines{"# What changed on this Mac", "", iso8601(date) + " · macOS " + std::string(osVersion), ""};
+    // First, because the summary counts and claims without them.
+    if (lack) lines.insert(lines.end(), {"Changes are missing from this report: " + cell(*lack) + ".", ""});
+    lines.insert(lines.end(), {"## Summary", "", "- Active changes: " + std::to_string(preferences.size()),
+                               "- Login items changed by Brell: " + std::to_string(agents.size())});
     if (!drifted.empty()) lines.push_back("- Changed outside Brell: " + std::to_string(drifted.size()));
 
     lines.insert(lines.end(), {"", "## Active changes", ""});

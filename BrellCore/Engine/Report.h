@@ -1,6 +1,7 @@
 // The Markdown document that tells what changed on this Mac.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,9 +13,10 @@ namespace brell::Report {
 
 inline constexpr std::string_view fileName = "corvane-brell-report.md";
 
-// drifted: the applied entries whose keys no longer hold what was written. Raises JournalError when the
-// journal can't be read.
+// drifted: the applied entries whose keys no longer hold what was written; lack: why changes are missing from
+// the journal, without its full stop. Raises JournalError when the journal can't be read.
 std::string markdown(Journal& journal, const TweakCatalog& catalog, std::string_view osVersion,
-                     TimeStamp date, const std::vector<JournalEntry>& drifted);
+                     TimeStamp date, const std::vector<JournalEntry>& drifted,
+                     const std::optional<std::string>& lack = {});
 
 }  // namespace brell::Report

@@ -7,11 +7,8 @@
 
 #include "BrellCore/Background/JobProgram.h"
 #include "BrellCore/Engine/Drift.h"
-#include "BrellCore/Engine/Report.h"
 #include "BrellCore/Journal/JournalLeaving.h"
-#include "BrellCore/Journal/OwnFiles.h"
 #include "BrellCore/Preferences/PreferenceStore.h"
-#include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/FileContents.h"
 #include "BrellCore/Support/Text.h"
 #include "CorvaneBrell/Dependencies.h"
@@ -58,17 +55,6 @@ bool isListed(const fs::path& folder) {
     std::error_code failed, unknown;
     const fs::directory_iterator first(folder, failed);
     return !failed || fs::symlink_status(folder, unknown).type() == fs::file_type::not_found;
-}
-
-fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
-    if (isOfTheJournal(file, journal))
-        throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
-    std::error_code unknown;  // replacing it will say why
-    if (const auto found = fs::symlink_status(file, unknown); exists(found) && !is_regular_file(found))
-        throw std::runtime_error(file.string() + " is not an ordinary file; choose another name.");
-    constexpr unsigned permissions = 0644;  // a script that others may write is a trap, whatever the umask
-    replaceFile(file, contents, Durability::powerCut, permissions);
-    return file;
 }
 
 }  // namespace
@@ -379,21 +365,6 @@ RebuildProgress ReadingWork::rebuildProgress() {
 
 std::string ReadingWork::restoreScript() {
     return deps_.engine.restoreScriptText();
-}
-
-fs::path ReadingWork::saveRestoreScript(const fs::path& file) {
-    return save(file, restoreScript(), *deps_.journal);
-}
-
-fs::path ReadingWork::saveReport(const fs::path& file) {
-    const std::string report = Report::markdown(*deps_.journal, deps_.catalog, deps_.machine.osVersion.text(),
-                                                systemNow(), deps_.engine.driftedEntries());
-    return save(file, report, *deps_.journal);
-}
-
-fs::path ReadingWork::savePreset(const fs::path& file, const Preset& preset) {
-    PresetFile::checkName(preset.name);
-    return save(file, PresetFile::encode(preset), *deps_.journal);
 }
 
 }  // namespace brell

@@ -276,4 +276,20 @@ TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
     EXPECT_NE(contentsOf(journal / "report.md").find("Hide the Dock automatically"), std::string::npos);
 }
 
+TEST_F(LaneWorkTest, AReportSaysFirstThatChangesAreMissingFromIt) {
+    made("dock.size");
+    const fs::path journal = dependencies.journalDirectory(), file = folder.path / "report.md";
+    const std::string older = contentsOf(journal / "journal.json");
+    made("dock.autohide");
+    const std::string lack =
+        "\n\nChanges are missing from this report: " + (journal / "restore.sh").string() +
+        " undoes changes that the journal does not know.\n\n## Summary\n";
+    readings.saveReport(file);
+    EXPECT_EQ(contentsOf(file).find("missing"), std::string::npos);
+    setContents(journal / "journal.json", older);
+    Dependencies opened(options, out);
+    ReadingWork(opened, progress).saveReport(file);
+    EXPECT_NE(contentsOf(file).find(lack), std::string::npos) << contentsOf(file).substr(0, 400);
+}
+
 }  // namespace brell::testing
