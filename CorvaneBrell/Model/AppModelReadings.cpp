@@ -155,6 +155,7 @@ void AppModel::askPreset(const Preset& preset) {
 void AppModel::importPreset(const fs::path& file) {
     const auto done = [this](const JobResult<DecodedPreset>& decoded) {
         if (!decoded.value) return fail(decoded.error);
+        readLoginItems({false, tasks_});  // what was shown is so no more
         if (state_.presetRequest) return;  // read while another was: the open one is answered first
         PresetPlan plan = planPreset(decoded.value->preset, surroundings(*deps_, state_));
         plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(), decoded.value->unknown.end());

@@ -56,11 +56,6 @@ void tryStep(std::vector<std::string>& failures, Step step) try {
 
 }  // namespace
 
-LaunchAgentRecord switchedAgent(const AgentCapture& before) {
-    return {LaunchAgentPlist::read(before.plistPath), AgentScope::user, before.override,
-            LoadedState::unknown()};
-}
-
 ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
     : deps_(dependencies), progress_(progress) {
     // Agents are switched and put back by this work only.
@@ -182,6 +177,7 @@ ChangeOutcome ChangeWork::applyAgain(const std::vector<DriftedEntry>& shown) {
             // Before it is restored, which would leave neither their value nor Brell's.
             if (const auto why = whyNotAgain(*entry, deps_.catalog, deps_.macOSMajor()))
                 throw EngineError(Refused{deps_.titles.of(*entry) + ": " + *why});
+            if (entry->agent) switchedAgent(deps_.toggle.folder(), *entry->agent);
             if (restoreUnlessDrifted(outcome, *entry, &one)) return makeAgain(outcome, *entry);
             outcome.failures.push_back(deps_.titles.of(*entry) +
                                        " was changed once more and is left as it is. Look at it again.");
@@ -227,29 +223,6 @@ ChangeOutcome ChangeWork::recover() {
     }
     if (!drifted.empty()) ask(outcome, drifted, {});
     return finished(std::move(outcome));
-}
-
-ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
-    ChangeOutcome outcome;
-    outcome.agentsTouched = true;
-    for (const LaunchAgentRecord& agent : request.agents) {
-        if (progress_.isEnding()) break;
-        progress_.tell(outcome.made.size() + outcome.restored.size(), request.agents.size());
-        tryStep(outcome.failures, [&] {
-            JournalEntry entry = request.turningOn ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
-            (entry.status == EntryStatus::restored ? outcome.restored : outcome.made)
-                .push_back(std::move(entry));
-        });
-    }
-    const std::vector<JournalEntry>& switched = outcome.made.empty() ? outcome.restored : outcome.made;
-    outcome.undo.done = actionOf(outcome, (request.turningOn ? "Turn On " : "Turn Off ") + namesOf(switched));
-    return finished(std::move(outcome));
-}
-
-std::string ChangeWork::namesOf(const std::vector<JournalEntry>& switched) {
-    if (switched.size() != 1) return counted(switched.size(), "Item", "Items");
-    deps_.titles.learn(switched.front());
-    return deps_.titles.of(switched.front());
 }
 
 bool ChangeWork::leave(const TakeAway& takeAway) {
@@ -339,12 +312,6 @@ void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
     } else {
         outcome.made.push_back(deps_.engine.resetToDefault(*tweak));
     }
-}
-
-JournalEntry ChangeWork::switchedAgain(const AgentCapture& before) {
-    const LaunchAgentRecord agent = switchedAgent(before);
-    return AgentCommands::switchOf(before) == AgentSwitch::on ? deps_.toggle.turnOn(agent)
-                                                              : deps_.toggle.turnOff(agent);
 }
 
 // The question says what the keys hold now.

@@ -15,8 +15,11 @@ namespace brell {
 
 struct Dependencies;
 
-// The agent of a change, to be switched once more. Raises std::exception when its file can't be read.
-LaunchAgentRecord switchedAgent(const AgentCapture& before);
+// Raises std::exception, naming the file, when an agent's job file is gone.
+void checkJobFile(const LaunchAgentRecord& agent);
+// The agent of a change, to be switched once more. Raises std::exception when no file of the user's
+// LaunchAgents folder has its label any more.
+LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before);
 
 // Of one thread; it shares nothing with the main thread but the collaborators, which must outlive it. Every
 // operation may raise std::exception, and has then changed nothing that it would tell of.

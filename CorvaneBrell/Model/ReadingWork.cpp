@@ -240,6 +240,7 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
             request.refusals.push_back(error.what());
         }
     }
+            checkJobFile(agent);
     request.title = std::string(turnOn ? "Turn on " : "Turn off ") +
                     (request.agents.size() == 1 ? request.agents.front().label().value_or("")
                                                 : std::to_string(request.agents.size()) + " items");
@@ -278,7 +279,10 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
         if (isChangedAnew) continue;
         std::vector<std::string> commands;
         if (const auto& agent = entry.agent)
-            commands = deps_.toggle.preview(switchedAgent(*agent), AgentCommands::switchOf(*agent)).commands;
+            commands =
+                deps_.toggle
+                    .preview(switchedAgent(deps_.toggle.folder(), *agent), AgentCommands::switchOf(*agent))
+                    .commands;
         request.steps.push_back(makingAgain(entry, std::move(commands)));
     }
     return request;
