@@ -203,6 +203,7 @@ void AppModel::showEverything(Everything everything) {
     }
     if (isOther) announce(Topic::journal);
     if (state_.interrupted.empty()) set(&AppState::recoveryFailures, {}, Topic::notices);
+    readRecovery();
 }
 
 std::vector<std::string> AppModel::changedTweaks() const {

@@ -84,10 +84,8 @@ public:
     void undoLast();
     void applyAgain(const std::vector<Uuid>& entries);  // what others reset; the first originals are kept
     void keepTheirs(const std::vector<Uuid>& entries);  // closes what others changed, without writing
-
-    // Interrupted changes of an earlier run.
-    void recover();
-    void deferRecovery();
+    void recover();        // what an earlier run left unfinished; commands are shown before they run
+    void deferRecovery();  // until the next run, or until it is asked for
 
     // A damaged journal. One that was damaged when Brell was opened is rebuilt for the next run.
     void askRebuild();
@@ -146,6 +144,7 @@ private:
     void showEverything(Everything everything);
     RebuiltFor rebuiltFor() const;
     void readLeaving();
+    void readRecovery();  // what the sheet about it has to show
     void countChanges(const std::vector<JournalEntry>& entries);
     void readShown(const TaskSource& tasks);
     void readLoginItems(const TaskSource& tasks);

@@ -166,8 +166,13 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     questions_.run("", &ReadingWork::applyingAgain, done, std::move(shown));
 }
 
+// What runs commands shows them first; where that was put off, it is asked for once more.
 void AppModel::recover() {
-    change("Restoring interrupted changes", {}, &ChangeWork::recover);
+    const bool runsCommands = std::any_of(state_.interrupted.begin(), state_.interrupted.end(),
+                                          [](const JournalEntry& entry) { return entry.agent.has_value(); });
+    if (state_.recoveryDeferred && runsCommands)
+        return set(&AppState::recoveryDeferred, false, Topic::question);
+    change("Restoring interrupted changes", {}, &ChangeWork::recover, state_.recoveryCommands);
 }
 
 void AppModel::deferRecovery() {

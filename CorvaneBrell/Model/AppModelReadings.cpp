@@ -128,6 +128,22 @@ void AppModel::loadVolumes() {
     readings_.run("", &ReadingWork::volumes, done, soFar);
 }
 
+void AppModel::readRecovery() {
+    std::vector<JournalEntry> agents;
+    std::copy_if(state_.interrupted.begin(), state_.interrupted.end(), std::back_inserter(agents),
+                 [](const JournalEntry& entry) { return entry.agent.has_value(); });
+    if (agents.empty()) return;
+    const auto done = [this, agents](JobResult<RecoveryCommands> commands) {
+        if (!commands.value) {
+            commands.value.emplace();
+            for (const JournalEntry& entry : agents)
+                commands.value->emplace(entry.id, std::vector{"Not known: " + commands.error});
+        }
+        set(&AppState::recoveryCommands, *std::move(commands.value), Topic::question);
+    };
+    questions_.run("", &ReadingWork::recovering, done, std::move(agents));
+}
+
 void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
     const std::set<std::string> asked(rowIDs.begin(), rowIDs.end());
     std::vector<LaunchAgentRecord> agents;
@@ -139,6 +155,7 @@ void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
         const AgentConfirmRequest& read = *request.value;
         if (!read.agents.empty()) return set(&AppState::agentConfirm, read, Topic::question);
         fail(read.refusals.empty() ? "This item cannot be changed here." : read.refusals.front());
+        readLoginItems({false, tasks_});  // what was shown is so no more
     };
     questions_.run("", &ReadingWork::agentConfirm, done, std::move(agents), turnOn);
 }
@@ -155,7 +172,6 @@ void AppModel::askPreset(const Preset& preset) {
 void AppModel::importPreset(const fs::path& file) {
     const auto done = [this](const JobResult<DecodedPreset>& decoded) {
         if (!decoded.value) return fail(decoded.error);
-        readLoginItems({false, tasks_});  // what was shown is so no more
         if (state_.presetRequest) return;  // read while another was: the open one is answered first
         PresetPlan plan = planPreset(decoded.value->preset, surroundings(*deps_, state_));
         plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(), decoded.value->unknown.end());

@@ -104,6 +104,7 @@ struct AppState {
 
     // Topic::question
     bool recoveryDeferred = false;
+    RecoveryCommands recoveryCommands;  // of the interrupted agents, once they are read
     std::optional<DriftRequest> driftRequest;
     std::optional<AgentConfirmRequest> agentConfirm;
     std::optional<RelaunchRequest> relaunchRequest;

@@ -206,10 +206,17 @@ ChangeOutcome ChangeWork::keepTheirs(const std::vector<Uuid>& ids) {
     return finished(std::move(outcome));
 }
 
-ChangeOutcome ChangeWork::recover() {
+ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
     ChangeOutcome outcome;
     outcome.recoveryFailures.emplace();
+    const auto areShown = [&](const JournalEntry& entry) {
+        const auto found = shown.find(entry.id);
+        return found != shown.end() && found->second == puttingBack(deps_.toggle, *entry.agent);
+    };
     for (const JournalEntry& entry : deps_.engine.interruptedEntries()) {
+        if (entry.agent && !areShown(entry))
+            throw std::runtime_error(deps_.titles.of(entry) +
+                                     " is put back by other commands than were shown. Look at it again.");
         outcome.agentsTouched = outcome.agentsTouched || entry.agent;
         noteKeys(outcome, entry.tweakID);
     }

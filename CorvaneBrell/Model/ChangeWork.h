@@ -13,10 +13,13 @@
 
 namespace brell {
 
+class AgentToggle;
 struct Dependencies;
 
 // Raises std::exception, naming the file, when an agent's job file is gone.
 void checkJobFile(const LaunchAgentRecord& agent);
+// The commands that put an agent back; in their place why none is run, or why that is not known.
+std::vector<std::string> puttingBack(const AgentToggle& toggle, const AgentCapture& before);
 // The agent of a change, to be switched once more. Raises std::exception when no file of the user's
 // LaunchAgents folder has its label any more.
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before);
@@ -45,8 +48,8 @@ public:
     ChangeOutcome applyAgain(const std::vector<DriftedEntry>& shown);
     // Closes changes that others changed since, without writing: what is there now stays.
     ChangeOutcome keepTheirs(const std::vector<Uuid>& ids);
-    // Restores what an earlier run left unfinished.
-    ChangeOutcome recover();
+    // Restores what an earlier run left unfinished, unless that runs other commands than were shown.
+    ChangeOutcome recover(const RecoveryCommands& shown);
 
     ChangeOutcome switchAgents(const AgentConfirmRequest& request);
     // Applies what is valid, in order, and reports the rest.

@@ -297,6 +297,13 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
         if (const auto elsewhere =
                 cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
             now.words += "\n" + *elsewhere;
+RecoveryCommands ReadingWork::recovering(const std::vector<JournalEntry>& agents) {
+    RecoveryCommands commands;
+    for (const JournalEntry& entry : agents)
+        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent));
+    return commands;
+}
+
         if (entry.kind == EntryKind::preference && needsConsent(entry, *preferences)) {
             request.changes.entries.push_back(std::move(now));
             continue;

@@ -1,6 +1,7 @@
 // The questions to the user, each a plain value: a sheet is open exactly while its request is there.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,6 +74,9 @@ struct RestoreStep {
     bool runsCommands;
     bool operator==(const RestoreStep&) const = default;
 };
+
+// The commands that put interrupted agents back, by their entries.
+using RecoveryCommands = std::map<Uuid, std::vector<std::string>>;
 
 // Everything that a restore, or applying again, would do, and which of it was changed by others since and is
 // asked for.

@@ -18,6 +18,15 @@ std::string_view wordsFor(const AgentTarget& target) {
            "off.";
 }
 
+// While a change is under way, an entry that is not complete is no interrupted one; and what runs commands
+// waits until they can be shown.
+bool asksForRecovery(const AppState& state) {
+    if (state.interrupted.empty() || state.recoveryDeferred || state.changeActivity) return false;
+    return std::all_of(state.interrupted.begin(), state.interrupted.end(), [&](const JournalEntry& entry) {
+        return !entry.agent || state.recoveryCommands.contains(entry.id);
+    });
+}
+
 }  // namespace
 
 std::string AgentConfirmRequest::explanation() const {
@@ -54,9 +63,8 @@ std::optional<SheetRequest> sheetRequest(const AppState& state, const std::vecto
     if (state.leavingReport) return *state.leavingReport;
     if (state.rebuildReport) return *state.rebuildReport;
     if (state.rebuildRequest) return *state.rebuildRequest;
-    // While a change is under way, an entry that is not complete is no interrupted one.
-    if (!state.interrupted.empty() && !state.recoveryDeferred && !state.changeActivity)
-        return RecoveryRequest{state.interrupted, state.recoveryFailures};
+    if (asksForRecovery(state))
+        return RecoveryRequest{state.interrupted, state.recoveryFailures, state.recoveryCommands};
     if (state.driftRequest) return *state.driftRequest;
     if (state.agentConfirm) return *state.agentConfirm;
     if (state.relaunchRequest) return *state.relaunchRequest;

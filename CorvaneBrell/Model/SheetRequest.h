@@ -14,6 +14,7 @@ namespace brell {
 struct RecoveryRequest {
     std::vector<JournalEntry> entries;
     std::vector<std::string> failures;  // of the last attempt to put them back
+    RecoveryCommands commands;          // of every agent among them
     bool operator==(const RecoveryRequest&) const = default;
 };
 

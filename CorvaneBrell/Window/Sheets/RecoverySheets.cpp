@@ -11,17 +11,20 @@ namespace brell {
 
 namespace {
 
-QWidget* entryRow(const JournalEntry& entry, const TweakCatalog& catalog) {
+// Commands are in plain sight, keys where they are asked for.
+QWidget* entryRow(const JournalEntry& entry, const RecoveryCommands& commands, const TweakCatalog& catalog) {
     const QString title = qt(entryTitle(entry, catalog));
     std::vector<QWidget*> parts{new Paragraph(title, Paragraph::Look::heading)};
     if (entry.agent)
-        parts.push_back(new Paragraph(QObject::tr("A login item: it is switched back to how it was."),
+        parts.push_back(new Paragraph(QObject::tr("A login item. Restoring it runs:"),
                                       Paragraph::Look::secondary));
     else
         parts.push_back(new Paragraph(qt(changeWords(entry, catalog)), Paragraph::Look::secondary));
     if (const auto failure = failureWords(entry))
         parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*failure), nullptr));
-    if (!entry.agent) parts.push_back(forExperts(title, putBackLines(entry)));
+    parts.push_back(entry.agent
+                        ? keyLines(QObject::tr("What is done to %1").arg(title), commands.at(entry.id))
+                        : forExperts(title, putBackLines(entry)));
     return sheetRow(parts);
 }
 
@@ -36,8 +39,8 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const RecoveryRequest& request
         return sheetRow(
             {symbolLine("exclamationmark.triangle", Tone::critical, qt(failures[place]), nullptr)});
     });
-    sheet->addCard(request.entries.size(), [&model, entries = request.entries](std::size_t place) {
-        return entryRow(entries[place], model.catalog());
+    sheet->addCard(request.entries.size(), [&model, request](std::size_t place) {
+        return entryRow(request.entries[place], request.commands, model.catalog());
     });
     sheet->addFootnote(
         QObject::tr("The entries stay in the journal and Brell asks again at the next launch."));

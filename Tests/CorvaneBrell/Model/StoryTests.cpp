@@ -49,7 +49,9 @@ struct SheetWords {
     }
     std::string operator()(const RecoveryRequest& request) const {
         const auto title = [&](const JournalEntry& entry) { return entryTitle(entry, catalog); };
-        return lines({{"Recovery"}, each(request.entries, title), request.failures});
+        const auto commands = [](const auto& one) { return fmt::format("{}", fmt::join(one.second, "; ")); };
+        return lines(
+            {{"Recovery"}, each(request.entries, title), each(request.commands, commands), request.failures});
     }
     std::string operator()(const DriftRequest& request) const {
         const auto& next = request.pendingAfterDrift;
