@@ -29,7 +29,7 @@ public:
     BadgeView(const RowBadge& badge, QWidget* parent) : QFrame(parent), tone_(badge.tone) {
         auto* line = new QHBoxLayout(this);
         line->setContentsMargins(isLoud(tone_) ? 6 : 0, 1, isLoud(tone_) ? 7 : 0, 1);
-        line->setSpacing(5);
+        line->setSpacing(gap);
         line->addWidget(new SymbolView(utf8(badge.symbol), tone_, badgePoints));
         auto* text = new Paragraph(badge.text,
                                    isLoud(tone_) ? Paragraph::Look::bodySmall : Paragraph::Look::secondary);
@@ -39,6 +39,15 @@ public:
         setAccessibleName(badge.text);
         setAccessibleDescription(badge.help);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
+
+    // For the longest of all badges, in whatever font.
+    static QSize room() {
+        const QSize words =
+            Paragraph(QObject::tr("Changed outside Brell"), Paragraph::Look::bodySmall).sizeHint();
+        constexpr int usualWidth = 156, usualHeight = 18;
+        return QSize(usualWidth, usualHeight)
+            .expandedTo({words.width() + loudMargins + badgePoints + gap, words.height() + 2});
     }
 
 protected:
@@ -52,6 +61,7 @@ protected:
     }
 
 private:
+    static constexpr int gap = 5, loudMargins = 6 + 7;
     Tone tone_;
 };
 
@@ -105,7 +115,7 @@ Row::Row(const QString& title, Columns columns, QWidget* parent)
       words_(new QVBoxLayout),
       layout_(new RowLayout(this)) {
     using Part = RowLayout::Part;
-    layout_->setHasState(columns == Columns::stateAndControl);
+    if (columns == Columns::stateAndControl) layout_->setBadgeRoom(BadgeView::room());
     words_->setContentsMargins(0, 0, 0, 0);
     words_->setSpacing(2);
     words_->addWidget(what_);

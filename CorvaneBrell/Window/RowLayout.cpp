@@ -8,7 +8,7 @@ namespace brell {
 namespace {
 
 constexpr QMargins padding(16, 11, 10, 11);
-constexpr int badgeWidth = 156, badgeHeight = 18, wayBackWidth = 28, arrowWidth = 28;
+constexpr int wayBackWidth = 28, arrowWidth = 28;
 constexpr int gap = 6, wordsGap = 14, lineGap = 2;
 constexpr int notesGap = 4;      // where a badge stands beside the notes, and is higher than they are
 constexpr int highestLine = 40;  // of a control that is one line of its row
@@ -90,7 +90,7 @@ int RowLayout::placeColumns(Places& places, int right) const {
         const int margin = control->widget()->contentsMargins().right();  // beyond what is seen of it
         at(places, Part::control) = {controlRight - width + margin, 0, width, heightOf(Part::control, width)};
     }
-    if (!hasState_) return controlRight - (control ? room + wordsGap : 0);
+    if (badgeRoom_.isEmpty()) return controlRight - (control ? room + wordsGap : 0);
     const int wayBackLeft = controlRight - room - gap - wayBackWidth;
     at(places, Part::wayBack) = {wayBackLeft, 0, wayBackWidth, heightOf(Part::wayBack, wayBackWidth)};
     return wayBackLeft - gap;
@@ -99,11 +99,11 @@ int RowLayout::placeColumns(Places& places, int right) const {
 // Everything has its middle on one line.
 int RowLayout::placeWide(Places& places, int left, int columnsLeft) const {
     int wordsRight = columnsLeft;
-    if (hasState_) {
+    if (!badgeRoom_.isEmpty()) {
         const QLayoutItem* badge = item(Part::badge);
-        const int width = badge ? std::min(badge->sizeHint().width(), badgeWidth) : 0;
-        at(places, Part::badge) = {columnsLeft - width, 0, width, badgeHeight};
-        wordsRight = columnsLeft - badgeWidth - wordsGap;
+        const int width = badge ? std::min(badge->sizeHint().width(), badgeRoom_.width()) : 0;
+        at(places, Part::badge) = {columnsLeft - width, 0, width, badgeRoom_.height()};
+        wordsRight = columnsLeft - badgeRoom_.width() - wordsGap;
     }
     const int width = std::max(wordsRight - left, 1);
     int block = 0;
@@ -144,9 +144,9 @@ int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right)
             .moveTop(inTheMiddle(padding.top(), isHigh ? control : head, at(places, part).height()));
     const int wordsTop = padding.top() + head + (isHigh ? lineGap : 0);
     // What a high control leaves beside it is for the words; the badge stands below it.
-    if (!isHigh) return placeFoot(places, left, wordsTop, whole - badgeWidth - wordsGap, whole);
+    if (!isHigh) return placeFoot(places, left, wordsTop, whole - badgeRoom_.width() - wordsGap, whole);
     const int bottom = std::max(placeFoot(places, left, wordsTop, beside, beside),
-                                padding.top() + control + lineGap + badgeHeight);
+                                padding.top() + control + lineGap + badgeRoom_.height());
     at(places, Part::badge).moveBottomRight({left + whole - 1, bottom - 1 + lineGap});
     return bottom;
 }
@@ -157,21 +157,21 @@ int RowLayout::placeFoot(Places& places, int left, int top, int lastLine, int wh
     const int words = heightOf(Part::words, width);
     at(places, Part::words) = {left, top, width, words};
     if (notes > 0) at(places, Part::notes) = {left, top + words + notesGap, lastLine, notes};
-    constexpr int line = 14;  // the last one, in the middle of which the badge has its own
+    const int line = badgeRoom_.height() - 4;  // the last one, in the middle of which the badge has its own
     const int bottom = top + std::max(words + (notes > 0 ? notesGap + notes : 0), line);
-    const int badgeTop = inTheMiddle(bottom - line, line, badgeHeight);
+    const int badgeTop = inTheMiddle(bottom - line, line, badgeRoom_.height());
     if (const QLayoutItem* badge = item(Part::badge)) {
-        const int own = std::min(badge->sizeHint().width(), badgeWidth);
-        at(places, Part::badge) = {left + whole - own, badgeTop, own, badgeHeight};
+        const int own = std::min(badge->sizeHint().width(), badgeRoom_.width());
+        at(places, Part::badge) = {left + whole - own, badgeTop, own, badgeRoom_.height()};
     }
-    return badgeTop + badgeHeight;
+    return badgeTop + badgeRoom_.height();
 }
 
 int RowLayout::arranged(Places& places, int width) const {
     const int left = padding.left(), right = width - padding.right();
     const int columnsLeft = placeColumns(places, right);
-    int bottom = hasState_ && width < narrow ? placeNarrow(places, left, columnsLeft, right)
-                                             : placeWide(places, left, columnsLeft);
+    int bottom = !badgeRoom_.isEmpty() && width < narrow ? placeNarrow(places, left, columnsLeft, right)
+                                                         : placeWide(places, left, columnsLeft);
     if (const int details = heightOf(Part::details, right - left)) {
         at(places, Part::details) = {left, bottom + padding.bottom(), right - left, details};
         bottom += padding.bottom() + details;

@@ -25,8 +25,9 @@ public:
     void put(Part part, QWidget* widget);
     void put(Part part, QLayout* layout);
 
-    // Rows that never have a badge and a way back leave their columns to the words.
-    void setHasState(bool hasState) { hasState_ = hasState; }
+    // Rows that never have a badge and a way back leave their columns to the words. The others keep this room
+    // for the badge, also while they have none.
+    void setBadgeRoom(const QSize& room) { badgeRoom_ = room; }
 
     void addItem(QLayoutItem*) override {}
     int count() const override;
@@ -55,7 +56,7 @@ private:
     int arranged(Places& places, int width) const;
 
     std::array<std::unique_ptr<QLayoutItem>, parts> items_;
-    bool hasState_ = false;
+    QSize badgeRoom_;  // empty without
 };
 
 }  // namespace brell

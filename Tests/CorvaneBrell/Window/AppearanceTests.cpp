@@ -99,4 +99,27 @@ TEST_F(WindowTest, NoTextIsCutAtTheSmallestSizeWithNamesOfTwoHundredCharacters) 
     });
 }
 
+TEST_F(WindowTest, BadgesAreWholeInLargeType) {
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(1.6 * usual.pointSizeF());
+    QApplication::setFont(large);
+    openLivedIn();
+    std::size_t badges = 0;
+    for (const QSize size : {window->minimumSize(), QSize(1100, 760)}) {
+        window->resize(size);
+        onEveryPage([&] {
+            for (const Row* row : visible<Row>())
+                for (const QFrame* badge :
+                     row->findChildren<QFrame*>(QString(), Qt::FindDirectChildrenOnly)) {
+                    if (badge->accessibleName().isEmpty() || badge->inherits("QTextEdit")) continue;
+                    EXPECT_EQ(badge->size(), badge->size().expandedTo(badge->sizeHint())) << nameOf(badge);
+                    ++badges;
+                }
+        });
+    }
+    EXPECT_GE(badges, 12);
+    QApplication::setFont(usual);
+}
+
 }  // namespace brell::testing
