@@ -80,8 +80,8 @@ struct AppState {
     std::optional<std::string> journalError;  // of the last look at the journal; stays until one succeeds
     std::optional<std::string> journalLack;   // of changes that its restore script undoes; no final stop
     std::vector<JournalEntry> entries;        // newest first
-    std::vector<DriftedEntry> drifted;        // active changes that are no longer in force
-    std::vector<DriftedEntry> driftedAgents;  // and agents that others switched since
+    std::vector<DriftedEntry> drifted;        // active changes no longer in force, or not to be undone
+    std::vector<DriftedEntry> driftedAgents;  // and agents that others switched since, or likewise
     std::vector<JournalEntry> interrupted;    // left behind by an earlier run
     SessionUndo undo;
 

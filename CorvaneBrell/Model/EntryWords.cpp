@@ -137,6 +137,13 @@ std::string eventWords(const HistoryLine& line, const TweakCatalog& catalog) {
     return failure ? *failure : restoredWords(line.entry, catalog);
 }
 
+const std::string notOffered = "Brell does not offer this setting on this macOS, so that it can be ";
+
+bool isOffered(const JournalEntry& entry, const TweakCatalog& catalog, int macOSMajor) {
+    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    return entry.kind == EntryKind::launchAgent || (tweak && tweak->isAvailable(macOSMajor));
+}
+
 }  // namespace
 
 std::vector<std::string> changeLines(const JournalEntry& entry) {
@@ -231,12 +238,15 @@ std::optional<std::string> originWords(const JournalEntry& entry, const std::fil
 
 std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
                                        int macOSMajor) {
-    if (entry.agent) return std::nullopt;
-    if (entry.kind == EntryKind::launchAgent) return changeWords(entry, catalog) + ".";
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
-    if (tweak && tweak->isAvailable(macOSMajor)) return std::nullopt;
-    return "Brell does not offer this setting on this macOS, so that it can be restored or kept, but not "
-           "applied again.";
+    if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
+    if (isOffered(entry, catalog, macOSMajor)) return std::nullopt;
+    return notOffered + "restored or kept, but not applied again.";
+}
+
+std::optional<std::string> whyOnlyRestored(const JournalEntry& entry, const TweakCatalog& catalog,
+                                           int macOSMajor) {
+    if (isOffered(entry, catalog, macOSMajor)) return std::nullopt;
+    return notOffered + "restored, but not changed.";
 }
 
 std::optional<std::string> failureWords(const JournalEntry& entry) {

@@ -48,18 +48,22 @@ std::optional<std::string> originWords(const JournalEntry& entry, const std::fil
 // Why what it made can't be made again; nothing where it can.
 std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
                                        int macOSMajor);
+// The same of one in force, which only can be restored.
+std::optional<std::string> whyOnlyRestored(const JournalEntry& entry, const TweakCatalog& catalog,
+                                           int macOSMajor);
 
 // Why it did not go well, or what its undo left.
 std::optional<std::string> failureWords(const JournalEntry& entry);
 
-// A change that others changed since.
+// A change that others changed since, or that can't be undone as it is.
 struct DriftedEntry {
     JournalEntry entry;
     // One for each key that no longer holds what was written, "com.apple.dock autohide: now absent; Brell
     // wrote true; original false", or the one of an agent: "com.acme.agent: now override enabled, loaded;
     // Brell left override disabled, not loaded; original override absent, loaded".
     std::vector<std::string> lines;
-    std::string words = {};  // the effect of restoring it now; of an agent nothing
+    std::string words = {};                   // the effect of restoring it now; of an agent nothing
+    std::optional<std::string> refusal = {};  // why its undo is refused; then nobody need have changed it
     bool operator==(const DriftedEntry&) const = default;
 };
 

@@ -29,12 +29,23 @@ std::string changes(std::size_t count) {
     return counted(count, "change", "changes");
 }
 
+bool isRefused(const JournalEntry& entry, const AppState& state) {
+    const auto isIt = [&](const DriftedEntry& one) { return one.refusal && one.entry.id == entry.id; };
+    return std::any_of(state.drifted.begin(), state.drifted.end(), isIt) ||
+           std::any_of(state.driftedAgents.begin(), state.driftedAgents.end(), isIt);
+}
+
 // Changes of an earlier run whose recovery was put off.
 std::string interruptedText(const AppState& state) {
     const std::size_t count = state.interrupted.size();
     if (!state.recoveryDeferred || count == 0) return {};
-    return fmt::format("{} interrupted; what was there before can be put back.",
-                       changes(count) + (count == 1 ? " was" : " were"));
+    const auto left = static_cast<std::size_t>(
+        std::count_if(state.interrupted.begin(), state.interrupted.end(),
+                      [&](const JournalEntry& entry) { return isRefused(entry, state); }));
+    const std::string begun = changes(count) + (count == 1 ? " was" : " were") + " interrupted; ";
+    if (left == count) return begun + "what was there before can't be put back; the Journal page says why.";
+    return begun + "what was there before can be put back" +
+           (left > 0 ? fmt::format(" for {} of them.", count - left) : ".");
 }
 
 std::string briefly(const OperatingSystemVersion& version) {

@@ -50,6 +50,13 @@ bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences)
     return entry.status == EntryStatus::applied && !isInForce(entry, preferences);
 }
 
+// Why it can't be undone, whatever others did.
+std::optional<std::string> refusalOf(const JournalEntry& entry, PreferenceReader& preferences,
+                                     const TweakCatalog& catalog) {
+    if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
+    return whyNeverPutBack(entry, preferences);
+}
+
 // Also one that is not there; not one that leads to a disk that is not attached.
 bool isListed(const fs::path& folder) {
     std::error_code failed, unknown;
@@ -83,9 +90,11 @@ Everything ReadingWork::everything(const Posted<>& begun) {
         everything.isDamaged = isDamaged(deps_.journalDirectory());
     }
     const auto preferences = deps_.store.reader();
-    for (const JournalEntry& entry : everything.entries)
-        if (isNoLongerInForce(entry, *preferences))
-            everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog));
+    for (const JournalEntry& entry : everything.entries) {
+        if (!isNoLongerInForce(entry, *preferences)) continue;
+        everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog));
+        everything.drifted.back().refusal = refusalOf(entry, *preferences, deps_.catalog);
+    }
     return everything;
 }
 
@@ -203,7 +212,7 @@ std::vector<DriftedEntry> ReadingWork::driftedAgents() {
             if (auto drift = driftedAgent(switched[i], now))
                 drifted.push_back(std::move(*drift));
             else if (auto why = deps_.toggle.whyNotRestored(*switched[i].agent, now))
-                drifted.push_back({switched[i], {*std::move(why)}});
+                drifted.push_back({switched[i], {}, {}, std::move(why)});
         } catch (const std::exception&) {
             // Not known to have drifted; the page shows what launchd says of the others.
         }
@@ -231,6 +240,7 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     for (const LaunchAgentRecord& agent : agents) {
         if (progress_.isEnding()) break;
         try {
+            checkJobFile(agent);
             const AgentPreview preview =
                 deps_.toggle.preview(agent, turnOn ? AgentSwitch::on : AgentSwitch::off);
             request.commands.insert(request.commands.end(), preview.commands.begin(), preview.commands.end());
@@ -240,7 +250,6 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
             request.refusals.push_back(error.what());
         }
     }
-            checkJobFile(agent);
     request.title = std::string(turnOn ? "Turn on " : "Turn off ") +
                     (request.agents.size() == 1 ? request.agents.front().label().value_or("")
                                                 : std::to_string(request.agents.size()) + " items");
@@ -288,6 +297,13 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
     return request;
 }
 
+RecoveryCommands ReadingWork::recovering(const std::vector<JournalEntry>& agents) {
+    RecoveryCommands commands;
+    for (const JournalEntry& entry : agents)
+        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent));
+    return commands;
+}
+
 // Drift is what the user has to answer for; what holds its original again is nobody else's.
 void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& changes) {
     const auto preferences = deps_.store.reader();
@@ -297,13 +313,6 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
         if (const auto elsewhere =
                 cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
             now.words += "\n" + *elsewhere;
-RecoveryCommands ReadingWork::recovering(const std::vector<JournalEntry>& agents) {
-    RecoveryCommands commands;
-    for (const JournalEntry& entry : agents)
-        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent));
-    return commands;
-}
-
         if (entry.kind == EntryKind::preference && needsConsent(entry, *preferences)) {
             request.changes.entries.push_back(std::move(now));
             continue;

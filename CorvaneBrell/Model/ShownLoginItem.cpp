@@ -16,8 +16,7 @@ ShownLoginItems::ShownLoginItems(const AppState& state) : state_(state) {
     for (const JournalEntry& entry : state.entries)
         if (entry.agent && entry.isActive()) active_.emplace(entry.tweakID, &entry);
     for (const JournalEntry& entry : state.interrupted) interrupted_.insert(entry.id);
-    for (const DriftedEntry& drift : state.driftedAgents)
-        drifted_.emplace(drift.entry.id, &drift.lines.front());
+    for (const DriftedEntry& drift : state.driftedAgents) drifted_.emplace(drift.entry.id, &drift);
 }
 
 ShownLoginItem ShownLoginItems::of(const LoginItemRow& row) const {
@@ -37,10 +36,15 @@ void ShownLoginItems::addChange(ShownLoginItem& item) const {
     const auto change = active_.find(agentTweakID(item.row.record->label().value_or("")));
     if (change == active_.end()) return;
     item.change = *change->second;
-    if (const auto drift = drifted_.find(item.change->id); drift != drifted_.end())
-        item.drift = *drift->second;
+    const auto found = drifted_.find(item.change->id);
+    const DriftedEntry* drift = found == drifted_.end() ? nullptr : found->second;
+    if (drift && !drift->lines.empty()) item.drift = drift->lines.front();
     item.isInterrupted = interrupted_.contains(item.change->id);
-    if (item.isInterrupted)
+    if (drift && drift->refusal)
+        item.refusal = (item.isInterrupted ? "It was interrupted, and Brell can't put it back. "
+                                           : "Brell can't put it back. ") +
+                       *drift->refusal;
+    else if (item.isInterrupted)
         item.refusal = "It was interrupted. Put it back first; then it can be switched again.";
     else if (item.change->status == EntryStatus::applied && !item.isInForce())
         item.refusal =

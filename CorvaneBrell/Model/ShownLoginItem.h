@@ -38,9 +38,9 @@ private:
     void addChange(ShownLoginItem& item) const;
 
     const AppState& state_;
-    // Brell's changes of agents, by the journal's key, and what was done to them since, by the entry.
+    // Brell's changes of agents, by the journal's key, and what became of them since, by the entry.
     std::map<std::string_view, const JournalEntry*> active_;
-    std::map<Uuid, const std::string*> drifted_;
+    std::map<Uuid, const DriftedEntry*> drifted_;
     std::set<Uuid> interrupted_;
 };
 

@@ -28,15 +28,18 @@ std::vector<RowBadge> noticesOf(const ActiveChange& change) {
     std::vector<RowBadge> notices;
     if (change.isInterrupted)
         notices.push_back(
-            {QObject::tr("Interrupted before it was finished. Restoring puts the originals back."),
+            {change.refusal
+                 ? QObject::tr("Interrupted before it was finished.")
+                 : QObject::tr("Interrupted before it was finished. Restoring puts the originals back."),
              "bolt.slash",
              Tone::caution,
              {}});
     if (const auto failure = failureWords(change.entry))
         notices.push_back({qt(*failure), "exclamationmark.triangle", Tone::caution, {}});
-    // Of an agent its words say so.
-    if (change.whyNotAgain && change.entry.kind == EntryKind::preference)
-        notices.push_back({qt(*change.whyNotAgain), "info.circle", Tone::plain, {}});
+    // Of an agent without its capture its words say so.
+    if (change.refusal && !change.entry.lacksCapture())
+        notices.push_back({qt(*change.refusal), "exclamationmark.triangle", Tone::caution, {}});
+    if (change.notOffered) notices.push_back({qt(*change.notOffered), "info.circle", Tone::plain, {}});
     if (change.otherMacOS) notices.push_back({qt(*change.otherMacOS), "info.circle", Tone::plain, {}});
     return notices;
 }
@@ -51,7 +54,7 @@ ChangeRow::ChangeRow(AppModel& model, Kind kind, QWidget* parent)
     auto* column = new QVBoxLayout(buttons);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
-    if (kind == Kind::drifted) {
+    if (kind == Kind::toDecide) {
         tick_ = new TickBox(tr("Select"));
         column->addWidget(tick_);
         connect(tick_, &QCheckBox::toggled, this, &ChangeRow::ticked);

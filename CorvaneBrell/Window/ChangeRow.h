@@ -1,5 +1,5 @@
 // One active change of the journal, with the ways back: this one alone, or with every later one. One that
-// others changed since can be applied again or closed, too.
+// others changed since, or that can't be undone, can be ticked, to be applied again or closed.
 #pragma once
 
 #include <optional>
@@ -22,9 +22,10 @@ struct ActiveChange {
     std::vector<std::string> lines;         // of a key each: what was done, or what others did to it since
     std::optional<std::string> otherMacOS;  // a sentence when it was made on another version
     bool isInterrupted;
-    bool isNewest;                           // there are no later ones
-    bool isLocked;                           // nothing can be changed at all
-    std::optional<std::string> whyNotAgain;  // it can't be applied again; nothing where it can
+    bool isNewest;                          // there are no later ones
+    bool isLocked;                          // nothing can be changed at all
+    std::optional<std::string> notOffered;  // here, and what can be done all the same; nothing where it is
+    std::optional<std::string> refusal;     // why its undo is refused
     bool operator==(const ActiveChange&) const = default;
 };
 
@@ -32,7 +33,7 @@ class ChangeRow final : public Row {
     Q_OBJECT
 public:
     using Record = ActiveChange;
-    enum class Kind { inForce, drifted };
+    enum class Kind { inForce, toDecide };
 
     // The model must outlive the row.
     ChangeRow(AppModel& model, Kind kind, QWidget* parent = nullptr);
@@ -42,7 +43,7 @@ public:
     const Uuid& entryID() const { return record_->entry.id; }
     // To be closed, or applied again where that can be done.
     bool isTicked() const;
-    bool canBeMadeAgain() const { return !record_->whyNotAgain; }
+    bool canBeMadeAgain() const { return !record_->notOffered; }
 
 signals:
     void ticked();
@@ -53,7 +54,7 @@ private:
 
     std::optional<Record> record_;
     SelectableText* lines_ = nullptr;  // in the details, once they were opened
-    QCheckBox* tick_ = nullptr;        // of one that drifted
+    QCheckBox* tick_ = nullptr;        // of one that is to be decided about
     QPushButton* restore_;
     QToolButton* more_;
     QAction* undoSince_;

@@ -19,15 +19,15 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
       model_(model),
       restoreAll_(actionButton(tr("Restore All"), "arrow.uturn.backward")),
       summary_(new Paragraph),
-      drifted_(new RecordList<ChangeRow>({},
-                                         [this] {
-                                             auto* row = new ChangeRow(model_, ChangeRow::Kind::drifted);
-                                             connect(row, &ChangeRow::ticked, this, &JournalPage::showTicks);
-                                             return row;
-                                         })),
-      applyAgain_(actionButton(tr("Apply %1 Again").arg(99), "arrow.clockwise")),
-      keepTheirs_(actionButton(tr("Keep Theirs for %1").arg(99))),
-      driftSection_(driftSection()),
+      drifted_(new DecisionSection(
+          model, tr("No longer in force"),
+          tr("macOS or another tool changed these since. Applying again puts back what "
+             "Brell wrote and keeps the first original. Keeping theirs writes nothing: what is "
+             "there now stays, and the change is closed."))),
+      refused_(new DecisionSection(model, tr("Cannot be put back"),
+                                   tr("Brell can't undo these; each one says why. Keeping them unchanged "
+                                      "writes nothing: what is there "
+                                      "now stays, and the change is closed."))),
       active_(new RecordList<ChangeRow>(tr("Active changes"),
                                         [this] { return new ChangeRow(model_, ChangeRow::Kind::inForce); })),
       files_(fileActions()),
@@ -35,35 +35,17 @@ JournalPage::JournalPage(AppModel& model, QWidget* parent)
     restoreAll_->setAccessibleDescription(tr("Shows what it will put back and asks first."));
     connect(restoreAll_, &QPushButton::clicked, this, [this] { model_.askRestoreAll(); });
     connect(active_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
-    connect(drifted_, &RowColumn::moreWanted, this, &JournalPage::showChanges);
+    drifted_->addAction(tr("Apply Again"), tr("Apply %1 Again"), &AppModel::applyAgain,
+                        &ChangeRow::canBeMadeAgain);
+    drifted_->addAction(tr("Keep Theirs"), tr("Keep Theirs for %1"), &AppModel::keepTheirs);
+    refused_->addAction(tr("Keep Unchanged"), tr("Keep %1 Unchanged"), &AppModel::keepTheirs);
+    for (DecisionSection* section : {drifted_, refused_})
+        connect(section, &DecisionSection::moreWanted, this, &JournalPage::showChanges);
     tools()->addWidget(restoreAll_);
     setHeadLine(summary_);
-    for (QWidget* part : std::initializer_list<QWidget*>{driftSection_, active_, files_, history_})
+    for (QWidget* part : std::initializer_list<QWidget*>{drifted_, refused_, active_, files_, history_})
         content()->addWidget(part);
     model_.loadAgentDrift();
-}
-
-QWidget* JournalPage::driftSection() {
-    auto* section = new QWidget;
-    auto* column = new QVBoxLayout(section);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(7);
-    column->addWidget(sectionHeading(tr("No longer in force")));
-    column->addWidget(
-        new Paragraph(tr("macOS or another tool changed these since. Applying again puts back what "
-                         "Brell wrote and keeps the first original. Keeping theirs writes nothing: what is "
-                         "there now stays, and the change is closed."),
-                      Paragraph::Look::secondary));
-    column->addWidget(drifted_);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addWidget(applyAgain_);
-    buttons->addWidget(keepTheirs_);
-    buttons->addStretch();
-    column->addLayout(buttons);
-    connect(applyAgain_, &QPushButton::clicked, this, [this] { model_.applyAgain(tickedAgain()); });
-    connect(keepTheirs_, &QPushButton::clicked, this, [this] { model_.keepTheirs(ticked()); });
-    return section;
 }
 
 QWidget* JournalPage::fileActions() {
@@ -102,9 +84,14 @@ void JournalPage::refresh(const Changes& changed) {
 
 void JournalPage::showChanges() {
     const bool isAnyActive = model_.changedCount(Screen::journal) > 0;
-    const std::set<Uuid> drifted = showDrifted();
-    showActive(drifted);
-    showSummary(drifted.size());
+    std::vector<const DriftedEntry*> apart = toDecide();
+    const auto refused = std::stable_partition(apart.begin(), apart.end(),
+                                               [](const DriftedEntry* one) { return !one->refusal; });
+    showToDecide(*drifted_, {apart.begin(), refused});
+    showToDecide(*refused_, {refused, apart.end()});
+    showActive(apart);
+    showSummary(static_cast<std::size_t>(refused - apart.begin()),
+                static_cast<std::size_t>(apart.end() - refused));
     restoreAll_->setEnabled(isAnyActive && !isLocked());
     copyCommands_->setEnabled(isAnyActive);
     // A throw-away journal is not asked.
@@ -112,11 +99,12 @@ void JournalPage::showChanges() {
     files_->setVisible(!isLocked());
 }
 
-void JournalPage::showSummary(std::size_t drifted) {
+void JournalPage::showSummary(std::size_t drifted, std::size_t refused) {
     const AppState& state = model_.state();
     const std::size_t active = model_.changedCount(Screen::journal);
     QStringList parts{active == 1 ? tr("1 active change") : tr("%1 active changes").arg(active)};
     if (drifted > 0) parts << tr("%1 of them no longer in force").arg(drifted);
+    if (refused > 0) parts << tr("%1 of them cannot be put back").arg(refused);
     if (const std::size_t foreign = foreignCount())
         parts << tr("%1 of them perhaps from another Mac or account").arg(foreign);
     if (!state.interrupted.empty()) parts << tr("%1 interrupted").arg(state.interrupted.size());
@@ -141,16 +129,17 @@ std::size_t JournalPage::foreignCount() const {
 }
 
 // A change that is restored already stays in the list of drifted agents until they are read again.
-std::vector<const DriftedEntry*> JournalPage::driftedAgents() const {
+std::vector<const DriftedEntry*> JournalPage::toDecide() const {
     const AppState& state = model_.state();
-    std::vector<const DriftedEntry*> drifted;
-    if (state.driftedAgents.empty()) return drifted;
+    std::vector<const DriftedEntry*> changes;
+    for (const DriftedEntry& drifted : state.drifted) changes.push_back(&drifted);
+    if (state.driftedAgents.empty()) return changes;
     std::set<Uuid> active;
     for (const JournalEntry& entry : state.entries)
         if (entry.isActive()) active.insert(entry.id);
     for (const DriftedEntry& agent : state.driftedAgents)
-        if (active.contains(agent.entry.id)) drifted.push_back(&agent);
-    return drifted;
+        if (active.contains(agent.entry.id)) changes.push_back(&agent);
+    return changes;
 }
 
 std::optional<Uuid> JournalPage::newestActive() const {
@@ -159,80 +148,58 @@ std::optional<Uuid> JournalPage::newestActive() const {
     return newest == entries.end() ? std::nullopt : std::optional(newest->id);
 }
 
-ActiveChange JournalPage::activeChange(const JournalEntry& entry, std::string words,
-                                       std::vector<std::string> lines, bool isNewest) const {
+// Of one that is in force.
+ActiveChange JournalPage::activeChange(const JournalEntry& entry, bool isNewest) const {
     const std::vector<JournalEntry>& interrupted = model_.state().interrupted;
     const bool isInterrupted = std::any_of(interrupted.begin(), interrupted.end(),
                                            [&](const JournalEntry& one) { return one.id == entry.id; });
     return {entry,
             model_.titles().of(entry),
-            std::move(words),
-            std::move(lines),
+            changeWords(entry, model_.catalog()),
+            changeLines(entry),
             originWords(entry, model_.catalog().home(), model_.macOSVersion()),
             isInterrupted,
             isNewest,
             isLocked(),
-            whyNotAgain(entry, model_.catalog(), model_.macOSMajor())};
+            whyOnlyRestored(entry, model_.catalog(), model_.macOSMajor()),
+            {}};
 }
 
-std::string JournalPage::driftedWords(const JournalEntry& entry) const {
+ActiveChange JournalPage::driftedChange(const DriftedEntry& drifted, bool isNewest) const {
+    const JournalEntry& entry = drifted.entry;
+    ActiveChange change = activeChange(entry, isNewest);
     const auto status = model_.state().statuses.find(entry.tweakID);
     const bool isKnown = status != model_.state().statuses.end();
-    return driftWords(entry, model_.catalog(), isKnown ? status->second.exact : std::vector<StoredValue>());
+    change.words =
+        driftWords(entry, model_.catalog(), isKnown ? status->second.exact : std::vector<StoredValue>());
+    change.lines = drifted.lines;
+    change.notOffered = whyNotAgain(entry, model_.catalog(), model_.macOSMajor());
+    return change;
 }
 
-// Gives the identifiers of all that drifted, also of those that are not shown yet.
-std::set<Uuid> JournalPage::showDrifted() {
-    std::set<Uuid> ids;
+void JournalPage::showToDecide(DecisionSection& section, const std::vector<const DriftedEntry*>& changes) {
     const std::optional<Uuid> newest = newestActive();
     std::vector<ActiveChange> first;
-    const auto show = [&](const JournalEntry& entry, const std::vector<std::string>& lines) {
-        if (ids.insert(entry.id).second && ids.size() <= drifted_->limit())
-            first.push_back(activeChange(entry, driftedWords(entry), lines, entry.id == newest));
-    };
-    for (const DriftedEntry& drifted : model_.state().drifted) show(drifted.entry, drifted.lines);
-    for (const DriftedEntry* agent : driftedAgents()) show(agent->entry, agent->lines);
-    drifted_->setRecords(first, ids.size());
-    driftSection_->setVisible(!ids.empty());
-    showTicks();
-    return ids;
+    for (const DriftedEntry* one : changes) {
+        if (first.size() == section.limit()) break;
+        const bool isNewest = one->entry.id == newest;
+        first.push_back(one->refusal ? activeChange(one->entry, isNewest) : driftedChange(*one, isNewest));
+        first.back().refusal = one->refusal;
+    }
+    section.setChanges(first, changes.size());
 }
 
-void JournalPage::showActive(const std::set<Uuid>& drifted) {
+void JournalPage::showActive(const std::vector<const DriftedEntry*>& apart) {
     const std::optional<Uuid> newest = newestActive();
+    std::set<Uuid> others;
+    for (const DriftedEntry* one : apart) others.insert(one->entry.id);
     std::vector<ActiveChange> shown;
     std::size_t all = 0;
     for (const JournalEntry& entry : model_.state().entries) {
-        if (!entry.isActive() || drifted.contains(entry.id)) continue;
-        if (all++ < active_->limit())
-            shown.push_back(activeChange(entry, changeWords(entry, model_.catalog()), changeLines(entry),
-                                         entry.id == newest));
+        if (!entry.isActive() || others.contains(entry.id)) continue;
+        if (all++ < active_->limit()) shown.push_back(activeChange(entry, entry.id == newest));
     }
     active_->setRecords(shown, all);
-}
-
-std::vector<Uuid> JournalPage::ticked() const {
-    std::vector<Uuid> ids;
-    for (const auto& [key, row] : drifted_->rows())
-        if (row->isTicked()) ids.push_back(row->entryID());
-    return ids;
-}
-
-std::vector<Uuid> JournalPage::tickedAgain() const {
-    std::vector<Uuid> ids;
-    for (const auto& [key, row] : drifted_->rows())
-        if (row->isTicked() && row->canBeMadeAgain()) ids.push_back(row->entryID());
-    return ids;
-}
-
-void JournalPage::showTicks() {
-    const auto show = [](QPushButton* button, std::size_t count, const QString& none, const QString& some) {
-        button->setEnabled(count > 0);
-        button->setText(count == 0 ? none : some.arg(count));
-        button->setAccessibleDescription(count == 0 ? tr("Tick a change first.") : QString());
-    };
-    show(applyAgain_, tickedAgain().size(), tr("Apply Again"), tr("Apply %1 Again"));
-    show(keepTheirs_, ticked().size(), tr("Keep Theirs"), tr("Keep Theirs for %1"));
 }
 
 QString JournalPage::terminalCommands() const {

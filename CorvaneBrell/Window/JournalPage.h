@@ -4,9 +4,8 @@
 #include <optional>
 #include <set>
 
-#include "CorvaneBrell/Window/ChangeRow.h"
+#include "CorvaneBrell/Window/DecisionSection.h"
 #include "CorvaneBrell/Window/Page.h"
-#include "CorvaneBrell/Window/RecordList.h"
 
 namespace brell {
 
@@ -20,32 +19,25 @@ public:
     void refresh(const Changes& changed) override;
 
 private:
-    QWidget* driftSection();
     QWidget* fileActions();
     void showChanges();
-    std::set<Uuid> showDrifted();
-    void showActive(const std::set<Uuid>& drifted);
-    void showSummary(std::size_t drifted);
-    void showTicks();
-    std::string driftedWords(const JournalEntry& entry) const;
-    ActiveChange activeChange(const JournalEntry& entry, std::string words, std::vector<std::string> lines,
-                              bool isNewest) const;
-    std::vector<const DriftedEntry*> driftedAgents() const;
+    void showToDecide(DecisionSection& section, const std::vector<const DriftedEntry*>& changes);
+    void showActive(const std::vector<const DriftedEntry*>& apart);  // all but these
+    void showSummary(std::size_t drifted, std::size_t refused);
+    std::vector<const DriftedEntry*> toDecide() const;
+    ActiveChange activeChange(const JournalEntry& entry, bool isNewest) const;
+    ActiveChange driftedChange(const DriftedEntry& drifted, bool isNewest) const;
     std::optional<Uuid> newestActive() const;
     std::size_t foreignCount() const;
     bool isLocked() const { return brell::isLocked(model_.state()); }
-    std::vector<Uuid> ticked() const;
-    std::vector<Uuid> tickedAgain() const;  // those of them that can be
     QString terminalCommands() const;
 
     AppModel& model_;
     QPushButton* restoreAll_;
     QPushButton* copyCommands_ = nullptr;
     Paragraph* summary_;
-    RecordList<ChangeRow>* drifted_;
-    QPushButton* applyAgain_;
-    QPushButton* keepTheirs_;
-    QWidget* driftSection_;
+    DecisionSection* drifted_;
+    DecisionSection* refused_;
     RecordList<ChangeRow>* active_;
     QWidget* files_;
     HistoryList* history_;

@@ -115,7 +115,8 @@ protected:
         if (const auto sheet = sheetRequest(state(), {})) all["sheet"] = std::visit(words, *sheet);
         if (!state().drifted.empty()) all["drifted"] = lines({words.said(state().drifted)});
         for (const auto& agent : state().driftedAgents)
-            all["drifted " + agent.entry.tweakID] = lines({agent.lines});
+            all["drifted " + agent.entry.tweakID] =
+                lines({agent.lines, agent.refusal ? Texts{"refused: " + *agent.refusal} : Texts()});
         all["active"] = lines({model->changedTweaks()});
         for (const Screen screen : allCases<Screen>())
             if (const auto count = model->changedCount(screen))

@@ -79,10 +79,17 @@ TEST_F(JournalPageTest, WhatCannotBeAppliedAgainOrRestoredIsNotOffered) {
     openWindow();
     go(Screen::journal);
     for (QCheckBox* box : visible<QCheckBox>()) box->click();
-    EXPECT_TRUE(button(page(), "Keep Theirs for 2").isEnabled());
+    EXPECT_TRUE(button(page(), "Keep Theirs for 1").isEnabled());
+    EXPECT_TRUE(button(page(), "Keep 1 Unchanged").isEnabled());
     EXPECT_FALSE(button(page(), "Apply Again").isEnabled());
     EXPECT_FALSE(button(page(), "Restore agent:org.example.sync").isEnabled());
-    expectWords(page(), {"but not applied again", "it can only be kept as it is"});
+    expectWords(page(), {"restored or kept, but not applied again", "it can only be kept as it is",
+                         "1 of them no longer in force, 1 of them cannot be put back."});
+    writeFromOutside({"com.apple.dock", "tilesize"}, 64);
+    settled()->refreshAll();
+    expectWords(page(), {"restored, but not changed"});
+    writeFromOutside({"com.apple.dock", "tilesize"}, 50);
+    settled()->refreshAll();
 
     settled()->keepTheirs({model->state().drifted.front().entry.id});
     settled()->askRestoreAll();
@@ -98,12 +105,16 @@ TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
     runLine(R"(sed -i -e 's/"applied"/"capturing"/' -e 's|"plistPath" : ".*/|"plistPath" : "/elsewhere/|' )" +
             shellWord(*options.journalDirectory / "journal.json"));
     openWindow();
+    expectWords(*sheet(), {"None: /elsewhere/com.lumenfold.sync.plist is outside"});
     settled()->deferRecovery();
     go(Screen::journal);
     settled()->loadAgentDrift();
     settle();
+    expectWords(page(), {"Cannot be put back", "sync.plist is outside your LaunchAgents folder."});
+    for (const char* untrue : {"another tool changed", "Restoring puts"})
+        EXPECT_FALSE(words(page()).contains(untrue));
     visible<QCheckBox>().at(0)->click();
-    press(page(), "Keep Theirs for 1");
+    press(page(), "Keep 1 Unchanged");
     EXPECT_EQ(settled()->changedCount(Screen::journal), 0u);
 }
 
