@@ -319,10 +319,9 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
         }
         // Of an agent without its capture the step only says that it stays.
         if (!entry.lacksCapture()) request.changes.others.push_back(entry.id);
-        request.steps.push_back(
-            {deps_.titles.of(entry), std::move(now.words),
-             entry.agent ? deps_.toggle.previewRestore(*entry.agent) : putBackLines(entry),
-             entry.agent.has_value()});
+        request.steps.push_back({deps_.titles.of(entry), std::move(now.words),
+                                 entry.agent ? puttingBack(deps_.toggle, *entry.agent) : putBackLines(entry),
+                                 entry.agent.has_value()});
     }
 }
 

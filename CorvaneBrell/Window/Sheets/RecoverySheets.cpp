@@ -12,14 +12,14 @@ namespace brell {
 namespace {
 
 // Commands are in plain sight, keys where they are asked for.
-QWidget* entryRow(const JournalEntry& entry, const RecoveryCommands& commands, const TweakCatalog& catalog) {
-    const QString title = qt(entryTitle(entry, catalog));
+QWidget* entryRow(const JournalEntry& entry, const RecoveryCommands& commands, const ChangeTitles& titles) {
+    const QString title = qt(titles.of(entry));
     std::vector<QWidget*> parts{new Paragraph(title, Paragraph::Look::heading)};
     if (entry.agent)
-        parts.push_back(new Paragraph(QObject::tr("A login item. Restoring it runs:"),
-                                      Paragraph::Look::secondary));
+        parts.push_back(
+            new Paragraph(QObject::tr("A login item. Restoring it runs:"), Paragraph::Look::secondary));
     else
-        parts.push_back(new Paragraph(qt(changeWords(entry, catalog)), Paragraph::Look::secondary));
+        parts.push_back(new Paragraph(qt(changeWords(entry, titles.catalog())), Paragraph::Look::secondary));
     if (const auto failure = failureWords(entry))
         parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*failure), nullptr));
     parts.push_back(entry.agent
@@ -40,7 +40,7 @@ Sheet* sheetFor(AppModel& model, QWidget* window, const RecoveryRequest& request
             {symbolLine("exclamationmark.triangle", Tone::critical, qt(failures[place]), nullptr)});
     });
     sheet->addCard(request.entries.size(), [&model, request](std::size_t place) {
-        return entryRow(request.entries[place], request.commands, model.catalog());
+        return entryRow(request.entries[place], request.commands, model.titles());
     });
     sheet->addFootnote(
         QObject::tr("The entries stay in the journal and Brell asks again at the next launch."));

@@ -74,14 +74,15 @@ TEST_F(BigHomeTest, ARowThatShowsAnotherItemShowsNothingOfTheOneBefore) {
 TEST_F(BigHomeTest, SheetsShowABatchAtATime) {
     openFull(EntryStatus::capturing);
     ASSERT_TRUE(sheet());
-    const auto headings = [&] {
+    const auto rows = [&] {
         std::size_t named = 0;
-        for (const Paragraph* text : visible<Paragraph>(*sheet())) named += text->text().contains("helper");
+        for (const Paragraph* text : visible<Paragraph>(*sheet()))
+            named += text->text().contains("login item");
         return named;
     };
-    EXPECT_EQ(headings(), batch);
+    EXPECT_EQ(rows(), batch);
     press(*sheet(), "Show 100 More");
-    EXPECT_EQ(headings(), 2 * batch);
+    EXPECT_EQ(rows(), 2 * batch);
     settled()->deferRecovery();
 
     settled()->askRestoreAll();
