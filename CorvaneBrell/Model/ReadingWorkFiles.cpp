@@ -15,7 +15,7 @@ namespace brell {
 
 namespace {
 
-fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) {
+fs::path save(const fs::path& file, std::string_view contents, const Journal& journal) try {
     if (isOfTheJournal(file, journal))
         throw std::runtime_error(file.string() + " belongs to Brell's journal; choose another name.");
     std::error_code unknown;  // replacing it will say why
@@ -24,6 +24,10 @@ fs::path save(const fs::path& file, std::string_view contents, const Journal& jo
     constexpr unsigned permissions = 0644;  // a script that others may write is a trap, whatever the umask
     replaceFile(file, contents, Durability::powerCut, permissions);
     return file;
+} catch (const ReplaceError& error) {
+    // Its own words name a temporary file, which the user did not ask for.
+    throw std::runtime_error(file.string() + " could not be saved: " + systemMessage(error.failure().code) +
+                             ".");
 }
 
 }  // namespace

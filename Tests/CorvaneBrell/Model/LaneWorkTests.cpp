@@ -254,7 +254,8 @@ TEST_F(LaneWorkTest, AFileIsSavedOnlyWhereAnOrdinaryOneMayStand) {
     }
     EXPECT_EQ(contentsOf(file), PresetFile::encode(preset)) << "in place of the huge one";
     const fs::path unnamed = folder.path / std::string(300, 'x');
-    EXPECT_TRUE(messageOf([&] { readings.savePreset(unnamed, preset); }).starts_with("The file "));
+    EXPECT_EQ(messageOf([&] { readings.savePreset(unnamed, preset); }),
+              unnamed.string() + " could not be saved: " + systemMessage(ENAMETOOLONG) + ".");
 }
 
 TEST_F(LaneWorkTest, AFileIsSavedOverNothingOfTheJournal) {
