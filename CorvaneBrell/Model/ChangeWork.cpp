@@ -211,7 +211,7 @@ ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
     outcome.recoveryFailures.emplace();
     const auto areShown = [&](const JournalEntry& entry) {
         const auto found = shown.find(entry.id);
-        return found != shown.end() && found->second == puttingBack(deps_.toggle, *entry.agent);
+        return found != shown.end() && found->second == puttingBack(deps_.toggle, *entry.agent).lines;
     };
     for (const JournalEntry& entry : deps_.engine.interruptedEntries()) {
         if (entry.agent && !areShown(entry))

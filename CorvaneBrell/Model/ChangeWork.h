@@ -19,7 +19,11 @@ struct Dependencies;
 // Raises std::exception, naming the file, when an agent's job file is gone.
 void checkJobFile(const LaunchAgentRecord& agent);
 // The commands that put an agent back; in their place why none is run, or why that is not known.
-std::vector<std::string> puttingBack(const AgentToggle& toggle, const AgentCapture& before);
+struct PuttingBack {
+    std::vector<std::string> lines;
+    bool isRefused = false;
+};
+PuttingBack puttingBack(const AgentToggle& toggle, const AgentCapture& before);
 // The agent of a change, to be switched once more. Raises std::exception when no file of the user's
 // LaunchAgents folder has its label any more.
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before);

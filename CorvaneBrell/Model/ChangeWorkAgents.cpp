@@ -19,12 +19,12 @@ void checkJobFile(const LaunchAgentRecord& agent) {
                              excerpt(agent.label().value_or("It")) + " is not changed.");
 }
 
-std::vector<std::string> puttingBack(const AgentToggle& toggle, const AgentCapture& before) try {
+PuttingBack puttingBack(const AgentToggle& toggle, const AgentCapture& before) try {
     if (const auto why = toggle.whyNotRestored(before, toggle.currentState(before.label)))
-        return {"None: " + *why};
-    return toggle.previewRestore(before);
+        return {{"No command: " + *why}, true};
+    return {toggle.previewRestore(before)};
 } catch (const AgentToggleError& error) {
-    return {std::string("Not known: ") + error.what()};
+    return {{std::string("Not known: ") + error.what()}};
 }
 
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before) {

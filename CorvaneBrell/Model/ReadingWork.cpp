@@ -300,7 +300,7 @@ RestoreRequest ReadingWork::undoing(const SessionChange& action) {
 RecoveryCommands ReadingWork::recovering(const std::vector<JournalEntry>& agents) {
     RecoveryCommands commands;
     for (const JournalEntry& entry : agents)
-        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent));
+        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent).lines);
     return commands;
 }
 
@@ -317,11 +317,12 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
             request.changes.entries.push_back(std::move(now));
             continue;
         }
-        // Of an agent without its capture the step only says that it stays.
-        if (!entry.lacksCapture()) request.changes.others.push_back(entry.id);
-        request.steps.push_back({deps_.titles.of(entry), std::move(now.words),
-                                 entry.agent ? puttingBack(deps_.toggle, *entry.agent) : putBackLines(entry),
-                                 entry.agent.has_value()});
+        PuttingBack back{putBackLines(entry), entry.lacksCapture()};
+        if (entry.agent) back = puttingBack(deps_.toggle, *entry.agent);
+        // Of a refused one the step only says that it stays.
+        if (!back.isRefused) request.changes.others.push_back(entry.id);
+        request.steps.push_back(
+            {deps_.titles.of(entry), std::move(now.words), std::move(back.lines), entry.agent.has_value()});
     }
 }
 

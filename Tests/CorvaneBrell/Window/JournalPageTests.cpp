@@ -105,7 +105,7 @@ TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
     runLine(R"(sed -i -e 's/"applied"/"capturing"/' -e 's|"plistPath" : ".*/|"plistPath" : "/elsewhere/|' )" +
             shellWord(*options.journalDirectory / "journal.json"));
     openWindow();
-    expectWords(*sheet(), {"None: /elsewhere/com.lumenfold.sync.plist is outside"});
+    expectWords(*sheet(), {"No command: /elsewhere/com.lumenfold.sync.plist is outside"});
     settled()->deferRecovery();
     go(Screen::journal);
     settled()->loadAgentDrift();
@@ -113,6 +113,9 @@ TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
     expectWords(page(), {"Cannot be put back", "sync.plist is outside your LaunchAgents folder."});
     for (const char* untrue : {"another tool changed", "Restoring puts"})
         EXPECT_FALSE(words(page()).contains(untrue));
+    press(page(), "Restore Lumenfold Sync");
+    expectWords(*sheet(), {"None of this can be put back.", "No command: /elsewhere"});
+    type(sheet(), Qt::Key_Escape);
     visible<QCheckBox>().at(0)->click();
     press(page(), "Keep 1 Unchanged");
     EXPECT_EQ(settled()->changedCount(Screen::journal), 0u);
