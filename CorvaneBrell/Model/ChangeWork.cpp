@@ -291,7 +291,17 @@ bool ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
     const RestoreAllOutcome restored = deps_.engine.restoreSelected(idsOf(entries), confirmed, next);
     if (isKept) return false;
     outcome.restored = deps_.journal->entries(restored.restored);
-    for (const auto& [id, message] : restored.failed) outcome.failures.push_back(message);
+    std::size_t closed = 0;  // by another program meanwhile
+    for (const auto& [id, message] : restored.failed) {
+        const auto entry = deps_.journal->entry(id);
+        if (entry && entry->isActive())
+            outcome.failures.push_back(message);
+        else
+            ++closed;
+    }
+    if (closed > 0 && closed == entries.size())
+        outcome.failures.push_back(
+            "There is nothing left to restore: all of it was put back or closed since.");
     if (!restored.skippedDrifted.empty())
         ask(outcome, restored.skippedDrifted, {.pendingAfterDrift = then});
     else if (then && outcome.failures.empty())

@@ -143,6 +143,15 @@ TEST_F(LaneWorkTest, ValuesThatAnUndoWritesAgainAreToldInOneLine) {
     EXPECT_EQ(readings.undoing({"", {anew}, {entry.id}}).steps.size(), 2u) << "which this one undoes first";
 }
 
+TEST_F(LaneWorkTest, WhatAnotherProgramPutBackMeanwhileIsNoFailureOfTheRest) {
+    const Uuid size = made("dock.size"), jpeg = made("shot.jpg");
+    Dependencies other(options, out);
+    other.engine.restore(size, false);
+    EXPECT_EQ(changes.restoreConfirmed({.others = {size, jpeg}}, {}).failures, Texts{});
+    EXPECT_EQ(changes.restoreConfirmed({.others = {size, jpeg}}, {}).failures,
+              Texts{"There is nothing left to restore: all of it was put back or closed since."});
+}
+
 // Between the last look at it and the lock.
 TEST_F(LaneWorkTest, WhatASheetDidNotShowIsNotOverwritten) {
     if (!systemCallsAreWatched()) GTEST_SKIP();
