@@ -75,7 +75,7 @@ void AppModel::askRestore(const Uuid& entryID) {
     for (const JournalEntry& entry : state_.entries)
         if (entry.id == entryID && entry.isActive())
             return askRestoreOf("Restore “" + titles().of(entry) + "”?", {entry});
-    fail(describe(EngineFailure(NotActive{entryID})));
+    fail(nothingToRestore);
 }
 
 void AppModel::askRestoreAll() {
@@ -92,7 +92,7 @@ void AppModel::askUndoSince(const Uuid& entryID) {
         if (entry.id == entryID)
             return askRestoreOf("Restore everything since “" + titles().of(entry) + "”?", later);
     }
-    fail(describe(EngineFailure(NotActive{entryID})));
+    fail(nothingToRestore);
 }
 
 void AppModel::askRestoreOf(const std::string& title, const std::vector<JournalEntry>& entries) {
@@ -103,7 +103,10 @@ void AppModel::askRestoreOf(const std::string& title, const std::vector<JournalE
 
 // Only one is open at a time; a second can be asked for again.
 void AppModel::showRestore(JobResult<RestoreRequest> request) {
-    if (!request.value) return fail(request.error);
+    if (!request.value) {
+        refreshAll();  // what was shown may be so no more
+        return fail(request.error);
+    }
     if (!state_.restoreRequest) set(&AppState::restoreRequest, std::move(*request.value), Topic::question);
 }
 

@@ -299,9 +299,7 @@ bool ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
         else
             ++closed;
     }
-    if (closed > 0 && closed == entries.size())
-        outcome.failures.push_back(
-            "There is nothing left to restore: all of it was put back or closed since.");
+    if (closed > 0 && closed == entries.size()) outcome.failures.emplace_back(nothingToRestore);
     if (!restored.skippedDrifted.empty())
         ask(outcome, restored.skippedDrifted, {.pendingAfterDrift = then});
     else if (then && outcome.failures.empty())

@@ -258,9 +258,11 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
 
 RestoreRequest ReadingWork::restoring(const std::string& title, const std::vector<Uuid>& changes) {
     RestoreRequest request{Uuid::random(), title, {}, {}};
-    request.changes.isEverything = changes.size() == deps_.journal->active().size();
     addRestores(request, changes);
-    if (request.isEmpty()) throw std::runtime_error(describe(EngineFailure(NotActive{changes.front()})));
+    // Unless some of it stays, because it is refused.
+    const std::size_t asked = request.changes.others.size() + request.changes.entries.size();
+    request.changes.isEverything = asked == deps_.journal->active().size();
+    if (request.isEmpty()) throw std::runtime_error(nothingToRestore);
     return request;
 }
 

@@ -20,6 +20,9 @@ struct SessionChange {
 
 // Why undoing it does nothing: others undid all of it, or changed it anew.
 std::string nothingLeft(const SessionChange& action);
+// The same of changes that were to be restored.
+inline constexpr const char* nothingToRestore =
+    "There is nothing left to restore: all of it was put back or closed since.";
 
 // The meaning of a change for the undoing of actions.
 struct UndoNote {

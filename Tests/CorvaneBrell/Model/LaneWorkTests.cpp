@@ -148,8 +148,8 @@ TEST_F(LaneWorkTest, WhatAnotherProgramPutBackMeanwhileIsNoFailureOfTheRest) {
     Dependencies other(options, out);
     other.engine.restore(size, false);
     EXPECT_EQ(changes.restoreConfirmed({.others = {size, jpeg}}, {}).failures, Texts{});
-    EXPECT_EQ(changes.restoreConfirmed({.others = {size, jpeg}}, {}).failures,
-              Texts{"There is nothing left to restore: all of it was put back or closed since."});
+    EXPECT_EQ(messageOf([&] { readings.restoring("", {size}); }), nothingToRestore);
+    EXPECT_EQ(changes.restoreConfirmed({.others = {size, jpeg}}, {}).failures, Texts{nothingToRestore});
 }
 
 // Between the last look at it and the lock.
