@@ -172,7 +172,7 @@ private:
     BTMDump dump_;
     bool seenSection_ = false;
     std::vector<BTMItem>* section_ = nullptr;  // of dump_; nullptr: what follows belongs to nobody
-    BTMItem* item_ = nullptr;  // the last of section_, or nobodys_
+    BTMItem* item_ = nullptr;                  // the last of section_, or nobodys_
     BTMItem nobodys_;
     bool inEmbedded_ = false;
 };
