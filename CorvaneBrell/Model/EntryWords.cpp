@@ -137,7 +137,9 @@ std::string eventWords(const HistoryLine& line, const TweakCatalog& catalog) {
     return failure ? *failure : restoredWords(line.entry, catalog);
 }
 
-const std::string notOffered = "Brell does not offer this setting on this macOS, so that it can be ";
+std::string notOffered(std::string_view possible) {
+    return "Brell does not offer this setting on this macOS, so that it can be " + std::string(possible);
+}
 
 bool isOffered(const JournalEntry& entry, const TweakCatalog& catalog, int macOSMajor) {
     const Tweak* tweak = catalog.tweak(entry.tweakID);
@@ -240,13 +242,13 @@ std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCat
                                        int macOSMajor) {
     if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
     if (isOffered(entry, catalog, macOSMajor)) return std::nullopt;
-    return notOffered + "restored or kept, but not applied again.";
+    return notOffered("restored or kept, but not applied again.");
 }
 
 std::optional<std::string> whyOnlyRestored(const JournalEntry& entry, const TweakCatalog& catalog,
                                            int macOSMajor) {
     if (isOffered(entry, catalog, macOSMajor)) return std::nullopt;
-    return notOffered + "restored, but not changed.";
+    return notOffered("restored, but not changed.");
 }
 
 std::optional<std::string> failureWords(const JournalEntry& entry) {
