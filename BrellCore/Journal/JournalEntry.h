@@ -16,6 +16,7 @@
 
 namespace brell {
 
+struct Tweak;
 class TweakCatalog;
 
 enum class EntryKind { preference, launchAgent };
@@ -76,6 +77,10 @@ inline std::string agentTweakID(std::string_view label) {
 // To be shown: the tweak's title or the agent's label; the id of a tweak that the catalog does not have any
 // more.
 std::string entryTitle(const JournalEntry& entry, const TweakCatalog& catalog);
+
+// The tweak that the entry changed; nullptr where the catalog has none of that id, or one that writes other
+// keys or types, as another Brell may have had it.
+const Tweak* tweakOf(const JournalEntry& entry, const TweakCatalog& catalog);
 
 // The active change of this tweak or agent among these entries; nullptr when there is none.
 const JournalEntry* activeEntry(const std::vector<JournalEntry>& entries, std::string_view tweakID);

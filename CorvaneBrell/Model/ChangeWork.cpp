@@ -15,10 +15,12 @@ namespace brell {
 
 namespace {
 
-std::vector<PrefValue> writtenValues(const JournalEntry& entry) {
+// In the order of the tweak's writes.
+std::vector<PrefValue> writtenValues(const JournalEntry& entry, const Tweak& tweak) {
     std::vector<PrefValue> values;
-    for (const JournaledWrite& write : entry.writes)
-        if (write.written.value) values.push_back(*write.written.value);
+    for (const Write& write : tweak.writes)
+        for (const JournaledWrite& made : entry.writes)
+            if (made.key == write.key && made.written.value) values.push_back(*made.written.value);
     return values;
 }
 
@@ -174,9 +176,7 @@ ChangeOutcome ChangeWork::applyAgain(const std::vector<DriftedEntry>& shown) {
         tryStep(outcome.failures, [&] {
             const auto entry = deps_.journal->entry(one.entry.id);
             if (!entry || !entry->isActive()) return;
-            // Before it is restored, which would leave neither their value nor Brell's.
-            if (const auto why = whyNotAgain(*entry, deps_.catalog, deps_.macOSMajor()))
-                throw EngineError(Refused{deps_.titles.of(*entry) + ": " + *why});
+            checkCanBeMadeAgain(*entry);  // else restoring it would leave neither their value nor Brell's
             if (entry->agent) switchedAgent(deps_.toggle.folder(), *entry->agent);
             if (restoreUnlessDrifted(outcome, *entry, &one)) return makeAgain(outcome, *entry);
             outcome.failures.push_back(deps_.titles.of(*entry) +
@@ -313,20 +313,24 @@ bool ChangeWork::restoreTogether(ChangeOutcome& outcome, const std::vector<Journ
     return true;
 }
 
+void ChangeWork::checkCanBeMadeAgain(const JournalEntry& entry) {
+    if (const auto why = whyNotAgain(entry, deps_.catalog, deps_.macOSMajor()))
+        throw EngineError(Refused{deps_.titles.of(entry) + ": " + *why});
+}
+
 // Makes what a restored entry had made.
 void ChangeWork::makeAgain(ChangeOutcome& outcome, const JournalEntry& entry) {
-    const Tweak* tweak = deps_.catalog.tweak(entry.tweakID);
+    checkCanBeMadeAgain(entry);
     noteKeys(outcome, entry.tweakID);
     if (entry.agent) {
         outcome.agentsTouched = true;
         outcome.made.push_back(switchedAgain(*entry.agent));
-    } else if (!tweak) {
-        throw EngineError(Refused{"There is no tweak " + entryTitle(entry, deps_.catalog) + " any more."});
-    } else if (entry.direction == EntryDirection::on) {
-        outcome.made.push_back(deps_.engine.apply(*tweak, writtenValues(entry), entry.choiceID));
-    } else {
-        outcome.made.push_back(deps_.engine.resetToDefault(*tweak));
+        return;
     }
+    const Tweak& tweak = *tweakOf(entry, deps_.catalog);
+    outcome.made.push_back(entry.direction == EntryDirection::on
+                               ? deps_.engine.apply(tweak, writtenValues(entry, tweak), entry.choiceID)
+                               : deps_.engine.resetToDefault(tweak));
 }
 
 // The question says what the keys hold now.

@@ -76,6 +76,7 @@ private:
                          const std::function<bool()>& mayBegin);
     std::string namesOf(const std::vector<JournalEntry>& switched);
     void addLeftOut(ChangeOutcome& outcome, const PresetPlan& plan) const;
+    void checkCanBeMadeAgain(const JournalEntry& entry);
     void makeAgain(ChangeOutcome& outcome, const JournalEntry& entry);
     JournalEntry switchedAgain(const AgentCapture& before);
     void ask(ChangeOutcome& outcome, const std::vector<Uuid>& drifted, DriftRequest request);

@@ -107,13 +107,13 @@ std::vector<StoredValue> valuesNow(const KeyReadings& keys, const Tweak& tweak) 
 
 std::string appliedWords(const JournalEntry& entry, const TweakCatalog& catalog) {
     if (entry.agent) return entry.agent->turnedOn() ? "turned on" : "turned off";
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    const Tweak* tweak = tweakOf(entry, catalog);
     if (!tweak) return keyCount(entry.writes.size());
     return madeWords(entry, *tweak, catalog) + ", was " + originalWords(entry, *tweak, catalog);
 }
 
 std::string restoredWords(const JournalEntry& entry, const TweakCatalog& catalog) {
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    const Tweak* tweak = tweakOf(entry, catalog);
     if (entry.agent) return "back to " + wayBack(entry);
     if (!tweak) return "back as it was";
     return "back to " + originalWords(entry, *tweak, catalog);
@@ -188,14 +188,14 @@ std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog) 
                wayBack(entry);
     if (entry.kind == EntryKind::launchAgent)
         return "The journal does not say how it was, so that it can only be kept as it is";
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    const Tweak* tweak = tweakOf(entry, catalog);
     if (!tweak) return keyCount(entry.writes.size());
     return madeWords(entry, *tweak, catalog) + ", back to " + originalWords(entry, *tweak, catalog);
 }
 
 std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
                        const std::vector<StoredValue>& now) {
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    const Tweak* tweak = tweakOf(entry, catalog);
     if (!tweak || now.size() != tweak->writes.size()) return changeWords(entry, catalog);
     return fmt::format("Now {}. Brell wrote {}; before that it was {}.",
                        valueWords(*tweak, now, catalog.home()), madeWords(entry, *tweak, catalog),
@@ -203,7 +203,7 @@ std::string driftWords(const JournalEntry& entry, const TweakCatalog& catalog,
 }
 
 std::string restoreWords(const JournalEntry& entry, const KeyReadings& keys, const TweakCatalog& catalog) {
-    const Tweak* tweak = catalog.tweak(entry.tweakID);
+    const Tweak* tweak = tweakOf(entry, catalog);
     if (entry.agent || !tweak) return changeWords(entry, catalog);
     const std::string original = originalWords(entry, *tweak, catalog);
     if (std::all_of(keys.begin(), keys.end(), std::mem_fn(&KeyReading::isAsBefore)))
@@ -241,8 +241,10 @@ std::optional<std::string> originWords(const JournalEntry& entry, const std::fil
 std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
                                        int macOSMajor) {
     if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
-    if (isOffered(entry, catalog, macOSMajor)) return std::nullopt;
-    return notOffered("restored or kept, but not applied again.");
+    const std::string butNotAgain = "restored or kept, but not applied again.";
+    if (!isOffered(entry, catalog, macOSMajor)) return notOffered(butNotAgain);
+    if (entry.agent || tweakOf(entry, catalog)) return std::nullopt;
+    return "This Brell makes this setting in another way, so that it can be " + butNotAgain;
 }
 
 std::optional<std::string> whyOnlyRestored(const JournalEntry& entry, const TweakCatalog& catalog,

@@ -114,11 +114,11 @@ std::vector<StoredValue> originals(const std::vector<KeyFacts>& keys) {
 
 RowUndo undoOf(const JournalEntry& active, const Tweak& tweak, const std::vector<KeyFacts>& keys,
                const AppModel& model) {
-    const std::vector<StoredValue> before = originals(keys);
-    return {
-        active.id, valueWords(tweak, before, model.catalog().home()),
-        std::any_of(before.begin(), before.end(), [](const StoredValue& value) { return !value.isAbsent(); }),
-        originWords(active, model.catalog().home(), model.macOSVersion())};
+    const bool isAsNow = tweakOf(active, model.catalog()) != nullptr;
+    return {active.id, isAsNow ? valueWords(tweak, originals(keys), model.catalog().home()) : wayBack(active),
+            std::any_of(active.writes.begin(), active.writes.end(),
+                        [](const JournaledWrite& write) { return !write.original.isAbsent(); }),
+            originWords(active, model.catalog().home(), model.macOSVersion())};
 }
 
 // Also a value of another type, such as "YES" or 1 for true: some apps take it for the same.
