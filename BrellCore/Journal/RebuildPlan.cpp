@@ -49,6 +49,22 @@ bool handOn(const JournalEntry& earlier, JournalEntry& later) {
     return handsOn;
 }
 
+bool hasKey(const JournalEntry& entry, const PrefKey& key) {
+    return std::any_of(entry.writes.begin(), entry.writes.end(),
+                       [&](const JournaledWrite& write) { return write.key == key; });
+}
+
+// Lets the later change put back what only the earlier one wrote, too: another Brell may have had other keys
+// for the tweak. Of an interrupted one recovery would overwrite, unasked, what others stored there since.
+bool join(const JournalEntry& earlier, JournalEntry& later) {
+    if (later.status != EntryStatus::applied) return false;
+    std::vector<JournaledWrite> others;
+    std::copy_if(earlier.writes.begin(), earlier.writes.end(), std::back_inserter(others),
+                 [&](const JournaledWrite& write) { return !hasKey(later, write.key); });
+    later.writes.insert(later.writes.end(), others.begin(), others.end());
+    return !others.empty();
+}
+
 // The later switch of an agent left what the earlier one had found: nothing is left to put back.
 bool takesBack(const JournalEntry& later, const JournalEntry& earlier) {
     return later.status == EntryStatus::applied && earlier.status == EntryStatus::applied && later.agent &&
@@ -74,10 +90,13 @@ bool overtake(JournalEntry& entry, JournalEntry& later) {
         end(later, later.appliedAt, "It took back an earlier change that its journal did not know.");
         return true;
     }
-    const bool handsOn = handOn(entry, later);
+    const bool sharesKeys =
+        std::any_of(entry.writes.begin(), entry.writes.end(),
+                    [&](const JournaledWrite& write) { return hasKey(later, write.key); });
+    bool handsOn = handOn(entry, later);
+    if (handsOn || !sharesKeys) handsOn |= join(entry, later);
     end(entry, later.appliedAt,
-        followed +
-            (handsOn ? ", and puts back what was before this one wherever it found it in force." : "."));
+        followed + (handsOn ? ", and puts back what was before this one wherever this was in force." : "."));
     return handsOn;
 }
 

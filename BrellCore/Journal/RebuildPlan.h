@@ -20,8 +20,8 @@ struct RebuildPlan {
     std::size_t torn = 0;               // as in HistoryReading
     std::size_t foreign = 0;
     std::vector<std::string> unread;
-    // Of the overtaken, those that the later one found in force: it puts back now what was before them, or
-    // did so, and counts as restored itself.
+    // Of the overtaken, those that were in force for all that the later one shows: it puts back now what was
+    // before them, or did so, and counts as restored itself.
     std::size_t handedOn = 0;
     std::size_t known = 0;  // of the entries, those that the journal holds
 

@@ -35,12 +35,11 @@ std::vector<std::string> factsOf(const RebuildPlan& plan, std::size_t active) {
                     counted(active, "is", "are"))};
     facts.push_back("What happened last may be missing from it.");
     if (!plan.overtaken.empty())
-        facts.push_back(
-            counted(plan.overtaken.size(), "change counts", "changes count") +
-            " as restored, because a later one of the same setting followed" +
-            (plan.handedOn > 0
-                 ? ", which puts back what was before both wherever it found the earlier one in force."
-                 : "."));
+        facts.push_back(counted(plan.overtaken.size(), "change counts", "changes count") +
+                        " as restored, because a later one of the same setting followed" +
+                        (plan.handedOn > 0
+                             ? ", which puts back what was before both wherever the earlier one was in force."
+                             : "."));
     if (const std::size_t lines = plan.torn + plan.foreign)
         facts.push_back(counted(lines, "line", "lines") +
                         " that can't be read or are not Brell's are left out.");

@@ -138,6 +138,25 @@ TEST_F(JournalRebuildTest, TheLastOfSeveralLeadsBackOverThoseThatWereInForce) {
     EXPECT_EQ(originalOfTheLast({{1, 2}, {7, 1}}), PrefValue(7)) << "the user wanted that back";
 }
 
+TEST_F(JournalRebuildTest, AKeyThatOnlyTheOvertakenOneWroteJoinsTheLater) {
+    using Writes = std::vector<JournaledWrite>;
+    const auto write = [](const char* key, int original, int written) {
+        return JournaledWrite{{"com.apple.dock", key}, PrefValue(original), PrefValue(written)};
+    };
+    const auto writesOfTheLast = [&](Writes later, EntryStatus status = EntryStatus::applied) {
+        const JournalEntry first = entryOf("a", {write("one", 1, 2), write("two", 1, 2)});
+        const JournalEntry last = changed(entryOf("a", std::move(later), noon + 1h), status);
+        const std::vector<HistoryLine> lines{{noon, first.status, first}, {noon, status, last}};
+        return planRebuild({lines, 0, 0, {}}).active().at(0).writes;
+    };
+    EXPECT_EQ(writesOfTheLast({write("one", 2, 3)}), (Writes{write("one", 1, 3), write("two", 1, 2)}));
+    EXPECT_EQ(writesOfTheLast({write("three", 5, 6)}),
+              (Writes{write("three", 5, 6), write("one", 1, 2), write("two", 1, 2)}));
+    EXPECT_EQ(writesOfTheLast({write("one", 7, 3)}), Writes{write("one", 7, 3)}) << "the first had ended";
+    EXPECT_EQ(writesOfTheLast({write("one", 2, 3)}, EntryStatus::capturing), Writes{write("one", 1, 3)})
+        << "recovery asks about no value";
+}
+
 TEST_F(JournalRebuildTest, WhateverStandsInItsPlaceIsKeptAndReplaced) {
     const auto check = [&](const std::string& name) {
         SCOPED_TRACE(name);
