@@ -41,11 +41,12 @@ void checkContents(const LaunchAgentPlist& plist, const std::string& label) {
 }
 
 // launchctl is given a path without links, and only one in a folder of this name.
-void checkLoadablePlace(const std::string& domain, const fs::path& file) try {
+std::optional<std::string> whyNotLoadable(const std::string& domain, const fs::path& file) try {
     AllowedCommand::launchctlBootstrap(domain, file.string()).validate();
+    return std::nullopt;
 } catch (const CommandError&) {
-    throw refused(file.string() + " could not be loaded again: your LaunchAgents folder leads to " +
-                  file.parent_path().string() + ", which is no folder Library/LaunchAgents.");
+    return file.string() + " could not be loaded again: your LaunchAgents folder leads to " +
+           file.parent_path().string() + ", which is no folder Library/LaunchAgents.";
 }
 
 // True when this names a file that is gone; launchd's words in parentheses name none.
@@ -139,7 +140,7 @@ AgentToggle::Validated AgentToggle::validate(const LaunchAgentRecord& record) co
     if (!folder_.isDirectlyInside(file))
         throw refused(file.string() + " is not a file directly inside your LaunchAgents folder.");
     checkContents(LaunchAgentPlist::read(file), label);
-    checkLoadablePlace(domain(), file);
+    if (auto why = whyNotLoadable(domain(), file)) throw refused(*std::move(why));
     return {label, file.string()};
 }
 
@@ -231,7 +232,7 @@ std::optional<std::string> AgentToggle::whyNotRestored(const AgentCapture& captu
 std::optional<std::string> AgentToggle::whyNotRestored(const AgentCapture& capture,
                                                        const AgentState& now) const {
     if (auto why = whyNotOwn(capture)) return why;
-    return whyNotPutBack(now, capture, folder_.jobFile(capture.label, capture.plistPath).has_value());
+    return whyNotPutBack(now, capture, folder_.jobFile(capture.label, capture.plistPath));
 }
 
 std::optional<std::string> AgentToggle::otherState(const AgentCapture& capture) {
@@ -286,10 +287,11 @@ AgentCapture AgentToggle::captured(const LaunchAgentRecord& record, AgentSwitch 
 // The journal is a file like any other, and its label may be that of another user's job: so a job that is
 // loaded from elsewhere is never ended, and otherwise a file of the folder has to have the label.
 std::optional<std::string> AgentToggle::whyNotPutBack(const AgentState& now, const AgentCapture& capture,
-                                                      bool hasFile) const {
-    if (!now.loaded.isLoaded() || isOwn(now.loaded, hasFile) || isAsCaptured(now, capture))
-        return std::nullopt;
-    if (capture.wasLoaded && hasFile) return std::nullopt;
+                                                      const std::optional<fs::path>& file) const {
+    if (!now.loaded.isLoaded())
+        return capture.wasLoaded && file ? whyNotLoadable(domain(), *file) : std::nullopt;
+    if (isOwn(now.loaded, file.has_value()) || isAsCaptured(now, capture)) return std::nullopt;
+    if (capture.wasLoaded && file) return std::nullopt;
     return capture.label + " is loaded from " + placeOf(now.loaded) +
            ", which is not in your LaunchAgents folder; it is not changed.";
 }
@@ -298,7 +300,7 @@ std::optional<std::string> AgentToggle::whyNotPutBack(const AgentState& now, con
 std::optional<std::string> AgentToggle::putBack(AgentSteps& steps, const AgentCapture& capture) const {
     const AgentState now = steps.settledState();
     const auto file = folder_.jobFile(capture.label, capture.plistPath);
-    if (auto why = whyNotPutBack(now, capture, file.has_value())) throw refused(*std::move(why));
+    if (auto why = whyNotPutBack(now, capture, file)) throw refused(*std::move(why));
     if (!isOwn(now.loaded, file.has_value())) {
         if (isAsCaptured(now, capture)) return std::nullopt;
         if (!now.loaded.isLoaded()) return putBackWithoutFile(steps, capture);

@@ -104,7 +104,7 @@ private:
     std::optional<JournalEntry> restorableEntry(const std::string& label, AgentSwitch direction) const;
     std::optional<std::string> whyNotOwn(const AgentCapture& capture) const;
     std::optional<std::string> whyNotPutBack(const AgentState& now, const AgentCapture& capture,
-                                             bool hasFile) const;
+                                             const std::optional<std::filesystem::path>& file) const;
     bool isOwn(const LoadedState& loaded, bool hasFile) const;
 
     CommandRunning& runner_;

@@ -220,6 +220,19 @@ TEST_F(AgentRestoreTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
     EXPECT_EQ(launchdState(), launchdBefore);
 }
 
+TEST_F(AgentRestoreTest, AFolderThatLaunchctlDoesNotTakeRefusesTheWholeUndo) {
+    const Uuid id = toggle.turnOff(agent(plain)).id;
+    const std::string launchdBefore = launchdState();
+    fs::rename(mac.launchAgents(), mac.home() / "agents");
+    fs::create_symlink(mac.home() / "agents", mac.launchAgents());
+    AgentToggle linked(*tools, engine, SampleMac::uid, mac.launchAgents(), time.waiting());
+    engine.setAgentRestorer(&linked);
+    const std::string why = messageOf([&] { engine.restore(id, false); });
+    EXPECT_TRUE(why.ends_with("which is no folder Library/LaunchAgents.")) << why;
+    EXPECT_EQ(launchdState(), launchdBefore);
+    EXPECT_EQ(engine.keepTheirs(id).failure, "Nothing was switched back. " + why);
+}
+
 TEST_F(AgentRestoreTest, LoadsTheFileThatWasCheckedNotALinkToIt) {
     fs::create_symlink(mac.home(), mac.systemRoot() / "alias");
     const fs::path byLink = mac.systemRoot() / "alias/Library/LaunchAgents" / (plain + ".plist");
