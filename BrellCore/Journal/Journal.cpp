@@ -5,6 +5,7 @@
 #include <map>
 
 #include "BrellCore/Journal/JournalPlace.h"
+#include "BrellCore/Journal/RebuildPlan.h"
 #include "BrellCore/Support/DurableFile.h"
 #include "BrellCore/Support/JsonReader.h"
 #include "BrellCore/Support/JsonWriter.h"
@@ -187,7 +188,13 @@ std::optional<JournalEntry> Journal::activeEntry(std::string_view tweakID) {
 }
 
 Journal::Exclusive Journal::exclusive() {
-    return Exclusive(asCannotWrite([this] { return takenLock(); }));
+    Exclusive held(asCannotWrite([this] { return takenLock(); }));
+    const std::lock_guard lock(mutex_);
+    refreshLocked();
+    // One that was begun anew meanwhile knew nothing of the changes that were kept here. The history goes on
+    // telling it as it was, so that a rebuilding comes to the same.
+    for (const JournalEntry& entry : endOvertaken(text_.entries())) saveLocked(entry);
+    return held;
 }
 
 FileLock Journal::takenLock() const {

@@ -29,7 +29,7 @@ enum class JournalUse { changes, dryRun };
 //
 // A journal that is removed, alone or with its folder, is not forgotten here: the list stays and is saved
 // whole with the next entry. To one that others began anew the active entries are added that it does not
-// know.
+// know; the next exclusive() ends all but the last one of a tweak, which then leads back over the others.
 //
 // Order of locks: the engine's mutex, then the advisory lock (Exclusive), then this object's own mutex.
 class Journal {

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace brell {
 
@@ -83,8 +84,7 @@ void end(JournalEntry& entry, TimeStamp when, std::string how) {
 // True in the second case.
 bool overtake(JournalEntry& entry, JournalEntry& later) {
     const std::string followed =
-        "The history from which the journal was rebuilt does not tell how this change ended. A later one "
-        "followed it";
+        "The journal was lost in between and does not tell how this change ended. A later one followed it";
     if (takesBack(later, entry)) {
         end(entry, later.appliedAt, followed + ", and took it back.");
         end(later, later.appliedAt, "It took back an earlier change that its journal did not know.");
@@ -110,6 +110,12 @@ bool isTheEarlier(const JournalEntry& entry, const JournalEntry& other) {
     return handOn(entry, trial);
 }
 
+void sortByTime(std::vector<JournalEntry>& entries) {
+    std::stable_sort(entries.begin(), entries.end(), [](const JournalEntry& one, const JournalEntry& other) {
+        return one.appliedAt < other.appliedAt;
+    });
+}
+
 // From the last one back: one in between may have been in force when the next was made, or have ended.
 void overtakeAllButTheLast(RebuildPlan& plan) {
     std::unordered_map<std::string_view, JournalEntry*> lastOf;
@@ -129,6 +135,14 @@ void overtakeAllButTheLast(RebuildPlan& plan) {
     std::reverse(plan.overtaken.begin(), plan.overtaken.end());
 }
 
+// Of one tweak.
+bool hasTwoActive(const std::vector<JournalEntry>& entries) {
+    std::unordered_set<std::string_view> active;
+    return std::any_of(entries.begin(), entries.end(), [&](const JournalEntry& entry) {
+        return entry.isActive() && !active.insert(entry.tweakID).second;
+    });
+}
+
 }  // namespace
 
 std::vector<JournalEntry> RebuildPlan::active() const {
@@ -136,6 +150,20 @@ std::vector<JournalEntry> RebuildPlan::active() const {
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(active),
                  [](const JournalEntry& entry) { return entry.isActive(); });
     return active;
+}
+
+std::vector<JournalEntry> endOvertaken(const std::vector<JournalEntry>& entries) {
+    if (!hasTwoActive(entries)) return {};
+    RebuildPlan plan;
+    plan.entries = entries;
+    plan.entries = plan.active();
+    sortByTime(plan.entries);
+    const std::vector<JournalEntry> before = plan.entries;
+    overtakeAllButTheLast(plan);
+    std::vector<JournalEntry> changed;
+    for (std::size_t i = before.size(); i-- > 0;)
+        if (plan.entries[i] != before[i]) changed.push_back(std::move(plan.entries[i]));
+    return changed;
 }
 
 RebuildPlan planRebuild(HistoryReading history) {
@@ -175,11 +203,7 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
 RebuildPlan RebuildPlanner::finish(HistoryReading rest) && {
     take(rest.lines);
     // A journal that was begun anew knows later changes than the history before it.
-    if (plan_.known > 0 && plan_.known < plan_.entries.size())
-        std::stable_sort(plan_.entries.begin(), plan_.entries.end(),
-                         [](const JournalEntry& one, const JournalEntry& other) {
-                             return one.appliedAt < other.appliedAt;
-                         });
+    if (plan_.known > 0 && plan_.known < plan_.entries.size()) sortByTime(plan_.entries);
     overtakeAllButTheLast(plan_);
     plan_.torn = rest.torn;
     plan_.foreign = rest.foreign;
