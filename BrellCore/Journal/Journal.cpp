@@ -193,7 +193,7 @@ Journal::Exclusive Journal::exclusive() {
     refreshLocked();
     // One that was begun anew meanwhile knew nothing of the changes that were kept here. The history goes on
     // telling it as it was, so that a rebuilding comes to the same.
-    for (const JournalEntry& entry : endOvertaken(text_.entries())) saveLocked(entry);
+    if (const auto changed = endOvertaken(text_.entries()); !changed.empty()) saveLocked(changed);
     return held;
 }
 
@@ -263,16 +263,30 @@ void Journal::refreshLocked() try {
     throw cannotRead(error.failure().path.string() + ": " + error.failure().reason);
 }
 
-void Journal::saveLocked(const JournalEntry& entry) try {
+void Journal::saveLocked(const JournalEntry& entry) {
+    asCannotWrite([&] {
+        JournalText::Change change = text_.changed(entry);
+        replaceLocked(change.text);
+        text_.take(std::move(change));
+    });
+}
+
+// In one replacement: half of what belongs together could not be told from what is whole.
+void Journal::saveLocked(const std::vector<JournalEntry>& entries) {
+    asCannotWrite([&] {
+        JournalText text = text_;
+        for (const JournalEntry& entry : entries) text.take(text.changed(entry));
+        replaceLocked(text.text());
+        text_ = std::move(text);
+    });
+}
+
+void Journal::replaceLocked(const std::string& text) try {
     checkUse();
     if (use_ == JournalUse::dryRun && !isMarkedForDryRun(file_.parent_path()))
         markForDryRun(file_.parent_path());
-    JournalText::Change change = text_.changed(entry);
-    replaceFile(withoutLink(file_), change.text, Durability::powerCut);
-    text_.take(std::move(change));
+    replaceFile(withoutLink(file_), text, Durability::powerCut);
     identity_ = identityOfSaved(file_);
-} catch (const JsonWriteError& error) {
-    throw cannotWrite(error.what());
 } catch (const ReplaceError& error) {
     throw cannotWrite(error.failure());
 }

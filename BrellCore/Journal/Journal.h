@@ -97,6 +97,8 @@ private:
     void save(const JournalEntry& entry, const Exclusive& held);
     void refreshLocked();
     void saveLocked(const JournalEntry& entry);
+    void saveLocked(const std::vector<JournalEntry>& entries);
+    void replaceLocked(const std::string& text);
 
     const std::filesystem::path file_;  // or a link to it
     const std::filesystem::path historyDirectory_;

@@ -161,7 +161,7 @@ std::vector<JournalEntry> endOvertaken(const std::vector<JournalEntry>& entries)
     const std::vector<JournalEntry> before = plan.entries;
     overtakeAllButTheLast(plan);
     std::vector<JournalEntry> changed;
-    for (std::size_t i = before.size(); i-- > 0;)
+    for (std::size_t i = 0; i < before.size(); ++i)
         if (plan.entries[i] != before[i]) changed.push_back(std::move(plan.entries[i]));
     return changed;
 }

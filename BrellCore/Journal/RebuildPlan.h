@@ -32,7 +32,7 @@ struct RebuildPlan {
 RebuildPlan planRebuild(HistoryReading history);
 
 // Of several active changes of one tweak, as a journal can hold that was lost and begun anew, ends all but
-// the last. Gives the entries that this changes, each before the ones that it overtook.
+// the last. Gives the entries that this changes, which belong together.
 std::vector<JournalEntry> endOvertaken(const std::vector<JournalEntry>& entries);
 
 // The same from a history that comes in pieces: most of its lines are not kept.

@@ -35,8 +35,11 @@ void DecisionSection::addAction(const QString& none, const QString& some, Act ac
     auto* button = actionButton(some.arg(99));  // room for as many
     buttons_->insertWidget(buttons_->count() - 1, button);
     actions_.push_back({button, none, some, canTakeIt});
-    connect(button, &QPushButton::clicked, this,
-            [this, act, canTakeIt] { (model_.*act)(ticked(canTakeIt)); });
+    connect(button, &QPushButton::clicked, this, [this, act, canTakeIt] { perform(act, canTakeIt); });
+}
+
+void DecisionSection::perform(Act act, bool (ChangeRow::*canTakeIt)() const) {
+    (model_.*act)(ticked(canTakeIt));
 }
 
 void DecisionSection::setChanges(const std::vector<ActiveChange>& first, std::size_t all) {

@@ -36,6 +36,7 @@ private:
         bool (ChangeRow::*canTakeIt)() const;
     };
 
+    void perform(Act act, bool (ChangeRow::*canTakeIt)() const);
     std::vector<Uuid> ticked(bool (ChangeRow::*canTakeIt)() const) const;
     void showTicks();
 
