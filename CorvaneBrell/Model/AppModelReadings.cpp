@@ -137,7 +137,7 @@ void AppModel::readRecovery() {
         if (!commands.value) {
             commands.value.emplace();
             for (const JournalEntry& entry : agents)
-                commands.value->emplace(entry.id, std::vector{"Not known: " + commands.error});
+                commands.value->emplace(entry.id, std::vector{std::string(notKnown) + commands.error});
         }
         set(&AppState::recoveryCommands, *std::move(commands.value), Topic::question);
     };

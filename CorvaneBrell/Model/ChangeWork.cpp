@@ -48,6 +48,10 @@ TweakEngine::Progress goOn(Progress& progress) {
     };
 }
 
+bool isUnknown(const std::vector<std::string>& commands) {
+    return !commands.empty() && commands.front().starts_with(notKnown);
+}
+
 // One step of several: the others are taken all the same.
 template <class Step>
 void tryStep(std::vector<std::string>& failures, Step step) try {
@@ -211,7 +215,10 @@ ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
     outcome.recoveryFailures.emplace();
     const auto areShown = [&](const JournalEntry& entry) {
         const auto found = shown.find(entry.id);
-        return found != shown.end() && found->second == puttingBack(deps_.toggle, *entry.agent).lines;
+        if (found == shown.end()) return false;
+        const auto now = puttingBack(deps_.toggle, *entry.agent).lines;
+        // The same reason may be told in other words each time.
+        return found->second == now || (isUnknown(found->second) && isUnknown(now));
     };
     for (const JournalEntry& entry : deps_.engine.interruptedEntries()) {
         if (entry.agent && !areShown(entry))

@@ -23,8 +23,8 @@ PuttingBack puttingBack(const AgentToggle& toggle, const AgentCapture& before) t
     if (const auto why = toggle.whyNotRestored(before, toggle.currentState(before.label)))
         return {{"No command: " + *why}, true};
     return {toggle.previewRestore(before)};
-} catch (const AgentToggleError& error) {
-    return {{std::string("Not known: ") + error.what()}};
+} catch (const std::exception& error) {
+    return {{std::string(notKnown) + error.what()}};
 }
 
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before) {

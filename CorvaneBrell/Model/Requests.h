@@ -75,6 +75,9 @@ struct RestoreStep {
     bool operator==(const RestoreStep&) const = default;
 };
 
+// Before the reason, where commands can't be told.
+inline constexpr std::string_view notKnown = "Not known: ";
+
 // The commands that put interrupted agents back, by their entries.
 using RecoveryCommands = std::map<Uuid, std::vector<std::string>>;
 
