@@ -1,5 +1,8 @@
 // Readings with the system's tools, and those that the user waits for.
 
+#include <algorithm>
+#include <iterator>
+
 #include "CorvaneBrell/Dependencies.h"
 #include "CorvaneBrell/Model/AppModel.h"
 
