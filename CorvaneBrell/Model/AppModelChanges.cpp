@@ -171,9 +171,7 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
 
 // What runs commands shows them first; where that was put off, it is asked for once more.
 void AppModel::recover() {
-    const bool runsCommands = std::any_of(state_.interrupted.begin(), state_.interrupted.end(),
-                                          [](const JournalEntry& entry) { return entry.agent.has_value(); });
-    if (state_.recoveryDeferred && runsCommands)
+    if (state_.recoveryDeferred && hasAgent(state_.interrupted))
         return set(&AppState::recoveryDeferred, false, Topic::question);
     change("Restoring interrupted changes", {}, &ChangeWork::recover, state_.recoveryCommands);
 }

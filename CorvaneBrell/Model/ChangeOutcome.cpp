@@ -6,14 +6,10 @@
 
 namespace brell {
 
-namespace {
-
 bool hasAgent(const std::vector<JournalEntry>& entries) {
     return std::any_of(entries.begin(), entries.end(),
                        [](const JournalEntry& entry) { return entry.agent.has_value(); });
 }
-
-}  // namespace
 
 std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string name, LeadsTo leadsTo) {
     if (outcome.made.empty() && outcome.restored.empty()) return std::nullopt;

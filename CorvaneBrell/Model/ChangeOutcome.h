@@ -1,6 +1,7 @@
 // The outcome of a change.
 #pragma once
 
+#include <exception>
 #include <map>
 #include <optional>
 #include <string>
@@ -38,5 +39,16 @@ std::optional<SessionChange> actionOf(const ChangeOutcome& outcome, std::string 
 std::vector<JournalEntry> undoneBy(const ChangeOutcome& outcome);
 
 std::vector<Uuid> idsOf(const std::vector<JournalEntry>& entries);
+
+// Undoing one of them runs commands.
+bool hasAgent(const std::vector<JournalEntry>& entries);
+
+// One step of several: the others are taken all the same.
+template <class Step>
+void tryStep(std::vector<std::string>& failures, Step step) try {
+    step();
+} catch (const std::exception& error) {
+    failures.push_back(error.what());
+}
 
 }  // namespace brell

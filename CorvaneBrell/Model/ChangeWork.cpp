@@ -52,14 +52,6 @@ bool isUnknown(const std::vector<std::string>& commands) {
     return !commands.empty() && commands.front().starts_with(notKnown);
 }
 
-// One step of several: the others are taken all the same.
-template <class Step>
-void tryStep(std::vector<std::string>& failures, Step step) try {
-    step();
-} catch (const std::exception& error) {
-    failures.push_back(error.what());
-}
-
 }  // namespace
 
 ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)

@@ -41,14 +41,12 @@ ChangeOutcome ChangeWork::switchAgents(const AgentConfirmRequest& request) {
     for (const LaunchAgentRecord& agent : request.agents) {
         if (progress_.isEnding()) break;
         progress_.tell(outcome.made.size() + outcome.restored.size(), request.agents.size());
-        try {
+        tryStep(outcome.failures, [&] {
             checkJobFile(agent);
             JournalEntry entry = request.turningOn ? deps_.toggle.turnOn(agent) : deps_.toggle.turnOff(agent);
             (entry.status == EntryStatus::restored ? outcome.restored : outcome.made)
                 .push_back(std::move(entry));
-        } catch (const std::exception& error) {
-            outcome.failures.push_back(error.what());
-        }
+        });
     }
     const std::vector<JournalEntry>& switched = outcome.made.empty() ? outcome.restored : outcome.made;
     outcome.undo.done = actionOf(outcome, (request.turningOn ? "Turn On " : "Turn Off ") + namesOf(switched));

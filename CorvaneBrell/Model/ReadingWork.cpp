@@ -319,8 +319,8 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
             request.changes.entries.push_back(std::move(now));
             continue;
         }
-        PuttingBack back{putBackLines(entry), entry.lacksCapture()};
-        if (entry.agent) back = puttingBack(deps_.toggle, *entry.agent);
+        PuttingBack back = entry.agent ? puttingBack(deps_.toggle, *entry.agent)
+                                       : PuttingBack{putBackLines(entry), entry.lacksCapture()};
         // Of a refused one the step only says that it stays.
         if (!back.isRefused) request.changes.others.push_back(entry.id);
         request.steps.push_back(
