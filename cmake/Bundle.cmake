@@ -5,7 +5,8 @@ function(brell_apple_sources target)
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX "\\.mm$")
     set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS -fobjc-arc)
-    target_link_libraries(${target} PUBLIC "-framework AppKit")
+    # Foundation has the classes below AppKit's, and brings the language's own library.
+    target_link_libraries(${target} PUBLIC "-framework AppKit" "-framework Foundation")
     # A program that uses none of it, as the one without a window, does not load it either.
     target_link_options(${target} INTERFACE LINKER:-dead_strip_dylibs)
 endfunction()
