@@ -8,7 +8,14 @@
 
 namespace brell::testing {
 
-using JournalPageTest = WindowTest;
+class JournalPageTest : public WindowTest {
+protected:
+    // As another program would. These are words of sed that macOS's knows, too.
+    void rewriteJournal(const std::string& commands) {
+        const fs::path journal = *options.journalDirectory / "journal.json";
+        setContents(journal, runLine("sed " + shellWord(commands) + " " + shellWord(journal)).output);
+    }
+};
 
 TEST_F(JournalPageTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
     openOn(Screen::journal);
@@ -72,9 +79,8 @@ TEST_F(JournalPageTest, WhatCannotBeAppliedAgainOrRestoredIsNotOffered) {
     openWindow();
     settled()->apply("dock.autohide");
     settled()->applyChoice("dock.size", "large");
-    runLine(R"(sed -i '0,/"preference"/s//"launchAgent"/; s/"dock.autohide"/"agent:org.example.sync"/; )"
-            R"(s/"dock.size"/"dock.gone"/' )" +
-            shellWord(*options.journalDirectory / "journal.json"));
+    rewriteJournal(R"(1,/"preference"/s/"preference"/"launchAgent"/; s/"dock.size"/"dock.gone"/; )"
+                   R"(s/"dock.autohide"/"agent:org.example.sync"/)");
     writeFromOutside({"com.apple.dock", "tilesize"}, 50);
     openWindow();
     go(Screen::journal);
@@ -102,8 +108,7 @@ TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
     settled()->askAgents({itemOf("com.lumenfold.sync").id}, false);
     settled()->confirmAgents();
     closeWindow();
-    runLine(R"(sed -i -e 's/"applied"/"capturing"/' -e 's|"plistPath" : ".*/|"plistPath" : "/elsewhere/|' )" +
-            shellWord(*options.journalDirectory / "journal.json"));
+    rewriteJournal(R"(s/"applied"/"capturing"/; s|"plistPath" : ".*/|"plistPath" : "/elsewhere/|)");
     openWindow();
     expectWords(*sheet(), {"No command: /elsewhere/com.lumenfold.sync.plist is outside"});
     settled()->deferRecovery();
