@@ -120,13 +120,15 @@ TEST_F(LoginItemsPageTest, WhatCameSinceTheLastVisitIsMarkedAndCanBeShownAlone) 
     press("Show All");
     EXPECT_EQ(visible<LoginItemView>().size(), before + 1);
 
+    item.setOpen(true);
+#ifndef Q_OS_MACOS  // where Finder comes to the front
     // Where its job file lies, as the desktop shows folders.
     QTextBrowser folders;
     QDesktopServices::setUrlHandler("file", &folders, "setSource");
-    item.setOpen(true);
     press("Show in Finder: " + item.title());
     EXPECT_EQ(folders.source(), QUrl::fromLocalFile(qt(sample.launchAgents().string())));
     QDesktopServices::unsetUrlHandler("file");
+#endif
     std::filesystem::remove(fileOf(label));
     press("Show in Finder: " + item.title());
     expectWords(opened<Sheet>(), {"com.acme.dispatch.plist does not exist."});

@@ -80,9 +80,11 @@ TEST_F(PagesTest, PrivacyCardsTellEverythingAndRememberTheDayOfTheReview) {
     press("Mark as reviewed: Camera");
     expectWords(page(), {"Reviewed 1 of 10."});
     EXPECT_EQ(words(page()).count("Reviewed on " + dayText(systemNow())), 1);
+#ifndef Q_OS_MACOS  // which opens them
     press("Open System Settings: Privacy & Security, then Camera");
     expectWords(opened<Sheet>(), {"Privacy & Security, then Camera"});
     opened<Sheet>().close();
+#endif
 }
 
 TEST_F(PagesTest, EachVolumeSaysWhetherItIsIndexedOrWhatTheToolAnswered) {
