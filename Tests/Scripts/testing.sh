@@ -2,6 +2,7 @@
 # with runTests.
 # shellcheck shell=bash
 . "$(dirname "${BASH_SOURCE[0]}")/../../script/lib/frame.sh"
+export LC_ALL=C # else the sed of macOS refuses bytes that are no text, and each Mac has its own order
 
 # fail SENTENCE: ends the test.
 fail() {
