@@ -200,7 +200,7 @@ tryLockedFile() {
     brell --apply-all
     conclude "$what" "$(
         said "^warning: .*com.apple.screencapture.plist is locked" >/dev/null || echo 'there is no warning'
-        said '^applied screenshots' | head -n 1
+        said '^applied shot\.' | head -n 1
     )"
     putBackMarks
     notRestored >/dev/null
