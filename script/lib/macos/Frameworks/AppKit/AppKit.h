@@ -3,6 +3,12 @@
 
 #include <stddef.h>
 
+// Three of the many macros that come with it, by <AssertMacros.h>: no function of these names can be called
+// behind it.
+#define check(assertion) _Static_assert(0, "a macro of macOS's")
+#define require(assertion, label) _Static_assert(0, "a macro of macOS's")
+#define verify(assertion) _Static_assert(0, "a macro of macOS's")
+
 #pragma clang assume_nonnull begin
 
 typedef signed char BOOL;
