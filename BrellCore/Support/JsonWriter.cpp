@@ -1,6 +1,6 @@
 #include "BrellCore/Support/JsonWriter.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "BrellCore/Support/Numbers.h"
@@ -10,8 +10,16 @@ namespace brell {
 
 namespace {
 
-bool needsNoLook(char c) {
-    return isPrintableAscii(c) && c != '"' && c != '\\';
+// The characters that stand for themselves, by one look each: a journal is made of little else.
+constexpr std::array<bool, 256> makePlain() {
+    std::array<bool, 256> plain{};
+    for (char c = ' '; isPrintableAscii(c); ++c) plain[static_cast<std::size_t>(c)] = c != '"' && c != '\\';
+    return plain;
+}
+constexpr std::array<bool, 256> plainCharacters = makePlain();
+
+bool isPlain(char c) {
+    return plainCharacters[static_cast<unsigned char>(c)];
 }
 
 std::string escaped(std::int32_t codePoint) {
@@ -84,16 +92,17 @@ void JsonWriter::beforeValue() {
 
 void JsonWriter::newLine() {
     if (layout_ == Layout::compact) return;
-    text_ += '\n';
-    text_.append(static_cast<std::size_t>(depth_) * 2, ' ');
+    const std::size_t start = text_.size();
+    text_.append(1 + static_cast<std::size_t>(depth_) * 2, ' ');
+    text_[start] = '\n';
 }
 
 // Characters that could steer a terminal which shows the file are written as escapes.
 void JsonWriter::quoted(std::string_view text) {
     text_ += '"';
     while (!text.empty()) {
-        const auto plain = std::find_if_not(text.begin(), text.end(), needsNoLook);
-        const auto run = static_cast<std::size_t>(plain - text.begin());
+        std::size_t run = 0;
+        while (run < text.size() && isPlain(text[run])) ++run;
         text_.append(text, 0, run);
         text.remove_prefix(run);
         if (text.empty()) break;
