@@ -25,7 +25,7 @@ constexpr std::chrono::seconds patienceAtTheEnd{60};
 
 // A job that takes its time takes little here; the deadlines are real ones.
 Waiting shortWaiting() {
-    return {[] { return std::chrono::steady_clock::now(); },
+    return {AwakeClock::now,
             [](std::chrono::milliseconds time) { std::this_thread::sleep_for(std::min(time, 1ms)); }};
 }
 

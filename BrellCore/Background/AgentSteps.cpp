@@ -87,8 +87,7 @@ AllowedCommand allowedCommand(AgentCommand::Verb verb, const std::string& domain
 }
 
 Waiting Waiting::real() {
-    return {[] { return std::chrono::steady_clock::now(); },
-            [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); }};
+    return {AwakeClock::now, [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); }};
 }
 
 AgentSteps::AgentSteps(CommandRunning& runner, Waiting waiting, std::string domain, std::string label)
@@ -126,7 +125,7 @@ AgentState AgentSteps::settledState() {
 }
 
 // Sleeps a moment; false when the time is over.
-bool AgentSteps::waits(std::chrono::steady_clock::time_point since) {
+bool AgentSteps::waits(AwakeClock::time_point since) {
     const auto waited = waiting_.now() - since;
     if (waited >= patienceWith(seen_)) return false;
     if (waited >= quietFor && isLeaving(seen_) && waiting_.tell && !std::exchange(hasTold_, true))

@@ -11,12 +11,13 @@
 #include "BrellCore/Background/CommandRunning.h"
 #include "BrellCore/Background/LaunchctlParser.h"
 #include "BrellCore/Journal/AgentCommands.h"
+#include "BrellCore/Support/AwakeClock.h"
 
 namespace brell {
 
 // Time, which is a test's own in tests.
 struct Waiting {
-    std::function<std::chrono::steady_clock::time_point()> now;
+    std::function<AwakeClock::time_point()> now;
     std::function<void(std::chrono::milliseconds)> sleep;
     // Told once a job takes its time to end, and how long it is given at most. May be empty.
     std::function<void(const std::string& label, std::chrono::seconds atMost)> tell = {};
@@ -70,7 +71,7 @@ private:
     void bootstrap(const AllowedCommand& command);
     void expect(const AgentTarget& target);
     std::optional<AgentToggleFailure> mismatch(const AgentTarget& target);
-    bool waits(std::chrono::steady_clock::time_point since);
+    bool waits(AwakeClock::time_point since);
 
     CommandRunning& runner_;
     const Waiting waiting_;

@@ -13,14 +13,14 @@
 #include <thread>
 
 #include "BrellCore/Background/ChildProcess.h"
+#include "BrellCore/Support/AwakeClock.h"
 #include "BrellCore/Support/Text.h"
 
 namespace brell {
 
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-using Deadline = SteadyClock::time_point;
+using Deadline = AwakeClock::time_point;
 
 constexpr std::chrono::seconds grace{2};
 // How often the end of the child is looked for while something else may hold its outputs open. After they
@@ -35,13 +35,13 @@ constexpr double longestTimeout = 1e6;  // seconds; keeps the arithmetic of dead
 
 Deadline deadlineAfter(double seconds) {
     const double bounded = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, longestTimeout);
-    return SteadyClock::now() +
-           std::chrono::duration_cast<SteadyClock::duration>(std::chrono::duration<double>(bounded));
+    return AwakeClock::now() +
+           std::chrono::duration_cast<AwakeClock::duration>(std::chrono::duration<double>(bounded));
 }
 
 // For poll: rounded up, so that it does not spin during the last fraction of a millisecond.
 int millisecondsUntil(Deadline deadline) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - AwakeClock::now());
     return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), lookEvery).count());
 }
 
@@ -87,10 +87,10 @@ public:
         const bool isStopped = !child_->hasEnded();
         if (isStopped) {
             child_->terminate();
-            waitForChild(SteadyClock::now() + grace, [] { return false; });
+            waitForChild(AwakeClock::now() + grace, [] { return false; });
         }
         // All that the child itself printed is in the pipes by now; more can come from what it left behind.
-        waitForOutputs(SteadyClock::now() + grace);
+        waitForOutputs(AwakeClock::now() + grace);
         if (printedTooMuch()) return CommandProblem::tooMuchOutput;
         if (isStopped) return isCancelled ? CommandProblem::cancelled : CommandProblem::timedOut;
         return CommandResult{child_->exitCode(), text(outputs_[0]), text(outputs_[1])};
@@ -104,7 +104,7 @@ private:
     // Both drain the outputs while they wait, so that a full pipe never stalls the child, and look at the
     // clock each time: something that prints without end must not hold us.
     void waitForChild(Deadline deadline, const std::function<bool()>& isEnough) {
-        while (!child_->hasEnded() && SteadyClock::now() < deadline && !printedTooMuch() && !isEnough()) {
+        while (!child_->hasEnded() && AwakeClock::now() < deadline && !printedTooMuch() && !isEnough()) {
             if (outputsEnded())
                 nap();
             else
@@ -112,7 +112,7 @@ private:
         }
     }
     void waitForOutputs(Deadline deadline) {
-        while (!outputsEnded() && SteadyClock::now() < deadline) drain(deadline);
+        while (!outputsEnded() && AwakeClock::now() < deadline) drain(deadline);
     }
 
     // Waits for the outputs, but not for long, and takes in what has come.
@@ -126,7 +126,7 @@ private:
     }
 
     void nap() {
-        const auto now = SteadyClock::now();
+        const auto now = AwakeClock::now();
         if (yields_ == 0) yieldingEnds_ = now + longestYielding;
         if (yields_++ < mostYields && now < yieldingEnds_) return std::this_thread::yield();
         std::this_thread::sleep_for(nap_);

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <thread>
 
+#include "BrellCore/Support/AwakeClock.h"
 #include "BrellCore/Support/DiskFlush.h"
 
 namespace fs = std::filesystem;
@@ -66,7 +67,7 @@ bool FileLock::stillExcludes() const {
 
 std::optional<FileLock> FileLock::acquire(const fs::path& file, std::chrono::milliseconds patience) {
     using namespace std::chrono_literals;
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = AwakeClock::now() + patience;
     auto pause = 1ms;
     for (;;) {
         UniqueFd descriptor = openLockFile(file);
@@ -75,7 +76,7 @@ std::optional<FileLock> FileLock::acquire(const fs::path& file, std::chrono::mil
         } else if (errno != EWOULDBLOCK && errno != EINTR) {
             throw failure(file);
         }
-        if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
+        if (AwakeClock::now() >= deadline) return std::nullopt;
         std::this_thread::sleep_for(pause);
         pause = std::min(pause * 2, 50ms);
     }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 
+#include "BrellCore/Support/AwakeClock.h"
 #include "CorvaneBrell/Platform/MainLoop.h"
 
 namespace brell {
@@ -23,7 +24,7 @@ private:
     MainLoop& loop_;
     const std::chrono::milliseconds pause_;
     const std::function<void()> act_;
-    std::chrono::steady_clock::time_point done_;
+    AwakeClock::time_point done_;
     bool isAsked_ = false;
     const std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

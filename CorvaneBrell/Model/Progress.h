@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "BrellCore/Support/AwakeClock.h"
+
 namespace brell {
 
 // A job that runs beside the main thread, for the user.
@@ -48,7 +50,7 @@ public:
     // Shown when something else begins, and then every tenth of a second: as fast as a job goes it would keep
     // the main thread busy with nothing else.
     void tell(const std::string& what, std::size_t done = 0, std::size_t total = 0) {
-        const auto now = std::chrono::steady_clock::now();
+        const auto now = AwakeClock::now();
         if (what == told_ && now - last_ < pause) return;
         told_ = what;
         last_ = now;
@@ -66,7 +68,7 @@ private:
     std::function<bool()> isEnding_;
     std::string job_;
     std::string told_;
-    std::chrono::steady_clock::time_point last_;
+    AwakeClock::time_point last_;
 };
 
 }  // namespace brell

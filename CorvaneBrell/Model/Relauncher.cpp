@@ -126,7 +126,7 @@ private:
     MainLoop& loop_;
     const std::function<void(Outcome)> done_;
     std::vector<RunningApplications::Instance> instances_;
-    std::chrono::steady_clock::time_point deadline_;
+    AwakeClock::time_point deadline_;
     Outcome appeared_{}, stayedAway_{};
 };
 

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <functional>
 
+#include "BrellCore/Support/AwakeClock.h"
+
 namespace brell {
 
 // Calls come one at a time on the main thread, never from inside the function that asked for them. An object
@@ -13,7 +15,7 @@ public:
     virtual ~MainLoop() = default;
 
     // Main thread only.
-    virtual std::chrono::steady_clock::time_point now() const = 0;
+    virtual AwakeClock::time_point now() const = 0;
     virtual void callAfter(std::chrono::milliseconds delay, std::function<void()> action) = 0;
 
     // From any thread. Actions run in the order in which they were posted.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "BrellCore/Support/AwakeClock.h"
 #include "CorvaneBrell/Platform/MainLoop.h"
 #include "CorvaneBrell/Platform/RunningApplications.h"
 
@@ -39,7 +40,7 @@ public:
     std::vector<std::string> requests;
 
 private:
-    using Moment = std::chrono::steady_clock::time_point;
+    using Moment = AwakeClock::time_point;
     struct Process {
         Instance id;
         std::string bundleIdentifier;

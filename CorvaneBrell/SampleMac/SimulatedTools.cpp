@@ -4,6 +4,7 @@
 #include <exception>
 #include <thread>
 
+#include "BrellCore/Support/AwakeClock.h"
 #include "BrellCore/Support/FileContents.h"
 #include "CorvaneBrell/SampleMac/SampleContents.h"
 
@@ -37,8 +38,8 @@ CommandResult SimulatedTools::run(const AllowedCommand& command) {
 
 CommandResult SimulatedTools::runPatiently(const AllowedCommand& command, const CommandPatience& patience) {
     return run(command, [&] {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(patience.seconds);
-        while (std::chrono::steady_clock::now() < end) {
+        const auto end = AwakeClock::now() + std::chrono::duration<double>(patience.seconds);
+        while (AwakeClock::now() < end) {
             if (patience.isCancelled && patience.isCancelled()) return CommandProblem::cancelled;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }

@@ -5,8 +5,8 @@
 
 namespace brell {
 
-std::chrono::steady_clock::time_point QtMainLoop::now() const {
-    return std::chrono::steady_clock::now();
+AwakeClock::time_point QtMainLoop::now() const {
+    return AwakeClock::now();
 }
 
 void QtMainLoop::callAfter(std::chrono::milliseconds delay, std::function<void()> action) {

@@ -11,7 +11,7 @@ namespace brell {
 class QtMainLoop final : public QObject, public MainLoop {
     Q_OBJECT
 public:
-    std::chrono::steady_clock::time_point now() const override;
+    AwakeClock::time_point now() const override;
     void callAfter(std::chrono::milliseconds delay, std::function<void()> action) override;
     void post(std::function<void()> action) override;
 };

@@ -20,7 +20,7 @@ public:
     std::chrono::milliseconds slept{0};
 
 private:
-    std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
+    AwakeClock::time_point now_{std::chrono::hours(1)};
 };
 
 struct AgentToggleFixture : EngineFixture {

@@ -20,7 +20,7 @@ namespace brell::testing {
 // fail the test.
 class FakeMainLoop final : public MainLoop {
 public:
-    using Moment = std::chrono::steady_clock::time_point;
+    using Moment = AwakeClock::time_point;
 
     Moment now() const override {
         checkMainThread();
