@@ -102,7 +102,7 @@ AgentOverrides AgentSteps::overrides() {
     const CommandResult answer = run(askOverrides);
     if (!answer.succeeded()) throw commandError(askOverrides, answer.output());
     // Even without any override the real one names the list.
-    if (stripped(answer.output()).empty()) throw commandError(askOverrides, "it answered nothing");
+    if (stripped(answer.stdoutText).empty()) throw commandError(askOverrides, "it answered nothing");
     return LaunchctlParser::parsePrintDisabled(answer.stdoutText);
 }
 

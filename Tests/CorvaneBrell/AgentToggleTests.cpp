@@ -58,8 +58,11 @@ TEST_F(AgentToggleTest, RefusesASwitchThatStandsThatWayAlreadyAndLeavesNothingBe
     for (const char* label : {"homebrew.mxcl.redis", "us.zoom.updater", "org.fernwright.notes"})
         EXPECT_EQ(notOn(label), std::string(label) + " is not turned off.");
     const LaunchAgentRecord off = agent("com.spotify.client.startuphelper");
-    tools->failNext(AllowedCommand::Kind::launchctlPrintDisabled, ToolFault::lying());
-    EXPECT_EQ(notOff(off), "launchctl refused: /bin/launchctl print-disabled gui/501: it answered nothing");
+    for (const char* warning : {"", "launchctl is deprecated"}) {
+        tools->failNext(AllowedCommand::Kind::launchctlPrintDisabled, ToolFault::refusing(0, warning));
+        EXPECT_EQ(notOff(off),
+                  "launchctl refused: /bin/launchctl print-disabled gui/501: it answered nothing");
+    }
     EXPECT_EQ(launchdState(), launchdBefore);
     EXPECT_EQ(namesIn(journalDirectory), Names());
 }
