@@ -86,7 +86,7 @@ JournalEntry TweakEngine::turnOff(const Tweak& tweak, bool overridingDrift) {
         };
         // Before the lock's file is made, so that a refusal leaves nothing behind.
         if (!entryToRestore()) checkChange(tweak, removed);
-        const Journal::Exclusive held = journal_.exclusive();
+        const Journal::Exclusive held = exclusiveJournal();
         // Again: what was on may have been put back by another program, whose value is not to be lost.
         if (const auto entry = entryToRestore()) return restoreOne(*entry, overridingDrift, held);
         return changeLocked(tweak, EntryDirection::resetToDefault, removed, std::nullopt, held);
@@ -96,7 +96,7 @@ JournalEntry TweakEngine::turnOff(const Tweak& tweak, bool overridingDrift) {
 AgentChange TweakEngine::beginAgentChange(const std::string& label,
                                           const std::function<AgentCapture()>& capture) {
     return asEngineErrors([&] {
-        Journal::Exclusive held = journal_.exclusive();
+        Journal::Exclusive held = exclusiveJournal();
         if (journal_.activeEntry(agentTweakID(label)))
             throw refused(label + " already has an active change; restore it from the Journal first.");
         AgentCapture captured = capture();
@@ -131,12 +131,19 @@ void TweakEngine::rewriteRestoreScript() noexcept {
     }
 }
 
+// Whatever becomes of the operation, the script says at once where the changes that are left lead.
+Journal::Exclusive TweakEngine::exclusiveJournal() {
+    Journal::Exclusive held = journal_.exclusive();
+    if (held.endedOvertaken()) script_.keep();
+    return held;
+}
+
 JournalEntry TweakEngine::change(const Tweak& tweak, EntryDirection direction, const Values& values,
                                  std::optional<std::string> choiceID) {
     const std::lock_guard lock(mutex_);
     return asEngineErrors([&] {
         checkChange(tweak, values);  // before the lock's file is made, so that a refusal leaves nothing
-        return changeLocked(tweak, direction, values, std::move(choiceID), journal_.exclusive());
+        return changeLocked(tweak, direction, values, std::move(choiceID), exclusiveJournal());
     });
 }
 

@@ -143,6 +143,7 @@ public:
 private:
     using Values = std::vector<StoredValue>;  // one for each write of the tweak
 
+    Journal::Exclusive exclusiveJournal();
     JournalEntry change(const Tweak& tweak, EntryDirection direction, const Values& values,
                         std::optional<std::string> choiceID);
     JournalEntry changeLocked(const Tweak& tweak, EntryDirection direction, const Values& values,

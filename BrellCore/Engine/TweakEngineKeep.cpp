@@ -30,7 +30,7 @@ JournalEntry TweakEngine::keepTheirs(const Uuid& entryID) {
     const std::lock_guard lock(mutex_);
     return asEngineErrors([&] {
         whatIsKept(activeEntry(entryID));  // before the lock's file is made, so that a refusal leaves nothing
-        const Journal::Exclusive held = journal_.exclusive();
+        const Journal::Exclusive held = exclusiveJournal();
         JournalEntry entry = activeEntry(entryID);
         entry.failure = repairedUtf8(whatIsKept(entry));
         entry.status = EntryStatus::restored;

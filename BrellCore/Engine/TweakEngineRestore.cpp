@@ -20,7 +20,7 @@ JournalEntry TweakEngine::restore(const Uuid& entryID, bool overridingDrift,
     const std::lock_guard lock(mutex_);
     return asEngineErrors([&] {
         activeEntry(entryID);  // before the lock's file is made, so that a refusal leaves nothing behind
-        const Journal::Exclusive held = journal_.exclusive();
+        const Journal::Exclusive held = exclusiveJournal();
         check();
         return restoreOne(entryID, overridingDrift, held);
     });
@@ -54,7 +54,7 @@ RestoreAllOutcome TweakEngine::restoreEntries(const std::function<std::vector<Jo
         if (entries.empty()) return outcome;
         std::optional<Journal::Exclusive> held;
         try {
-            held = journal_.exclusive();
+            held = exclusiveJournal();
         } catch (const JournalError& error) {
             for (const JournalEntry& entry : entries) outcome.failed.emplace_back(entry.id, error.what());
             return outcome;

@@ -193,7 +193,10 @@ Journal::Exclusive Journal::exclusive() {
     refreshLocked();
     // One that was begun anew meanwhile knew nothing of the changes that were kept here. The history goes on
     // telling it as it was, so that a rebuilding comes to the same.
-    if (const auto changed = endOvertaken(text_.entries()); !changed.empty()) saveLocked(changed);
+    if (const auto changed = endOvertaken(text_.entries()); !changed.empty()) {
+        saveLocked(changed);
+        held.endedOvertaken_ = true;
+    }
     return held;
 }
 

@@ -36,9 +36,15 @@ class Journal {
 public:
     // While it lives no other process and no other thread can save an entry. For one thread at a time.
     class Exclusive {
+    public:
+        // Taking it ended an active change of a tweak beside the last one, which may lead elsewhere now.
+        bool endedOvertaken() const { return endedOvertaken_; }
+
+    private:
         friend class Journal;
         explicit Exclusive(FileLock lock) : lock_(std::move(lock)) {}
         mutable FileLock lock_;  // taken anew when its file was removed
+        bool endedOvertaken_ = false;
     };
 
     // "Library/Application Support/Corvane Brell" in this home folder. Creates nothing.

@@ -78,6 +78,15 @@ TEST_F(RestoreScriptFileTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhen
     EXPECT_EQ(namesIn(journalDirectory).size(), names + 1);
 }
 
+TEST_F(RestoreScriptFileTest, LeadsBackOverWhatAnotherBrellTookForTheUsers) {
+    engine.apply(tweak("dock.size"));
+    fs::remove(journal.fileURL());
+    const Uuid theirs = anotherRun().engine.resetToDefault(tweak("dock.size")).id;
+    files.write(PrefValue(99), tileSize);
+    engineFailure([&] { engine.restore(theirs, false); });  // drifted: nothing is changed
+    EXPECT_EQ(script(), engine.restoreScriptText());
+}
+
 TEST_F(RestoreScriptFileTest, OneThatCannotBeReadIsKeptUnread) {
     if (!systemCallsAreWatched()) GTEST_SKIP() << "system calls can't be failed here";
     const fs::path file = journalDirectory / RestoreScript::fileName;
