@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -147,11 +148,15 @@ void JournalText::keepActiveOf(const JournalText& older) {
     }
     if (unknown.empty()) return;
     Composer whole(spans_.size() + unknown.size(), text_.size() + older.text_.size());
-    for (std::size_t i = 0; i < spans_.size(); ++i) whole.add(textOf(i));
+    std::vector<JournalEntry> entries;
+    entries.reserve(entries_.size() + unknown.size());
     for (const std::size_t i : unknown) {
         whole.add(older.textOf(i));
-        entries_.push_back(older.entries_[i]);
+        entries.push_back(older.entries_[i]);
     }
+    for (std::size_t i = 0; i < spans_.size(); ++i) whole.add(textOf(i));
+    std::move(entries_.begin(), entries_.end(), std::back_inserter(entries));
+    entries_ = std::move(entries);
     whole.end();
     text_ = std::move(whole.text);
     spans_ = std::move(whole.spans);

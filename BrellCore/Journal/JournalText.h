@@ -47,7 +47,8 @@ public:
     // Of a change of this very text.
     void take(Change change);
 
-    // Adds those entries of an older text that are active and not known here, as they stand there.
+    // Puts those entries of an older text that are active and not known here, as they stand there, before all
+    // others: they were known earlier.
     void keepActiveOf(const JournalText& older);
 
 private:

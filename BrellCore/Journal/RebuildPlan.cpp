@@ -100,8 +100,9 @@ bool overtake(JournalEntry& entry, JournalEntry& later) {
     return handsOn;
 }
 
-// Of two of one second the one that found what the other left is the later one. Otherwise the later one may
-// well write what the other had found, by chance or because the user wanted that back.
+// Of two of one second the one that found what the other left is the later one; where each did, their order
+// tells. Otherwise the later one may well write what the other had found, by chance or because the user
+// wanted that back.
 bool isTheEarlier(const JournalEntry& entry, const JournalEntry& other) {
     if (entry.appliedAt != other.appliedAt) return false;
     JournalEntry trial = entry;

@@ -243,13 +243,14 @@ TEST_F(JournalWritingTest, WhatOthersBeginAnewGetsTheActiveEntriesThatItDoesNotK
     const JournalEntry kept = entryFor("kept");
     JournalEntry theirs = entryFor("kept");
     theirs.writes[0].original = kept.writes[0].written;  // they knew nothing of the other
+    theirs.writes[0].written = kept.writes[0].original;
     ended.status = EntryStatus::restored;
     for (const JournalEntry& entry : {ended, known, kept}) mine->upsert(entry);
     fs::remove(file);
     known.status = EntryStatus::restored;
     for (const JournalEntry& entry : {theirs, known}) opened()->upsert(entry);
-    EXPECT_EQ(mine->all(), (Entries{theirs, known, kept}));
-    EXPECT_EQ(mine->active(), (Entries{theirs, kept}));
+    EXPECT_EQ(mine->all(), (Entries{kept, theirs, known}));
+    EXPECT_EQ(mine->active(), (Entries{kept, theirs}));
     EXPECT_EQ(opened()->all(), (Entries{theirs, known})) << "reading writes nothing";
     const JournalEntry next = entryFor("next");
     mine->upsert(next);
