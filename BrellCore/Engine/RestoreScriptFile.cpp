@@ -40,7 +40,7 @@ bool RestoreScriptFile::keep() noexcept try {
     return wasWritten;
 } catch (const std::exception& error) {
     note("The restore script " + file_->string() + " could not be written: " + reasonOf(error) +
-         " Until it can be, it does not undo every change.");
+         " Until it can be, it may not undo every change.");
     return false;
 }
 

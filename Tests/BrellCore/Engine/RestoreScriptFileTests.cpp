@@ -50,7 +50,7 @@ TEST_F(RestoreScriptFileTest, AScriptThatCannotBeWrittenIsToldOnceAndWrittenWhen
     const fs::path file = journalDirectory / RestoreScript::fileName;
     const std::string trouble = "The restore script " + file.string() +
                                 " could not be written: " + systemMessage(EISDIR) +
-                                ". Until it can be, it does not undo every change.";
+                                ". Until it can be, it may not undo every change.";
     for (const char* id : {"dock.size", "dock.autohide"}) {
         fs::remove(file);
         fs::create_directories(file);  // in the way
