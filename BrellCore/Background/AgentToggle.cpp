@@ -1,5 +1,7 @@
 #include "BrellCore/Background/AgentToggle.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 
 #include "BrellCore/Background/JobPath.h"
@@ -55,11 +57,18 @@ bool isGone(const std::string& path) {
     return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
 }
 
-// True for a file of a home that is gone: the user was renamed, or the home came from another Mac.
-bool isOfAFormerHome(const fs::path& jobFile) {
+bool belongsTo(std::uint32_t user, const fs::path& folder) {
+    struct stat status;
+    return ::stat(folder.c_str(), &status) == 0 && status.st_uid == user;
+}
+
+// True for a file of a home that is gone or a copy of the user's own now: the user was renamed, or the home
+// was moved or came from another Mac.
+bool isOfAFormerHome(const fs::path& jobFile, std::uint32_t user) {
     const fs::path folder = jobFile.parent_path(), library = folder.parent_path();
+    const fs::path home = library.parent_path();
     return folder.filename() == "LaunchAgents" && library.filename() == "Library" &&
-           isGone(library.parent_path().string());
+           (isGone(home.string()) || belongsTo(user, home));
 }
 
 std::string placeOf(const LoadedState& loaded) {
@@ -363,7 +372,7 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
 // Of a capture of what can't be the user's own agent.
 std::optional<std::string> AgentToggle::whyNotOwn(const AgentCapture& capture) const {
     if (auto why = whyNotLabel(capture.label)) return why;
-    if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture.plistPath)) return std::nullopt;
+    if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture.plistPath, uid_)) return std::nullopt;
     return capture.plistPath + " is outside your LaunchAgents folder.";
 }
 

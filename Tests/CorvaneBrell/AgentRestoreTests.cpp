@@ -2,6 +2,7 @@
 // meanwhile.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <numeric>
 
@@ -205,8 +206,8 @@ TEST_F(AgentRestoreTest, AForgedJournalSwitchesNothingThatIsNotTheUsers) {
         }
     claimed({absent, fileOf(absent).string(), false, AgentOverride::disabled});
     claimed({"com.apple.x", fileOf(absent).string(), false, AgentOverride::disabled});
-    const fs::path others = mac.systemRoot() / "Library/LaunchAgents/x.plist";  // of a home that is there
-    claimed({"com.example.x", others.string(), false, AgentOverride::disabled});
+    const std::string others = "/Library/LaunchAgents/x.plist";  // as if of a home that is root's
+    claimed({"com.example.x", others, false, AgentOverride::disabled});
     const auto refused = engine.restoreAll({}).failed;
     EXPECT_EQ(refused.size(), 2u);
     for (const auto& [id, why] : refused)
@@ -245,6 +246,18 @@ TEST_F(AgentRestoreTest, LoadsTheFileThatWasCheckedNotALinkToIt) {
     });
     EXPECT_EQ(toggle.restore({plain, byLink.string(), true, AgentOverride::enabled}), std::nullopt);
     EXPECT_EQ(loaded, std::vector{fileOf(plain).string()});
+}
+
+TEST_F(AgentRestoreTest, AnAgentIsStillTheUsersWhenTheHomeWasCopiedToAnotherPlace) {
+    const Uuid id = toggle.turnOff(agent(plain)).id;
+    const fs::path home = mac.systemRoot() / "Users/moved";
+    fs::copy(mac.home(), home, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    SimulatedTools tools(mac.systemRoot(), ::geteuid());
+    AgentToggle moved(tools, engine, ::geteuid(), home / "Library/LaunchAgents", time.waiting());
+    engine.setAgentRestorer(&moved);
+    EXPECT_EQ(engine.restore(id, false).failure, std::nullopt);
+    EXPECT_EQ(moved.currentState(plain).loaded.path,
+              home / "Library/LaunchAgents" / fileOf(plain).filename());
 }
 
 TEST_F(AgentRestoreTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
