@@ -1,5 +1,6 @@
 #include "CorvaneBrell/Window/Row.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -43,11 +44,17 @@ public:
 
     // For the longest of all badges, in whatever font.
     static QSize room() {
+        static std::optional<std::pair<QFont, QSize>> known;  // every row with a badge asks
+        const QFont font = QApplication::font();
+        if (known && known->first == font) return known->second;
         const QSize words =
             Paragraph(QObject::tr("Changed outside Brell"), Paragraph::Look::bodySmall).sizeHint();
         constexpr int usualWidth = 156, usualHeight = 18;
-        return QSize(usualWidth, usualHeight)
-            .expandedTo({words.width() + loudMargins + badgePoints + gap, words.height() + 2});
+        const QSize room =
+            QSize(usualWidth, usualHeight)
+                .expandedTo({words.width() + loudMargins + badgePoints + gap, words.height() + 2});
+        known = {font, room};
+        return room;
     }
 
 protected:
