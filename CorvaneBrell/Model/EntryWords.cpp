@@ -16,6 +16,8 @@ namespace brell {
 
 namespace {
 
+constexpr auto noCapture = "The journal does not say how it was, so that it can only be kept as it is";
+
 std::string words(const StoredValue& value) {
     return excerpt(value.rendered());
 }
@@ -186,8 +188,7 @@ std::string changeWords(const JournalEntry& entry, const TweakCatalog& catalog) 
     if (entry.agent)
         return std::string(entry.agent->turnedOn() ? "Turned on" : "Turned off") + ", back to " +
                wayBack(entry);
-    if (entry.kind == EntryKind::launchAgent)
-        return "The journal does not say how it was, so that it can only be kept as it is";
+    if (entry.lacksCapture()) return noCapture;
     const Tweak* tweak = tweakOf(entry, catalog);
     if (!tweak) return keyCount(entry.writes.size());
     return madeWords(entry, *tweak, catalog) + ", back to " + originalWords(entry, *tweak, catalog);
@@ -238,9 +239,13 @@ std::optional<std::string> originWords(const JournalEntry& entry, const std::fil
                        runningVersion);
 }
 
+std::optional<std::string> whyOnlyKept(const JournalEntry& entry) {
+    return entry.lacksCapture() ? std::optional(std::string(noCapture) + ".") : std::nullopt;
+}
+
 std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
                                        int macOSMajor) {
-    if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
+    if (auto why = whyOnlyKept(entry)) return why;
     const std::string butNotAgain = "restored or kept, but not applied again.";
     if (!isOffered(entry, catalog, macOSMajor)) return notOffered(butNotAgain);
     if (entry.agent || tweakOf(entry, catalog)) return std::nullopt;

@@ -45,6 +45,8 @@ std::optional<std::string> cameFromElsewhere(const JournalEntry& entry, const st
 std::optional<std::string> originWords(const JournalEntry& entry, const std::filesystem::path& home,
                                        std::string_view runningVersion);
 
+// Why one that lacks its capture can neither be put back nor made again; nothing of any other.
+std::optional<std::string> whyOnlyKept(const JournalEntry& entry);
 // Why what it made can't be made again; nothing where it can.
 std::optional<std::string> whyNotAgain(const JournalEntry& entry, const TweakCatalog& catalog,
                                        int macOSMajor);

@@ -51,9 +51,8 @@ bool isNoLongerInForce(const JournalEntry& entry, PreferenceReader& preferences)
 }
 
 // Why it can't be undone, whatever others did.
-std::optional<std::string> refusalOf(const JournalEntry& entry, PreferenceReader& preferences,
-                                     const TweakCatalog& catalog) {
-    if (entry.lacksCapture()) return changeWords(entry, catalog) + ".";
+std::optional<std::string> refusalOf(const JournalEntry& entry, PreferenceReader& preferences) {
+    if (auto why = whyOnlyKept(entry)) return why;
     return whyNeverPutBack(entry, preferences);
 }
 
@@ -93,7 +92,7 @@ Everything ReadingWork::everything(const Posted<>& begun) {
     for (const JournalEntry& entry : everything.entries) {
         if (!isNoLongerInForce(entry, *preferences)) continue;
         everything.drifted.push_back(driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog));
-        everything.drifted.back().refusal = refusalOf(entry, *preferences, deps_.catalog);
+        everything.drifted.back().refusal = refusalOf(entry, *preferences);
     }
     return everything;
 }
