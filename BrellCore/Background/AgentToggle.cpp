@@ -369,7 +369,6 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
     return entry;
 }
 
-// Of a capture of what can't be the user's own agent.
 std::optional<std::string> AgentToggle::whyNotOwn(const AgentCapture& capture) const {
     if (auto why = whyNotLabel(capture.label)) return why;
     if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture.plistPath, uid_)) return std::nullopt;

@@ -81,6 +81,8 @@ public:
     std::optional<std::string> otherState(const AgentCapture& capture) override;
     std::optional<std::string> whyNotRestored(const AgentCapture& capture) override;
     std::optional<std::string> whyNotRestored(const AgentCapture& capture, const AgentState& now) const;
+    // As far as the capture alone tells: it is none of the user's own agents. Never raises.
+    std::optional<std::string> whyNotOwn(const AgentCapture& capture) const;
 
     // The recorded change was a turning on.
     static bool brellTurnedOn(const AgentCapture& capture) { return capture.turnedOn(); }
@@ -102,7 +104,6 @@ private:
     std::optional<std::string> putBackWithoutFile(AgentSteps& steps, const AgentCapture& capture) const;
     Ending undone(AgentSteps& steps, const AgentCapture& capture, std::string reason) const;
     std::optional<JournalEntry> restorableEntry(const std::string& label, AgentSwitch direction) const;
-    std::optional<std::string> whyNotOwn(const AgentCapture& capture) const;
     std::optional<std::string> whyNotPutBack(const AgentState& now, const AgentCapture& capture,
                                              const std::optional<std::filesystem::path>& file) const;
     bool isOwn(const LoadedState& loaded, bool hasFile) const;

@@ -115,9 +115,11 @@ public:
     using Progress = std::function<bool(std::size_t done, std::size_t total)>;
     RestoreAllOutcome restoreSelected(const std::vector<Uuid>& entryIDs, const std::set<Uuid>& confirmedDrift,
                                       const Progress& goOn);
-    // Undo every interrupted entry, in the journal's order.
+    // Undo every interrupted entry, or each that isWanted, in the journal's order. isWanted is asked with the
+    // lock held, so that no other process changes the answer.
     RestoreAllOutcome recoverInterrupted();
-    RestoreAllOutcome recoverInterrupted(const Progress& goOn);
+    RestoreAllOutcome recoverInterrupted(const std::function<bool(const JournalEntry&)>& isWanted,
+                                         const Progress& goOn);
 
     std::vector<JournalEntry> driftedEntries();
     std::vector<JournalEntry> interruptedEntries() { return journal_.entries(EntryStatus::capturing); }

@@ -36,11 +36,17 @@ RestoreAllOutcome TweakEngine::restoreSelected(const std::vector<Uuid>& entryIDs
 }
 
 RestoreAllOutcome TweakEngine::recoverInterrupted() {
-    return recoverInterrupted(always);
+    return restoreEntries([this] { return interruptedEntries(); }, {}, always);
 }
 
-RestoreAllOutcome TweakEngine::recoverInterrupted(const Progress& goOn) {
-    return restoreEntries([this] { return interruptedEntries(); }, {}, goOn);
+RestoreAllOutcome TweakEngine::recoverInterrupted(const std::function<bool(const JournalEntry&)>& isWanted,
+                                                  const Progress& goOn) {
+    const auto wanted = [&] {
+        std::vector<JournalEntry> entries = interruptedEntries();
+        std::erase_if(entries, [&](const JournalEntry& entry) { return !isWanted(entry); });
+        return entries;
+    };
+    return restoreEntries(wanted, {}, goOn);
 }
 
 // Restores what is wanted: asked for before the lock's file is made, so that nothing to do leaves nothing

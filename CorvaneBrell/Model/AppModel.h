@@ -84,8 +84,9 @@ public:
     void undoLast();
     void applyAgain(const std::vector<Uuid>& entries);  // what others reset; the first originals are kept
     void keepTheirs(const std::vector<Uuid>& entries);  // closes what others changed, without writing
-    void recover();        // what an earlier run left unfinished; commands are shown before they run
-    void deferRecovery();  // until the next run, or until it is asked for
+    void recover(const RecoveryCommands& shown);        // what an earlier run left unfinished
+    void deferRecovery();                               // until the next run, or until it is asked for
+    void askRecovery();                                 // goes on at once where no commands are to be shown
 
     // A damaged journal. One that was damaged when Brell was opened is rebuilt for the next run.
     void askRebuild();

@@ -169,11 +169,16 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     questions_.run("", &ReadingWork::applyingAgain, done, std::move(shown));
 }
 
-// What runs commands shows them first; where that was put off, it is asked for once more.
-void AppModel::recover() {
-    if (state_.recoveryDeferred && hasAgent(state_.interrupted))
-        return set(&AppState::recoveryDeferred, false, Topic::question);
-    change("Restoring interrupted changes", {}, &ChangeWork::recover, state_.recoveryCommands);
+// What runs commands shows them first.
+void AppModel::askRecovery() {
+    if (!hasAgent(state_.interrupted)) return recover({});
+    put(&AppState::recoveryCommands, {});  // a file may have been moved since
+    set(&AppState::recoveryDeferred, false, Topic::question);
+    readRecovery();
+}
+
+void AppModel::recover(const RecoveryCommands& shown) {
+    change("Restoring interrupted changes", {}, &ChangeWork::recover, shown);
 }
 
 void AppModel::deferRecovery() {

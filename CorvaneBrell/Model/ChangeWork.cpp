@@ -48,10 +48,6 @@ TweakEngine::Progress goOn(Progress& progress) {
     };
 }
 
-bool isUnknown(const std::vector<std::string>& commands) {
-    return !commands.empty() && commands.front().starts_with(notKnown);
-}
-
 }  // namespace
 
 ChangeWork::ChangeWork(Dependencies& dependencies, Progress& progress)
@@ -205,22 +201,31 @@ ChangeOutcome ChangeWork::keepTheirs(const std::vector<Uuid>& ids) {
 ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
     ChangeOutcome outcome;
     outcome.recoveryFailures.emplace();
-    const auto areShown = [&](const JournalEntry& entry) {
+    for (const JournalEntry& entry : deps_.engine.interruptedEntries()) noteKeys(outcome, entry.tweakID);
+    recoverOf(EntryKind::preference, shown, outcome);
+    recoverOf(EntryKind::launchAgent, shown, outcome);
+    return finished(std::move(outcome));
+}
+
+void ChangeWork::recoverOf(EntryKind kind, const RecoveryCommands& shown, ChangeOutcome& outcome) {
+    std::map<Uuid, std::string> left;
+    const auto isWanted = [&](const JournalEntry& entry) {
+        if (entry.kind != kind) return false;
         const auto found = shown.find(entry.id);
-        if (found == shown.end()) return false;
-        const auto now = puttingBack(deps_.toggle, *entry.agent).lines;
-        // The same reason may be told in other words each time.
-        return found->second == now || (isUnknown(found->second) && isUnknown(now));
+        const bool isShown =
+            !entry.agent ||
+            (found != shown.end() && found->second.commands == deps_.toggle.previewRestore(*entry.agent));
+        outcome.agentsTouched |= entry.agent && isShown;
+        if (!isShown)
+            left.insert_or_assign(entry.id, deps_.titles.of(entry) +
+                                                " is put back by other commands than "
+                                                "were shown. Look at it again.");
+        return isShown;
     };
-    for (const JournalEntry& entry : deps_.engine.interruptedEntries()) {
-        if (entry.agent && !areShown(entry))
-            throw std::runtime_error(deps_.titles.of(entry) +
-                                     " is put back by other commands than were shown. Look at it again.");
-        outcome.agentsTouched = outcome.agentsTouched || entry.agent;
-        noteKeys(outcome, entry.tweakID);
-    }
-    const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(goOn(progress_));
-    outcome.restored = deps_.journal->entries(recovered.restored);
+    const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(isWanted, goOn(progress_));
+    for (JournalEntry& entry : deps_.journal->entries(recovered.restored))
+        outcome.restored.push_back(std::move(entry));
+    for (auto& [id, why] : left) outcome.recoveryFailures->push_back(std::move(why));
     std::vector<Uuid> drifted;
     for (const auto& [id, message] : recovered.failed) {
         outcome.recoveryFailures->push_back(message);
@@ -228,7 +233,6 @@ ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
         if (entry && asksForDrift(*entry)) drifted.push_back(id);
     }
     if (!drifted.empty()) ask(outcome, drifted, {});
-    return finished(std::move(outcome));
 }
 
 bool ChangeWork::leave(const TakeAway& takeAway) {

@@ -18,12 +18,6 @@ struct Dependencies;
 
 // Raises std::exception, naming the file, when an agent's job file is gone.
 void checkJobFile(const LaunchAgentRecord& agent);
-// The commands that put an agent back; in their place why none is run, or why that is not known.
-struct PuttingBack {
-    std::vector<std::string> lines;
-    bool isRefused = false;
-};
-PuttingBack puttingBack(const AgentToggle& toggle, const AgentCapture& before);
 // The agent of a change, to be switched once more. Raises std::exception when no file of the user's
 // LaunchAgents folder has its label any more.
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before);
@@ -52,7 +46,8 @@ public:
     ChangeOutcome applyAgain(const std::vector<DriftedEntry>& shown);
     // Closes changes that others changed since, without writing: what is there now stays.
     ChangeOutcome keepTheirs(const std::vector<Uuid>& ids);
-    // Restores what an earlier run left unfinished, unless that runs other commands than were shown.
+    // Restores what an earlier run left unfinished, the settings first: they wait for no launchd. An agent
+    // that other commands than were shown would put back is left, and told of.
     ChangeOutcome recover(const RecoveryCommands& shown);
 
     ChangeOutcome switchAgents(const AgentConfirmRequest& request);
@@ -63,6 +58,7 @@ public:
     bool leave(const TakeAway& takeAway);
 
 private:
+    void recoverOf(EntryKind kind, const RecoveryCommands& shown, ChangeOutcome& outcome);
     ChangeOutcome undoWith(const SessionChange& action, const std::vector<DriftedEntry>& asked,
                            const std::set<Uuid>& ticked);
     void carryOut(ChangeOutcome& outcome, const PendingApply& wish);

@@ -19,14 +19,6 @@ void checkJobFile(const LaunchAgentRecord& agent) {
                              excerpt(agent.label().value_or("It")) + " is not changed.");
 }
 
-PuttingBack puttingBack(const AgentToggle& toggle, const AgentCapture& before) try {
-    if (const auto why = toggle.whyNotRestored(before, toggle.currentState(before.label)))
-        return {{"No command: " + *why}, true};
-    return {toggle.previewRestore(before)};
-} catch (const std::exception& error) {
-    return {{std::string(notKnown) + error.what()}};
-}
-
 LaunchAgentRecord switchedAgent(const AgentFolder& folder, const AgentCapture& before) {
     const auto file = folder.jobFile(before.label, before.plistPath);
     if (!file)

@@ -17,6 +17,13 @@ std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog
     return titles;
 }
 
+std::optional<std::string> refusalOf(const Uuid& entryID, const AppState& state) {
+    for (const auto* drifted : {&state.drifted, &state.driftedAgents})
+        for (const DriftedEntry& one : *drifted)
+            if (one.refusal && one.entry.id == entryID) return one.refusal;
+    return std::nullopt;
+}
+
 namespace {
 
 std::string capitalized(std::string_view name) {
@@ -29,19 +36,13 @@ std::string changes(std::size_t count) {
     return counted(count, "change", "changes");
 }
 
-bool isRefused(const JournalEntry& entry, const AppState& state) {
-    const auto isIt = [&](const DriftedEntry& one) { return one.refusal && one.entry.id == entry.id; };
-    return std::any_of(state.drifted.begin(), state.drifted.end(), isIt) ||
-           std::any_of(state.driftedAgents.begin(), state.driftedAgents.end(), isIt);
-}
-
 // Changes of an earlier run whose recovery was put off.
 std::string interruptedText(const AppState& state) {
     const std::size_t count = state.interrupted.size();
     if (!state.recoveryDeferred || count == 0) return {};
     const auto left = static_cast<std::size_t>(
         std::count_if(state.interrupted.begin(), state.interrupted.end(),
-                      [&](const JournalEntry& entry) { return isRefused(entry, state); }));
+                      [&](const JournalEntry& entry) { return refusalOf(entry.id, state).has_value(); }));
     const std::string begun = changes(count) + (count == 1 ? " was" : " were") + " interrupted; ";
     if (left == count) return begun + "what was there before can't be put back; the Journal page says why.";
     return begun + "what was there before can be put back" +

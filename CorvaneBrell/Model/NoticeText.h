@@ -50,6 +50,9 @@ std::vector<Notice> doneNotices(const AppState& state);
 // Questions, and news of something that went wrong: a window that is about to close stays open for new ones.
 std::set<std::string> newsToStayFor(const AppState& state);
 
+// Why an active change can't be put back, as far as that was read; nothing of any other.
+std::optional<std::string> refusalOf(const Uuid& entryID, const AppState& state);
+
 // The titles of the tweaks that wait for this effect.
 std::vector<std::string> waitingTitles(const AppState& state, const TweakCatalog& catalog,
                                        EffectClass effect);

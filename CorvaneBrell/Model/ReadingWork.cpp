@@ -192,33 +192,6 @@ void ReadingWork::noteRefusal(const LaunchAgentRecord& agent, LoginItems& items)
         items.refusals.insert_or_assign(agent.id(), *std::move(why));
 }
 
-// The overrides are asked for once: each answer tells those of every agent.
-std::vector<DriftedEntry> ReadingWork::driftedAgents() {
-    std::vector<DriftedEntry> drifted;
-    std::vector<JournalEntry> switched = deps_.journal->active();
-    std::erase_if(switched, [](const JournalEntry& entry) { return !entry.agent; });
-    if (switched.empty()) return drifted;
-    AgentOverrides overrides;
-    try {
-        overrides = deps_.toggle.overrides();
-    } catch (const std::exception&) {
-        return drifted;  // not known of any
-    }
-    for (std::size_t i = 0; i < switched.size() && !progress_.isEnding(); ++i) {
-        progress_.tell("Asking launchd about what Brell switched", i, switched.size());
-        try {
-            const AgentState now = deps_.toggle.currentState(switched[i].agent->label, overrides);
-            if (auto drift = driftedAgent(switched[i], now))
-                drifted.push_back(std::move(*drift));
-            else if (auto why = deps_.toggle.whyNotRestored(*switched[i].agent, now))
-                drifted.push_back({switched[i], {}, {}, std::move(why)});
-        } catch (const std::exception&) {
-            // Not known to have drifted; the page shows what launchd says of the others.
-        }
-    }
-    return drifted;
-}
-
 Volumes ReadingWork::volumes(const Posted<Volumes>& soFar) {
     Volumes statuses;
     const std::vector<std::string> volumes = SpotlightStatusReader::mountedVolumes(deps_.machine.systemRoot);
@@ -255,16 +228,6 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     return request;
 }
 
-RestoreRequest ReadingWork::restoring(const std::string& title, const std::vector<Uuid>& changes) {
-    RestoreRequest request{Uuid::random(), title, {}, {}};
-    addRestores(request, changes);
-    // Unless some of it stays, because it is refused.
-    const std::size_t asked = request.changes.others.size() + request.changes.entries.size();
-    request.changes.isEverything = asked == deps_.journal->active().size();
-    if (request.isEmpty()) throw std::runtime_error(nothingToRestore);
-    return request;
-}
-
 LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
     if (const auto lack = lackOfChanges(*deps_.journal))
         throw std::runtime_error(*lack + ". Rebuild the journal first, or run that script and remove it.");
@@ -277,74 +240,6 @@ LeavingRequest ReadingWork::leaving(const std::vector<Uuid>& concerned) {
                                     ? whyNotToLeave(*deps_.journal)
                                     : "not everything could be put back, and its journal says how it was";
     return request;
-}
-
-RestoreRequest ReadingWork::undoing(const SessionChange& action) {
-    RestoreRequest request{Uuid::random(), "Undo “" + action.name + "”?", {}, {.undoing = action}};
-    addRestores(request, action.made);
-    for (const JournalEntry& entry : deps_.journal->entries(action.restored)) {
-        const auto active = deps_.journal->activeEntry(entry.tweakID);
-        const bool isChangedAnew =
-            active && std::find(action.made.begin(), action.made.end(), active->id) == action.made.end();
-        if (isChangedAnew) continue;
-        std::vector<std::string> commands;
-        if (const auto& agent = entry.agent)
-            commands =
-                deps_.toggle
-                    .preview(switchedAgent(deps_.toggle.folder(), *agent), AgentCommands::switchOf(*agent))
-                    .commands;
-        request.steps.push_back(makingAgain(entry, std::move(commands)));
-    }
-    return request;
-}
-
-RecoveryCommands ReadingWork::recovering(const std::vector<JournalEntry>& agents) {
-    RecoveryCommands commands;
-    for (const JournalEntry& entry : agents)
-        commands.emplace(entry.id, puttingBack(deps_.toggle, *entry.agent).lines);
-    return commands;
-}
-
-// Drift is what the user has to answer for; what holds its original again is nobody else's.
-void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& changes) {
-    const auto preferences = deps_.store.reader();
-    for (const JournalEntry& entry : deps_.journal->entries(changes)) {
-        if (!entry.isActive() || progress_.isEnding()) continue;
-        DriftedEntry now = driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog);
-        if (const auto elsewhere =
-                cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
-            now.words += "\n" + *elsewhere;
-        if (entry.kind == EntryKind::preference && needsConsent(entry, *preferences)) {
-            request.changes.entries.push_back(std::move(now));
-            continue;
-        }
-        PuttingBack back = entry.agent ? puttingBack(deps_.toggle, *entry.agent)
-                                       : PuttingBack{putBackLines(entry), entry.lacksCapture()};
-        // Of a refused one the step only says that it stays.
-        if (!back.isRefused) request.changes.others.push_back(entry.id);
-        request.steps.push_back(
-            {deps_.titles.of(entry), std::move(now.words), std::move(back.lines), entry.agent.has_value()});
-    }
-}
-
-RestoreRequest ReadingWork::applyingAgain(const std::vector<DriftedEntry>& drifted) {
-    RestoreRequest request{Uuid::random(), "Apply again what was changed outside Brell?", {}, {}, drifted};
-    for (const DriftedEntry& one : drifted) {
-        std::vector<std::string> commands;
-        if (const auto& agent = one.entry.agent) {
-            commands = deps_.toggle.previewRestore(*agent);
-            const auto again = deps_.toggle.previewAgain(*agent);
-            commands.insert(commands.end(), again.begin(), again.end());
-        }
-        request.steps.push_back(makingAgain(one.entry, std::move(commands)));
-    }
-    return request;
-}
-
-// The commands are those of an agent.
-RestoreStep ReadingWork::makingAgain(const JournalEntry& entry, std::vector<std::string> commands) const {
-    return {deps_.titles.of(entry), "Again as it was changed before",
-            entry.agent ? std::move(commands) : againLines(entry), entry.agent.has_value()};
 }
 
 DecodedPreset ReadingWork::preset(const fs::path& file) {

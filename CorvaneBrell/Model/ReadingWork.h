@@ -80,6 +80,7 @@ public:
     // Of those of the changes that are active.
     RestoreRequest restoring(const std::string& title, const std::vector<Uuid>& changes);
     RestoreRequest undoing(const SessionChange& action);
+    // Without launchd, which may keep one waiting.
     RecoveryCommands recovering(const std::vector<JournalEntry>& agents);
     // What applying these again would do, commands included.
     RestoreRequest applyingAgain(const std::vector<DriftedEntry>& drifted);

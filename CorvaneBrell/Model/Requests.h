@@ -75,11 +75,15 @@ struct RestoreStep {
     bool operator==(const RestoreStep&) const = default;
 };
 
-// Before the reason, where commands can't be told.
-inline constexpr std::string_view notKnown = "Not known: ";
+// The commands that put an agent back, as they are known without asking launchd.
+struct PuttingBack {
+    std::vector<std::string> commands;
+    std::optional<std::string> refusal;  // why none of them is run
+    bool operator==(const PuttingBack&) const = default;
+};
 
-// The commands that put interrupted agents back, by their entries.
-using RecoveryCommands = std::map<Uuid, std::vector<std::string>>;
+// Of interrupted agents, by their entries.
+using RecoveryCommands = std::map<Uuid, PuttingBack>;
 
 // Everything that a restore, or applying again, would do, and which of it was changed by others since and is
 // asked for.

@@ -80,7 +80,7 @@ Scene bars() {
                 window.model().dismiss(&AppState::errorMessage);
                 window.model().undoLast();
                 settle(window);
-                window.model().recover();
+                window.model().recover({});
                 settle(window);
                 window.model().askRelaunch();
                 window.model().confirmRelaunch();

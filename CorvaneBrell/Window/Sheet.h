@@ -27,6 +27,9 @@ public:
     // A sentence that stays in sight above the buttons while the content scrolls.
     void addFootnote(const QString& text, const QString& symbol = "info.circle", Tone tone = Tone::plain);
 
+    // Called when something else is known and the question is still the same. Moves none of the buttons.
+    virtual void refresh() {}
+
     // A block of lines in the content, of commands or keys: to read, select and copy.
     void addLines(const QString& name, const QStringList& lines);
 

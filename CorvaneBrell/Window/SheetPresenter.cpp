@@ -23,7 +23,10 @@ void SheetPresenter::refresh() {
     if (state.presetReport.empty()) readReport_.clear();
     std::optional<SheetRequest> wanted = sheetRequest(state, readReport_);
     // What can't be confirmed any more, or again, is asked anew.
-    if (wanted == shown_ && wasLocked_ == isLocked(state)) return;
+    if (wanted == shown_ && wasLocked_ == isLocked(state)) {
+        if (sheet_) sheet_->refresh();
+        return;
+    }
     wasLocked_ = isLocked(state);
     close();
     shown_ = std::move(wanted);

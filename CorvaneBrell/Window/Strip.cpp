@@ -122,7 +122,7 @@ void Strip::addActions(StripLine& line, NoticeKind kind) {
         case NoticeKind::failedRelaunch: return line.addDismissal([this] { dismiss(); });
         case NoticeKind::failedRecovery:
         case NoticeKind::interrupted:
-            recover_.push_back(line.addAction(tr("Restore"), [this] { model_.recover(); }));
+            recover_.push_back(line.addAction(tr("Restore"), [this] { model_.askRecovery(); }));
             return;
         case NoticeKind::macOSUpdate:
             line.addAction(tr("Review..."), [this] { model_.show(Screen::journal); });

@@ -1,6 +1,10 @@
 // What an earlier run left unfinished, and a journal that was damaged.
 
+#include <algorithm>
+#include <map>
+
 #include "CorvaneBrell/Model/EntryWords.h"
+#include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Window/Paragraph.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/Row.h"
@@ -11,41 +15,73 @@ namespace brell {
 
 namespace {
 
+// Says of an agent whether its commands are run as soon as launchd has said so, which is waited for by
+// nothing: the sheet stays open as it is, with its buttons in their places.
+class RecoverySheet final : public RequestSheet {
+public:
+    RecoverySheet(AppModel& model, QWidget* window, const RecoveryRequest& request);
+    void refresh() override;
+
+private:
+    QWidget* entryRow(const JournalEntry& entry);
+
+    const RecoveryCommands commands_;
+    std::map<Uuid, Paragraph*> agents_;  // the words above the commands, of the rows that are shown
+};
+
+RecoverySheet::RecoverySheet(AppModel& model, QWidget* window, const RecoveryRequest& request)
+    : RequestSheet(model, window, tr("Brell was interrupted while changing a setting"),
+                   tr("The original values were saved before the change started. Restoring puts them back."),
+                   &AppModel::deferRecovery),
+      commands_(request.commands) {
+    addCard(request.failures.size(), [failures = request.failures](std::size_t place) {
+        return sheetRow(
+            {symbolLine("exclamationmark.triangle", Tone::critical, qt(failures[place]), nullptr)});
+    });
+    // The agents last, as they are put back: what is said of them later moves nothing that is clicked.
+    std::vector<JournalEntry> entries = request.entries;
+    std::stable_partition(entries.begin(), entries.end(),
+                          [](const JournalEntry& entry) { return !entry.agent; });
+    addCard(entries.size(), [this, entries](std::size_t place) { return entryRow(entries[place]); });
+    addFootnote(tr("The entries stay in the journal and Brell asks again at the next launch."));
+    addAnswers(
+        tr("Restore"), [this] { this->model().recover(commands_); }, tr("Later"));
+}
+
 // Commands are in plain sight, keys where they are asked for.
-QWidget* entryRow(const JournalEntry& entry, const RecoveryCommands& commands, const ChangeTitles& titles) {
+QWidget* RecoverySheet::entryRow(const JournalEntry& entry) {
+    const ChangeTitles& titles = model().titles();
     const QString title = qt(titles.of(entry));
-    std::vector<QWidget*> parts{new Paragraph(title, Paragraph::Look::heading)};
-    if (entry.agent)
-        parts.push_back(
-            new Paragraph(QObject::tr("A login item. Restoring it runs:"), Paragraph::Look::secondary));
-    else
-        parts.push_back(new Paragraph(qt(changeWords(entry, titles.catalog())), Paragraph::Look::secondary));
+    auto* words = new Paragraph({}, Paragraph::Look::secondary);
+    std::vector<QWidget*> parts{new Paragraph(title, Paragraph::Look::heading), words};
     if (const auto failure = failureWords(entry))
         parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*failure), nullptr));
-    parts.push_back(entry.agent
-                        ? keyLines(QObject::tr("What is done to %1").arg(title), commands.at(entry.id))
-                        : forExperts(title, putBackLines(entry)));
+    if (entry.agent) {
+        agents_.emplace(entry.id, words);
+        refresh();
+        parts.push_back(keyLines(tr("What is done to %1").arg(title), commands_.at(entry.id).commands));
+    } else {
+        words->setText(qt(changeWords(entry, titles.catalog())));
+        parts.push_back(forExperts(title, putBackLines(entry)));
+    }
     return sheetRow(parts);
+}
+
+void RecoverySheet::refresh() {
+    for (const auto& [id, words] : agents_) {
+        const auto& known = commands_.at(id).refusal;
+        const auto refusal = known ? known : refusalOf(id, model().state());
+        words->setText(refusal ? tr("A login item that can't be put back, so none of these commands is run: "
+                                    "%1")
+                                     .arg(qt(*refusal))
+                               : tr("A login item. Restoring it runs:"));
+    }
 }
 
 }  // namespace
 
 Sheet* sheetFor(AppModel& model, QWidget* window, const RecoveryRequest& request) {
-    auto* sheet = new RequestSheet(
-        model, window, QObject::tr("Brell was interrupted while changing a setting"),
-        QObject::tr("The original values were saved before the change started. Restoring puts them back."),
-        &AppModel::deferRecovery);
-    sheet->addCard(request.failures.size(), [failures = request.failures](std::size_t place) {
-        return sheetRow(
-            {symbolLine("exclamationmark.triangle", Tone::critical, qt(failures[place]), nullptr)});
-    });
-    sheet->addCard(request.entries.size(), [&model, request](std::size_t place) {
-        return entryRow(request.entries[place], request.commands, model.titles());
-    });
-    sheet->addFootnote(
-        QObject::tr("The entries stay in the journal and Brell asks again at the next launch."));
-    sheet->addAnswers(QObject::tr("Restore"), &AppModel::recover, QObject::tr("Later"));
-    return sheet;
+    return new RecoverySheet(model, window, request);
 }
 
 // The journal's error does not lock this one: it is the way out of it.

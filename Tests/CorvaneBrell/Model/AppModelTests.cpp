@@ -36,7 +36,7 @@ TEST_F(AppModelTest, AChangeThatAnotherRunIsMakingIsNotInterruptedNorOneThatWasP
     model->setObserver([&](Topic) {
         if (!state().changeActivity) shownAfterwards += state().interrupted.size();
     });
-    settled()->recover();
+    settled()->recover({});
     EXPECT_EQ(shownAfterwards, 0u);
 }
 

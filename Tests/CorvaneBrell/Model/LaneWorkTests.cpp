@@ -174,6 +174,64 @@ TEST_F(LaneWorkTest, WhatASheetDidNotShowIsNotOverwritten) {
     }
 }
 
+TEST_F(LaneWorkTest, AnInterruptedAgentRunsWhatWasShownAndHoldsUpNoSetting) {
+    JournalEntry agent =
+        changes.switchAgents(readings.agentConfirm({this->agent(duskwatch)}, false)).made.at(0);
+    agent.status = EntryStatus::capturing;
+    dependencies.journal->upsert(agent);
+    breakOff(dependencies.engine, *dependencies.catalog.tweak("dock.autohide"));
+    std::optional<std::size_t> openWhenAsked;  // of launchd
+    std::optional<ToolFault> fault = ToolFault::hanging();
+    auto& tools = dynamic_cast<SimulatedTools&>(*dependencies.machine.runner);
+    tools.interfere([&](const AllowedCommand&) {
+        if (!openWhenAsked) openWhenAsked = dependencies.engine.interruptedEntries().size();
+        return fault;
+    });
+    const RecoveryCommands shown = readings.recovering({agent});
+    EXPECT_FALSE(openWhenAsked);
+    EXPECT_EQ(changes.recover(shown).recoveryFailures->size(), 1u);
+    EXPECT_EQ(openWhenAsked, 1u) << "the setting is back";
+
+    fault.reset();
+    openWhenAsked.reset();
+    const RecoveryCommands other{{agent.id, {{"launchctl"}, {}}}};
+    for (const RecoveryCommands& unseen : {RecoveryCommands(), other})
+        EXPECT_EQ(changes.recover(unseen).recoveryFailures,
+                  Texts{"Duskwatch is put back by other commands than were shown. Look at it again."});
+    EXPECT_FALSE(openWhenAsked);
+    EXPECT_EQ(changes.recover(shown).restored.size(), 1u);
+}
+
+TEST_F(LaneWorkTest, LaunchdIsAskedOnceForEachAgentThatASheetShows) {
+    const AgentConfirmRequest both =
+        readings.agentConfirm({agent(duskwatch), agent("com.lumenfold.sync")}, false);
+    std::vector<DriftedEntry> made;
+    for (const JournalEntry& entry : changes.switchAgents(both).made) made.push_back({entry, {}});
+    std::size_t asked = 0;
+    std::optional<ToolFault> fault;
+    auto& tools = dynamic_cast<SimulatedTools&>(*dependencies.machine.runner);
+    tools.interfere([&](const AllowedCommand&) { return ++asked, fault; });
+    const std::vector<Uuid> ids{made[0].entry.id, made[1].entry.id};
+    EXPECT_EQ(readings.restoring("", ids).changes.others.size(), 2u);
+    EXPECT_EQ(asked, 3u) << "the overrides and each agent";
+
+    fault = ToolFault::hanging();
+    const RestoreStep unknown = readings.restoring("", ids).steps.at(0);
+    EXPECT_EQ(asked, 4u) << "not again by the next agent";
+    EXPECT_NE(unknown.words.find("Not known whether it can be put back: "), std::string::npos);
+    EXPECT_EQ(unknown.lines.at(0).find("/bin/launchctl enable"), 0u);
+
+    fault.reset();
+    made[0].entry.agent->plistPath = "/elsewhere/a.plist";
+    const RestoreRequest again = readings.applyingAgain(made);
+    EXPECT_EQ(again.again, std::vector{made[1]});
+    EXPECT_EQ(again.steps[0].lines,
+              Texts{"No command: /elsewhere/a.plist is outside your LaunchAgents folder."});
+    EXPECT_EQ(messageOf([&] { readings.applyingAgain({made[0]}); }),
+              again.steps[0].title +
+                  " can't be applied again. /elsewhere/a.plist is outside your LaunchAgents folder.");
+}
+
 TEST_F(LaneWorkTest, LoginItemsAreToldAsTheyAreRead) {
     std::vector<LoginItems> soFar;
     const Posted<LoginItems> show([&](LoginItems known) { soFar.push_back(std::move(known)); });

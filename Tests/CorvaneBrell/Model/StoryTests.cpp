@@ -49,7 +49,10 @@ struct SheetWords {
     }
     std::string operator()(const RecoveryRequest& request) const {
         const auto title = [&](const JournalEntry& entry) { return entryTitle(entry, catalog); };
-        const auto commands = [](const auto& one) { return fmt::format("{}", fmt::join(one.second, "; ")); };
+        const auto commands = [](const auto& one) {
+            const auto& [run, refusal] = one.second;
+            return fmt::format("{}{}", fmt::join(run, "; "), refusal ? "; not run: " + *refusal : "");
+        };
         return lines(
             {{"Recovery"}, each(request.entries, title), each(request.commands, commands), request.failures});
     }
@@ -214,7 +217,7 @@ protected:
                                                         {"lookAgain", &AppModel::lookAgain},
                                                         {"askRestoreAll", &AppModel::askRestoreAll},
                                                         {"undoLast", &AppModel::undoLast},
-                                                        {"recover", &AppModel::recover},
+                                                        {"askRecovery", &AppModel::askRecovery},
                                                         {"deferRecovery", &AppModel::deferRecovery},
                                                         {"askRebuild", &AppModel::askRebuild},
                                                         {"confirmRebuild", &AppModel::confirmRebuild},
@@ -238,6 +241,7 @@ protected:
         const std::map<std::string, std::function<void()>> others{
             {"open", [&] { openAgain(first == "dry"); }},
             {"crash", [&] { crash(first); }},
+            {"recover", [&] { model->recover(state().recoveryCommands); }},
             {"apply", [&] { model->apply(first); }},
             {"applyValue", [&] { model->apply(first, std::vector<PrefValue>{second}); }},
             {"applyChoice", [&] { model->applyChoice(first, second); }},

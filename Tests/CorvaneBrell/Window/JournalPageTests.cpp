@@ -110,7 +110,7 @@ TEST_F(JournalPageTest, AnInterruptedAgentWhoseUndoIsRefusedCanBeClosedThere) {
     closeWindow();
     rewriteJournal(R"(s/"applied"/"capturing"/; s|"plistPath" : ".*/|"plistPath" : "/elsewhere/|)");
     openWindow();
-    expectWords(*sheet(), {"No command: /elsewhere/com.lumenfold.sync.plist is outside"});
+    expectWords(*sheet(), {"none of these commands is run: /elsewhere/com.lumenfold.sync.plist is outside"});
     settled()->deferRecovery();
     go(Screen::journal);
     settled()->loadAgentDrift();
@@ -131,7 +131,7 @@ TEST_F(JournalPageTest, AnUpdateOfMacOSLeadsToWhatNoLongerHolds) {
     window.reset();
     model->ownPreferences().keepMacOS({15, 7, 0});
     openWindow();
-    settled()->recover();
+    settled()->recover({});
     const QString told = "macOS was updated from 15.7 to 26.1";
     expectWords(window->strip(), {told});
     press(window->strip(), "Review...");
