@@ -227,6 +227,7 @@ void AppModel::askLeaving() {
                     *reason);
     if (const auto why = whyNothingReal()) return fail("There is nothing to leave. " + *why);
     refreshAll();  // what is active now is also what is restored then
+    loadAgentDrift();
     readLeaving();
 }
 

@@ -13,7 +13,7 @@ LeavingRequest leavingRequest(const std::vector<JournalEntry>& entries, std::vec
     std::vector<JournalEntry> restored;
     for (const JournalEntry& entry : entries) {
         if (entry.isActive()) {
-            request.active.push_back({titles.of(entry), changeWords(entry, titles.catalog())});
+            request.active.push_back({entry.id, titles.of(entry), changeWords(entry, titles.catalog())});
             if (asked.insert(entry.id).second) request.concerned.push_back(entry.id);
         } else if (asked.contains(entry.id)) {
             restored.push_back(entry);

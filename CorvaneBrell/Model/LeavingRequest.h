@@ -15,6 +15,7 @@ class PreferenceReader;
 
 struct LeavingRequest {
     struct Change {
+        Uuid id;
         std::string title;
         std::string words;  // "Large, back to 41"
         bool operator==(const Change&) const = default;

@@ -1,6 +1,8 @@
 // The way out of Brell: what is still changed, the proof that nothing is, what to keep, and then Brell's own
 // files to the Trash. Each step can be the last.
 
+#include <algorithm>
+
 #include "CorvaneBrell/Model/NoticeText.h"
 #include "CorvaneBrell/Window/Disclosure.h"
 #include "CorvaneBrell/Window/FileActions.h"
@@ -45,11 +47,21 @@ QWidget* filesToKeep(RequestSheet& sheet) {
 
 void showActive(RequestSheet& sheet, const LeavingRequest& request) {
     sheet.content()->addWidget(filesToKeep(sheet));
-    sheet.addCard(request.active.size(), [active = request.active](std::size_t place) {
-        return sheetRow({new Paragraph(qt(active[place].title), Paragraph::Look::heading),
-                         new Paragraph(qt(active[place].words), Paragraph::Look::secondary)});
+    const AppState& state = sheet.model().state();
+    sheet.addCard(request.active.size(), [active = request.active, &state](std::size_t place) {
+        std::vector<QWidget*> parts{new Paragraph(qt(active[place].title), Paragraph::Look::heading),
+                                    new Paragraph(qt(active[place].words), Paragraph::Look::secondary)};
+        if (const auto refusal = refusalOf(active[place].id, state))
+            parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*refusal), nullptr));
+        return sheetRow(parts);
     });
     sheet.addFootnote(QObject::tr("As long as a change is active, nothing of Brell's is removed."));
+    const bool isAnyRefused = std::any_of(request.active.begin(), request.active.end(), [&](const auto& one) {
+        return refusalOf(one.id, state).has_value();
+    });
+    if (isAnyRefused)
+        sheet.addFootnote(QObject::tr(
+            "A change that can't be put back is closed on the Journal page, with Keep Unchanged."));
     sheet.addAnswers(QObject::tr("Restore %1...").arg(request.active.size()), &AppModel::askRestoreAll);
 }
 

@@ -36,7 +36,8 @@ QString explanationOf(const RestoreRequest& request) {
             "keys it changes and the commands it runs.");
     if (isAlone(request)) return qt(changes.explanation());
     const std::size_t all = changes.others.size() + changes.entries.size();
-    if (all == 0) return QObject::tr("None of this can be put back.");
+    if (all == 0)
+        return QObject::tr("None of this can be put back. The Journal page offers to keep it unchanged.");
     if (all == 1) return QObject::tr("This puts back what was there before Brell changed it.");
     const std::size_t others = changes.others.size();
     if (others == 0) return QObject::tr("Only what is ticked is put back.");

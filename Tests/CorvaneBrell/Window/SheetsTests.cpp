@@ -1,6 +1,7 @@
 #include "BrellCore/Journal/Journal.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
+#include "Tests/Support/Shell.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -193,6 +194,34 @@ TEST_F(SheetsTest, AnInterruptedChangeIsAskedForUntilItIsPutBackOrPutOff) {
     EXPECT_FALSE(sheet());
     EXPECT_TRUE(model->state().interrupted.empty());
     EXPECT_FALSE(words(window->strip()).contains("relaunch")) << "nothing had been written";
+}
+
+TEST_F(SheetsTest, LaunchdsRefusalOfAnInterruptedAgentIsToldInTheOpenSheetWithoutMovingIt) {
+    const std::string label = "com.spotify.client.startuphelper";
+    openWindow();
+    go(Screen::loginItems);
+    settled()->askAgents({itemOf(label).id}, true);
+    settled()->confirmAgents();
+    closeWindow();
+    runLine("sed -i 's/\"applied\"/\"capturing\"/' " + shellWord(*options.journalDirectory / "journal.json"));
+    openWindow();
+    const QPointer<Sheet> first = sheet();
+    const QPoint place = button(*first, "Restore").mapToGlobal(QPoint());
+    expectWords(*first, {"A login item. Restoring it runs:"});
+
+    const fs::path elsewhere = sample.systemRoot() / "Library/LaunchAgents" / (label + ".plist");
+    fs::rename(fileOf(label), elsewhere);
+    launchd(AllowedCommand::launchctlBootout("gui/501", label));
+    EXPECT_TRUE(launchd(AllowedCommand::launchctlBootstrap("gui/501", elsewhere)).succeeded());
+    settled()->lookAgain();
+    ASSERT_TRUE(first && sheet() == first);
+    expectWords(*first, {"can't be put back, so none of these commands is run: " + qt(label) + " is loaded"});
+    EXPECT_EQ(button(*first, "Restore").mapToGlobal(QPoint()), place);
+    settled()->deferRecovery();
+    settled()->askLeaving();
+    expectWords(*sheet(), {"which is not in your LaunchAgents folder", "with Keep Unchanged."});
+    press(*sheet(), "Restore 1...");
+    expectWords(*sheet(), {"None of this can be put back. The Journal page offers to keep it unchanged."});
 }
 
 TEST_F(SheetsTest, DriftIsOverriddenOnlyWhereThatIsTheAnswer) {
