@@ -51,7 +51,7 @@ ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent) {
     static const bool known = (QAccessible::installFactory(accessibleChoiceBox), true);
     Q_UNUSED(known);
     setMinimumHeight(28);
-    setFixedWidth(RowLayout::controlWidth);
+    setFixedWidth(RowLayout::controlWidth());
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QComboBox::currentIndexChanged, this, [this] {
         QAccessibleValueChangeEvent event(this, value());

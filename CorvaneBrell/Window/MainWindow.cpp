@@ -5,7 +5,9 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenuBar>
 #include <QPainter>
+#include <QScreen>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QTimer>
@@ -29,12 +31,12 @@
 #include "CorvaneBrell/Window/Strip.h"
 #include "CorvaneBrell/Window/TabOrder.h"
 #include "CorvaneBrell/Window/TweakPage.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
 namespace {
 
-constexpr QSize smallest(820, 560);
 constexpr QSize usual(1100, 760);
 
 Changes everything() {
@@ -61,7 +63,6 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
       refresh_(new QTimer(this)),
       look_(loop_, std::chrono::seconds(1), [this] { model_.lookAgain(); }) {
     setWindowTitle(brell::windowTitle(model));
-    setMinimumSize(smallest);
     auto* center = new QWidget;
     strip_->setParent(
         center);  // first: in the circle of the Tab key it comes behind the pages, which are made later
@@ -78,9 +79,10 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     line->addLayout(right, 1);
     setCentralWidget(center);
     makeMenus();
+    setMinimumSize(smallest(screen()->availableGeometry().size()));
 
     const std::optional<WindowPlace> place = model.ownPreferences().windowPlace();
-    resize(place ? QSize(place->width, place->height).expandedTo(smallest) : usual);
+    resize(place ? QSize(place->width, place->height).expandedTo(minimumSize()) : usual);
     if (place && !model.options().openGroup) model.show(place->screen);
     connect(sidebar_, &Sidebar::searched, this, &MainWindow::search);
     connect(sidebar_, &Sidebar::entered, this, &MainWindow::enterPage);
@@ -100,6 +102,16 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
 
 MainWindow::~MainWindow() {
     model_.setObserver(nullptr);
+}
+
+// With the usual font, or where the screen leaves no more, it is as small as a window may be.
+QSize MainWindow::smallest(const QSize& screen) const {
+    constexpr QSize least(820, 560);
+    constexpr int leastPage = 612, charactersOfAPage = 72, frame = 32;
+    const int menus = menuBar()->isNativeMenuBar() ? 0 : menuBar()->sizeHint().height();
+    const QSize needed(sidebar_->minimumWidth() + widthFor(charactersOfAPage, leastPage),
+                       sidebar_->heightOfAll() + menus);
+    return needed.boundedTo(screen - QSize(0, frame)).expandedTo(least);
 }
 
 // Alone at the head, because nothing works until it is dealt with; it is there before anything else is.

@@ -39,6 +39,10 @@ public:
     void setChangedOnly(bool changedOnly);
     void focusSearch();
 
+    // The smallest that the window may be on a screen that leaves it this much: its contents' needs in the
+    // font, but never more than the screen has.
+    QSize smallest(const QSize& screen) const;
+
     // Shows at once what otherwise waits for the next turn of the event loop.
     void refreshNow();
 

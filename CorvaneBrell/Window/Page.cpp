@@ -9,6 +9,7 @@
 #include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/Symbol.h"
 #include "CorvaneBrell/Window/TabOrder.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
@@ -29,9 +30,13 @@ QScrollArea* plainScrollArea() {
 
 }  // namespace
 
+int PageColumn::widest() {
+    return widthFor(110, 920);
+}
+
 QWidget* PageColumn::in(QWidget* parent) {
     auto* column = new QWidget;
-    column->setMaximumWidth(widest);
+    column->setMaximumWidth(widest());
     auto* line = new QHBoxLayout(parent);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(column);
@@ -69,7 +74,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
     empty_->hide();
 
     auto* column = new QWidget;
-    column->setMaximumWidth(PageColumn::widest);
+    column->setMaximumWidth(PageColumn::widest());
     rows_ = new QVBoxLayout(column);
     rows_->setContentsMargins(margin, 4, margin, margin);
     rows_->setSpacing(0);
@@ -99,7 +104,7 @@ Page::Page(const QString& title, const QString& purpose, QWidget* parent)
 void Page::alignColumn() {
     const QScrollBar* bar = scroll_->verticalScrollBar();
     const int taken = bar->maximum() > 0 ? bar->sizeHint().width() : 0;
-    const bool isInTheMiddle = scroll_->width() >= PageColumn::widest + taken;
+    const bool isInTheMiddle = scroll_->width() >= PageColumn::widest() + taken;
     rows_->setContentsMargins(margin, 4, isInTheMiddle ? margin : margin - std::min(taken, margin), margin);
     line_->setContentsMargins(isInTheMiddle ? taken : 0, 0, 0, 0);
 }

@@ -61,7 +61,7 @@ private:
 // The column in which pages, and what is told beside them, have their content.
 namespace PageColumn {
 inline constexpr int margin = 24;
-inline constexpr int widest = 920;  // with the margins
+int widest();  // with the margins
 // In the middle of the parent, which gets a layout for it.
 QWidget* in(QWidget* parent);
 }  // namespace PageColumn

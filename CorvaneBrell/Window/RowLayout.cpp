@@ -3,6 +3,8 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "CorvaneBrell/Window/TypeSize.h"
+
 namespace brell {
 
 namespace {
@@ -12,7 +14,11 @@ constexpr int wayBackWidth = 28, arrowWidth = 28;
 constexpr int gap = 6, wordsGap = 14, lineGap = 2;
 constexpr int notesGap = 4;      // where a badge stands beside the notes, and is higher than they are
 constexpr int highestLine = 40;  // of a control that is one line of its row
-constexpr int narrow = 700;      // in a row that is less wide the words would wrap too often beside the badge
+
+// In a row that is less wide the words would wrap too often beside the badge.
+int narrow() {
+    return widthFor(92, 700);
+}
 
 QRect& at(std::array<QRect, RowLayout::parts>& places, RowLayout::Part part) {
     return places[static_cast<std::size_t>(part)];
@@ -75,9 +81,13 @@ int RowLayout::heightOf(Part part, int width) const {
     return shown->hasHeightForWidth() ? shown->heightForWidth(width) : shown->sizeHint().height();
 }
 
+int RowLayout::controlWidth() {
+    return widthFor(20, 166);
+}
+
 int RowLayout::controlWidthNeeded() const {
     const QLayoutItem* control = item(Part::control);
-    return std::max(controlWidth, control && !control->isEmpty() ? control->minimumSize().width() : 0);
+    return std::max(controlWidth(), control && !control->isEmpty() ? control->minimumSize().width() : 0);
 }
 
 // From the right edge to the left; gives where the columns begin.
@@ -170,8 +180,8 @@ int RowLayout::placeFoot(Places& places, int left, int top, int lastLine, int wh
 int RowLayout::arranged(Places& places, int width) const {
     const int left = padding.left(), right = width - padding.right();
     const int columnsLeft = placeColumns(places, right);
-    int bottom = !badgeRoom_.isEmpty() && width < narrow ? placeNarrow(places, left, columnsLeft, right)
-                                                         : placeWide(places, left, columnsLeft);
+    int bottom = !badgeRoom_.isEmpty() && width < narrow() ? placeNarrow(places, left, columnsLeft, right)
+                                                           : placeWide(places, left, columnsLeft);
     if (const int details = heightOf(Part::details, right - left)) {
         at(places, Part::details) = {left, bottom + padding.bottom(), right - left, details};
         bottom += padding.bottom() + details;
@@ -185,7 +195,7 @@ int RowLayout::heightForWidth(int width) const {
 }
 
 QSize RowLayout::sizeHint() const {
-    return {narrow, heightForWidth(narrow)};
+    return {narrow(), heightForWidth(narrow())};
 }
 
 QSize RowLayout::minimumSize() const {

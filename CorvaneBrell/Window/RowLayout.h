@@ -16,7 +16,7 @@ public:
     // In the order of the Tab key.
     enum class Part { title, words, notes, badge, wayBack, control, arrow, details };
     static constexpr std::size_t parts = 8;
-    static constexpr int controlWidth = 166;
+    static int controlWidth();  // of a list of choices, and the column of every control
 
     explicit RowLayout(QWidget* row);
     ~RowLayout() override;

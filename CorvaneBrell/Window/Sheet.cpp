@@ -10,13 +10,17 @@
 #include "CorvaneBrell/Window/Row.h"
 #include "CorvaneBrell/Window/ScrolledContent.h"
 #include "CorvaneBrell/Window/TabOrder.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
 namespace {
 
-constexpr int sheetWidth = 600;
 constexpr int margin = 22;
+
+int sheetWidth() {
+    return widthFor(66, 600);
+}
 
 // As high as its content, up to a limit; then it scrolls.
 class FittingScrollArea final : public QScrollArea {
@@ -28,7 +32,10 @@ public:
         setFocusPolicy(Qt::NoFocus);
         setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     }
-    QSize sizeHint() const override { return {comfortableWidth, heightForWidth(comfortableWidth)}; }
+    QSize sizeHint() const override {
+        const int width = sheetWidth() - 2 * margin;
+        return {width, heightForWidth(width)};
+    }
     QSize minimumSizeHint() const override { return {200, std::min(sizeHint().height(), 80)}; }
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override {
@@ -38,7 +45,7 @@ public:
     }
 
 private:
-    static constexpr int comfortableWidth = sheetWidth - 2 * margin, highest = 340;
+    static constexpr int highest = 340;
 };
 
 }  // namespace
@@ -76,7 +83,7 @@ Sheet::Sheet(const QString& title, const QString& explanation, QWidget* window)
     buttons_->addStretch(1);
     column->addLayout(footnotes_);
     column->addLayout(buttons_);
-    setMinimumWidth(sheetWidth);
+    setMinimumWidth(sheetWidth());
 }
 
 QPushButton* Sheet::addCancel(const QString& text) {

@@ -6,11 +6,13 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "CorvaneBrell/Window/Appearance.h"
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/SearchField.h"
 #include "CorvaneBrell/Window/Symbol.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
@@ -20,7 +22,8 @@ constexpr int countRole = Qt::UserRole + 1;
 // Properties of the list.
 constexpr auto marksNone = "marksNone";        // the results of a search are shown instead of a page
 constexpr auto usesKeyboard = "usesKeyboard";  // so that the focus has to be seen
-constexpr int rowHeight = 30;
+constexpr int textLeft = 34, textRight = 8, rowMargin = 2;  // of a row
+constexpr QMargins margins(10, 14, 6, 10);
 
 // Symbol, title, and the count at the right.
 class PageDelegate final : public QStyledItemDelegate {
@@ -28,7 +31,7 @@ public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        return {QStyledItemDelegate::sizeHint(option, index).width(), rowHeight};
+        return {QStyledItemDelegate::sizeHint(option, index).width(), heightFor(12, 30)};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -39,7 +42,7 @@ public:
         const bool isCurrent = option.state & QStyle::State_Selected;
         const bool selected = isCurrent && !is(marksNone);
         const QPalette& palette = option.palette;
-        const QRect place = option.rect.adjusted(2, 1, -2, -1);
+        const QRect place = option.rect.adjusted(rowMargin, 1, -rowMargin, -1);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         if (selected) {
@@ -62,7 +65,7 @@ public:
         const int count = index.data(countRole).toInt();
         const QString countText = count > 0 ? QString::number(count) : QString();
         const int countWidth = count > 0 ? option.fontMetrics.horizontalAdvance(countText) + 8 : 0;
-        const QRect text = place.adjusted(34, 0, -8 - countWidth, 0);
+        const QRect text = place.adjusted(textLeft, 0, -textRight - countWidth, 0);
         const QString title = index.data(Qt::UserRole).toString();
         painter->drawText(text, Qt::AlignVCenter | Qt::AlignLeft,
                           option.fontMetrics.elidedText(title, Qt::ElideRight, text.width()));
@@ -87,6 +90,16 @@ QListWidget* pageList() {
     return list;
 }
 
+// For every title with a count beside it.
+int widthOf(const QListWidget& list) {
+    int titles = 0;
+    for (int i = 0; i < list.count(); ++i)
+        titles = std::max(titles, list.fontMetrics().horizontalAdvance(
+                                      list.item(i)->data(Qt::UserRole).toString() + "  9"));
+    constexpr int usual = 208;
+    return std::max(usual, margins.left() + margins.right() + 2 * rowMargin + textLeft + titles + textRight);
+}
+
 // The words that assistive technology reads: "Finder, 3 active changes".
 QString spoken(const QString& title, std::size_t count) {
     if (count == 0) return title;
@@ -102,11 +115,11 @@ Sidebar::Sidebar(AppModel& model, QWidget* parent)
       search_(searchField(tr("Search"), tr("Search settings, login items and pages"))),
       pages_(pageList()) {
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(10, 14, 6, 10);
+    column->setContentsMargins(margins);
     column->setSpacing(10);
     column->addWidget(search_);
     column->addWidget(pages_, 1);
-    setFixedWidth(208);
+    setFixedWidth(widthOf(*pages_));
     search_->installEventFilter(this);
     pages_->installEventFilter(this);
     pages_->viewport()->installEventFilter(this);
@@ -116,6 +129,11 @@ Sidebar::Sidebar(AppModel& model, QWidget* parent)
         model_.show(static_cast<Screen>(row));
     });
     connect(pages_, &QListWidget::itemClicked, this, [this] { search_->clear(); });
+}
+
+int Sidebar::heightOfAll() const {
+    const int rows = pages_->count() * pages_->sizeHintForRow(0);
+    return margins.top() + search_->sizeHint().height() + layout()->spacing() + rows + margins.bottom();
 }
 
 void Sidebar::refresh() {

@@ -20,6 +20,7 @@ public:
     void setSearching(bool searching);
     QLineEdit& search() const { return *search_; }
     QListWidget& pages() const { return *pages_; }
+    int heightOfAll() const;  // with every page in sight
 
 signals:
     void searched(const QString& query);  // empty when the search has ended

@@ -12,6 +12,7 @@
 #include "CorvaneBrell/Window/QtText.h"
 #include "CorvaneBrell/Window/StripLine.h"
 #include "CorvaneBrell/Window/TabOrder.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
@@ -19,7 +20,6 @@ namespace {
 
 constexpr std::chrono::milliseconds patience{300};
 constexpr std::chrono::seconds lookAgain{1};
-constexpr int lineHeight = 25;
 
 struct Look {
     QString title;
@@ -67,7 +67,7 @@ QString prefixOf(NoticeKind kind) {
 
 QHBoxLayout* lineIn(QVBoxLayout* column) {
     auto* place = new QWidget;
-    place->setFixedHeight(lineHeight);
+    place->setFixedHeight(heightFor(5, 25));
     auto* line = new QHBoxLayout(place);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);

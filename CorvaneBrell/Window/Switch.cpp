@@ -5,6 +5,7 @@
 #include <QPainterPath>
 
 #include "CorvaneBrell/Window/Appearance.h"
+#include "CorvaneBrell/Window/TypeSize.h"
 
 namespace brell {
 
@@ -39,8 +40,11 @@ QAccessibleInterface* accessibleSwitch(const QString&, QObject* object) {
     return toggle ? new SwitchAccessible(toggle) : nullptr;
 }
 
-constexpr QSize trackSize(56, 24);
 constexpr int focusMargin = 3;
+
+QSize trackSize() {
+    return {widthFor(7, 56), heightFor(4, 24)};
+}
 
 }  // namespace
 
@@ -54,7 +58,7 @@ Switch::Switch(QWidget* parent) : QAbstractButton(parent) {
 }
 
 QSize Switch::sizeHint() const {
-    return trackSize + QSize(2 * focusMargin, 2 * focusMargin);
+    return trackSize() + QSize(2 * focusMargin, 2 * focusMargin);
 }
 
 void Switch::setPosition(std::optional<bool> on) {
@@ -71,7 +75,8 @@ void Switch::setPosition(std::optional<bool> on) {
 void Switch::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF track(QPointF(focusMargin, (height() - trackSize.height()) / 2.0), QSizeF(trackSize));
+    const QSizeF size = trackSize();
+    const QRectF track(QPointF(focusMargin, (height() - size.height()) / 2.0), size);
     const double radius = track.height() / 2;
     const bool filled = isChecked() && isEnabled();
     const QColor edge = isEnabled() ? Appearance::outline(palette()) : Appearance::hairline(palette());

@@ -304,14 +304,14 @@ TEST_F(StillTest, TheRightSideOfRowsStandsInColumnsThatAreTheSameOnEveryPage) {
                 lists.insert(list->width());
                 for (int i = 0; i < list->count(); ++i)
                     EXPECT_LE(list->fontMetrics().horizontalAdvance(list->itemText(i)) + 30,
-                              RowLayout::controlWidth)
+                              RowLayout::controlWidth())
                         << utf8(list->itemText(i));
             }
         }
         EXPECT_EQ(arrows.size(), 1) << width;
         EXPECT_EQ(controlEnds.size(), 1) << width;
         EXPECT_EQ(waysBack.size(), 1) << width;
-        EXPECT_EQ(lists, std::set<int>{RowLayout::controlWidth}) << width;
+        EXPECT_EQ(lists, std::set<int>{RowLayout::controlWidth()}) << width;
     }
 }
 
