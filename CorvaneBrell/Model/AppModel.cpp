@@ -48,7 +48,7 @@ AppModel::AppModel(const LaunchOptions& options, MainLoop& loop, RunningApplicat
       changes_(loop, *deps_, shownIn(&AppState::changeActivity)),
       refreshes_(loop, *deps_, shownIn(&AppState::fileActivity)),
       readings_(loop, *deps_, shownIn(&AppState::readingActivity)),
-      questions_(loop, *deps_, [](const std::optional<Activity>&) {}),
+      questions_(loop, *deps_, shownIn(&AppState::questionActivity)),
       firstTaskList_(loop, *deps_, shownIn(&AppState::taskListActivity)) {
     state_.isJournalDamaged = state_.startupError && isDamaged(journalDirectory_);
     if (!this->options().dryRun) state_.safetyWarnings = safetyWarnings(deps_->machine);
@@ -278,7 +278,7 @@ void AppModel::makeRestoreScript(std::function<void(const std::string&)> show) {
         if (!script.value) return fail(script.error);
         show(*script.value);
     };
-    questions_.run("", &ReadingWork::restoreScript, done);
+    questions_.run("Making the restore script", &ReadingWork::restoreScript, done);
 }
 
 // A copy outlives the notice that says what it lacks.

@@ -11,6 +11,7 @@ namespace brell {
 
 namespace {
 
+constexpr const char* readingRestore = "Reading what would be put back";
 constexpr const char* applyingAgain = "Applying again what was reset";
 
 std::string restoringText(std::size_t changes) {
@@ -98,7 +99,7 @@ void AppModel::askUndoSince(const Uuid& entryID) {
 void AppModel::askRestoreOf(const std::string& title, const std::vector<JournalEntry>& entries) {
     if (entries.empty()) return;
     const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
-    questions_.run("", &ReadingWork::restoring, done, title, idsOf(entries));
+    questions_.run(readingRestore, &ReadingWork::restoring, done, title, idsOf(entries));
 }
 
 // Only one is open at a time; a second can be asked for again.
@@ -149,7 +150,7 @@ void AppModel::undoLast() {
         set(&AppState::undo, state_.undo.after({{}, action, {}}), Topic::journal);
         fail(nothingLeft(action));
     };
-    questions_.run("", &ReadingWork::undoing, done, *last);
+    questions_.run(readingRestore, &ReadingWork::undoing, done, *last);
 }
 
 void AppModel::keepTheirs(const std::vector<Uuid>& entries) {
@@ -166,7 +167,8 @@ void AppModel::applyAgain(const std::vector<Uuid>& entries) {
     if (std::none_of(shown.begin(), shown.end(), [](const auto& one) { return one.entry.agent; }))
         return change(applyingAgain, {}, &ChangeWork::applyAgain, std::move(shown));
     const auto done = [this](JobResult<RestoreRequest> request) { showRestore(std::move(request)); };
-    questions_.run("", &ReadingWork::applyingAgain, done, std::move(shown));
+    questions_.run("Reading what would be applied again", &ReadingWork::applyingAgain, done,
+                   std::move(shown));
 }
 
 // What runs commands shows them first.

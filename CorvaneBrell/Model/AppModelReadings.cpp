@@ -157,7 +157,7 @@ void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {
         fail(read.refusals.empty() ? "This item cannot be changed here." : read.refusals.front());
         readLoginItems({false, tasks_});  // what was shown is so no more
     };
-    questions_.run("", &ReadingWork::agentConfirm, done, std::move(agents), turnOn);
+    questions_.run("Reading what would be run", &ReadingWork::agentConfirm, done, std::move(agents), turnOn);
 }
 
 void AppModel::cancelAgents() {
@@ -177,7 +177,7 @@ void AppModel::importPreset(const fs::path& file) {
         plan.unknown.insert(plan.unknown.end(), decoded.value->unknown.begin(), decoded.value->unknown.end());
         set(&AppState::presetRequest, PresetRequest{Uuid::random(), std::move(plan)}, Topic::question);
     };
-    questions_.run("", &ReadingWork::preset, done, file);
+    questions_.run("Reading the preset", &ReadingWork::preset, done, file);
 }
 
 void AppModel::cancelPreset() {

@@ -131,6 +131,7 @@ struct AppState {
     // Topic::activity
     std::optional<Activity> relaunchActivity;
     std::optional<Activity> changeActivity;
+    std::optional<Activity> questionActivity;  // reading what a sheet will show
     std::optional<Activity> fileActivity;      // reading preferences and journal, saving files
     std::optional<Activity> readingActivity;   // with the system's tools
     std::optional<Activity> taskListActivity;  // a first reading, which waits for a person; can be cancelled

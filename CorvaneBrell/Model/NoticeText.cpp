@@ -114,8 +114,8 @@ std::vector<Notice> standingNotices(const AppState& state, const TweakCatalog& c
 }
 
 std::optional<Activity> activityOf(const AppState& state) {
-    for (const auto* activity :
-         {&state.changeActivity, &state.relaunchActivity, &state.readingActivity, &state.fileActivity})
+    for (const auto* activity : {&state.changeActivity, &state.questionActivity, &state.relaunchActivity,
+                                 &state.readingActivity, &state.fileActivity})
         if (*activity) return *activity;
     return std::nullopt;
 }

@@ -211,6 +211,7 @@ AgentConfirmRequest ReadingWork::agentConfirm(const std::vector<LaunchAgentRecor
     AgentConfirmRequest request{Uuid::random(), "", {}, {}, {}, turnOn, {}};
     for (const LaunchAgentRecord& agent : agents) {
         if (progress_.isEnding()) break;
+        progress_.tell(request.agents.size() + request.refusals.size(), agents.size());
         try {
             checkJobFile(agent);
             const AgentPreview preview =

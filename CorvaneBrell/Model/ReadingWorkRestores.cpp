@@ -116,6 +116,7 @@ void ReadingWork::addRestores(RestoreRequest& request, const std::vector<Uuid>& 
     AgentStates states(deps_.toggle);
     for (const JournalEntry& entry : deps_.journal->entries(changes)) {
         if (!entry.isActive() || progress_.isEnding()) continue;
+        progress_.tell(request.steps.size() + request.changes.entries.size(), changes.size());
         DriftedEntry now = driftedEntry(entry, readKeys(entry, *preferences), deps_.catalog);
         if (const auto elsewhere =
                 cameFromElsewhere(entry, deps_.machine.home, deps_.machine.osVersion.text()))
