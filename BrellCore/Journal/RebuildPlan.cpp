@@ -6,7 +6,6 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 namespace brell {
 
@@ -182,37 +181,17 @@ void RebuildPlanner::know(std::vector<JournalEntry> entries) {
     plan_.known = entries.size();
     for (std::size_t i = 0; i < plan_.known; ++i) places_.emplace(entries[i].id, i);
     plan_.entries = std::move(entries);
-    ranks_.resize(plan_.known);
-}
-
-void RebuildPlanner::rank(std::size_t place, TimeStamp& latest) {
-    if (ranks_.size() <= place) ranks_.resize(place + 1);
-    if (ranks_[place]) return;
-    latest = std::max(latest, plan_.entries[place].appliedAt);
-    ranks_[place] = Rank{latest, ranked_++};
-}
-
-// An entry without a line is later than any other of its time: the journal that knows it was begun anew.
-void RebuildPlanner::sortByRank() {
-    std::vector<std::pair<Rank, std::size_t>> order;
-    for (std::size_t i = 0; i < plan_.entries.size(); ++i)
-        order.emplace_back(ranks_[i].value_or(Rank{plan_.entries[i].appliedAt, ranked_}), i);
-    std::stable_sort(order.begin(), order.end(),
-                     [](const auto& one, const auto& other) { return one.first < other.first; });
-    std::vector<JournalEntry> sorted;
-    for (const auto& [rank, place] : order) sorted.push_back(std::move(plan_.entries[place]));
-    plan_.entries = std::move(sorted);
 }
 
 void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
-    TimeStamp latest = TimeStamp::min();
     for (HistoryLine& line : lines) {
         plan_.from = std::min(plan_.from.value_or(line.at), line.at);
         plan_.to = std::max(plan_.to.value_or(line.at), line.at);
         const auto [known, isNew] = places_.try_emplace(line.entry.id, plan_.entries.size());
-        if (isNew) plan_.entries.push_back(std::move(line.entry));
-        if (plan_.known > 0) rank(known->second, latest);
-        if (isNew) continue;
+        if (isNew) {
+            plan_.entries.push_back(std::move(line.entry));
+            continue;
+        }
         // After a journey to the west, or with the clock set back, the file of its end may stand before that
         // of its beginning; and the journal may know what the history lost, or was handed on.
         JournalEntry& entry = plan_.entries[known->second];
@@ -225,7 +204,7 @@ void RebuildPlanner::take(std::vector<HistoryLine>& lines) {
 RebuildPlan RebuildPlanner::finish(HistoryReading rest) && {
     take(rest.lines);
     // A journal that was begun anew knows later changes than the history before it.
-    if (plan_.known > 0 && plan_.known < plan_.entries.size()) sortByRank();
+    if (plan_.known > 0 && plan_.known < plan_.entries.size()) sortByTime(plan_.entries);
     overtakeAllButTheLast(plan_);
     plan_.torn = rest.torn;
     plan_.foreign = rest.foreign;

@@ -40,29 +40,15 @@ class RebuildPlanner {
 public:
     // What the journal holds, if it can be read. Before any line, and at most once.
     void know(std::vector<JournalEntry> entries);
-    void take(std::vector<HistoryLine>& lines);  // of one file; leaves it empty
+    void take(std::vector<HistoryLine>& lines);  // leaves it empty
     RebuildPlan finish(HistoryReading rest) &&;
 
 private:
     struct HashOfId {
         std::size_t operator()(const Uuid& id) const noexcept;
     };
-    // Where an entry stands among the others. A file of the history is appended to, so that a line in it is
-    // no earlier than those before, also when the clock was set back.
-    struct Rank {
-        TimeStamp time;
-        std::size_t line;  // counted through all files
-        bool operator<(const Rank& other) const {
-            return time != other.time ? time < other.time : line < other.line;
-        }
-    };
-    void rank(std::size_t place, TimeStamp& latest);
-    void sortByRank();
-
     RebuildPlan plan_;
     std::unordered_map<Uuid, std::size_t, HashOfId> places_;  // in the plan's entries
-    std::vector<std::optional<Rank>> ranks_;  // of each entry that has a line; none without known ones
-    std::size_t ranked_ = 0;
 };
 
 }  // namespace brell

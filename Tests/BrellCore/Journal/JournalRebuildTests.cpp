@@ -94,10 +94,9 @@ TEST_F(JournalRebuildTest, AJournalThatWasBegunAnewKnowsLaterChangesAndWhatTheHi
     const auto write = [](const char* key, int original, int written) {
         return JournaledWrite{{"com.apple.dock", key}, PrefValue(original), PrefValue(written)};
     };
-    // The clock was set back in between, so that the lines tell which was first; of the second key the user
-    // has chosen.
+    // Of one second, so that what each found tells which was first; of the second key the user has chosen.
     const JournalEntry older = entryOf("a", {write("one", 1, 2), write("two", 1, 2)});
-    JournalEntry later = entryOf("a", {write("one", 2, 3), write("two", 7, 3)}, noon - 1h);
+    JournalEntry later = entryOf("a", {write("one", 2, 3), write("two", 7, 3)});
     const JournalEntry off = agentEntry({"b", "/b.plist", false, AgentOverride::absent}, noon);
     JournalEntry on = agentEntry({"b", "/b.plist", false, AgentOverride::disabled}, noon + 1h);
     const JournalEntry ended = agentEntry({"c", "/c.plist", true, AgentOverride::absent}, noon);
