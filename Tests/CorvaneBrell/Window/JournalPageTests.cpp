@@ -4,18 +4,10 @@
 #include "CorvaneBrell/Window/DayText.h"
 #include "CorvaneBrell/Window/HistoryRow.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
-#include "Tests/Support/Shell.h"
 
 namespace brell::testing {
 
-class JournalPageTest : public WindowTest {
-protected:
-    // As another program would. These are words of sed that macOS's knows, too.
-    void rewriteJournal(const std::string& commands) {
-        const fs::path journal = *options.journalDirectory / "journal.json";
-        setContents(journal, runLine("sed " + shellWord(commands) + " " + shellWord(journal)).output);
-    }
-};
+using JournalPageTest = WindowTest;
 
 TEST_F(JournalPageTest, TheJournalShowsEveryActiveChangeOnceNewestFirst) {
     openOn(Screen::journal);

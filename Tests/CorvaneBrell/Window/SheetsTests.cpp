@@ -1,7 +1,6 @@
 #include "BrellCore/Journal/Journal.h"
 #include "CorvaneBrell/Window/PresetMenu.h"
 #include "Tests/CorvaneBrell/Window/WindowFixture.h"
-#include "Tests/Support/Shell.h"
 
 using namespace brell;
 using namespace brell::testing;
@@ -203,7 +202,7 @@ TEST_F(SheetsTest, LaunchdsRefusalOfAnInterruptedAgentIsToldInTheOpenSheetWithou
     settled()->askAgents({itemOf(label).id}, true);
     settled()->confirmAgents();
     closeWindow();
-    runLine("sed -i 's/\"applied\"/\"capturing\"/' " + shellWord(*options.journalDirectory / "journal.json"));
+    rewriteJournal(R"(s/"applied"/"capturing"/)");
     openWindow();
     const QPointer<Sheet> first = sheet();
     const QPoint place = button(*first, "Restore").mapToGlobal(QPoint());

@@ -30,6 +30,7 @@
 #include "CorvaneBrell/Window/TweakRow.h"
 #include "Tests/CorvaneBrell/SampleMacFixture.h"
 #include "Tests/CorvaneBrell/Window/WindowReader.h"
+#include "Tests/Support/Shell.h"
 
 namespace brell::testing {
 
@@ -98,6 +99,11 @@ protected:
     void damageTheJournal(std::string_view contents = "damaged") {
         setContents(*options.journalDirectory / "journal.json", contents);
         if (model) settled()->refreshAll();
+    }
+    // As another program would, by words of sed that macOS's knows, too.
+    void rewriteJournal(const std::string& commands) {
+        const fs::path journal = *options.journalDirectory / "journal.json";
+        setContents(journal, runLine("sed " + shellWord(commands) + " " + shellWord(journal)).output);
     }
     // Opens a window with a past on this page.
     void openOn(Screen screen) {
