@@ -62,13 +62,12 @@ bool belongsTo(std::uint32_t user, const fs::path& folder) {
     return ::stat(folder.c_str(), &status) == 0 && status.st_uid == user;
 }
 
-// True for a file of a home that is gone or a copy of the user's own now: the user was renamed, or the home
-// was moved or came from another Mac.
-bool isOfAFormerHome(const fs::path& jobFile, std::uint32_t user) {
+// The home in whose LaunchAgents folder it lies; nothing of a file elsewhere.
+std::optional<fs::path> homeOf(const fs::path& jobFile) {
     const fs::path folder = jobFile.parent_path(), library = folder.parent_path();
-    const fs::path home = library.parent_path();
-    return folder.filename() == "LaunchAgents" && library.filename() == "Library" &&
-           (isGone(home.string()) || belongsTo(user, home));
+    const bool isOfAHome =
+        jobFile.is_absolute() && folder.filename() == "LaunchAgents" && library.filename() == "Library";
+    return isOfAHome ? std::optional(library.parent_path()) : std::nullopt;
 }
 
 std::string placeOf(const LoadedState& loaded) {
@@ -369,9 +368,20 @@ std::optional<JournalEntry> AgentToggle::restorableEntry(const std::string& labe
     return entry;
 }
 
+// Of a home that is gone: the user was renamed, or the home came from another Mac. Or of one that was moved
+// and left where it was, once the agent's file has arrived with it.
+bool AgentToggle::isOfAFormerHome(const AgentCapture& capture) const try {
+    const auto home = homeOf(capture.plistPath);
+    if (!home) return false;
+    return isGone(home->string()) ||
+           (belongsTo(uid_, *home) && folder_.jobFile(capture.label, capture.plistPath));
+} catch (const AgentToggleError&) {
+    return true;  // a folder that can't be read is told of by what goes on to look for the file
+}
+
 std::optional<std::string> AgentToggle::whyNotOwn(const AgentCapture& capture) const {
     if (auto why = whyNotLabel(capture.label)) return why;
-    if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture.plistPath, uid_)) return std::nullopt;
+    if (folder_.holds(capture.plistPath) || isOfAFormerHome(capture)) return std::nullopt;
     return capture.plistPath + " is outside your LaunchAgents folder.";
 }
 

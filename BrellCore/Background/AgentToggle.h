@@ -107,6 +107,7 @@ private:
     std::optional<std::string> whyNotPutBack(const AgentState& now, const AgentCapture& capture,
                                              const std::optional<std::filesystem::path>& file) const;
     bool isOwn(const LoadedState& loaded, bool hasFile) const;
+    bool isOfAFormerHome(const AgentCapture& capture) const;
 
     CommandRunning& runner_;
     TweakEngine& engine_;

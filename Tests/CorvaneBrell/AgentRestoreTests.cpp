@@ -252,12 +252,16 @@ TEST_F(AgentRestoreTest, AnAgentIsStillTheUsersWhenTheHomeWasCopiedToAnotherPlac
     const Uuid id = toggle.turnOff(agent(plain)).id;
     const fs::path home = mac.systemRoot() / "Users/moved";
     fs::copy(mac.home(), home, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    SimulatedTools tools(mac.systemRoot(), ::geteuid());
-    AgentToggle moved(tools, engine, ::geteuid(), home / "Library/LaunchAgents", time.waiting());
+    SimulatedTools movedTools(mac.systemRoot(), ::geteuid());
+    AgentToggle moved(movedTools, engine, ::geteuid(), home / "Library/LaunchAgents", time.waiting());
     engine.setAgentRestorer(&moved);
+    const fs::path arrived = home / "Library/LaunchAgents" / fileOf(plain).filename();
+    fs::remove(arrived);  // not yet
+    EXPECT_EQ(messageOf([&] { engine.restore(id, false); }),
+              fileOf(plain).string() + " is outside your LaunchAgents folder.");
+    fs::copy(fileOf(plain), arrived);
     EXPECT_EQ(engine.restore(id, false).failure, std::nullopt);
-    EXPECT_EQ(moved.currentState(plain).loaded.path,
-              home / "Library/LaunchAgents" / fileOf(plain).filename());
+    EXPECT_EQ(moved.currentState(plain).loaded.path, arrived);
 }
 
 TEST_F(AgentRestoreTest, AFileThatWasRenamedWhileItsJobRanIsTheSameAgent) {
