@@ -40,7 +40,7 @@ public:
     void focusSearch();
 
     // The smallest that the window may be on a screen that leaves it this much: its contents' needs in the
-    // font, but never more than the screen has.
+    // font, but no more than the screen has, unless that is less than 820 x 560.
     QSize smallest(const QSize& screen) const;
 
     // Shows at once what otherwise waits for the next turn of the event loop.

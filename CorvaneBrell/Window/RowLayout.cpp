@@ -12,8 +12,12 @@ namespace {
 constexpr QMargins padding(16, 11, 10, 11);
 constexpr int wayBackWidth = 28, arrowWidth = 28;
 constexpr int gap = 6, wordsGap = 14, lineGap = 2;
-constexpr int notesGap = 4;      // where a badge stands beside the notes, and is higher than they are
-constexpr int highestLine = 40;  // of a control that is one line of its row
+constexpr int notesGap = 4;  // where a badge stands beside the notes, and is higher than they are
+
+// Of a control that is one line of its row.
+int highestLine() {
+    return heightFor(24, 40);
+}
 
 // In a row that is less wide the words would wrap too often beside the badge.
 int narrow() {
@@ -146,7 +150,7 @@ int RowLayout::placeNarrow(Places& places, int left, int columnsLeft, int right)
     const int beside = std::max(columnsLeft - left, 1), whole = right - arrowWidth - gap - left;
     const int control = at(places, Part::control).height();
     const int titleRoom = roomOfTitle(places, left, columnsLeft), title = heightOf(Part::title, titleRoom);
-    const bool isHigh = control > highestLine;
+    const bool isHigh = control > highestLine();
     const int head = isHigh ? title : std::max({title, control, arrowWidth});
     at(places, Part::title) = {left, inTheMiddle(padding.top(), head, title), titleRoom, title};
     for (const Part part : {Part::wayBack, Part::control, Part::arrow})

@@ -10,6 +10,11 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
+#ifdef Q_OS_MACOS  // whose points this platform takes for larger ones
+    QFont font = QApplication::font();
+    font.setPixelSize(13);
+    QApplication::setFont(font);
+#endif
     QApplication::setPalette(brell::Appearance::light());
     return RUN_ALL_TESTS();
 }
