@@ -51,7 +51,9 @@ void showActive(RequestSheet& sheet, const LeavingRequest& request) {
     sheet.addCard(request.active.size(), [active = request.active, &state](std::size_t place) {
         std::vector<QWidget*> parts{new Paragraph(qt(active[place].title), Paragraph::Look::heading),
                                     new Paragraph(qt(active[place].words), Paragraph::Look::secondary)};
-        if (const auto refusal = refusalOf(active[place].id, state))
+        // Of an agent without its capture its words say so.
+        const auto refusal = refusalOf(active[place].id, state);
+        if (refusal && !refusal->starts_with(active[place].words))
             parts.push_back(symbolLine("exclamationmark.triangle", Tone::caution, qt(*refusal), nullptr));
         return sheetRow(parts);
     });
@@ -61,7 +63,7 @@ void showActive(RequestSheet& sheet, const LeavingRequest& request) {
     });
     if (isAnyRefused)
         sheet.addFootnote(QObject::tr(
-            "A change that can't be put back is closed on the Journal page, with Keep Unchanged."));
+            "A change that can't be put back can be closed on the Journal page, with Keep Unchanged."));
     sheet.addAnswers(QObject::tr("Restore %1...").arg(request.active.size()), &AppModel::askRestoreAll);
 }
 
