@@ -206,7 +206,10 @@ void AppModel::confirmPreset() {
 void AppModel::finishChange(const ChangeOutcome& outcome) {
     ++changesFinished_;
     dropInterrupted(outcome.restored);
-    if (outcome.recoveryFailures) set(&AppState::recoveryFailures, *outcome.recoveryFailures, Topic::notices);
+    if (outcome.recoveryFailures) {
+        put(&AppState::recoveryCommands, {});  // what is asked for again is read again first
+        set(&AppState::recoveryFailures, *outcome.recoveryFailures, Topic::notices);
+    }
     // Several, where what follows a failure fails, too.
     std::vector<std::string> failures = outcome.failures;
     if (const std::string whyNot = noteRelaunches(outcome); !whyNot.empty()) failures.push_back(whyNot);

@@ -136,12 +136,17 @@ void AppModel::readRecovery() {
     std::copy_if(state_.interrupted.begin(), state_.interrupted.end(), std::back_inserter(agents),
                  [](const JournalEntry& entry) { return entry.agent.has_value(); });
     if (agents.empty()) return;
-    const auto done = [this](JobResult<RecoveryCommands> commands) {
-        if (!commands.value) return fail(commands.error);
+    const bool isFirst = state_.recoveryCommands.empty();
+    const auto done = [this, agents](JobResult<RecoveryCommands> commands) {
+        if (!commands.value) {  // no reason to keep the settings from being put back
+            commands.value.emplace();
+            for (const JournalEntry& entry : agents)
+                commands.value->emplace(entry.id, PuttingBack{{}, commands.error});
+        }
         set(&AppState::recoveryCommands, *std::move(commands.value), Topic::question);
     };
-    questions_.run("", &ReadingWork::recovering, done, std::move(agents));
-    if (!state_.recoveryDeferred) loadAgentDrift();  // which of them launchd would have refused
+    questions_.run("", &ReadingWork::recovering, done, agents);
+    if (!state_.recoveryDeferred && isFirst) loadAgentDrift();  // which of them launchd would have refused
 }
 
 void AppModel::askAgents(const std::vector<std::string>& rowIDs, bool turnOn) {

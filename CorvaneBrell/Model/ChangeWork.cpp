@@ -203,24 +203,33 @@ ChangeOutcome ChangeWork::recover(const RecoveryCommands& shown) {
     outcome.recoveryFailures.emplace();
     for (const JournalEntry& entry : deps_.engine.interruptedEntries()) noteKeys(outcome, entry.tweakID);
     recoverOf(EntryKind::preference, shown, outcome);
-    recoverOf(EntryKind::launchAgent, shown, outcome);
+    // What is back by now is told of, whatever becomes of the agents.
+    tryStep(*outcome.recoveryFailures, [&] { recoverOf(EntryKind::launchAgent, shown, outcome); });
     return finished(std::move(outcome));
+}
+
+// Why an interrupted change is left: of an agent only what was shown to be run is run.
+std::optional<std::string> ChangeWork::whyLeft(const JournalEntry& entry,
+                                               const RecoveryCommands& shown) const {
+    if (!entry.agent) return std::nullopt;
+    const auto found = shown.find(entry.id);
+    if (found != shown.end() && found->second.refusal) return found->second.refusal;
+    if (found != shown.end() && found->second.commands == deps_.toggle.previewRestore(*entry.agent))
+        return std::nullopt;
+    return deps_.titles.of(entry) + " is put back by other commands than were shown. Look at it again.";
 }
 
 void ChangeWork::recoverOf(EntryKind kind, const RecoveryCommands& shown, ChangeOutcome& outcome) {
     std::map<Uuid, std::string> left;
     const auto isWanted = [&](const JournalEntry& entry) {
         if (entry.kind != kind) return false;
-        const auto found = shown.find(entry.id);
-        const bool isShown =
-            !entry.agent ||
-            (found != shown.end() && found->second.commands == deps_.toggle.previewRestore(*entry.agent));
-        outcome.agentsTouched |= entry.agent && isShown;
-        if (!isShown)
-            left.insert_or_assign(entry.id, deps_.titles.of(entry) +
-                                                " is put back by other commands than "
-                                                "were shown. Look at it again.");
-        return isShown;
+        left.erase(entry.id);  // it is asked for again under the lock
+        if (auto why = whyLeft(entry, shown)) {
+            left.emplace(entry.id, *std::move(why));
+            return false;
+        }
+        outcome.agentsTouched |= entry.agent.has_value();
+        return true;
     };
     const RestoreAllOutcome recovered = deps_.engine.recoverInterrupted(isWanted, goOn(progress_));
     for (JournalEntry& entry : deps_.journal->entries(recovered.restored))

@@ -58,6 +58,7 @@ public:
     bool leave(const TakeAway& takeAway);
 
 private:
+    std::optional<std::string> whyLeft(const JournalEntry& entry, const RecoveryCommands& shown) const;
     void recoverOf(EntryKind kind, const RecoveryCommands& shown, ChangeOutcome& outcome);
     ChangeOutcome undoWith(const SessionChange& action, const std::vector<DriftedEntry>& asked,
                            const std::set<Uuid>& ticked);

@@ -59,16 +59,20 @@ std::vector<DriftedEntry> ReadingWork::driftedAgents() {
     AgentStates states(deps_.toggle);
     for (std::size_t i = 0; i < switched.size() && !progress_.isEnding(); ++i) {
         progress_.tell("Asking launchd about what Brell switched", i, switched.size());
+        const AgentCapture& before = *switched[i].agent;
+        std::optional<DriftedEntry> drift;
+        std::optional<std::string> refusal;
         try {
-            const AgentState now = states.of(switched[i].agent->label);
-            auto drift = driftedAgent(switched[i], now);
-            auto refusal = deps_.toggle.whyNotRestored(*switched[i].agent, now);
-            if (!drift && !refusal) continue;
-            drifted.push_back(drift ? *std::move(drift) : DriftedEntry{switched[i], {}});
-            drifted.back().refusal = std::move(refusal);
+            refusal = deps_.toggle.whyNotOwn(before);  // which needs no launchd
+            const AgentState now = states.of(before.label);
+            drift = driftedAgent(switched[i], now);
+            if (!refusal) refusal = deps_.toggle.whyNotRestored(before, now);
         } catch (const std::exception&) {
             // Not known to have drifted; the page shows what launchd says of the others.
         }
+        if (!drift && !refusal) continue;
+        drifted.push_back(drift ? *std::move(drift) : DriftedEntry{switched[i], {}});
+        drifted.back().refusal = std::move(refusal);
     }
     return drifted;
 }

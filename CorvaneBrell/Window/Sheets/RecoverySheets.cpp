@@ -24,6 +24,8 @@ public:
 
 private:
     QWidget* entryRow(const JournalEntry& entry);
+    std::optional<std::string> refusalOfAgent(const Uuid& id);
+    RecoveryCommands shown();
 
     const RecoveryCommands commands_;
     std::map<Uuid, Paragraph*> agents_;  // the words above the commands, of the rows that are shown
@@ -45,7 +47,7 @@ RecoverySheet::RecoverySheet(AppModel& model, QWidget* window, const RecoveryReq
     addCard(entries.size(), [this, entries](std::size_t place) { return entryRow(entries[place]); });
     addFootnote(tr("The entries stay in the journal and Brell asks again at the next launch."));
     addAnswers(
-        tr("Restore"), [this] { this->model().recover(commands_); }, tr("Later"));
+        tr("Restore"), [this] { this->model().recover(shown()); }, tr("Later"));
 }
 
 // Commands are in plain sight, keys where they are asked for.
@@ -69,13 +71,23 @@ QWidget* RecoverySheet::entryRow(const JournalEntry& entry) {
 
 void RecoverySheet::refresh() {
     for (const auto& [id, words] : agents_) {
-        const auto& known = commands_.at(id).refusal;
-        const auto refusal = known ? known : refusalOf(id, model().state());
+        const auto refusal = refusalOfAgent(id);
         words->setText(refusal ? tr("A login item that can't be put back, so none of these commands is run: "
-                                    "%1")
+                                    "%1 It can be closed on the Journal page, with Keep Unchanged.")
                                      .arg(qt(*refusal))
                                : tr("A login item. Restoring it runs:"));
     }
+}
+
+std::optional<std::string> RecoverySheet::refusalOfAgent(const Uuid& id) {
+    const auto& known = commands_.at(id).refusal;
+    return known ? known : refusalOf(id, model().state());
+}
+
+RecoveryCommands RecoverySheet::shown() {
+    RecoveryCommands shown = commands_;
+    for (auto& [id, puttingBack] : shown) puttingBack.refusal = refusalOfAgent(id);
+    return shown;
 }
 
 }  // namespace

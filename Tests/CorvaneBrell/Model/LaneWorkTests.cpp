@@ -198,6 +198,9 @@ TEST_F(LaneWorkTest, AnInterruptedAgentRunsWhatWasShownAndHoldsUpNoSetting) {
     for (const RecoveryCommands& unseen : {RecoveryCommands(), other})
         EXPECT_EQ(changes.recover(unseen).recoveryFailures,
                   Texts{"Duskwatch is put back by other commands than were shown. Look at it again."});
+    RecoveryCommands refused = shown;  // in the sheet; the reason may be gone by now
+    refused.at(agent.id).refusal = "It stays.";
+    EXPECT_EQ(changes.recover(refused).recoveryFailures, Texts{"It stays."});
     EXPECT_FALSE(openWhenAsked);
     EXPECT_EQ(changes.recover(shown).restored.size(), 1u);
 }
@@ -221,8 +224,13 @@ TEST_F(LaneWorkTest, LaunchdIsAskedOnceForEachAgentThatASheetShows) {
     EXPECT_NE(unknown.words.find("Not known whether it can be put back: "), std::string::npos);
     EXPECT_EQ(unknown.lines.at(0).find("/bin/launchctl enable"), 0u);
 
-    fault.reset();
     made[0].entry.agent->plistPath = "/elsewhere/a.plist";
+    dependencies.journal->upsert(made[0].entry);
+    const std::vector<DriftedEntry> known = readings.driftedAgents();
+    ASSERT_EQ(known.size(), 1u) << "what launchd is not needed for";
+    EXPECT_EQ(known[0].refusal, "/elsewhere/a.plist is outside your LaunchAgents folder.");
+
+    fault.reset();
     const RestoreRequest again = readings.applyingAgain(made);
     EXPECT_EQ(again.again, std::vector{made[1]});
     EXPECT_EQ(again.steps[0].lines,
