@@ -13,7 +13,7 @@ namespace {
 // The characters that stand for themselves, by one look each: a journal is made of little else.
 constexpr std::array<bool, 256> makePlain() {
     std::array<bool, 256> plain{};
-    for (char c = ' '; isPrintableAscii(c); ++c) plain[static_cast<std::size_t>(c)] = c != '"' && c != '\\';
+    for (unsigned char c = ' '; isPrintableAscii(static_cast<char>(c)); ++c) plain[c] = c != '"' && c != '\\';
     return plain;
 }
 constexpr std::array<bool, 256> plainCharacters = makePlain();
