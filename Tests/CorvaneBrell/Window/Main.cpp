@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
 #ifdef Q_OS_MACOS  // whose points this platform takes for larger ones
     QFont font = QApplication::font();
-    font.setPixelSize(13);
+    font.setPointSizeF(13 * 72.0 / 96);  // 13 pixels
     QApplication::setFont(font);
 #endif
     QApplication::setPalette(brell::Appearance::light());
