@@ -115,8 +115,9 @@ public:
     using Progress = std::function<bool(std::size_t done, std::size_t total)>;
     RestoreAllOutcome restoreSelected(const std::vector<Uuid>& entryIDs, const std::set<Uuid>& confirmedDrift,
                                       const Progress& goOn);
-    // Undo every interrupted entry, or each that isWanted, in the journal's order. isWanted is asked with the
-    // lock held, so that no other process changes the answer.
+    // Undo every interrupted entry, or each that isWanted, in the journal's order. isWanted is asked before
+    // the lock is taken, so that nothing to do leaves nothing behind, and again with it held: that answer
+    // holds.
     RestoreAllOutcome recoverInterrupted();
     RestoreAllOutcome recoverInterrupted(const std::function<bool(const JournalEntry&)>& isWanted,
                                          const Progress& goOn);

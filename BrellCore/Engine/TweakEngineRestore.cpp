@@ -36,7 +36,7 @@ RestoreAllOutcome TweakEngine::restoreSelected(const std::vector<Uuid>& entryIDs
 }
 
 RestoreAllOutcome TweakEngine::recoverInterrupted() {
-    return restoreEntries([this] { return interruptedEntries(); }, {}, always);
+    return recoverInterrupted([](const JournalEntry&) { return true; }, always);
 }
 
 RestoreAllOutcome TweakEngine::recoverInterrupted(const std::function<bool(const JournalEntry&)>& isWanted,
