@@ -1,11 +1,10 @@
 #include "BrellCore/Background/AgentToggle.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 
 #include "BrellCore/Background/JobPath.h"
 #include "BrellCore/Preferences/NeverTouch.h"
+#include "BrellCore/Support/Ownership.h"
 #include "BrellCore/Support/Text.h"
 
 namespace fs = std::filesystem;
@@ -55,11 +54,6 @@ std::optional<std::string> whyNotLoadable(const std::string& domain, const fs::p
 bool isGone(const std::string& path) {
     std::error_code failed;
     return path.starts_with('/') && fs::status(path, failed).type() == fs::file_type::not_found;
-}
-
-bool belongsTo(std::uint32_t user, const fs::path& folder) {
-    struct stat status;
-    return ::stat(folder.c_str(), &status) == 0 && status.st_uid == user;
 }
 
 // The home in whose LaunchAgents folder it lies; nothing of a file elsewhere.
@@ -374,7 +368,7 @@ bool AgentToggle::isOfAFormerHome(const AgentCapture& capture) const try {
     const auto home = homeOf(capture.plistPath);
     if (!home) return false;
     return isGone(home->string()) ||
-           (belongsTo(uid_, *home) && folder_.jobFile(capture.label, capture.plistPath));
+           (ownerOf(*home) == uid_ && folder_.jobFile(capture.label, capture.plistPath));
 } catch (const AgentToggleError&) {
     return true;  // a folder that can't be read is told of by what goes on to look for the file
 }

@@ -1,11 +1,10 @@
 #include "BrellCore/Background/LaunchAgentPlist.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <exception>
 
 #include "BrellCore/Support/FileContents.h"
+#include "BrellCore/Support/Ownership.h"
 #include "BrellCore/Support/PropertyList.h"
 #include "BrellCore/Support/Text.h"
 
@@ -16,12 +15,6 @@ namespace brell {
 namespace {
 
 constexpr std::size_t mostBytes = 4 << 20;  // job files have a few hundred
-
-std::optional<std::uint32_t> ownerOf(const fs::path& file) {
-    struct stat status;
-    if (::stat(file.c_str(), &status) != 0) return std::nullopt;
-    return static_cast<std::uint32_t>(status.st_uid);
-}
 
 // All that is known of a file that can't be read.
 LaunchAgentPlist nothingOf(const fs::path& file) {

@@ -21,4 +21,10 @@ std::optional<std::string> whyNotOnlyOurs(const std::filesystem::path& path, uid
     return std::nullopt;
 }
 
+std::optional<uid_t> ownerOf(const std::filesystem::path& path) {
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return status.st_uid;
+}
+
 }  // namespace brell

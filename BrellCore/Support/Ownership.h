@@ -17,4 +17,7 @@ namespace brell {
 // can't say.
 std::optional<std::string> whyNotOnlyOurs(const std::filesystem::path& path, uid_t user = ::geteuid());
 
+// Whom what stands at this path belongs to, links followed; nothing where the system can't say.
+std::optional<uid_t> ownerOf(const std::filesystem::path& path);
+
 }  // namespace brell
